@@ -1,0 +1,45 @@
+# Compile options of all our code, and the one way to declare a module.
+add_library(corvane_options INTERFACE)
+target_include_directories(corvane_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(corvane_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror
+    -fno-exceptions -fno-rtti)
+
+if(WIN32)
+    # The oldest platform; what is newer is looked up at run time.
+    target_compile_definitions(corvane_options INTERFACE
+        WINVER=0x0400 _WIN32_WINNT=0x0400 _WIN32_IE=0x0300 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
+    target_compile_options(corvane_options INTERFACE -march=i586 -mtune=generic -ffunction-sections -fdata-sections)
+    target_link_options(corvane_options INTERFACE -Wl,--gc-sections)
+endif()
+if(CORVANE_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(CORVANE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+# corvane_module(<name> PORTABLE <files> WINDOWS <files> NATIVE <files> USES <modules> LIBS <platform libraries>)
+# PORTABLE files are built everywhere, WINDOWS files only for the product, NATIVE files only for the
+# native test build.
+function(corvane_module name)
+    cmake_parse_arguments(M "" "" "PORTABLE;WINDOWS;NATIVE;USES;LIBS" ${ARGN})
+    set(sources ${M_PORTABLE})
+    if(WIN32)
+        list(APPEND sources ${M_WINDOWS})
+    else()
+        list(APPEND sources ${M_NATIVE})
+    endif()
+    add_library(corvane_${name} STATIC ${sources})
+    target_link_libraries(corvane_${name} PUBLIC corvane_options)
+    foreach(used IN LISTS M_USES)
+        target_link_libraries(corvane_${name} PUBLIC corvane_${used})
+    endforeach()
+    if(WIN32)
+        target_link_libraries(corvane_${name} PUBLIC ${M_LIBS})
+    else()
+        find_package(Threads REQUIRED)
+        target_link_libraries(corvane_${name} PUBLIC Threads::Threads)
+    endif()
+endfunction()

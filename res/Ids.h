@@ -1,0 +1,130 @@
+#pragma once
+
+// All public numbers of the program. The resource compiler reads this file too, so it holds macros alone.
+// Prefixes keep the number spaces apart: CM_PRIORITY_HIGH and WM_SENDPROGRESS are both 1041.
+
+// Menu commands
+#define CM_NEWFILE              1001
+#define CM_SENDFILE             1002
+#define CM_SENDFILE_TO          1003
+#define CM_RENAMEFILE           1004
+#define CM_DELETEFILE           1005
+#define CM_DOCK_CABLE           1011
+#define CM_DOCK_TRANSFER        1012
+#define CM_VIEWSENT             1021
+#define CM_RECOVER              1022
+#define CM_LOGON                1031
+#define CM_PRIORITY_HIGH        1041
+#define CM_PRIORITY_NORMAL      1042
+#define CM_PRIORITY_LOW         1043
+#define CM_LOADFILE             1051
+#define CM_LOADSENDFILE         1052
+#define CM_EXIT                 1099
+#define CM_RECORD               2001
+#define CM_PLAY                 2002
+#define CM_STOP                 2003
+#define CM_PLAY_SLOW            2011
+#define CM_PLAY_NORMAL          2012
+#define CM_PLAY_FAST            2013
+#define CM_GOTOSTART            2021
+#define CM_REWIND               2022
+#define CM_FASTFORWARD          2023
+#define CM_GOTOEND              2024
+#define CM_RECORD_OVERWRITE     2031
+#define CM_RECORD_INSERT        2032
+#define CM_RECORD_END           2033
+#define CM_RECORDMODE_OVERWRITE 2041
+#define CM_RECORDMODE_INSERT    2042
+#define CM_RECORDMODE_END       2043
+#define CM_SETTINGS_HARDWARE    3001
+#define CM_SETTINGS_RECIPIENTS  3002
+#define CM_SETTINGS_USER        3003
+#define CM_VIEW_COMPACT         6001
+#define CM_VIEW_NORMAL          6002
+#define CM_VIEW_MAXIMIZED       6003
+#define CM_VIEW_FLOAT           6031
+#define CM_HELP                 9001
+#define CM_ABOUT                9002
+
+// Controls of the main window
+#define IDC_NEW            101
+#define IDC_SEND           102
+#define IDC_PLAY           201
+#define IDC_RECORD         202
+#define IDC_STOP           203
+#define IDC_GOTOSTART      211
+#define IDC_REWIND         212
+#define IDC_FASTFORWARD    213
+#define IDC_GOTOEND        214
+#define IDC_DOCK           300
+#define IDC_LIST           401
+#define IDC_NOTES          402
+#define IDC_INFOLINE       403
+#define IDC_INFOLINK       404
+#define IDC_SENDPROGRESS   405
+#define IDC_LOGGEDON       406
+#define IDC_DICTATIONNAME  407
+#define IDC_POSITION       408
+#define IDC_LEVEL_LEFT     409
+#define IDC_LEVEL_RIGHT    410
+#define IDC_SENDLABEL      411
+
+// Controls of the small dialogs
+#define IDC_PROGRESS_STATUS 501
+#define IDC_PROGRESS_BAR    502
+#define IDC_CHOOSE_LIST     511
+#define IDC_INTRO_TEXT      521
+#define IDC_INTRO_TITLE     522
+#define IDC_INTRO_BACK      523
+#define IDC_INTRO_NEXT      524
+#define IDC_INTRO_PAGE      525
+#define IDC_ABOUT_TEXT      531
+
+// Timers of the main window
+#define TIMER_INFOLINE    1
+#define TIMER_SAVENOTES   2
+#define TIMER_HARDWARE    3
+#define TIMER_HOTKEY      4
+#define TIMER_STOPPEDTONE 5
+
+// Messages into the main window
+#define WM_SENDPROGRESS 1041
+#define WM_DOCKREQUEST  1054
+#define WM_MICBUTTON    1792
+#define WM_APICOMMAND   32767
+
+// Messages that the main window sends itself
+#define WM_RECORDINGTROUBLE 0x8001
+
+// Command indexes: what pedals, hot keys and dictation microphones are mapped to
+#define CI_NONE             0
+#define CI_OPEN             1
+#define CI_MINIMIZE         2
+#define CI_RECORD           3
+#define CI_PLAY             4
+#define CI_GOTOSTART        5
+#define CI_GOTOEND          6
+#define CI_REWIND           7
+#define CI_FASTFORWARD      8
+#define CI_NEW              9
+#define CI_SEND             10
+#define CI_SENDHIGH         11
+#define CI_RECORD_OVERWRITE 12
+#define CI_RECORD_INSERT    13
+#define CI_RECORD_END       14
+#define CI_COUNT            15
+
+// Resources
+#define IDI_CORVANE      1
+#define IDI_RECORDING    2
+#define IDD_MAIN         100
+#define IDD_PROGRESS     101
+#define IDD_CHOOSE       102
+#define IDD_INTRO        103
+#define IDD_SPLASH       104
+#define IDD_ABOUT        105
+#define IDM_MAIN         200
+#define IDM_DICTATION    201
+#define IDM_INFO         202
+#define IDA_MAIN         210
+#define IDW_RECORDTONE   300
