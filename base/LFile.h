@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/LPath.h"
+#include "base/LStream.h"
+
+// A file on disk, owned: closed with its object.
+// Errors: operations return false (or a short count); whoever called traces what that means.
+class LFile final : public LStream {
+public:
+    enum class Open {
+        Read,       // existing; others may read and write (a file that is being recorded can be read)
+        Write,      // existing or new, contents kept; others may read
+        CreateNew,  // emptied or new; others may read
+    };
+
+    LFile();
+    LFile(const LPath& path, Open how);
+    ~LFile() override;
+    LFile(LFile&&) noexcept;
+    LFile& operator=(LFile&&) noexcept;
+
+    bool IsOpen() const;
+    void Close();
+
+    size_t Read(std::span<uint8_t> buffer) override;
+    bool Seek(int64_t position) override;
+    int64_t Position() const override;
+    int64_t Size() const override;
+    size_t Write(std::span<const uint8_t> bytes) override;
+    bool SetEnd() override;
+    bool Flush() override;
+
+    // Last write time in seconds since 1970-01-01 00:00 UTC; 0 when it cannot be told.
+    int64_t WriteTime() const;
+
+    static bool Exists(const LPath& path);
+    static bool Delete(const LPath& path);
+    // Fails when the target exists. Also moves between drives (copies, then deletes the source).
+    static bool Move(const LPath& from, const LPath& to);
+    // Puts a finished file in the place of another, whether that exists or not; the other's old contents are
+    // lost only after the new ones stand beside it, flushed.
+    static bool Replace(const LPath& finished, const LPath& target);
+    // Replaces a whole file: the bytes are written and flushed under the name beside, in the same folder, and
+    // then swapped in. On failure the target is as it was and nothing is left beside it.
+    static bool WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes);
+    static bool MakeFolder(const LPath& path);
+    static bool DeleteFolder(const LPath& path);
+    // Free space on the drive of a folder, in KB, 64 bits wide; the largest value when it cannot be told, so
+    // that no one is warned for nothing.
+    static uint64_t FreeSpaceKb(const LPath& folder);
+    // The file's bytes, or false when it cannot be read or is longer than maxBytes.
+    static bool ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes);
+    // A new, empty file with the given prefix (three characters count) in the platform's temporary folder;
+    // empty path on failure.
+    static LPath MakeTemporary(std::string_view prefix);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+// One entry of a folder listing. Times are file times: 100 ns units since 1601-01-01 UTC.
+struct LFolderEntry {
+    std::string name;
+    bool isFolder = false;
+    int64_t size = 0;
+    uint64_t created = 0;
+    uint64_t written = 0;
+};
+
+// Calls visit for each entry of a folder that fits a pattern ("*.dat", "*.*"), in the order in which the file
+// system yields them, "." and ".." left out; visit returns false to end the listing.
+void LListFolder(const LPath& folder, std::string_view pattern,
+                 const std::function<bool(const LFolderEntry&)>& visit);

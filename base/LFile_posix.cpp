@@ -1,0 +1,185 @@
+#include "base/LFile.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include "base/LOwned.h"
+#include "base/LText.h"
+
+// Serves the native tests: the program's paths are written with backslashes, this platform's with slashes.
+// Share modes are not imitated; tests that need them run as Windows binaries.
+
+namespace {
+
+struct FileTraits {
+    using Type = int;
+    static Type None() { return -1; }
+    static void Close(Type h) { close(h); }
+};
+
+constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
+
+std::string Native(std::string_view path) {
+    std::string text(path);
+    for (char& c : text) {
+        if (c == '\\') c = '/';
+    }
+    return text;
+}
+
+std::string Native(const LPath& path) {
+    return Native(path.View());
+}
+
+uint64_t ToFileTime(const timespec& time) {
+    return kFileTimeOf1970 + static_cast<uint64_t>(time.tv_sec) * 10000000 +
+           static_cast<uint64_t>(time.tv_nsec) / 100;
+}
+
+int OpenFile(const LPath& path, LFile::Open how) {
+    const int flags = how == LFile::Open::Read    ? O_RDONLY
+                      : how == LFile::Open::Write ? O_RDWR | O_CREAT
+                                                  : O_RDWR | O_CREAT | O_TRUNC;
+    return path.Empty() ? -1 : open(Native(path).c_str(), flags | O_CLOEXEC, 0666);
+}
+
+// One read or write after the other until all is done, nothing more comes, or the call fails.
+template <class Byte, class Call>
+size_t Transfer(std::span<Byte> bytes, Call call) {
+    size_t total = 0;
+    while (total < bytes.size()) {
+        const ssize_t count = call(bytes.data() + total, bytes.size() - total);
+        if (count <= 0) break;
+        total += static_cast<size_t>(count);
+    }
+    return total;
+}
+
+}  // namespace
+
+struct LFile::Impl {
+    LOwned<FileTraits> file;
+};
+
+LFile::LFile() = default;
+LFile::LFile(const LPath& path, Open how) {
+    if (const int handle = OpenFile(path, how); handle != -1) {
+        m_impl = std::make_unique<Impl>();
+        m_impl->file.Reset(handle);
+    }
+}
+LFile::~LFile() = default;
+LFile::LFile(LFile&&) noexcept = default;
+LFile& LFile::operator=(LFile&&) noexcept = default;
+
+bool LFile::IsOpen() const {
+    return m_impl != nullptr;
+}
+
+void LFile::Close() {
+    m_impl.reset();
+}
+
+size_t LFile::Read(std::span<uint8_t> buffer) {
+    if (!m_impl) return 0;
+    return Transfer(buffer, [&](uint8_t* data, size_t size) { return read(m_impl->file.Get(), data, size); });
+}
+
+size_t LFile::Write(std::span<const uint8_t> bytes) {
+    if (!m_impl) return 0;
+    return Transfer(bytes,
+                    [&](const uint8_t* data, size_t size) { return write(m_impl->file.Get(), data, size); });
+}
+
+bool LFile::Seek(int64_t position) {
+    return m_impl && position >= 0 && lseek(m_impl->file.Get(), position, SEEK_SET) == position;
+}
+
+int64_t LFile::Position() const {
+    return m_impl ? lseek(m_impl->file.Get(), 0, SEEK_CUR) : 0;
+}
+
+int64_t LFile::Size() const {
+    struct stat info;
+    return m_impl && fstat(m_impl->file.Get(), &info) == 0 ? info.st_size : 0;
+}
+
+bool LFile::SetEnd() {
+    return m_impl && ftruncate(m_impl->file.Get(), Position()) == 0;
+}
+
+bool LFile::Flush() {
+    return m_impl && fsync(m_impl->file.Get()) == 0;
+}
+
+int64_t LFile::WriteTime() const {
+    struct stat info;
+    return m_impl && fstat(m_impl->file.Get(), &info) == 0 ? info.st_mtim.tv_sec : 0;
+}
+
+bool LFile::Exists(const LPath& path) {
+    struct stat info;
+    return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
+}
+
+bool LFile::Delete(const LPath& path) {
+    return !path.Empty() && unlink(Native(path).c_str()) == 0;
+}
+
+bool LFile::Move(const LPath& from, const LPath& to) {
+    if (from.Empty() || to.Empty()) return false;
+    struct stat info;
+    if (stat(Native(to).c_str(), &info) == 0) return false;
+    return rename(Native(from).c_str(), Native(to).c_str()) == 0;
+}
+
+bool LFile::Replace(const LPath& finished, const LPath& target) {
+    return !target.Empty() && Exists(finished) &&
+           rename(Native(finished).c_str(), Native(target).c_str()) == 0;
+}
+
+bool LFile::MakeFolder(const LPath& path) {
+    return !path.Empty() && mkdir(Native(path).c_str(), 0777) == 0;
+}
+
+bool LFile::DeleteFolder(const LPath& path) {
+    return !path.Empty() && rmdir(Native(path).c_str()) == 0;
+}
+
+uint64_t LFile::FreeSpaceKb(const LPath& folder) {
+    struct statvfs info;
+    if (folder.Empty() || statvfs(Native(folder).c_str(), &info) != 0) return UINT64_MAX;
+    return uint64_t{info.f_bavail} * info.f_frsize / 1024;
+}
+
+LPath LFile::MakeTemporary(std::string_view prefix) {
+    std::string path = "/tmp/" + std::string(prefix.substr(0, 3)) + "XXXXXX.tmp";
+    const LOwned<FileTraits> file(mkstemps(path.data(), 4));
+    return file ? LPath(path) : LPath();
+}
+
+void LListFolder(const LPath& folder, std::string_view pattern,
+                 const std::function<bool(const LFolderEntry&)>& visit) {
+    DIR* list = folder.Empty() ? nullptr : opendir(Native(folder).c_str());
+    if (!list) return;
+    const std::string wanted = pattern == "*.*" ? "*" : LUpper(pattern);
+    while (const dirent* found = readdir(list)) {
+        LFolderEntry entry;
+        entry.name = found->d_name;
+        if (entry.name == "." || entry.name == "..") continue;
+        if (fnmatch(wanted.c_str(), LUpper(entry.name).c_str(), 0) != 0) continue;
+        struct stat info;
+        if (stat((Native(folder) + "/" + entry.name).c_str(), &info) != 0) continue;
+        entry.isFolder = S_ISDIR(info.st_mode);
+        entry.size = info.st_size;
+        entry.written = ToFileTime(info.st_mtim);
+        entry.created = entry.written;  // this platform keeps no time of creation
+        if (!visit(entry)) break;
+    }
+    closedir(list);
+}

@@ -1,0 +1,227 @@
+#include "base/LFile.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "base/LOwned.h"
+
+namespace {
+
+struct FileTraits {  // CreateFileA fails with -1, not with 0
+    using Type = HANDLE;
+    static Type None() { return INVALID_HANDLE_VALUE; }
+    static void Close(Type h) { CloseHandle(h); }
+};
+
+struct FindTraits {
+    using Type = HANDLE;
+    static Type None() { return INVALID_HANDLE_VALUE; }
+    static void Close(Type h) { FindClose(h); }
+};
+
+constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
+constexpr uint64_t kFileTimeSecond = 10000000;
+
+uint64_t Join(DWORD high, DWORD low) {
+    return static_cast<uint64_t>(high) << 32 | low;
+}
+
+uint64_t ToFileTime(const FILETIME& time) {
+    return Join(time.dwHighDateTime, time.dwLowDateTime);
+}
+
+// A function of the system library that the oldest platform lacks; nullptr there.
+template <class Function>
+Function LookUp(const char* name) {
+    // Through void*, since the compiler rightly doubts casts between function types.
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
+}
+
+HANDLE OpenFile(const LPath& path, LFile::Open how) {
+    if (path.Empty()) return INVALID_HANDLE_VALUE;
+    switch (how) {
+        case LFile::Open::Read:
+            return CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        case LFile::Open::Write:
+            return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                               OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        case LFile::Open::CreateNew:
+            return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    }
+    return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+struct LFile::Impl {
+    LOwned<FileTraits> file;
+};
+
+LFile::LFile() = default;
+LFile::LFile(const LPath& path, Open how) {
+    if (const HANDLE handle = OpenFile(path, how); handle != INVALID_HANDLE_VALUE) {
+        m_impl = std::make_unique<Impl>();
+        m_impl->file.Reset(handle);
+    }
+}
+LFile::~LFile() = default;
+LFile::LFile(LFile&&) noexcept = default;
+LFile& LFile::operator=(LFile&&) noexcept = default;
+
+bool LFile::IsOpen() const {
+    return m_impl != nullptr;
+}
+
+void LFile::Close() {
+    m_impl.reset();
+}
+
+size_t LFile::Read(std::span<uint8_t> buffer) {
+    size_t total = 0;
+    while (m_impl && total < buffer.size()) {
+        const DWORD wanted = static_cast<DWORD>(std::min<size_t>(buffer.size() - total, 1u << 24));
+        DWORD count = 0;
+        if (!ReadFile(m_impl->file.Get(), buffer.data() + total, wanted, &count, nullptr) || count == 0)
+            break;
+        total += count;
+    }
+    return total;
+}
+
+size_t LFile::Write(std::span<const uint8_t> bytes) {
+    size_t total = 0;
+    while (m_impl && total < bytes.size()) {
+        const DWORD wanted = static_cast<DWORD>(std::min<size_t>(bytes.size() - total, 1u << 24));
+        DWORD count = 0;
+        const BOOL ok = WriteFile(m_impl->file.Get(), bytes.data() + total, wanted, &count, nullptr);
+        total += count;
+        if (!ok || count == 0) break;
+    }
+    return total;
+}
+
+bool LFile::Seek(int64_t position) {
+    if (!m_impl || position < 0) return false;
+    LONG high = static_cast<LONG>(position >> 32);
+    const LONG low = static_cast<LONG>(static_cast<uint32_t>(position));
+    // -1 is also the low half of a valid position, so only the error code tells.
+    return SetFilePointer(m_impl->file.Get(), low, &high, FILE_BEGIN) != INVALID_SET_FILE_POINTER ||
+           GetLastError() == NO_ERROR;
+}
+
+int64_t LFile::Position() const {
+    if (!m_impl) return 0;
+    LONG high = 0;
+    const DWORD low = SetFilePointer(m_impl->file.Get(), 0, &high, FILE_CURRENT);
+    if (low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR) return 0;
+    return static_cast<int64_t>(Join(static_cast<DWORD>(high), low));
+}
+
+int64_t LFile::Size() const {
+    if (!m_impl) return 0;
+    DWORD high = 0;
+    const DWORD low = GetFileSize(m_impl->file.Get(), &high);
+    if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return 0;
+    return static_cast<int64_t>(Join(high, low));
+}
+
+bool LFile::SetEnd() {
+    return m_impl && SetEndOfFile(m_impl->file.Get());
+}
+
+bool LFile::Flush() {
+    return m_impl && FlushFileBuffers(m_impl->file.Get());
+}
+
+int64_t LFile::WriteTime() const {
+    FILETIME written;
+    if (!m_impl || !GetFileTime(m_impl->file.Get(), nullptr, nullptr, &written)) return 0;
+    const uint64_t time = ToFileTime(written);
+    return time < kFileTimeOf1970 ? 0 : static_cast<int64_t>((time - kFileTimeOf1970) / kFileTimeSecond);
+}
+
+bool LFile::Exists(const LPath& path) {
+    if (path.Empty()) return false;
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool LFile::Delete(const LPath& path) {
+    return !path.Empty() && DeleteFileA(path.c_str());
+}
+
+bool LFile::Move(const LPath& from, const LPath& to) {
+    return !from.Empty() && !to.Empty() && MoveFileA(from.c_str(), to.c_str());
+}
+
+bool LFile::Replace(const LPath& finished, const LPath& target) {
+    if (target.Empty() || !Exists(finished)) return false;
+    using MoveFileEx = BOOL(WINAPI*)(LPCSTR, LPCSTR, DWORD);
+    static const auto moveFileEx = LookUp<MoveFileEx>("MoveFileExA");
+    if (moveFileEx) {
+        const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH | MOVEFILE_COPY_ALLOWED;
+        if (moveFileEx(finished.c_str(), target.c_str(), flags)) return true;
+        if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED) return false;
+    }
+    // Windows 95 and 98 cannot replace in one step; the finished file exists, so the target may go first.
+    if (Exists(target) && !Delete(target)) return false;
+    return Move(finished, target);
+}
+
+bool LFile::MakeFolder(const LPath& path) {
+    return !path.Empty() && CreateDirectoryA(path.c_str(), nullptr);
+}
+
+bool LFile::DeleteFolder(const LPath& path) {
+    return !path.Empty() && RemoveDirectoryA(path.c_str());
+}
+
+uint64_t LFile::FreeSpaceKb(const LPath& folder) {
+    using GetDiskFreeSpaceEx = BOOL(WINAPI*)(LPCSTR, PULARGE_INTEGER, PULARGE_INTEGER, PULARGE_INTEGER);
+    static const auto getDiskFreeSpaceEx = LookUp<GetDiskFreeSpaceEx>("GetDiskFreeSpaceExA");
+    ULARGE_INTEGER available;
+    ULARGE_INTEGER total;
+    if (getDiskFreeSpaceEx && getDiskFreeSpaceEx(folder.c_str(), &available, &total, nullptr)) {
+        return available.QuadPart / 1024;
+    }
+    // The older call takes a root, not any folder.
+    const std::string root = std::string(LSplitPath(folder.View()).drive) + "\\";
+    DWORD sectors = 0;
+    DWORD sectorBytes = 0;
+    DWORD freeClusters = 0;
+    DWORD clusters = 0;
+    if (!GetDiskFreeSpaceA(root.c_str(), &sectors, &sectorBytes, &freeClusters, &clusters)) return UINT64_MAX;
+    return uint64_t{sectors} * sectorBytes * freeClusters / 1024;
+}
+
+LPath LFile::MakeTemporary(std::string_view prefix) {
+    char folder[kPathSize];
+    char name[kPathSize];
+    const DWORD length = GetTempPathA(sizeof folder, folder);
+    if (length == 0 || length >= sizeof folder) return {};
+    if (!GetTempFileNameA(folder, std::string(prefix).c_str(), 0, name)) return {};
+    return LPath(name);
+}
+
+void LListFolder(const LPath& folder, std::string_view pattern,
+                 const std::function<bool(const LFolderEntry&)>& visit) {
+    const LPath search = LPath::Join(folder.View(), pattern);
+    if (folder.Empty() || search.Empty()) return;
+    WIN32_FIND_DATAA found;
+    const LOwned<FindTraits> list(FindFirstFileA(search.c_str(), &found));
+    if (!list) return;
+    do {
+        LFolderEntry entry;
+        entry.name = found.cFileName;
+        if (entry.name == "." || entry.name == "..") continue;
+        entry.isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        entry.size = static_cast<int64_t>(Join(found.nFileSizeHigh, found.nFileSizeLow));
+        entry.created = ToFileTime(found.ftCreationTime);
+        entry.written = ToFileTime(found.ftLastWriteTime);
+        if (!visit(entry)) return;
+    } while (FindNextFileA(list.Get(), &found));
+}

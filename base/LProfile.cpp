@@ -1,0 +1,39 @@
+#include "base/LProfile.h"
+
+#include "base/LProfileText.h"
+#include "base/LText.h"
+
+std::string_view LTrimBlanks(std::string_view text) {
+    while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && LIsBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+std::string_view LProfileValue(std::string_view written) {
+    std::string_view value = LTrimBlanks(written);
+    const bool quoted =
+        value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.front() == value.back();
+    if (quoted) value = value.substr(1, value.size() - 2);
+    return value.substr(0, LProfile::kMaxText);
+}
+
+std::string_view LProfileSafe(std::string_view value) {
+    size_t length = 0;
+    while (length < value.size() &&
+           (static_cast<unsigned char>(value[length]) >= 32 || value[length] == '\t'))
+        ++length;
+    return value.substr(0, length < LProfile::kMaxText ? length : LProfile::kMaxText);
+}
+
+std::string LProfileSection::Read(std::string_view key, std::string_view defaultText) const {
+    std::string_view rest = m_lines;
+    while (!rest.empty()) {
+        const std::string_view line = LBeforeZero(rest);
+        rest.remove_prefix(line.size() < rest.size() ? line.size() + 1 : line.size());
+        const size_t equals = line.find('=');
+        if (equals == std::string_view::npos || !LEqualNoCase(LTrimBlanks(line.substr(0, equals)), key))
+            continue;
+        return std::string(LProfileValue(line.substr(equals + 1)));
+    }
+    return std::string(defaultText.substr(0, LProfile::kMaxText));
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/LPath.h"
+
+// One key of one INI-style text file. The Windows build uses the platform's private-profile functions; the
+// native test build has a stand-in with the same visible rules: section and key names without regard to case,
+// blanks around a value dropped, one pair of quotation marks around a value dropped, values of at most 259
+// characters.
+// Errors: a read of what is missing yields the default; a failed write returns false.
+// Thread: any.
+class LProfile {
+public:
+    static constexpr size_t kMaxText = 259;
+
+    static std::string Read(const LPath& file, std::string_view section, std::string_view key,
+                            std::string_view defaultText);
+    static bool Write(const LPath& file, std::string_view section, std::string_view key,
+                      std::string_view value);
+    static bool Delete(const LPath& file, std::string_view section, std::string_view key);
+    // Lets go of the platform's cache, so that the file itself may be moved or deleted.
+    static void Flush(const LPath& file);
+};
+
+// All keys of one section, read with one call: a list of a thousand records opens each of them once.
+class LProfileSection {
+public:
+    LProfileSection(const LPath& file, std::string_view section);
+
+    // The value as LProfile::Read would give it.
+    std::string Read(std::string_view key, std::string_view defaultText) const;
+
+private:
+    std::string m_lines;  // "key=value", each ended by a zero byte
+};

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+// The text rules of profile files that both implementations of LProfile need.
+
+// Without the blanks around it.
+std::string_view LTrimBlanks(std::string_view text);
+
+// A value as a reader gets it: without blanks and one pair of quotation marks around it, cut to 259
+// characters.
+std::string_view LProfileValue(std::string_view written);
+
+// A value as it may be written: it ends before the first line break or other control byte, so no text that a
+// user enters can become a line of its own, and after at most 259 characters.
+std::string_view LProfileSafe(std::string_view value);

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+// Bytes that can be read at any place. Parsers take one of these, never a path.
+// Units: bytes, 64 bits. Thread: one at a time.
+class LReadStream {
+public:
+    virtual ~LReadStream() = default;
+
+    // Reads up to the whole buffer; returns the count that was read, less than asked only at the end or
+    // after a failure.
+    virtual size_t Read(std::span<uint8_t> buffer) = 0;
+    // Moves to a position from the start; a position beyond the end is allowed and reads nothing.
+    virtual bool Seek(int64_t position) = 0;
+    virtual int64_t Position() const = 0;
+    // The size now: a file that another stream is writing grows.
+    virtual int64_t Size() const = 0;
+
+    // True when the whole buffer was read.
+    bool ReadExact(std::span<uint8_t> buffer) { return Read(buffer) == buffer.size(); }
+};
+
+// A stream that can be written as well.
+class LStream : public LReadStream {
+public:
+    // Returns the count that was written: less than the buffer when the disk is full.
+    virtual size_t Write(std::span<const uint8_t> bytes) = 0;
+    // Cuts or extends the stream at the current position.
+    virtual bool SetEnd() = 0;
+    // Hands everything written to the disk.
+    virtual bool Flush() = 0;
+
+    bool WriteAll(std::span<const uint8_t> bytes) { return Write(bytes) == bytes.size(); }
+};

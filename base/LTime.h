@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Seconds since 1970-01-01 00:00 UTC.
+int64_t LNowSeconds();
+
+// The current time as a file time: 100 ns units since 1601-01-01 UTC.
+uint64_t LNowFileTime();
+
+// Milliseconds since the machine started; wraps after 49.7 days, so only unsigned differences mean anything.
+uint32_t LTickMs();
+
+// A moment as calendar fields, with no time-zone shift.
+struct LCalendar {
+    int year = 1970;
+    int month = 1;    // 1 to 12
+    int day = 1;      // 1 to 31
+    int weekday = 4;  // 0 is Sunday
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+
+// Proleptic Gregorian calendar; seconds outside the years 1601 to 9999 count as the nearest limit.
+LCalendar LToCalendar(int64_t secondsSince1970);

@@ -1,0 +1,25 @@
+#include <time.h>
+
+#include "base/LTime.h"
+
+constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
+
+uint64_t LNowFileTime() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return kFileTimeOf1970 + static_cast<uint64_t>(now.tv_sec) * 10000000 +
+           static_cast<uint64_t>(now.tv_nsec) / 100;
+}
+
+int64_t LNowSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now.tv_sec;
+}
+
+uint32_t LTickMs() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000 +
+                                 static_cast<uint64_t>(now.tv_nsec) / 1000000);
+}

@@ -1,0 +1,20 @@
+#include <windows.h>
+
+#include "base/LTime.h"
+
+constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
+constexpr uint64_t kFileTimeSecond = 10000000;
+
+uint64_t LNowFileTime() {
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    return static_cast<uint64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime;
+}
+
+int64_t LNowSeconds() {
+    return static_cast<int64_t>((LNowFileTime() - kFileTimeOf1970) / kFileTimeSecond);
+}
+
+uint32_t LTickMs() {
+    return GetTickCount();
+}
