@@ -336,16 +336,32 @@ const char* SetText(const Fields& fields, Json&) {
                                                                                            : "no answer";
 }
 
+// setreg <subkey> <value> [<text>]: a text in the machine's registry; without text the value is removed
+const char* SetRegistry(const Fields& fields, Json&) {
+    if (fields.size() < 3) return "usage";
+    HKEY key = nullptr;
+    if (RegCreateKeyA(HKEY_LOCAL_MACHINE, fields[1].c_str(), &key) != ERROR_SUCCESS) return "no key";
+    const char* name = fields[2].c_str();
+    if (fields.size() > 3) {
+        RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(fields[3].c_str()),
+                       static_cast<DWORD>(fields[3].size() + 1));
+    } else {
+        RegDeleteValueA(key, name);
+    }
+    RegCloseKey(key);
+    return nullptr;
+}
+
 // --- The server -----------------------------------------------------------------------------------------
 
 constexpr struct {
     const char* name;
     Handler handle;
 } kCommands[] = {
-    {"click", Click}, {"devices", Devices},   {"find", Find},         {"list", List},
-    {"menu", Menu},   {"post", Post},         {"progress", Progress}, {"select", Select},
-    {"send", Send},   {"sendatom", SendAtom}, {"settext", SetText},   {"text", Text},
-    {"type", Type},   {"window", OneWindow},  {"windows", Windows},
+    {"click", Click}, {"devices", Devices},   {"find", Find},          {"list", List},
+    {"menu", Menu},   {"post", Post},         {"progress", Progress},  {"select", Select},
+    {"send", Send},   {"sendatom", SendAtom}, {"setreg", SetRegistry}, {"settext", SetText},
+    {"text", Text},   {"type", Type},         {"window", OneWindow},   {"windows", Windows},
 };
 
 Fields Split(const std::string& line) {

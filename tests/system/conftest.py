@@ -1,0 +1,66 @@
+"""Fixtures of the system tests. They run on the rig: tools/rig pytest tests/system"""
+
+import os
+import subprocess
+from pathlib import Path
+
+import pytest
+
+import sound
+from corvane import FOLDERS_KEY, Corvane, Data, WinCtl, windows_path
+
+WORDS = (
+    "This is a letter about Mister Harris, who came to the clinic on Monday. "
+    "His blood pressure is one hundred and thirty over eighty. Please see him again in two weeks."
+)
+
+
+def pytest_sessionstart(session):
+    if "RIG" not in os.environ:
+        pytest.exit("run these on the rig: tools/rig pytest tests/system", 2)
+
+
+@pytest.fixture(scope="session")
+def winctl():
+    helper = WinCtl()
+    yield helper
+    helper.close()
+
+
+@pytest.fixture(scope="session")
+def speech():
+    """Path and audio of a spoken sample of some seconds."""
+    path = Path(os.environ["RIG"]) / "speech.wav"
+    return path, sound.speak(path, WORDS, 6)
+
+
+@pytest.fixture(scope="session")
+def more_speech():
+    path = Path(os.environ["RIG"]) / "more.wav"
+    return path, sound.speak(path, "And one more thing: the left knee is fine.", 3)
+
+
+@pytest.fixture
+def drive_c():
+    return Path(os.environ["WINEPREFIX"]) / "drive_c"
+
+
+@pytest.fixture
+def data(drive_c, request):
+    """A fresh data folder of its own."""
+    name = "".join(c for c in request.node.name if c.isalnum())[:40]
+    return Data(drive_c / "d" / name, drive_c / "share" / name)
+
+
+@pytest.fixture
+def corvane(winctl, data):
+    """Starts corvane.exe, as often as a test asks; whatever still runs afterwards is ended."""
+    started = []
+
+    def start(*arguments, **options):
+        started.append(Corvane(winctl, options.pop("data", data), arguments, **options))
+        return started[-1]
+
+    yield start
+    for program in started:
+        program.kill()

@@ -1,0 +1,357 @@
+"""Runs the real corvane.exe on the rig and drives it as a user or another program would."""
+
+import json
+import os
+import re
+import signal
+import struct
+import subprocess
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+BUILD = Path(os.environ.get("CORVANE_BUILD", ROOT / "build" / "win32"))
+EXE = BUILD / "corvane.exe"
+TOOLS = BUILD / "tests" / "system"
+TITLE = "Corvane"
+DIALOG_CLASS = "#32770"
+FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
+
+WM_CLOSE, WM_COMMAND, WM_LBUTTONDOWN, WM_LBUTTONUP = 0x10, 0x111, 0x201, 0x202
+API = 32767
+
+# The public numbers, as the resource compiler reads them: IDS["CM_NEWFILE"] is 1001.
+IDS = {
+    name: int(value, 0)
+    for name, value in re.findall(r"^#define\s+(\w+)\s+(\w+)", (ROOT / "res" / "Ids.h").read_text(), re.M)
+}
+
+
+def wait_for(condition, what, seconds=10.0):
+    """Polls until the condition gives something true, and returns that; fails when it never does."""
+    deadline = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"waited {seconds:g} s in vain: {what}")
+        time.sleep(0.02)
+
+
+class WinCtl:
+    """The helper inside Windows: one command, one answer."""
+
+    def __init__(self):
+        self.process = subprocess.Popen(
+            ["wine", str(TOOLS / "winctl.exe")], stdin=subprocess.PIPE, stdout=subprocess.PIPE
+        )
+
+    def ask(self, *fields):
+        """The answer to a command; None when it could not be obeyed."""
+        escapes = {"\\": "\\\\", "\t": "\\t", "\n": "\\n", "\r": "\\r"}
+        line = "\t".join("".join(escapes.get(c, c) for c in str(f)) for f in fields)
+        self.process.stdin.write(line.encode("latin-1") + b"\n")
+        self.process.stdin.flush()
+        answer = self.process.stdout.readline()
+        assert answer, "winctl has ended"
+        answer = json.loads(answer)
+        return answer if answer["ok"] else None
+
+    def close(self):
+        self.process.stdin.close()
+        self.process.wait(10)
+
+
+def windows_path(path):
+    """A path of this machine as Windows sees it."""
+    drive_c = Path(os.environ["WINEPREFIX"]) / "drive_c"
+    path = Path(path)
+    if path.is_relative_to(drive_c):
+        return "C:\\" + str(path.relative_to(drive_c)).replace("/", "\\")
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def read_ini(path):
+    """A settings file as {section: {key: value}}, keys in lower case; an unreadable one is empty."""
+    sections, current = {}, {}
+    try:
+        text = Path(path).read_bytes().decode("latin-1")
+    except OSError:
+        return sections
+    for line in text.splitlines():
+        if line.startswith("["):
+            current = sections.setdefault(line.strip("[] \0").lower(), {})
+        elif "=" in line:
+            key, value = line.split("=", 1)
+            current[key.strip().lower()] = value.strip()
+    return sections
+
+
+def write_ini(path, sections):
+    lines = []
+    for section, values in sections.items():
+        lines += [f"[{section}]", *(f"{key}={value}" for key, value in values.items())]
+    Path(path).write_bytes("".join(line + "\r\n" for line in lines).encode("latin-1"))
+
+
+def recipient_record(name, folder, password=None, method=1):
+    """A recipient's record, as the program itself writes it: PCM, mono, 8000 Hz, 8 bits."""
+    wave_format = struct.pack("<HHIIHHH", 1, 1, 8000, 8000, 1, 8, 0)
+    texts = ((name, 32),)
+    tail = (("", 128), (folder, 256), ("", 128), ("", 32), ("", 32), ("", 256), (password or "", 64))
+    pack = lambda fields: b"".join(t.encode("latin-1").ljust(size, b"\0") for t, size in fields)
+    record = struct.pack("<II", 1, 1 if password else 0) + pack(texts) + struct.pack("<I", method) + pack(tail)
+    return record + wave_format.ljust(1024, b"\0")
+
+
+class Data:
+    """A data folder with one user, and a typist's shared folder."""
+
+    def __init__(self, folder, share):
+        self.folder, self.share = Path(folder), Path(share)
+        self.user = self.folder / "00000000"
+        self.current, self.sent = self.user / "Current", self.user / "Sent"
+        for path in (self.current, self.sent, self.share):
+            path.mkdir(parents=True, exist_ok=True)
+        self.settings = self.folder / "settings.ini"
+        self.user_file = self.user / "user.dat"
+        self.queue = self.folder / "bgsend.dat"
+        write_ini(self.settings, {"settings": {"warnbelowmb": 0}})
+        self.add_recipient("Typist")
+
+    def add_recipient(self, name, password=None, index=0):
+        record = recipient_record(name, windows_path(self.share), password)
+        (self.user / f"rec{index}.dat").write_bytes(record)
+        details = {"name": "Dr. Ada Blake", "email": "ada@example.org", "company": "Harbour Clinic"}
+        write_ini(self.user_file, {"user": details, "settings": {"sendcount": index + 1, "senddefault": 0}})
+
+    def add_dictation(self, number, wav=None, notes=None, folder=None, **record):
+        base = (folder or self.current) / f"{number:08}"
+        values = {"name": f"Dictation {number % 1000:03}", "number": number, "date": 1000000000 + number}
+        write_ini(base.with_suffix(".dat"), {"file": {**values, **record}})
+        if wav is not None:
+            base.with_suffix(".wav").write_bytes(wav)
+        if notes is not None:
+            base.with_suffix(".txt").write_bytes(notes)
+        return base
+
+    def record(self, number, folder=None):
+        """Section "file" of a dictation's record."""
+        return read_ini((folder or self.current) / f"{number:08}.dat").get("file", {})
+
+    def audio(self, number, folder=None):
+        return (folder or self.current) / f"{number:08}.wav"
+
+    def status(self, number):
+        return self.record(number, self.sent).get("sendstatus")
+
+    def delivered(self):
+        return sorted(self.share.glob("*.dct"))
+
+
+def pcm_wav(frames, rate=8000, sizes_known=True, value=1000):
+    """A recording in the program's own layout (46 bytes of header); as a crash leaves it, on request."""
+    data = struct.pack("<h", value) * frames
+    riff, size = (38 + len(data), len(data)) if sizes_known else (0xFFFFFFFF, 0xFFFFFFFF)
+    head = b"RIFF" + struct.pack("<I", riff) + b"WAVEfmt " + struct.pack("<IHHIIHHH", 18, 1, 1, rate, 2 * rate, 2, 16, 0)
+    return head + b"data" + struct.pack("<I", size) + data
+
+
+class Corvane:
+    """One running corvane.exe."""
+
+    def __init__(self, winctl, data, arguments=(), environment=None, program=EXE):
+        self.winctl, self.data = winctl, data
+        self.environment = {**os.environ, **(environment or {})}
+        self.program = program
+        self.arguments = [str(a) for a in arguments]
+        self.process = None
+        self.window = self.pid = 0
+        self.start()
+
+    # --- Its life -------------------------------------------------------------------------------------
+
+    def start(self):
+        if self.data:
+            self.winctl.ask("setreg", FOLDERS_KEY, "DataFiles", windows_path(self.data.folder))
+        started = time.monotonic()
+        self.process = subprocess.Popen(
+            ["wine", str(self.program), *self.arguments], env=self.environment, stdin=subprocess.DEVNULL
+        )
+        found = wait_for(self._find, "the main window", 20)
+        self.window, self.pid = found["hwnd"], found["pid"]
+        wait_for(lambda: self.api(0) == 1, "an answering main window")
+        self.start_seconds = time.monotonic() - started
+        return self
+
+    def _find(self):
+        assert self.process.poll() is None, f"corvane.exe ended with {self.process.returncode} while starting"
+        found = self.winctl.ask("find", DIALOG_CLASS, TITLE)
+        return found if found["hwnd"] else None
+
+    def close(self):
+        """Asks the program to close and waits for its end."""
+        if self.process.poll() is None:
+            self.winctl.ask("post", self.window, WM_CLOSE, 0, 0)
+        return self.process.wait(15)
+
+    def kill(self):
+        """Ends it as a power failure would."""
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+        self.process.wait(10)
+        # Windows has not forgotten the process before its window is gone.
+        wait_for(lambda: not self.winctl.ask("find", DIALOG_CLASS, TITLE)["hwnd"], "the end of the window")
+
+    def cpu_seconds(self):
+        fields = Path(f"/proc/{self.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+    # --- Messages and commands ------------------------------------------------------------------------
+
+    def send(self, message, w=0, l=0):
+        answer = self.winctl.ask("send", self.window, message, w, l)
+        return answer and answer["result"]
+
+    def post(self, message, w=0, l=0):
+        return self.winctl.ask("post", self.window, message, w, l)
+
+    def api(self, command, argument=0):
+        """The small command interface for other programs; a text argument goes as a global atom."""
+        if isinstance(argument, str):
+            return self.winctl.ask("sendatom", self.window, API, command, argument)["result"]
+        return self.send(API, command, argument)
+
+    def command(self, name):
+        """A menu command by its name in res/Ids.h; posted, since it may open a box."""
+        self.post(WM_COMMAND, IDS[name])
+
+    def control(self, name):
+        wanted = IDS[name]
+        return next(c for c in self.describe()["children"] if c["id"] == wanted)
+
+    def press(self, name):
+        """Clicks a button of the main window."""
+        self.winctl.ask("click", self.control(name)["hwnd"])
+
+    # --- What it shows --------------------------------------------------------------------------------
+
+    def describe(self):
+        return self.winctl.ask("window", self.window)
+
+    def boxes(self):
+        """Its message boxes: visible top-level dialogs with a button."""
+        windows = self.winctl.ask("windows", self.pid)["windows"]
+        return [
+            w
+            for w in windows
+            if w["class"] == DIALOG_CLASS
+            and w["hwnd"] != self.window
+            and any(c["class"] == "Button" and c["id"] in range(1, 8) for c in w["children"])
+        ]
+
+    def wait_box(self, title, seconds=10):
+        """Waits for a message box and returns its text."""
+        box = wait_for(
+            lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"', seconds
+        )
+        texts = [c["text"] for c in box["children"] if c["class"] == "Static" and c["text"]]
+        return "\n".join(texts)
+
+    def answer_box(self, title, button):
+        """Presses a button (1 OK, 2 Cancel, 6 Yes, 7 No) of a message box and waits until it is gone."""
+        box = wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"')
+        self.winctl.ask("click", next(c["hwnd"] for c in box["children"] if c["id"] == button))
+        wait_for(lambda: box["hwnd"] not in [b["hwnd"] for b in self.boxes()], "the end of the box")
+
+    def menu(self):
+        """The whole menu, flat: {number: item}."""
+        items = {}
+
+        def walk(menu):
+            for item in menu:
+                if "items" in item:
+                    walk(item["items"])
+                else:
+                    items[item["number"]] = item
+
+        walk(self.winctl.ask("menu", self.window)["menu"])
+        return items
+
+    def list(self):
+        return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])
+
+    def rows(self):
+        return self.list()["rows"]
+
+    def row(self, number):
+        return next((r for r in self.rows() if r["number"] == number), None)
+
+    def select(self, *numbers):
+        """Selects exactly these dictations."""
+        handle = self.control("IDC_LIST")["hwnd"]
+        self.winctl.ask("select", handle, -1, 0)
+        rows = [r["number"] for r in self.rows()]
+        for number in numbers:
+            assert self.winctl.ask("select", handle, rows.index(number), 1)
+
+    def notes(self):
+        return self.control("IDC_NOTES")["text"]
+
+    def type_notes(self, text):
+        self.winctl.ask("type", self.control("IDC_NOTES")["hwnd"], text)
+
+    def progress(self):
+        bar = self.winctl.ask("progress", self.control("IDC_SENDPROGRESS")["hwnd"])
+        return bar["position"]
+
+    # --- A user's roads -------------------------------------------------------------------------------
+
+    def new(self):
+        """Creates a dictation and returns its number."""
+        before = {r["number"] for r in self.rows()}
+        self.command("CM_NEWFILE")
+        return wait_for(lambda: {r["number"] for r in self.rows()} - before, "a new row").pop()
+
+    def record(self, command="CM_RECORD"):
+        """Starts recording and waits until the microphone runs."""
+        from sound import microphone_streams
+
+        self.command(command)
+        wait_for(lambda: microphone_streams() > 0, "a running microphone")
+
+    def stop(self):
+        from sound import microphone_streams
+
+        self.command("CM_STOP")
+        wait_for(lambda: microphone_streams() == 0, "a stopped microphone")
+
+    def dictate(self, sample, spoken, command="CM_RECORD", number=None):
+        """Records a spoken sample and stops once all of it is on disk."""
+        from sound import play
+
+        self.record(command)
+        number = number if number is not None else self.api(8)
+        path = self.data.audio(number)
+        before = path.stat().st_size if path.exists() else 0
+        play(sample)
+        # The sound is still on its way through the card when the speaker has finished.
+        enough = before + int((spoken.duration + 0.4) * 16000)
+        wait_for(lambda: path.exists() and path.stat().st_size >= enough, "the recording on disk")
+        self.stop()
+        wait_for(lambda: path.stat().st_size < 0xFFFFFFFF and sizes_known(path), "a finished recording")
+        return number
+
+    def send_default(self, number):
+        self.select(number)
+        self.command("CM_SENDFILE")
+
+    def wait_sent(self, number, seconds=20):
+        wait_for(lambda: self.data.status(number) in ("Sent", "Send Failed"), "a sent dictation", seconds)
+        return self.data.status(number)
+
+
+def sizes_known(path):
+    head = Path(path).read_bytes()[:8]
+    return len(head) == 8 and head[4:8] != b"\xff\xff\xff\xff"
