@@ -1,0 +1,31 @@
+#include "audio/LSPConvChannels.h"
+
+#include "base/LTrace.h"
+
+LSoundSource LSPConvChannels::OpenSource(const LSoundSource& source, uint8_t channels) {
+    const uint8_t present = source->GetChannels();
+    if (present == channels || source->IsError()) return source;
+    if (present > 2 || channels == 0 || channels > 2) {
+        LTrace(
+            "LSPConvChannels::OpenSource Multichannels (or 0) used when BUILD_SUPPORT_MULTICHANS is not set");
+        return {};
+    }
+    return LSoundSource::Make<LSPConvChannels>(source, channels);
+}
+
+LSPConvChannels::LSPConvChannels(const LSoundSource& source, uint8_t channels)
+    : LSoundSourceBase(source->GetSampleRate(), channels, source->GetLevel()),
+      m_source(source),
+      m_block(size_t{kBlockFrames} * source->GetChannels()) {
+    if (source->IsError()) SetError();
+}
+
+void LSPConvChannels::Read(int32_t* samples, int32_t frames) {
+    const int32_t* block = m_block.data();
+    m_source->Read(m_block.data(), frames);
+    if (GetChannels() == 1) {
+        for (int32_t i = 0; i < frames; ++i) samples[i] = block[2 * i];
+    } else {
+        for (int32_t i = 0; i < frames; ++i) samples[2 * i] = samples[2 * i + 1] = block[i];
+    }
+}

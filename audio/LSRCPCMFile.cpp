@@ -1,0 +1,77 @@
+#include "audio/LSRCPCMFile.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "base/LArith.h"
+#include "base/LTrace.h"
+
+static_assert(std::endian::native == std::endian::little, "samples are taken from the file as they stand");
+
+LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWaveInfo& info,
+                                 int bytesPerSample)
+    : LSoundSourceBase(static_cast<int32_t>(info.format.SampleRate()),
+                       static_cast<uint8_t>(info.format.Channels()), kFullScale16),
+      m_stream(std::move(stream)),
+      m_dataStart(info.dataStart),
+      m_bytesPerFrame(GetChannels() * bytesPerSample),
+      m_block(static_cast<size_t>(kBlockFrames) * static_cast<size_t>(m_bytesPerFrame)) {
+    if (info.isStreaming) LTrace("LSRCPCMFileBase::LSRCPCMFileBase Wav File Is Streaming");
+    m_length = Saturate(info.dataBytes / m_bytesPerFrame);
+    Seek(0);
+}
+
+void LSRCPCMFileBase::Read(int32_t* samples, int32_t frames) {
+    const int32_t first = m_position;
+    m_position = Saturate(int64_t{first} + frames);
+    const int32_t before = first < 0 ? static_cast<int32_t>(std::min(-int64_t{first}, int64_t{frames})) : 0;
+    const int32_t present = Clamp(m_length - std::max(first, 0), 0, frames - before);
+
+    const size_t channels = GetChannels();
+    const auto values = [channels](int32_t count) { return static_cast<size_t>(count) * channels; };
+    std::fill_n(samples, values(before), 0);
+    if (present > 0) ReadFrames(samples + values(before), present, std::max(first, 0));
+    std::fill_n(samples + values(before + present), values(frames - before - present), 0);
+}
+
+void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t firstFrame) {
+    const size_t bytes = static_cast<size_t>(frames) * static_cast<size_t>(m_bytesPerFrame);
+    const size_t got = m_stream->Read(std::span(m_block).first(bytes));
+    const int32_t whole = static_cast<int32_t>(got / static_cast<size_t>(m_bytesPerFrame));
+    const size_t values = static_cast<size_t>(whole) * GetChannels();
+    Convert(m_block.data(), samples, values);
+    if (whole == frames) return;
+    // A recorder has cut the file under us. It may grow again, so the place in it keeps step with the
+    // position.
+    std::fill_n(samples + values, static_cast<size_t>(frames - whole) * GetChannels(), 0);
+    m_stream->Seek(m_dataStart + (int64_t{firstFrame} + frames) * m_bytesPerFrame);
+}
+
+void LSRCPCMFileBase::Seek(int32_t frame) {
+    m_position = frame;
+    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, m_length)} * m_bytesPerFrame))
+        LTrace("LSRCPCMFileBase::Seek unable to move");
+}
+
+void LSRCPCMFile8::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {
+    for (size_t i = 0; i < count; ++i) samples[i] = FromPcm8(bytes[i]);
+}
+
+void LSRCPCMFile16::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {
+    for (size_t i = 0; i < count; ++i) {
+        int16_t value;
+        std::memcpy(&value, bytes + 2 * i, sizeof value);
+        samples[i] = FromPcm16(value);
+    }
+}
+
+void LSRCPCMFileWide::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {
+    for (size_t i = 0; i < count; ++i, bytes += m_bytesPerSample) {
+        uint32_t bits = 0;  // the sample, its highest byte at the top
+        for (size_t b = 0; b < m_bytesPerSample; ++b)
+            bits = bits >> 8 | static_cast<uint32_t>(bytes[b]) << 24;
+        const int64_t rounded = (int64_t{static_cast<int32_t>(bits)} + 0x8000) >> 16;
+        samples[i] = FromPcm16(static_cast<int16_t>(std::min<int64_t>(rounded, 0x7FFF)));
+    }
+}

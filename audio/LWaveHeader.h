@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/LBytes.h"
+
+// The head of the WAV files that we write, shared by writer and reader. Little-endian:
+//    0 "RIFF"   4 RIFF size = data bytes + 38   8 "WAVE"
+//   12 "fmt "  16 fmt size = 18                20 format record, 18 bytes, no extra bytes
+//   38 "data"  42 data bytes                   46 samples
+// While the file is being written both sizes hold kWaveSizeUnknown: a reader takes the data to run to the end
+// of the file, so a recording can be played while it runs and survives a crash.
+constexpr int64_t kWaveHeaderBytes = 46;
+constexpr uint32_t kWaveSizeUnknown = 0xFFFFFFFFu;
+constexpr uint32_t kWaveSizeBeforeData = 38;  // what the RIFF size counts besides the data
+// The most data bytes whose RIFF size still differs from kWaveSizeUnknown.
+constexpr int64_t kWaveMaxDataBytes = int64_t{kWaveSizeUnknown} - 1 - kWaveSizeBeforeData;
+
+// The 46 bytes of a PCM file; dataBytes may be kWaveSizeUnknown.
+LByteWriter WavePcmHeader(int bytesPerSample, uint8_t channels, int32_t sampleRate, uint32_t dataBytes);
+
+// Whether two such headers differ in nothing but their two sizes.
+bool WaveHeadersAgree(std::span<const uint8_t> a, std::span<const uint8_t> b);
