@@ -1,0 +1,97 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/LPath.h"
+#include "base/LProcess.h"
+#include "base/LThread.h"
+#include "send/SendProgressRange.h"
+#include "send/SendQueueFile.h"
+#include "store/CurrentUser.h"
+
+// Who wants to know how sending goes: the main window, which posts itself a message.
+struct BGSendOwner {
+    virtual ~BGSendOwner() = default;
+    // GetProgress() has changed. Thread: the send thread mostly, and the owner's own; returns at once.
+    virtual void PostSendProgress() = 0;
+};
+
+// The queue of dictations to send and the thread of lowest priority that works it off: it takes the head,
+// makes and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
+// empty. The queue is a file and so survives the program: an entry leaves it only when it is done with, and a
+// run that was stopped or killed meanwhile finds it at the head again. Errors: whatever goes wrong is kept as
+// one text for the user; the first one stands until it is taken. Thread: the owner's, for everything but
+// RequestStop, GetProgress and TakeError (any). The destructor stops the thread and waits for it.
+class BGSend final : private LThread {
+public:
+    BGSend() = default;
+    ~BGSend() override;
+
+    // Before the first start: the owner (nullptr: none) and the queue file, "bgsend.dat" in the data folder,
+    // which tells where the users' files are.
+    void SetOwner(BGSendOwner* owner) { m_owner = owner; }
+    void SetQueuePath(const LPath& path);
+
+    // Appends an entry (the audio file in Sent, the recipient's record file, the sending user) and starts the
+    // thread. False, with an error text, when the queue file cannot be written.
+    bool Add(const LPath& dictation, const LPath& recipient, uint32_t user);
+
+    // Starts the thread unless it runs already, in which case it will not end before it has seen the whole
+    // queue.
+    void StartSending();
+    // Asks the thread to end at its next check and waits; true when it has ended. What it was sending stays
+    // at the head.
+    bool Stop(uint32_t timeoutMs);
+    void RequestStop();
+    using LThread::IsRunning;
+    using LThread::WaitForEnd;
+
+    // The user's "Cancel": stops the thread (5 seconds at most), empties the queue, clears the error text and
+    // starts again. An item that is not to be stopped in that time is dropped at its next check.
+    void ClearQueue();
+    // Writes the number of entries; 0 empties the queue. False, with an error text, when the file does not
+    // take it.
+    bool SetCount(int32_t count);
+    int32_t GetCount() const;
+
+    // The progress that was posted last, 0 to 1.
+    double GetProgress() const;
+    // The pending error text, at most 259 characters, and clears it; empty when there is none.
+    std::string TakeError();
+
+private:
+    class ItemContext;
+    struct Work {
+        SendQueueEntry entry;
+        uint32_t era = 0;
+    };
+
+    void ThreadFunction() override;
+    bool TakeHead(Work& work);
+    ProcessResult MakeFile(const Work& work);
+    bool RemoveHead(const Work& work);
+    bool EndsAfterStop();
+
+    bool IsCancelled(const Work& work) const;
+    void SetItemProgress(double itemFraction);
+    void SetRange(int32_t entries);
+    void SetProgress(double value);
+    void SetError(std::string_view text);
+
+    BGSendOwner* m_owner = nullptr;
+    DataFolder m_data;
+
+    mutable LCriticalSection m_queueLock;  // guards m_queue and m_isActive; taken before m_stateLock
+    SendQueueFile m_queue;
+    bool m_isActive = false;  // the thread will look at the queue again before it ends
+
+    mutable LCriticalSection m_stateLock;  // guards m_range and m_error
+    SendProgressRange m_range;
+    std::string m_error;
+
+    std::atomic<bool> m_stopWithdrawn{false};  // started again before the thread noticed the stop
+    std::atomic<uint32_t> m_era{0};            // counts how often the queue was emptied
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/LBytes.h"
+#include "base/LProcess.h"
+#include "base/LStream.h"
+#include "send/DctFormat.h"
+#include "send/LBlowFish.h"
+
+// What a DCT file says about its dictation.
+struct DctHeader {
+    uint32_t user = 0;
+    uint32_t number = 0;
+    uint32_t date = 0;  // seconds since 1970-01-01 00:00 UTC
+    std::string name;
+    std::array<std::string, kDctSenderFields> sender;  // in the order of kDctSenderKeys
+    uint8_t priority = kDctPriorityNormal;
+};
+
+// The priority byte for a record's "priority" text; its first letter decides.
+uint8_t DctPriority(std::string_view text);
+
+// Writes one DCT file onto an empty stream, plain or encrypted.
+// Progress: fractions of the queue item, creeping from 0.42 up to 0.5.
+// Errors: Failed (traced) when the notes or the audio cannot be read to their ends, when the stream does not
+// take every byte, and when a file of more than 4 GB would result. Stopped when a cancel is requested while
+// encrypted audio is written; plain audio is written to its end. Until the result is Done the file's length
+// field is 0, so that no reader takes an unfinished file. Thread: one at a time.
+class DctWriter {
+public:
+    // With an empty pass phrase the file is plain.
+    DctWriter(LStream& out, std::string_view passPhrase, ProcessContext& context);
+
+    // Without notes or audio (nullptr) their length is 0. Notes longer than readers accept are cut (traced),
+    // since the typist must at least be able to open the dictation.
+    ProcessResult Write(const DctHeader& header, LReadStream* notes, LReadStream* audio);
+
+private:
+    void AddFields(const DctHeader& header);
+    bool AddNotes(LReadStream* notes);
+    ProcessResult CopyAudio(LReadStream& audio, int64_t bytes);
+    bool CopyChunk(LReadStream& audio, std::span<uint8_t> chunk, size_t bytes);
+    std::span<uint8_t> Encrypted(std::span<uint8_t> region, size_t used) const;
+    bool Finish(uint32_t fileBytes);
+
+    LStream& m_out;
+    ProcessContext& m_context;
+    bool m_isEncrypted;
+    uint8_t m_keyCheck = 0;
+    LBlowFish m_cipher;
+    LByteWriter m_head;  // everything before the audio
+};

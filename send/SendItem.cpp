@@ -1,0 +1,170 @@
+#include "send/SendItem.h"
+
+#include <limits>
+
+#include "audio/LPRSourceToSink.h"
+#include "audio/LWaveFile.h"
+#include "base/LArith.h"
+#include "base/LFile.h"
+#include "base/LProfile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "base/LTrace.h"
+#include "send/SendDelivery.h"
+#include "send/SendStage.h"
+#include "store/Settings.h"
+
+namespace {
+
+constexpr char kRecordSection[] = "file";
+constexpr char kUserSection[] = "user";
+constexpr double kConversionEnd = 0.4;  // of the item
+
+constexpr char kNoCodec[] =
+    "Unable open temporary compressed wav file.\n\nThis might mean that you do not have the correct CODEC "
+    "installed on your computer to compress the file.";
+
+// The text that tells the user which dictation it was; the whole stays below the 259 characters of an error
+// text.
+std::string NamedError(const std::string& name, std::string_view reason) {
+    return LFormat("Unable to send \"%.80s\".\n\n%.160s", name.c_str(), std::string(reason).c_str());
+}
+
+// The conversion does not know whose audio it converts.
+class ConversionStage final : public SendStage {
+public:
+    ConversionStage(ProcessContext& item, const std::string& name)
+        : SendStage(item, 0.0, kConversionEnd), m_item(item), m_name(name) {}
+    void SetError(std::string_view text) override { m_item.SetError(NamedError(m_name, text)); }
+
+private:
+    ProcessContext& m_item;
+    const std::string& m_name;
+};
+
+// Whether a converted file is complete: what a full disk refused at the very end shows only here.
+bool IsComplete(const LPath& path, int32_t frames) {
+    LWaveInfo info;
+    if (!LWaveFile::ReadInfo(path, info) || info.isStreaming) return false;
+    return !info.IsPcm() || info.Frames() == frames;
+}
+
+}  // namespace
+
+SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context)
+    : m_entry(entry),
+      m_data(data),
+      m_context(context),
+      m_files(DictationFiles::OfPath(entry.dictation)),
+      m_name(Settings::ReadText(m_files.record, kRecordSection, "name", "")),
+      m_label(m_name.empty() ? LFileNameOf(m_files.audio.View()) : m_name),
+      m_number(Settings::ReadInt(m_files.record, kRecordSection, "number", 0)) {}
+
+ProcessResult SendItem::Send() {
+    if (m_context.CancelRequested()) return ProcessResult::Stopped;
+    if (!LoadRecipient()) return ProcessResult::Failed;
+
+    const bool sendsWave = m_recipient.SendsWave();
+    const LPath output = sendsWave ? OutputPath("wav", ".wav") : OutputPath("dct", ".dct");
+    ProcessResult result = sendsWave ? CompressWavFile(output) : MakeDct(output);
+    if (result != ProcessResult::Done) {
+        LFile::Delete(output);
+        return result;
+    }
+    result = DeliverDictation({output, m_recipient, m_entry.user, m_data, m_label}, m_context);
+    if (result == ProcessResult::Done) WriteStatus("Sent");
+    if (result == ProcessResult::Failed) WriteStatus("Send Failed");
+    return result;
+}
+
+bool SendItem::LoadRecipient() {
+    if (m_recipient.Load(m_entry.recipient)) return true;
+    LTrace("SendItem::LoadRecipient unable to load recipient", m_entry.recipient.View());
+    Fail("The recipient's settings cannot be read. Please check the recipient and send the dictation again.");
+    WriteStatus("Send Failed");
+    return false;
+}
+
+ProcessResult SendItem::MakeDct(const LPath& output) {
+    const LPath audio = m_files.audio.WithExtension(".tmp");
+    ProcessResult result = CompressWavFile(audio);
+    if (result == ProcessResult::Done) result = CreateDCTFile(output, audio);
+    LFile::Delete(audio);
+    return result;
+}
+
+ProcessResult SendItem::CompressWavFile(const LPath& output) {
+    int32_t frames = 0;
+    {
+        const LSoundSource source = LWaveFile::OpenSource(m_files.audio);
+        if (source->IsError()) return Fail("Its audio file is missing or cannot be read.");
+        const LSoundSink sink = LWaveFile::OpenSink(output, m_recipient.waveFormat);
+        if (!sink || sink->IsError()) {
+            LTrace("BGSend::CompressWavFile unable to open compressed file", output.View());
+            m_context.SetError(kNoCodec);
+            return ProcessResult::Failed;
+        }
+        ConversionStage stage(m_context, m_label);
+        const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);
+        if (result == ProcessResult::Stopped) return result;
+        if (result == ProcessResult::Failed || sink->IsError()) return Fail("Its audio cannot be converted.");
+        frames = sink->GetFrames();
+    }  // closed here
+    if (IsComplete(output, frames)) return ProcessResult::Done;
+    LTrace("BGSend::CompressWavFile compressed file is not complete", output.View());
+    return Fail("The converted audio could not be written. The disk may be full.");
+}
+
+ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
+    LFile file(output, LFile::Open::CreateNew);
+    if (!file.IsOpen()) {
+        LTrace("BGSend::CreateDCTFile unable to create DCT file", output.View());
+        return Fail("The dictation file could not be created. The disk may be full.");
+    }
+    LFile notes(m_files.notes, LFile::Open::Read);
+    LFile sound(audio, LFile::Open::Read);
+    if (!sound.IsOpen()) return Fail("Its converted audio cannot be read.");
+    DctWriter writer(file, m_recipient.Encrypts() ? m_recipient.encryptionPassword : "", m_context);
+    const ProcessResult result = writer.Write(MakeDctHeader(), notes.IsOpen() ? &notes : nullptr, &sound);
+    if (result == ProcessResult::Failed)
+        return Fail("The dictation file could not be written. The disk may be full.");
+    if (notes.Size() > kDctLongestNotes)
+        m_context.SetError(
+            LFormat("The notes of \"%.80s\" are too long for a dictation file. Only their first %lu "
+                    "characters were sent.",
+                    m_label.c_str(), static_cast<unsigned long>(kDctLongestNotes)));
+    return result;
+}
+
+DctHeader SendItem::MakeDctHeader() const {
+    const int64_t date = Settings::ReadSeconds(m_files.record, kRecordSection, "date", LNowSeconds());
+    DctHeader header;
+    header.user = m_entry.user;
+    header.number = static_cast<uint32_t>(m_number);
+    header.date = static_cast<uint32_t>(Clamp<int64_t>(date, 0, std::numeric_limits<uint32_t>::max()));
+    header.name = m_name;
+    const LProfileSection sender(UserFilePath(m_data.folder, m_entry.user), kUserSection);
+    for (size_t i = 0; i < kDctSenderFields; ++i) header.sender[i] = sender.Read(kDctSenderKeys[i], "");
+    header.priority = DctPriority(Settings::ReadText(m_files.record, kRecordSection, "priority", "Normal"));
+    return header;
+}
+
+// "dct00007-00012.dct", in the dictation's own folder.
+LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const {
+    const std::string name =
+        LFormat("%s%.5ld-%.5ld", prefix, static_cast<long>(static_cast<int32_t>(m_entry.user)),
+                static_cast<long>(m_number)) +
+        std::string(extension);
+    return LPath::Join(LFolderOf(m_entry.dictation.View()), name);
+}
+
+// A dictation that was recovered or deleted meanwhile has no record here, and must not get a new one.
+void SendItem::WriteStatus(std::string_view status) const {
+    if (LFile::Exists(m_files.record))
+        Settings::WriteText(m_files.record, kRecordSection, "sendstatus", status);
+}
+
+ProcessResult SendItem::Fail(std::string_view reason) {
+    m_context.SetError(NamedError(m_label, reason));
+    return ProcessResult::Failed;
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "base/LPath.h"
+#include "base/LProcess.h"
+#include "send/DctWriter.h"
+#include "send/SendQueueFile.h"
+#include "store/CurrentUser.h"
+#include "store/DictationFiles.h"
+#include "store/SendToSettings.h"
+
+// One queued dictation on its way: converted into the file that its recipient wants, delivered, and its
+// record told how that went. Progress: fractions of the item. The conversion takes it to 0.4, the DCT file to
+// 0.5, the delivery to 1. Errors: Failed always leaves an error text for the user. Only a recipient that
+// cannot be loaded and a failed delivery write "Send Failed"; a failed conversion leaves the record as it is,
+// and so does Stopped. Thread: the send thread.
+class SendItem {
+public:
+    SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
+
+    // All of it. Stopped: nothing has arrived, and the entry is to be sent again.
+    ProcessResult Send();
+
+private:
+    bool LoadRecipient();
+    ProcessResult MakeDct(const LPath& output);
+    ProcessResult CompressWavFile(const LPath& output);
+    ProcessResult CreateDCTFile(const LPath& output, const LPath& audio);
+    DctHeader MakeDctHeader() const;
+    LPath OutputPath(const char* prefix, std::string_view extension) const;
+    void WriteStatus(std::string_view status) const;
+    ProcessResult Fail(std::string_view reason);
+
+    const SendQueueEntry& m_entry;
+    const DataFolder& m_data;
+    ProcessContext& m_context;
+    DictationFiles m_files;
+    SendToSettings m_recipient;
+    std::string m_name;   // as in the record
+    std::string m_label;  // what messages call the dictation
+    int32_t m_number;
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/LFile.h"
+#include "base/LPath.h"
+
+// A new folder in the platform's temporary folder, removed with everything in it.
+class TempFolder {
+public:
+    TempFolder() : m_path(LFile::MakeTemporary("cvt")) {
+        LFile::Delete(m_path);
+        LFile::MakeFolder(m_path);
+    }
+    ~TempFolder() { Remove(m_path); }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    // Without a separator at its end.
+    const LPath& Path() const { return m_path; }
+    LPath File(std::string_view name) const { return LPath::Join(m_path.View(), name); }
+    // Makes a folder inside and returns it, with a separator at its end.
+    LPath Folder(std::string_view name) const {
+        LPath path = File(name);
+        LFile::MakeFolder(path);
+        path.Append("/");
+        return path;
+    }
+
+private:
+    static void Remove(const LPath& folder) {
+        std::vector<LFolderEntry> entries;
+        LListFolder(folder, "*", [&entries](const LFolderEntry& entry) {
+            entries.push_back(entry);
+            return true;
+        });
+        for (const LFolderEntry& entry : entries) {
+            const LPath path = LPath::Join(folder.View(), entry.name);
+            entry.isFolder ? Remove(path) : static_cast<void>(LFile::Delete(path));
+        }
+        LFile::DeleteFolder(folder);
+    }
+
+    LPath m_path;
+};
+
+// A whole small file as text, empty when it cannot be read, and the reverse.
+inline std::string ReadFileText(const LPath& path) {
+    std::vector<uint8_t> bytes;
+    LFile::ReadWhole(path, size_t{1} << 30, bytes);
+    return {bytes.begin(), bytes.end()};
+}
+
+inline bool WriteFileText(const LPath& path, std::string_view text) {
+    LFile file(path, LFile::Open::CreateNew);
+    return file.WriteAll({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}
