@@ -1,0 +1,134 @@
+#include "store/CurrentUser.h"
+
+#include <algorithm>
+
+#include "base/LFile.h"
+#include "base/LProfile.h"
+#include "base/LText.h"
+#include "store/RegistryUser.h"
+#include "store/SettingsKeys.h"
+
+static std::string ReadDetail(const LProfileSection& section, const Settings::TextKey& key) {
+    return section.Read(key.key, key.defaultValue);
+}
+
+UserDetails UserDetails::Read(const LPath& userFile) {
+    const LProfileSection section(userFile, UserKeys::kUserSection);
+    UserDetails details;
+    details.name = ReadDetail(section, UserKeys::kName);
+    details.email = ReadDetail(section, UserKeys::kEmail);
+    details.company = ReadDetail(section, UserKeys::kCompany);
+    details.phone = ReadDetail(section, UserKeys::kPhone);
+    details.cell = ReadDetail(section, UserKeys::kCell);
+    details.fax = ReadDetail(section, UserKeys::kFax);
+    for (size_t i = 0; i < std::size(details.address); ++i) {
+        details.address[i] = ReadDetail(section, UserKeys::kAddress[i]);
+    }
+    return details;
+}
+
+DataFolder DataFolder::FromText(std::string_view folder) {
+    DataFolder data;
+    data.folder.Set(folder);
+    const std::string_view text = data.folder.View();
+    if (!text.empty() && text.size() < kPathSize - 1 && !LIsSeparator(text.back())) data.folder.Append("\\");
+    data.settingsFile = data.folder;
+    data.settingsFile.Append("settings.ini");
+    return data;
+}
+
+LPath UserFolderPath(const LPath& dataFolder, uint32_t user) {
+    return LPath::Format("%s%.8lu\\", dataFolder.c_str(), static_cast<unsigned long>(user));
+}
+
+LPath UserFilePath(const LPath& dataFolder, uint32_t user) {
+    return LPath::Format("%s%.8lu\\user.dat", dataFolder.c_str(), static_cast<unsigned long>(user));
+}
+
+uint32_t GetCurrentUser(const LPath& settingsFile) {
+    uint32_t user = static_cast<uint32_t>(Settings::Read(settingsFile, SettingsKeys::kCurrentUser));
+    ReadRegistryUser(user);
+    return user;
+}
+
+void SetCurrentUser(const LPath& settingsFile, uint32_t user) {
+    Settings::Write(settingsFile, SettingsKeys::kCurrentUser, static_cast<int32_t>(user));
+    WriteRegistryUser(user);
+}
+
+CurrentUser SelectUser(const DataFolder& data, uint32_t user) {
+    const unsigned long number = user;
+    CurrentUser selected;
+    selected.userFile = UserFilePath(data.folder, user);
+    selected.currentFolder = LPath::Format("%s%.8lu\\Current\\", data.folder.c_str(), number);
+    selected.sentFolder = LPath::Format("%s%.8lu\\Sent\\", data.folder.c_str(), number);
+    selected.number = user;
+    LFile::MakeFolder(UserFolderPath(data.folder, user));
+    LFile::MakeFolder(selected.currentFolder);
+    LFile::MakeFolder(selected.sentFolder);
+    selected.details = UserDetails::Read(selected.userFile);
+    return selected;
+}
+
+CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name, std::string_view email) {
+    CurrentUser added = SelectUser(data, user);
+    Settings::Write(added.userFile, UserKeys::kName, name);
+    Settings::Write(added.userFile, UserKeys::kEmail, email);
+    SetCurrentUser(data.settingsFile, user);
+    added.details = UserDetails::Read(added.userFile);
+    return added;
+}
+
+// A list of items whose key is missing ends there, whatever its count promises; the first item has a default.
+static std::vector<uint32_t> ReadUserItems(const LPath& settingsFile) {
+    const LProfileSection section(settingsFile, SettingsKeys::kUsersSection);
+    const std::string countText = section.Read(SettingsKeys::kUserCount.key, {});
+    const int32_t count = countText.empty() ? SettingsKeys::kUserCount.defaultValue : LParseInt(countText);
+    std::vector<uint32_t> users;
+    for (int32_t i = 0; i < count; ++i) {
+        const std::string text = section.Read(Settings::ListItemKey(SettingsKeys::kUserPrefix, i), {});
+        if (text.empty() && i > 0) break;
+        users.push_back(static_cast<uint32_t>(LParseInt64(text)));
+    }
+    return users;
+}
+
+std::vector<uint32_t> ReadUserList(const LPath& settingsFile) {
+    std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    if (users.empty()) users.push_back(0);
+    return users;
+}
+
+void AddUserToList(const LPath& settingsFile, uint32_t user) {
+    const std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    if (std::find(users.begin(), users.end(), user) != users.end()) return;
+    const int32_t count = static_cast<int32_t>(users.size());
+    // A list that was only implied is written out, or its one user would vanish behind the new count.
+    for (int32_t i = 0; i <= count; ++i) {
+        const uint32_t number = i < count ? users[static_cast<size_t>(i)] : user;
+        Settings::WriteSeconds(settingsFile, SettingsKeys::kUsersSection,
+                               Settings::ListItemKey(SettingsKeys::kUserPrefix, i), number);
+    }
+    Settings::Write(settingsFile, SettingsKeys::kUserCount, count + 1);
+}
+
+void RemoveUserFromList(const LPath& settingsFile, uint32_t user) {
+    const std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    const auto found = std::find(users.begin(), users.end(), user);
+    if (found == users.end()) return;
+    const int32_t last = static_cast<int32_t>(users.size()) - 1;
+    for (int32_t i = static_cast<int32_t>(found - users.begin()); i < last; ++i) {
+        Settings::MoveListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, i,
+                               i + 1);
+    }
+    Settings::DeleteListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, last);
+    Settings::Write(settingsFile, SettingsKeys::kUserCount, last);
+}
+
+std::string UserName(const LPath& dataFolder, uint32_t user) {
+    return ShownUserName(UserDetails::Read(UserFilePath(dataFolder, user)), user);
+}
+
+std::string ShownUserName(const UserDetails& details, uint32_t user) {
+    return details.name.empty() ? "User " + std::to_string(user) : details.name;
+}

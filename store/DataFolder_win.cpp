@@ -1,0 +1,95 @@
+#include "store/DataFolder_win.h"
+
+#include <windows.h>
+
+#include "base/LTrace.h"
+
+namespace {
+
+constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
+constexpr char kDataValue[] = "DataFiles";
+constexpr char kWindowsKey[] = "Software\\Microsoft\\Windows\\CurrentVersion";
+constexpr char kProgramsValue[] = "ProgramFilesDir";
+
+// A string value of the machine's hive, at most 259 characters; empty when it cannot be read.
+LPath ReadMachineText(const char* keyName, const char* valueName) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyName, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return {};
+    char text[kPathSize] = {};
+    DWORD size = sizeof text - 1;  // the value need not end in a zero byte
+    DWORD type = 0;
+    const LONG result =
+        RegQueryValueExA(key, valueName, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
+    RegCloseKey(key);
+    if (result != ERROR_SUCCESS || type != REG_SZ) return {};
+    return LPath(std::string_view(text));
+}
+
+// An access list with one entry: everyone, all access, inherited by folders and files. Its parts live here,
+// since the platform's descriptor only points to them.
+class EveryoneAccess {
+public:
+    EveryoneAccess() {
+        SID_IDENTIFIER_AUTHORITY world = {SECURITY_WORLD_SID_AUTHORITY};
+        m_ok = InitializeSid(Everyone(), &world, 1);
+        if (!m_ok) return;
+        *GetSidSubAuthority(Everyone(), 0) = SECURITY_WORLD_RID;
+        m_ok = InitializeAcl(List(), sizeof m_list, ACL_REVISION) &&
+               AddAccessAllowedAce(List(), ACL_REVISION, GENERIC_ALL, Everyone()) && MakeInherited() &&
+               InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION) &&
+               SetSecurityDescriptorDacl(&m_descriptor, TRUE, List(), FALSE);
+    }
+    EveryoneAccess(const EveryoneAccess&) = delete;
+    EveryoneAccess& operator=(const EveryoneAccess&) = delete;
+
+    // Null on Windows 95 and 98, which keep the functions but know no rights.
+    SECURITY_ATTRIBUTES* Attributes() {
+        m_attributes = {sizeof m_attributes, &m_descriptor, FALSE};
+        return m_ok ? &m_attributes : nullptr;
+    }
+
+private:
+    PSID Everyone() { return m_everyone; }
+    ACL* List() { return reinterpret_cast<ACL*>(m_list); }
+    // The call that adds an entry with flags is younger than the platforms that we run on.
+    bool MakeInherited() {
+        void* entry = nullptr;
+        if (!GetAce(List(), 0, &entry)) return false;
+        static_cast<ACE_HEADER*>(entry)->AceFlags = OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE;
+        return true;
+    }
+
+    alignas(DWORD) BYTE m_everyone[16] = {};
+    alignas(DWORD) BYTE m_list[64] = {};
+    SECURITY_DESCRIPTOR m_descriptor{};
+    SECURITY_ATTRIBUTES m_attributes{};
+    bool m_ok = false;
+};
+
+}  // namespace
+
+bool MakeFolderForEveryone(const LPath& folder) {
+    if (folder.Empty()) return false;
+    EveryoneAccess access;
+    return CreateDirectoryA(folder.c_str(), access.Attributes());
+}
+
+LPath MakeDefaultDataFolder() {
+    LPath folder = ReadMachineText(kWindowsKey, kProgramsValue);
+    if (folder.Empty()) {
+        folder.Set("C:\\Corvane");
+        MakeFolderForEveryone(folder);
+        return folder;
+    }
+    for (const char* level : {"\\Mervald", "\\Corvane"}) {
+        folder.Append(level);
+        MakeFolderForEveryone(folder);
+    }
+    return folder;
+}
+
+DataFolder FindDataFolder() {
+    LPath folder = ReadMachineText(kFoldersKey, kDataValue);
+    if (folder.Empty()) folder = MakeDefaultDataFolder();
+    return DataFolder::FromText(folder.View());
+}

@@ -1,0 +1,57 @@
+#include "store/NotesFile.h"
+
+#include "base/LFile.h"
+#include "base/LText.h"
+#include "base/LTrace.h"
+
+namespace NotesFile {
+
+constexpr size_t kPreviewBytes = 127;
+constexpr char kUnfinishedExtension[] = ".tx~";
+
+static std::string_view AsText(std::span<const uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string Preview(const LPath& notes) {
+    uint8_t bytes[kPreviewBytes];
+    LFile file(notes, LFile::Open::Read);
+    const size_t count = file.Read(bytes);
+    std::string text(LBeforeZero(AsText(std::span(bytes).first(count))));
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < 32) c = ' ';
+    }
+    return text;
+}
+
+bool Read(const LPath& notes, std::string& text) {
+    text.clear();
+    if (!LFile::Exists(notes)) return true;
+    std::vector<uint8_t> bytes;
+    if (!LFile::ReadWhole(notes, kMaxBytes, bytes)) {
+        LTrace("NotesFile::Read unable to read file", notes.View());
+        return false;
+    }
+    text = LBeforeZero(AsText(bytes));
+    return true;
+}
+
+bool Write(const LPath& notes, std::string_view text) {
+    std::vector<uint8_t> bytes(text.begin(), text.end());
+    bytes.push_back(0);
+    if (LFile::WriteWhole(notes, notes.WithExtension(kUnfinishedExtension), bytes)) return true;
+    LTrace("NotesFile::Write unable to write file", notes.View());
+    return false;
+}
+
+void RecoverUnfinished(const LPath& unfinished) {
+    const LPath notes = unfinished.WithExtension(".txt");
+    std::vector<uint8_t> bytes;
+    // The zero byte is written last, so a text that ends in one is complete.
+    const bool complete =
+        LFile::ReadWhole(unfinished, kMaxBytes, bytes) && !bytes.empty() && bytes.back() == 0;
+    if (complete && !LFile::Exists(notes) && LFile::Move(unfinished, notes)) return;
+    LFile::Delete(unfinished);
+}
+
+}  // namespace NotesFile

@@ -1,0 +1,115 @@
+#include "store/SendToSettings.h"
+
+#include "base/LBytes.h"
+#include "base/LFile.h"
+#include "base/LTrace.h"
+#include "store/SettingsKeys.h"
+
+namespace {
+
+constexpr uint32_t kVersion = 1;  // written; 0 has no flags and no encryption password
+constexpr size_t kFileBytes = 1964;
+constexpr size_t kOldFileBytes = 1896;
+constexpr size_t kNameBytes = 32;
+constexpr size_t kAddressBytes = 128;
+constexpr size_t kFolderBytes = 256;
+constexpr size_t kLogOnBytes = 32;
+constexpr size_t kPassPhraseBytes = 64;
+
+static_assert(12 + kNameBytes + 2 * kAddressBytes + 2 * kFolderBytes + 2 * kLogOnBytes + kPassPhraseBytes +
+                  LWaveFileFormat::kSize ==
+              kFileBytes);
+static_assert(kOldFileBytes == kFileBytes - 4 - kPassPhraseBytes);
+
+SendToSettings ReadFields(LByteReader& in, uint32_t version) {
+    const auto text = [&in](size_t size) { return std::string(in.FixedText(size)); };
+    SendToSettings read;
+    read.flags = version == 0 ? 0 : in.U32() & (SendToSettings::kEncrypt | SendToSettings::kSendWave);
+    read.name = text(kNameBytes);
+    read.method = in.U32();
+    read.emailAddress = text(kAddressBytes);
+    read.folder = text(kFolderBytes);
+    read.ftpHost = text(kAddressBytes);
+    read.ftpUser = text(kLogOnBytes);
+    read.ftpPassword = text(kLogOnBytes);
+    read.ftpFolder = text(kFolderBytes);
+    if (version != 0) read.encryptionPassword = text(kPassPhraseBytes);
+    read.waveFormat = LWaveFileFormat(in.Bytes(LWaveFileFormat::kSize));
+    return read;
+}
+
+}  // namespace
+
+bool SendToSettings::Load(const LPath& path) {
+    LFile file(path, LFile::Open::Read);
+    if (!file.IsOpen()) {
+        LTrace("SendToSettings::Load unable to open file", path.View());
+        return false;
+    }
+    return Load(file);
+}
+
+bool SendToSettings::Load(LReadStream& stream) {
+    uint8_t bytes[kFileBytes];
+    const size_t count = stream.Read(bytes);
+    LByteReader in({bytes, count});
+    const uint32_t version = in.U32();
+    if (in.Ok() && version > kVersion) {
+        LTrace("SendToSettings::Load Attempting to load an unsupported version file");
+        return false;
+    }
+    SendToSettings read = ReadFields(in, version);
+    if (!in.Ok()) {
+        LTrace("SendToSettings::Load file too short");
+        return false;
+    }
+    *this = std::move(read);
+    return true;
+}
+
+std::vector<uint8_t> SendToSettings::ToBytes() const {
+    LByteWriter out;
+    out.U32(kVersion);
+    out.U32(flags);
+    out.FixedText(name, kNameBytes);
+    out.U32(method);
+    out.FixedText(emailAddress, kAddressBytes);
+    out.FixedText(folder, kFolderBytes);
+    out.FixedText(ftpHost, kAddressBytes);
+    out.FixedText(ftpUser, kLogOnBytes);
+    out.FixedText(ftpPassword, kLogOnBytes);
+    out.FixedText(ftpFolder, kFolderBytes);
+    out.FixedText(encryptionPassword, kPassPhraseBytes);
+    out.Bytes(waveFormat.Bytes());
+    return {out.View().begin(), out.View().end()};
+}
+
+bool SendToSettings::Save(const LPath& path) const {
+    if (LFile::WriteWhole(path, path.WithExtension(".re~"), ToBytes())) return true;
+    LTrace("SendToSettings::Save unable to write file", path.View());
+    return false;
+}
+
+LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index) {
+    return LPath::Format("%s%.8lu\\rec%d.dat", dataFolder.c_str(), static_cast<unsigned long>(user),
+                         int{index});
+}
+
+std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault) {
+    const std::string* const addresses[] = {&recipient.emailAddress, &recipient.folder, &recipient.ftpHost};
+    std::string text = recipient.name + (isDefault ? " DEFAULT (" : " (");
+    text += recipient.method < std::size(addresses) ? *addresses[recipient.method]
+                                                    : std::string("undefined method");
+    return text + ")";
+}
+
+int32_t RecipientCount(const LPath& userFile) {
+    const int32_t count = Settings::Read(userFile, UserKeys::kSendCount);
+    return count < 0 ? 0 : count;
+}
+
+std::optional<int32_t> DefaultRecipient(const LPath& userFile) {
+    const int32_t index = Settings::Read(userFile, UserKeys::kSendDefault);
+    if (index < 0 || index >= RecipientCount(userFile)) return std::nullopt;
+    return index;
+}

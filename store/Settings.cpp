@@ -1,0 +1,129 @@
+#include "store/Settings.h"
+
+#include "base/LArith.h"
+#include "base/LProfile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+
+namespace Settings {
+
+constexpr int32_t kDaySeconds = 86400;
+
+int64_t ReadSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue) {
+    const std::string text = LProfile::Read(file, section, key, {});
+    return text.empty() ? defaultValue : LParseInt64(text);
+}
+
+void WriteSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t value) {
+    LProfile::Write(file, section, key, std::to_string(value));
+}
+
+int32_t ReadInt(const LPath& file, std::string_view section, std::string_view key, int32_t defaultValue) {
+    return Saturate(ReadSeconds(file, section, key, defaultValue));
+}
+
+void WriteInt(const LPath& file, std::string_view section, std::string_view key, int32_t value) {
+    WriteSeconds(file, section, key, value);
+}
+
+bool ParseBool(std::string_view text) {
+    return text.starts_with('t');
+}
+
+bool ReadBool(const LPath& file, std::string_view section, std::string_view key, bool defaultValue) {
+    return ParseBool(LProfile::Read(file, section, key, defaultValue ? "true" : ""));
+}
+
+void WriteBool(const LPath& file, std::string_view section, std::string_view key, bool value) {
+    LProfile::Write(file, section, key, value ? "true" : "false");
+}
+
+std::string ReadText(const LPath& file, std::string_view section, std::string_view key,
+                     std::string_view defaultText) {
+    return LProfile::Read(file, section, key, defaultText);
+}
+
+void WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text) {
+    LProfile::Write(file, section, key, text);
+}
+
+int32_t ParseTime(std::string_view text) {
+    constexpr int64_t kMost = 1 << 30;  // keeps the sum far from the top of its range, whatever is written
+    int64_t fields[3] = {};
+    size_t field = 0;
+    for (char c : text) {
+        if (c == ':' && field < 2) ++field;
+        if (LIsDigit(c)) fields[field] = Clamp<int64_t>(fields[field] * 10 + (c - '0'), 0, kMost);
+    }
+    const int64_t seconds = fields[0] * 3600 + fields[1] * 60 + fields[2];
+    return static_cast<int32_t>(seconds > kDaySeconds ? seconds % kDaySeconds : seconds);
+}
+
+int32_t ReadTime(const LPath& file, std::string_view section, std::string_view key, int32_t defaultSeconds) {
+    const std::string text = LProfile::Read(file, section, key, {});
+    return text.empty() ? defaultSeconds : ParseTime(text);
+}
+
+void WriteTime(const LPath& file, std::string_view section, std::string_view key, int32_t seconds) {
+    const int s = seconds < 0 ? 0 : seconds;
+    LProfile::Write(file, section, key, LFormat("%.2d:%.2d:%.2d", s / 3600, s / 60 % 60, s % 60));
+}
+
+void WriteDateTime(const LPath& file, std::string_view section, std::string_view key, int64_t time) {
+    const LCalendar c = LToCalendar(time);
+    LProfile::Write(
+        file, section, key,
+        LFormat("%.2d/%.2d/%.2d-%.2d:%.2d:%.2d", c.day, c.month, c.year % 100, c.hour, c.minute, c.second));
+}
+
+// A text that is no level at all yields the default: read as 0 dB, rubbish would stop voice-activated
+// recording from ever hearing anything.
+int8_t ParseLevel(std::string_view text, int8_t defaultDb) {
+    if (text.starts_with("--")) return kSilenceDb;
+    if (text.find_first_of("0123456789") == std::string_view::npos) return defaultDb;
+    return static_cast<int8_t>(Clamp<int32_t>(LParseInt(text), kSilenceDb, 127));
+}
+
+std::string FormatLevel(int8_t levelDb) {
+    return levelDb <= kSilenceDb ? std::string("--dB") : LFormat("%ddB", levelDb);
+}
+
+int8_t ReadLevel(const LPath& file, std::string_view section, std::string_view key, int8_t defaultDb) {
+    return ParseLevel(LProfile::Read(file, section, key, {}), defaultDb);
+}
+
+void WriteLevel(const LPath& file, std::string_view section, std::string_view key, int8_t levelDb) {
+    LProfile::Write(file, section, key, FormatLevel(levelDb));
+}
+
+int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix) {
+    return ReadInt(file, section, std::string(prefix) + "count", 0);
+}
+
+void WriteListCount(const LPath& file, std::string_view section, std::string_view prefix, int32_t count) {
+    WriteInt(file, section, std::string(prefix) + "count", count);
+}
+
+std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix) {
+    return std::string(prefix) + std::to_string(index) + std::string(suffix);
+}
+
+void MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
+                  int32_t source, std::string_view suffix) {
+    const std::string from = ListItemKey(prefix, source, suffix);
+    const std::string to = ListItemKey(prefix, destination, suffix);
+    const std::string value = LProfile::Read(file, section, from, {});
+    LProfile::Delete(file, section, from);
+    if (value.empty()) {
+        LProfile::Delete(file, section, to);
+    } else {
+        LProfile::Write(file, section, to, value);
+    }
+}
+
+void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,
+                    std::string_view suffix) {
+    LProfile::Delete(file, section, ListItemKey(prefix, index, suffix));
+}
+
+}  // namespace Settings

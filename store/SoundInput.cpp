@@ -1,0 +1,26 @@
+#include "store/SoundInput.h"
+
+#include "base/LText.h"
+#include "store/SettingsKeys.h"
+
+static SoundInput Resolve(SoundInput input, std::string_view word, InputLines& lines) {
+    if (input.line != kChooseLine) return input;
+    input.line = -1;
+    const std::vector<std::string> names = lines.LineNames(input.device);
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (LUpper(names[i]).find(word) != std::string::npos) input.line = static_cast<int32_t>(i);
+    }
+    return input;
+}
+
+SoundInput GetSoundIn(const LPath& settingsFile, InputLines& lines) {
+    return Resolve({Settings::Read(settingsFile, SettingsKeys::kSoundIn),
+                    Settings::Read(settingsFile, SettingsKeys::kSoundInChan)},
+                   "MIC", lines);
+}
+
+SoundInput GetDockSoundIn(const LPath& settingsFile, InputLines& lines) {
+    return Resolve({Settings::Read(settingsFile, SettingsKeys::kDockSoundIn),
+                    Settings::Read(settingsFile, SettingsKeys::kDockSoundInChan)},
+                   "LINE", lines);
+}
