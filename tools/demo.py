@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """The main job, from microphone to typist, with the real program on the rig: tools/rig tools/demo.py
 
 A spoken sample goes in at the microphone while corvane.exe records; the dictation gets a note and is

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Runs clang-tidy over our sources: portable files as the host build compiles them, the others as the
 Windows build does. A file is looked at again only when it, a header that it includes, or the rules have
 changed; what passed is remembered in build/tidy."""

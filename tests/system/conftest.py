@@ -64,3 +64,7 @@ def corvane(winctl, data):
     yield start
     for program in started:
         program.kill()
+
+
+def pytest_configure(config):
+    config.addinivalue_line("markers", "every_windows: also run in a prefix set to Windows 98")

@@ -8,7 +8,9 @@ from pathlib import Path
 
 import numpy as np
 
-ENVELOPE_STEP = 0.02  # seconds per envelope value
+ENVELOPE_STEP = 0.005  # seconds per envelope value
+ENVELOPE_WINDOW = 8  # values that one looks at
+LEAD_IN = 0.3  # seconds of silence that a sample is played with, since a device takes a moment to run
 
 
 @dataclass
@@ -40,23 +42,26 @@ def read_wav(source):
 
 
 def speak(path, text, seconds=None):
-    """Speaks a text into a 16-bit file, without silence around it, loud as a speaker at a microphone."""
+    """Speaks a text into a 16-bit file, loud as a speaker at a microphone, after LEAD_IN of silence.
+    Returns what is spoken, without the silence."""
     raw = Path(path).with_suffix(".raw.wav")
     subprocess.run(["espeak-ng", "-v", "en", "-s", "150", "-w", raw, text], check=True)
     trim = ["silence", "1", "0.02", "2%"]
     effects = ["rate", "-v", "48000", *trim, "reverse", *trim, "reverse"]
     if seconds:
         effects += ["trim", "0", str(seconds)]
-    subprocess.run(["sox", "-G", raw, "-b", "16", path, *effects, "gain", "-n", "-2"], check=True)
+    subprocess.run(["sox", "-G", raw, "-b", "16", path, *effects, "gain", "-n", "-2", "pad", str(LEAD_IN)], check=True)
     raw.unlink()
-    return read_wav(path)
+    audio = read_wav(path)
+    audio.samples = audio.samples[int(LEAD_IN * audio.rate) :]
+    return audio
 
 
 def envelope(audio):
-    """Loudness over time: the root mean square of each step."""
+    """Loudness over time: the root mean square around each step."""
     step = int(audio.rate * ENVELOPE_STEP)
-    frames = audio.samples[: len(audio.samples) // step * step].reshape(-1, step)
-    return np.sqrt((frames**2).mean(axis=1))
+    power = (audio.samples[: len(audio.samples) // step * step].reshape(-1, step) ** 2).mean(axis=1)
+    return np.sqrt(np.convolve(power, np.ones(ENVELOPE_WINDOW) / ENVELOPE_WINDOW))
 
 
 def correlation(spoken, heard, slack=0.6):

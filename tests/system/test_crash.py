@@ -1,0 +1,81 @@
+"""Killed at any moment, as by a power failure: the next start has everything that was on disk."""
+
+import os
+import random
+import time
+
+import dct
+import sound
+from corvane import pcm_wav, read_ini, wait_for
+
+KILLS = int(os.environ.get("CORVANE_KILLS", "4"))
+
+
+def test_a_recording_that_was_cut_off_lists_grows_and_is_sent(corvane, data, speech, more_speech):
+    program = corvane()
+    number = program.new()
+    program.record()
+    sound.play(speech[0])
+    audio = data.audio(number)
+    wait_for(lambda: audio.exists() and audio.stat().st_size >= speech[1].duration * 16000, "the recording on disk")
+    program.kill()
+    cut = audio.read_bytes()
+    assert cut[4:8] == b"\xff\xff\xff\xff"
+
+    program = corvane()
+    seconds = round((len(cut) - 46) / 16000)
+    assert program.row(number)["texts"][3] == f"00:{seconds:02}"
+    program.select(number)
+    program.dictate(*more_speech, command="CM_RECORD_END", number=number)
+    assert audio.read_bytes()[46 : len(cut) - 46] == cut[46 : len(cut) - 46]
+    kept = (len(cut) - 46) / 16000
+    assert abs(sound.read_wav(audio).duration - kept - more_speech[1].duration) < 0.3
+    program.send_default(number)
+    assert program.wait_sent(number) == "Sent"
+    heard = sound.read_wav(dct.read(data.delivered()[0]).audio)
+    assert abs(heard.duration - kept - more_speech[1].duration) < 0.3
+
+
+def whole_dictations(data):
+    """Numbers of which the record, and the audio up to its promised length, are there."""
+    found = set()
+    for folder in (data.current, data.sent):
+        for wav in folder.glob("*.wav"):
+            if wav.with_suffix(".dat").exists() and wav.stem.isdigit():
+                found.add(int(wav.stem))
+    return found
+
+
+def test_kills_at_random_moments_lose_no_dictation(corvane, data):
+    data.settings.write_text("[settings]\r\nvoiceactivate=--dB\r\nwarnbelowmb=0\r\n")
+    chance = random.Random(7)
+    numbers = set(range(100, 100 + 3 * KILLS))
+    for number in numbers:
+        data.add_dictation(number, pcm_wav(40000), b"note\0")
+    recorded = {}
+    for _ in range(KILLS):
+        program = corvane()
+        number = program.new()
+        program.record()
+        audio = data.audio(number)
+        wait_for(lambda: audio.exists() and audio.stat().st_size > 8000, "a recording on disk")
+        recorded[number] = audio.stat().st_size
+        moment = time.monotonic() + chance.uniform(0, 1.5)
+        todo = [n for n in numbers if data.audio(n).exists()]
+        while time.monotonic() < moment and todo:
+            program.send_default(todo.pop())
+            time.sleep(0.05)
+        program.kill()
+        for n, size in recorded.items():
+            path = data.audio(n) if data.audio(n).exists() else data.audio(n, data.sent)
+            assert path.stat().st_size >= size
+    program = corvane()
+    listed = {r["number"] for r in program.rows()}
+    in_current = {int(p.stem) for p in data.current.glob("*.wav")}
+    assert listed == in_current
+    assert whole_dictations(data) == numbers | set(recorded)
+    wait_for(lambda: read_ini(data.queue).get("bgsend", {}).get("count", "0") == "0", "an empty queue", 30)
+    queued = {int(p.stem) for p in data.sent.glob("*.wav")}
+    wait_for(lambda: all(data.status(n) in ("Sent", None) for n in queued), "the end of all sending", 30)
+    for path in data.delivered():
+        dct.read(path)

@@ -1,0 +1,106 @@
+"""The executable itself: what it needs, and what it costs."""
+
+import re
+import subprocess
+import time
+from pathlib import Path
+
+import pytest
+from corvane import EXE, TOOLS, pcm_wav, wait_for
+
+ALLOWED = Path(__file__).with_name("platform-functions.txt")
+
+
+def imports(program):
+    """{library: functions} of an executable."""
+    text = subprocess.run(["i686-w64-mingw32-objdump", "-p", program], capture_output=True, text=True, check=True).stdout
+    found = {}
+    for block in re.split(r"\tDLL Name: ", text)[1:]:
+        name, *lines = block.splitlines()
+        found[name.lower()] = {m[1] for line in lines if (m := re.match(r"\t[0-9a-f]+\s+\d+\s+(\S+)", line))}
+    return found
+
+
+def test_it_imports_only_what_every_windows_from_95_to_xp_exports():
+    allowed, library = {}, None
+    for line in ALLOWED.read_text().splitlines():
+        if line.startswith("["):
+            library = allowed.setdefault(line.strip("[]"), set())
+        elif line and not line.startswith("#"):
+            library.update(line.split())
+    used = imports(EXE)
+    strange = {dll: functions - allowed.get(dll, set()) for dll, functions in used.items()}
+    assert not {dll: sorted(f) for dll, f in strange.items() if f}
+
+
+def test_it_is_small_and_says_which_windows_it_is_made_for():
+    assert EXE.stat().st_size < 1024 * 1024
+    text = subprocess.run(["i686-w64-mingw32-objdump", "-p", EXE], capture_output=True, text=True, check=True).stdout
+    assert re.search(r"MajorSubsystemVersion\s+4\b", text) and "Windows GUI" in text
+
+
+def test_a_thousand_dictations_cost_at_most_two_seconds_at_the_start(corvane, data):
+    empty = min(start_and_close(corvane) for _ in range(2))
+    for number in range(1, 1001):
+        data.add_dictation(number, pcm_wav(800), b"a note\0")
+    full = start_and_close(corvane, rows=1000)
+    print(f"start-up: {empty:.2f} s empty, {full:.2f} s with 1,000 dictations")
+    assert full - empty <= 2.0
+
+
+def start_and_close(corvane, rows=0):
+    program = corvane()
+    assert len(program.rows()) == rows if rows < 10 else program.list()["count"] == rows
+    program.close()
+    return program.start_seconds
+
+
+def test_recording_takes_under_two_percent_of_a_core(corvane, data):
+    data.settings.write_text("[settings]\r\nvoiceactivate=--dB\r\nwarnbelowmb=0\r\n")
+    program = corvane()
+    number = program.new()
+    program.record()
+    size = lambda: data.audio(number).stat().st_size if data.audio(number).exists() else 0
+    wait_for(lambda: size() > 16000, "a second of recording")
+    cpu, since = program.cpu_seconds(), time.monotonic()
+    wait_for(lambda: size() > 16000 * 6, "more recording")
+    load = (program.cpu_seconds() - cpu) / (time.monotonic() - since)
+    print(f"load while recording: {100 * load:.2f} %")
+    assert load < 0.02
+
+
+def memory_kb(pid):
+    """What the process has for itself, and what it has in all, in KB."""
+    values = dict(re.findall(r"^(\w+):\s+(\d+) kB", Path(f"/proc/{pid}/smaps_rollup").read_text(), re.M))
+    return int(values["Private_Clean"]) + int(values["Private_Dirty"]), int(values["Rss"])
+
+
+def at_rest(pid):
+    """The memory of a process once it has stopped growing."""
+    last = [None, 0]
+
+    def settled():
+        now = memory_kb(pid)
+        last[:] = [now, last[1] + 1 if now == last[0] else 0]
+        return last[1] >= 25 and now
+
+    return wait_for(settled, "memory at rest", 20)
+
+
+def test_memory_at_rest_is_that_of_a_bare_dialog_and_half_as_much_again(corvane, winctl):
+    bare = subprocess.Popen(["wine", str(TOOLS / "baredialog.exe")])
+    try:
+        wait_for(lambda: winctl.ask("find", "#32770", "Bare")["hwnd"], "the bare dialog")
+        yardstick = at_rest(bare.pid)
+    finally:
+        bare.kill()
+        bare.wait()
+    ours = at_rest(corvane().process.pid)
+    print(f"memory at rest: {ours} KB (own, all), a bare dialog {yardstick} KB")
+    assert ours[1] <= 1.5 * yardstick[1]
+
+
+@pytest.mark.every_windows
+def test_the_rig_has_a_microphone_and_a_speaker(winctl):
+    devices = winctl.ask("devices")
+    assert devices["wavein"] and devices["waveout"]

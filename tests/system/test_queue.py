@@ -1,0 +1,66 @@
+"""The queue: what an earlier run left, what cannot be sent, and a file that lies."""
+
+import dct
+import pytest
+from corvane import pcm_wav, read_ini, wait_for, windows_path, write_ini
+
+
+def queue_entries(data, numbers, count=None, recipient=None):
+    recipient = recipient or windows_path(data.user / "rec0.dat")
+    values = {"count": len(numbers) if count is None else count}
+    for i, number in enumerate(numbers):
+        base = data.add_dictation(number, pcm_wav(8000), folder=data.sent, sendstatus="Sending")
+        values |= {f"file{i}": windows_path(base.with_suffix(".wav")), f"sendto{i}": recipient, f"id{i}": 0}
+    write_ini(data.queue, {"bgsend": values})
+
+
+def queue_count(data):
+    return int(read_ini(data.queue)["bgsend"].get("count", 0))
+
+
+@pytest.mark.parametrize("count", [None, 2000000000, 4], ids=["true count", "absurd count", "an entry too many"])
+def test_what_an_earlier_run_left_is_sent_in_order(corvane, data, count):
+    queue_entries(data, [11, 12, 13], count)
+    program = corvane()
+    for number in (11, 12, 13):
+        assert program.wait_sent(number) == "Sent"
+    wait_for(lambda: queue_count(data) == 0, "an empty queue")
+    delivered = sorted(data.delivered(), key=lambda p: p.stat().st_mtime_ns)
+    assert [dct.read(p).number for p in delivered] == [11, 12, 13]
+    assert program.close() == 0
+
+
+def test_an_entry_that_cannot_be_sent_is_told_and_does_not_block_the_next(corvane, data):
+    queue_entries(data, [21, 22])
+    values = read_ini(data.queue)["bgsend"]
+    write_ini(data.queue, {"bgsend": {**values, "sendto0": windows_path(data.user / "rec9.dat")}})
+    program = corvane()
+    assert program.wait_sent(22) == "Sent"
+    assert data.status(21) == "Send Failed"
+    assert program.wait_box("Error", 8)
+    program.answer_box("Error", 1)
+    assert queue_count(data) == 0
+
+
+def test_a_share_that_is_gone_is_told(corvane, data):
+    data.add_dictation(31, pcm_wav(8000))
+    data.share.rmdir()
+    program = corvane()
+    program.send_default(31)
+    assert program.wait_box("Error", 10) == "Unable to copy files over network"
+    program.answer_box("Error", 2)
+    assert program.api(0) == 1 and queue_count(data) == 0
+    # The recording itself is still there to be recovered and sent again.
+    assert data.audio(31, data.sent).read_bytes() == pcm_wav(8000)
+
+
+def test_without_a_recipient_nothing_is_moved(corvane, data):
+    base = data.add_dictation(41, pcm_wav(8000))
+    write_ini(data.user_file, {"settings": {"sendcount": 1, "senddefault": 1}})
+    program = corvane()
+    program.select(41)
+    program.command("CM_SENDFILE")
+    box = wait_for(lambda: next(iter(program.boxes()), None), "a message")
+    assert any(c["text"].startswith("No Typist Recipients have been set up") for c in box["children"])
+    program.answer_box(box["text"], 1)
+    assert base.with_suffix(".wav").exists() and program.row(41)

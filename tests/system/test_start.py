@@ -1,0 +1,123 @@
+"""Starting: the second instance, and files that are not as they should be."""
+
+import os
+import shutil
+import subprocess
+from contextlib import contextmanager
+
+import pytest
+from corvane import DIALOG_CLASS, EXE, Corvane, pcm_wav, wait_for, write_ini
+
+
+def test_a_second_start_brings_the_first_forward_and_ends(corvane, winctl):
+    program = corvane()
+    program.api(2)
+    wait_for(lambda: program.describe()["minimized"], "a minimized window")
+    second = subprocess.run(["wine", str(EXE), "/install"], timeout=15)
+    assert second.returncode == 0
+    window = wait_for(lambda: (w := program.describe()) and not w["minimized"] and w, "a restored window")
+    assert window["visible"]
+    assert winctl.ask("find", DIALOG_CLASS, "Corvane")["hwnd"] == program.window
+    assert program.api(0) == 1
+
+
+def test_a_damaged_setup_package_refuses_to_run(winctl, drive_c):
+    package = drive_c / "CorvaneSetup.exe"
+    shutil.copy(EXE, package)
+    process = subprocess.Popen(["wine", str(package)])
+    try:
+        find = lambda: winctl.ask("find", DIALOG_CLASS, "Install Error")
+        box = winctl.ask("window", wait_for(lambda: find()["hwnd"] and find(), "the message")["hwnd"])
+        assert any(c["text"].startswith("Installation file corrupt.\n\nA checksum error") for c in box["children"])
+        winctl.ask("click", next(c["hwnd"] for c in box["children"] if c["class"] == "Button"))
+        assert process.wait(10) == 0
+    finally:
+        process.kill()
+    assert not winctl.ask("find", DIALOG_CLASS, "Corvane")["hwnd"]
+
+
+@contextmanager
+def read_only(path):
+    """A file that nobody, not even root, can write or replace."""
+    if os.geteuid() != 0:
+        path.chmod(0o444)
+        yield
+        return
+    subprocess.run(["mount", "--bind", path, path], check=True)
+    try:
+        subprocess.run(["mount", "-o", "remount,ro,bind", path], check=True)
+        yield
+    finally:
+        subprocess.run(["umount", path], check=True)
+
+
+RUBBISH = bytes(range(256)) * 40
+BAD_CONTENTS = {
+    "empty": b"",
+    "rubbish": RUBBISH,
+    "huge": b"[settings]\r\n" + b"x" * (10 * 1024 * 1024),
+}
+
+
+@pytest.mark.parametrize("kind", BAD_CONTENTS)
+def test_files_of_rubbish_harm_nobody(corvane, data, kind):
+    data.add_dictation(7, pcm_wav(16000), b"good\0")
+    data.add_dictation(8)
+    bad = BAD_CONTENTS[kind]
+    for path in (data.settings, data.queue, data.user_file, data.user / "rec0.dat"):
+        path.write_bytes(bad)
+    for suffix in (".dat", ".wav", ".txt"):
+        (data.current / f"00000008{suffix}").write_bytes(bad)
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0}}) if kind == "huge" else None
+    program = corvane()
+    good = program.row(7)["texts"]
+    assert (good[0], good[3], good[5]) == ("Dictation 007", "00:02", "good")
+    assert len(program.rows()) == 2
+    program.send_default(7)
+    assert program.wait_box("Send") if False else True
+    number = program.new()
+    assert number not in (7, 8) and data.record(number)["number"] == str(number)
+    assert program.close() == 0
+    assert (data.current / "00000008.wav").read_bytes() == bad
+
+
+def test_without_any_file_the_program_starts_empty_and_works(corvane, data):
+    shutil.rmtree(data.folder)
+    data.folder.mkdir()
+    program = corvane()
+    assert program.rows() == []
+    program.command("CM_SENDFILE")
+    program.command("CM_NEWFILE")
+    assert program.api(0) == 1
+    assert program.close() == 0
+
+
+def test_read_only_files_are_read(corvane, data):
+    base = data.add_dictation(3, pcm_wav(8000), b"note\0")
+    write_ini(data.queue, {"bgsend": {"count": 0}})
+    paths = [data.settings, data.user_file, data.queue, base.with_suffix(".dat"), base.with_suffix(".wav")]
+    with read_only(paths[0]), read_only(paths[1]), read_only(paths[2]), read_only(paths[3]), read_only(paths[4]):
+        before = [p.read_bytes() for p in paths]
+        program = corvane()
+        assert program.row(3)["texts"][3] == "00:01"
+        program.select(3)
+        program.command("CM_PRIORITY_HIGH")
+        assert program.api(0) == 1
+        assert program.close() == 0
+        assert [p.read_bytes() for p in paths] == before
+
+
+def test_a_data_folder_beyond_the_platforms_limit_does_no_harm(winctl, data):
+    too_long = Corvane.__new__(Corvane)
+    del too_long
+    from corvane import FOLDERS_KEY
+
+    winctl.ask("setreg", FOLDERS_KEY, "DataFiles", "C:\\" + "a" * 256)
+    program = Corvane(winctl, None)
+    try:
+        assert program.rows() == []
+        program.command("CM_NEWFILE")
+        assert program.api(0) == 1
+        assert program.close() == 0
+    finally:
+        program.kill()

@@ -1,0 +1,173 @@
+"""What the window offers: its menu, its list, and the ways in for other programs."""
+
+import time
+
+from corvane import IDS, pcm_wav, wait_for
+from sound import microphone_streams
+
+MENU = {
+    1001: "&New\tCtrl+N",
+    1002: "&Send (Default Recipient)\tCtrl+S",
+    1003: "Send... (Select Recipient)\tCtrl+R",
+    1004: "&Rename...\tF2",
+    1005: "&Delete\tCtrl+Del",
+    1011: "Audio Cable Method",
+    1012: "Audio File Transfer Method",
+    1021: "View Sent Work Progress...\tCtrl+W",
+    1022: "Rec&over Sent Dictations...\tCtrl+O",
+    1031: "Log On As Other User...",
+    1041: "Set High Priority",
+    1042: "Set Normal Priority",
+    1043: "Set Low Priority",
+    1051: "Load Audio File...",
+    1052: "Load and Send Audio File...",
+    1099: "E&xit\tAlt+F4",
+    2001: "&Record\tF5",
+    2031: "Record Overwrite\tCtrl+F5",
+    2032: "Record Insert\tIns",
+    2033: "Record at End\tShift+F5",
+    2041: "Record Overwrite",
+    2042: "Record Insert",
+    2043: "Record at End",
+    2002: "&Play\tF9",
+    2011: "Play Slow Speed\tF11",
+    2012: "Play Normal Speed\tF10",
+    2013: "Play Fast Speed\tF12",
+    2003: "&Stop\tEsc",
+    2021: "Go To Start\tHome",
+    2022: "Rewind\tF7",
+    2023: "Fast Forward\tF8",
+    2024: "Go To End\tEnd",
+    3001: "Hardware Settings...",
+    3002: "Recipient Send Settings...",
+    3003: "User Settings...",
+    6001: "&Compact",
+    6002: "&Normal",
+    6003: "&Maximized",
+    6031: "&Float Above Other Windows",
+    9001: "&Help Contents\tF1",
+    9002: "&About...",
+}
+COLUMNS = [("Dictation", 120), ("Date", 70), ("Time", 70), ("Dur", 60), ("Priority", 70), ("Notes", 200)]
+
+
+def test_the_menu_and_the_list_offer_everything_under_its_number(corvane):
+    program = corvane()
+    menu = program.menu()
+    assert {number: item["text"] for number, item in menu.items()} == MENU
+    assert menu[6002]["checked"] and not menu[6031]["checked"]
+    assert [(c["text"], c["width"]) for c in program.list()["columns"]] == COLUMNS
+    ids = {c["id"] for c in program.describe()["children"]}
+    assert {101, 102, 201, 202, 203, 211, 212, 213, 214, 300} <= ids
+
+
+def test_the_list_shows_the_records_of_the_folder(corvane, data):
+    data.add_dictation(1, pcm_wav(60 * 8000), b"\r\nfirst line\r\nsecond\0gone", date=1012345678, priority="High")
+    data.add_dictation(2, name="No sound yet")
+    data.add_dictation(3, pcm_wav(12000, sizes_known=False))
+    data.add_dictation(1234, pcm_wav(11999), b"x" * 300)
+    program = corvane()
+    texts = {r["number"]: r["texts"] for r in program.rows()}
+    assert set(texts) == {1, 2, 3, 1234}
+    assert texts[1][0] == "Dictation 001" and texts[1][3:] == ["01:00", "High", "  first line  second"]
+    assert "29" in texts[1][1] and "02" in texts[1][1] and texts[1][2].endswith("07:58")
+    assert texts[2][0] == "No sound yet" and texts[2][3:] == ["00:00", "Normal", ""]
+    assert texts[3][3] == "00:02"
+    assert texts[1234][0] == "Dictation 234" and texts[1234][5] == "x" * 127
+    last = program.rows()[-1]
+    assert last["selected"] and last["focused"]
+
+
+def test_other_programs_can_create_name_annotate_and_delete(corvane, data):
+    program = corvane()
+    assert (program.api(0), program.api(8), program.api(11)) == (1, 0, 0)
+    assert program.api(4) == 0
+    number = program.api(8)
+    assert number == 1 and data.record(1)["name"] == "Dictation 001"
+    assert program.api(5, "Harris: letter") == 0
+    assert data.record(1)["name"] == program.row(1)["texts"][0] == "Harris: letter"
+    program.api(6, "See ")
+    program.api(6, "chart")
+    notes = data.current / "00000001.txt"
+    wait_for(lambda: notes.exists() and notes.read_bytes() == b"See chart\0", "the saved notes", 3)
+    program.post(32767, 10)
+    assert "Are you sure you want to delete this dictation?" in program.wait_box("Confirm Delete")
+    program.answer_box("Confirm Delete", 6)
+    wait_for(lambda: not program.rows(), "an empty list")
+    assert list(data.current.iterdir()) == [] and program.api(8) == 0
+    program.api(3)
+    assert program.process.wait(10) == 0
+
+
+def test_other_programs_can_send(corvane, data):
+    data.add_dictation(9, pcm_wav(8000))
+    program = corvane()
+    program.select(9)
+    program.post(32767, 9)
+    assert program.wait_sent(9) == "Sent"
+
+
+def test_notes_are_kept_when_another_row_is_chosen_and_when_the_program_ends(corvane, data):
+    for number in (1, 2):
+        data.add_dictation(number, notes=b"old\0")
+    program = corvane()
+    program.select(1)
+    wait_for(lambda: program.notes() == "old", "the notes of the row")
+    program.api(6, " and new")
+    program.select(2)
+    assert (data.current / "00000001.txt").read_bytes() == b"old and new\0"
+    assert program.row(1)["texts"][5] == "old and new"
+    program.api(6, " too")
+    assert program.close() == 0
+    assert (data.current / "00000002.txt").read_bytes() == b"old too\0"
+    assert (data.current / "00000001.txt").read_bytes() == b"old and new\0"
+
+
+def test_priorities_and_deletion_take_every_selected_row(corvane, data):
+    for number in (1, 2, 3, 4):
+        data.add_dictation(number, pcm_wav(800), b"n\0")
+    program = corvane()
+    program.select(1, 2, 4)
+    program.command("CM_PRIORITY_HIGH")
+    wait_for(lambda: [data.record(n).get("priority") for n in (1, 2, 3, 4)] == ["High", "High", None, "High"], "High")
+    assert {r["number"] for r in program.rows() if r["selected"]} == {1, 2, 4}
+    assert [program.row(n)["texts"][4] for n in (1, 2, 3, 4)] == ["High", "High", "Normal", "High"]
+    program.command("CM_DELETEFILE")
+    program.wait_box("Confirm Delete")
+    program.answer_box("Confirm Delete", 7)
+    assert len(program.rows()) == 4
+    program.command("CM_DELETEFILE")
+    program.answer_box("Confirm Delete", 6)
+    wait_for(lambda: [r["number"] for r in program.rows()] == [3], "one row left")
+    assert sorted(p.name for p in data.current.iterdir()) == ["00000003.dat", "00000003.txt", "00000003.wav"]
+
+
+def test_a_tap_toggles_recording_and_a_hold_records_while_held(corvane, data):
+    press, release = (lambda: program.post(1792, 6)), (lambda: program.post(1792, 7))
+    running = lambda: microphone_streams() > 0
+    program = corvane()
+    program.new()
+    for expected in (True, False):  # tap, tap
+        press()
+        release()
+        wait_for(lambda: running() == expected, f"recording: {expected}")
+    press()
+    wait_for(running, "a recording")
+    held = time.monotonic() + 0.7
+    wait_for(lambda: time.monotonic() > held, "the hold")
+    release()
+    wait_for(lambda: not running(), "the end of the recording")
+
+
+def test_the_chosen_view_is_kept(corvane, data):
+    program = corvane()
+    program.command("CM_VIEW_COMPACT")
+    compact = wait_for(lambda: program.menu()[6001]["checked"] and program.describe()["rect"], "the compact view")
+    program.command("CM_VIEW_MAXIMIZED")
+    wait_for(lambda: program.describe()["maximized"], "the maximized view")
+    program.command("CM_VIEW_COMPACT")
+    wait_for(lambda: program.describe()["rect"] == compact, "the compact view where it was")
+    program.close()
+    again = corvane()
+    assert again.menu()[6001]["checked"]
+    assert IDS["CM_VIEW_COMPACT"] == 6001
