@@ -97,6 +97,11 @@ int32_t BGSend::GetCount() const {
     return m_queue.Count();
 }
 
+bool BGSend::IsQueued(const LPath& dictation) const {
+    LLock lock(m_queueLock);
+    return m_queue.Holds(dictation);
+}
+
 double BGSend::GetProgress() const {
     LLock lock(m_stateLock);
     return m_range.LastAccepted();

@@ -56,6 +56,8 @@ public:
     // take it.
     bool SetCount(int32_t count);
     int32_t GetCount() const;
+    // Whether a dictation (its audio file in Sent) waits in the queue.
+    bool IsQueued(const LPath& dictation) const;
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;

@@ -16,11 +16,6 @@ constexpr size_t kDctLongestText = 255;        // bytes of a short string
 constexpr uint32_t kDctLongestNotes = 262144;  // bytes; a reader refuses more
 constexpr size_t kDctChunkBytes = 32768;       // of audio, each read and written at once
 
-// Short strings 9 to 18 of the file, in its order, as keys of section "user" of the sending user's file.
-constexpr const char* kDctSenderKeys[] = {"name", "email",    "company",  "phone",    "cell",
-                                          "fax",  "address1", "address2", "address3", "address4"};
-constexpr size_t kDctSenderFields = sizeof kDctSenderKeys / sizeof kDctSenderKeys[0];
-
 constexpr uint8_t kDctPriorityLow = 10;
 constexpr uint8_t kDctPriorityNormal = 50;
 constexpr uint8_t kDctPriorityHigh = 100;

@@ -77,7 +77,11 @@ void DctWriter::AddFields(const DctHeader& header) {
     if (m_isEncrypted) m_head.U8(m_keyCheck);
     m_head.U32(header.date);
     AddShortText(m_head, header.name);
-    for (const std::string& field : header.sender) AddShortText(m_head, field);
+    const UserDetails& sender = header.sender;
+    for (const std::string* text :
+         {&sender.name, &sender.email, &sender.company, &sender.phone, &sender.cell, &sender.fax})
+        AddShortText(m_head, *text);
+    for (const std::string& line : sender.address) AddShortText(m_head, line);
     m_head.U8(header.priority);
 }
 

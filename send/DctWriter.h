@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -12,6 +11,7 @@
 #include "base/LStream.h"
 #include "send/DctFormat.h"
 #include "send/LBlowFish.h"
+#include "store/CurrentUser.h"
 
 // What a DCT file says about its dictation.
 struct DctHeader {
@@ -19,7 +19,7 @@ struct DctHeader {
     uint32_t number = 0;
     uint32_t date = 0;  // seconds since 1970-01-01 00:00 UTC
     std::string name;
-    std::array<std::string, kDctSenderFields> sender;  // in the order of kDctSenderKeys
+    UserDetails sender;
     uint8_t priority = kDctPriorityNormal;
 };
 

@@ -6,18 +6,15 @@
 #include "audio/LWaveFile.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
-#include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "send/SendDelivery.h"
 #include "send/SendStage.h"
-#include "store/Settings.h"
+#include "store/SettingsKeys.h"
 
 namespace {
 
-constexpr char kRecordSection[] = "file";
-constexpr char kUserSection[] = "user";
 constexpr double kConversionEnd = 0.4;  // of the item
 
 constexpr char kNoCodec[] =
@@ -56,9 +53,8 @@ SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessC
       m_data(data),
       m_context(context),
       m_files(DictationFiles::OfPath(entry.dictation)),
-      m_name(Settings::ReadText(m_files.record, kRecordSection, "name", "")),
-      m_label(m_name.empty() ? LFileNameOf(m_files.audio.View()) : m_name),
-      m_number(Settings::ReadInt(m_files.record, kRecordSection, "number", 0)) {}
+      m_record(DictationRecord::Read(m_files.record)),
+      m_label(m_record.name.empty() ? LFileNameOf(m_files.audio.View()) : m_record.name) {}
 
 ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
@@ -72,8 +68,8 @@ ProcessResult SendItem::Send() {
         return result;
     }
     result = DeliverDictation({output, m_recipient, m_entry.user, m_data, m_label}, m_context);
-    if (result == ProcessResult::Done) WriteStatus("Sent");
-    if (result == ProcessResult::Failed) WriteStatus("Send Failed");
+    if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
+    if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
     return result;
 }
 
@@ -81,7 +77,7 @@ bool SendItem::LoadRecipient() {
     if (m_recipient.Load(m_entry.recipient)) return true;
     LTrace("SendItem::LoadRecipient unable to load recipient", m_entry.recipient.View());
     Fail("The recipient's settings cannot be read. Please check the recipient and send the dictation again.");
-    WriteStatus("Send Failed");
+    WriteStatus(RecordKeys::kStatusFailed);
     return false;
 }
 
@@ -137,15 +133,14 @@ ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
 }
 
 DctHeader SendItem::MakeDctHeader() const {
-    const int64_t date = Settings::ReadSeconds(m_files.record, kRecordSection, "date", LNowSeconds());
+    const int64_t date = m_record.date.value_or(LNowSeconds());
     DctHeader header;
     header.user = m_entry.user;
-    header.number = static_cast<uint32_t>(m_number);
+    header.number = static_cast<uint32_t>(Number());
     header.date = static_cast<uint32_t>(Clamp<int64_t>(date, 0, std::numeric_limits<uint32_t>::max()));
-    header.name = m_name;
-    const LProfileSection sender(UserFilePath(m_data.folder, m_entry.user), kUserSection);
-    for (size_t i = 0; i < kDctSenderFields; ++i) header.sender[i] = sender.Read(kDctSenderKeys[i], "");
-    header.priority = DctPriority(Settings::ReadText(m_files.record, kRecordSection, "priority", "Normal"));
+    header.name = m_record.name;
+    header.sender = UserDetails::Read(UserFilePath(m_data.folder, m_entry.user));
+    header.priority = DctPriority(m_record.priority);
     return header;
 }
 
@@ -153,15 +148,14 @@ DctHeader SendItem::MakeDctHeader() const {
 LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const {
     const std::string name =
         LFormat("%s%.5ld-%.5ld", prefix, static_cast<long>(static_cast<int32_t>(m_entry.user)),
-                static_cast<long>(m_number)) +
+                static_cast<long>(Number())) +
         std::string(extension);
     return LPath::Join(LFolderOf(m_entry.dictation.View()), name);
 }
 
 // A dictation that was recovered or deleted meanwhile has no record here, and must not get a new one.
 void SendItem::WriteStatus(std::string_view status) const {
-    if (LFile::Exists(m_files.record))
-        Settings::WriteText(m_files.record, kRecordSection, "sendstatus", status);
+    if (LFile::Exists(m_files.record)) Settings::Write(m_files.record, RecordKeys::kSendStatus, status);
 }
 
 ProcessResult SendItem::Fail(std::string_view reason) {

@@ -9,6 +9,7 @@
 #include "send/SendQueueFile.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
+#include "store/DictationRecord.h"
 #include "store/SendToSettings.h"
 
 // One queued dictation on its way: converted into the file that its recipient wants, delivered, and its
@@ -29,6 +30,7 @@ private:
     ProcessResult CompressWavFile(const LPath& output);
     ProcessResult CreateDCTFile(const LPath& output, const LPath& audio);
     DctHeader MakeDctHeader() const;
+    int32_t Number() const { return m_record.number.value_or(0); }
     LPath OutputPath(const char* prefix, std::string_view extension) const;
     void WriteStatus(std::string_view status) const;
     ProcessResult Fail(std::string_view reason);
@@ -38,7 +40,6 @@ private:
     ProcessContext& m_context;
     DictationFiles m_files;
     SendToSettings m_recipient;
-    std::string m_name;   // as in the record
+    DictationRecord m_record;
     std::string m_label;  // what messages call the dictation
-    int32_t m_number;
 };

@@ -98,6 +98,15 @@ bool SendQueueFile::HasEntry(int32_t index) const {
     return false;
 }
 
+bool SendQueueFile::Holds(const LPath& dictation) const {
+    for (int32_t i = 0, count = Count(); i < count; ++i) {
+        const std::string path =
+            Settings::ReadText(m_path, kSection, Settings::ListItemKey(kFilePrefix, i), "");
+        if (LEqualNoCase(path, dictation.View())) return true;
+    }
+    return false;
+}
+
 SendQueueEntry SendQueueFile::Head() const {
     const auto read = [this](const char* prefix) {
         return Settings::ReadText(m_path, kSection, Settings::ListItemKey(prefix, 0), "");

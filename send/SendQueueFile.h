@@ -25,6 +25,8 @@ public:
     void SetPath(const LPath& path);
 
     int32_t Count() const;
+    // Whether an entry names this audio file.
+    bool Holds(const LPath& dictation) const;
     // Adds an entry behind all others. The count is written last, so a half-written entry never counts.
     bool Append(const SendQueueEntry& entry);
     // The first entry; one that is not whole when the queue is empty.
