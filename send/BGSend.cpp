@@ -5,7 +5,6 @@
 #include "base/LTrace.h"
 #include "send/SendItem.h"
 
-static constexpr uint32_t kCancelWaitMs = 5000;
 static constexpr size_t kLongestError = 259;
 static constexpr char kQueueUnwritable[] = "Corvane internal files are read only or corrupt.";
 
@@ -72,8 +71,8 @@ bool BGSend::Stop(uint32_t timeoutMs) {
     return WaitForEnd(timeoutMs);
 }
 
-void BGSend::ClearQueue() {
-    Stop(kCancelWaitMs);
+void BGSend::ClearQueue(uint32_t waitMs) {
+    Stop(waitMs);
     ++m_era;
     SetCount(0);
     TakeError();

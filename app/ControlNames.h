@@ -1,0 +1,35 @@
+#pragma once
+
+#include <span>
+
+#include "res/Ids.h"
+
+struct ControlTip {
+    int control;
+    const char* text;
+};
+constexpr ControlTip kControlTips[] = {
+    {IDC_LIST, "List of current dictations"},
+    {IDC_NEW, "Start a new dictation (Ctrl+N)"},
+    {IDC_SEND, "Send dictation for transcription (Ctrl+S)"},
+    {IDC_NOTES, "Notes about the current dictation"},
+    {IDC_PLAY, "Play (F9)"},
+    {IDC_RECORD, "Record (F5)"},
+    {IDC_STOP, "Stop (Escape)"},
+    {IDC_GOTOSTART, "Go to Start (Home)"},
+    {IDC_REWIND, "Rewind (F7)"},
+    {IDC_FASTFORWARD, "Fast Forward (F8)"},
+    {IDC_GOTOEND, "Go to End (End)"},
+    {IDC_DOCK, "Transfer dictation from Portable Recorder (Ctrl+D)"},
+    {IDC_INFOLINE, "Click for more information"},
+    {IDC_INFOLINK, "Click for more information"},
+    {IDC_SENDPROGRESS, "Current send progress"},
+};
+
+// The rotating texts of the information line.
+constexpr const char* kInfoTexts[] = {
+    "Corvane 3.06: record, correct and send dictations.",
+    "Press and hold the record button to speak; tap it to keep recording.",
+    "Typed notes are saved by themselves and travel with the dictation.",
+    "Quennet: the transcription program for your typist.",
+};

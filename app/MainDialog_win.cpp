@@ -1,0 +1,409 @@
+#include "app/MainDialog_win.h"
+
+#include <windowsx.h>
+
+#include <commctrl.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "app/CommandState.h"
+#include "app/ControlNames.h"
+#include "app/IntroductionPages.h"
+#include "app/TransportButton_win.h"
+#include "audio/LDBDisplay_win.h"
+#include "audio/LSoundTime.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "res/Ids.h"
+#include "store/Recovery.h"
+#include "store/SettingsKeys.h"
+#include "ui/LProgressDialog.h"
+
+namespace {
+
+constexpr UINT kInfoFirstMs = 1000;
+constexpr UINT kInfoPeriodMs = 5000;
+constexpr uint32_t kSendStopMs = 5000;
+constexpr char kQueueFile[] = "bgsend.dat";
+constexpr int kPositionFontHeight = 15;  // pixels
+
+}  // namespace
+
+// In the order of their numbers.
+const MainDialog::MessageEntry MainDialog::kMessages[] = {
+    {WM_MOVE, &MainDialog::EvMove},
+    {WM_SIZE, &MainDialog::EvSize},
+    {WM_CLOSE, &MainDialog::EvClose},
+    {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
+    {WM_ENDSESSION, &MainDialog::EvEndSession},
+    {WM_DRAWITEM, &MainDialog::EvDrawItem},
+    {WM_NOTIFY, &MainDialog::EvNotify},
+    {WM_CONTEXTMENU, &MainDialog::EvContextMenu},
+    {WM_COMMAND, &MainDialog::EvCommand},
+    {WM_TIMER, &MainDialog::EvTimer},
+    {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
+    {WM_MICBUTTON, &MainDialog::EvMicButton},
+    {WM_APICOMMAND, &MainDialog::EvAPICommand},
+    {WM_RECORDINGTROUBLE, &MainDialog::EvRecordingTrouble},
+    {WM_ROWCHANGED, &MainDialog::EvRowChanged},
+};
+
+const MainDialog::TimerEntry MainDialog::kTimers[] = {
+    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
+    {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+};
+
+MainDialog::MainDialog(AppState& state)
+    : m_state(state),
+      m_transport(state, *this),
+      m_send(state, m_queue),
+      m_layout(state),
+      m_introduction(kIntroductionPages) {}
+
+MainDialog::~MainDialog() = default;
+
+// ---- Life ------------------------------------------------------------------------------------------------
+
+bool MainDialog::InitDialog() {
+    m_postTo = Window();
+    if (m_onCreated) m_onCreated();
+    _putenv("TZ=GMT0");  // dates are kept and shown without a time-zone shift
+    _tzset();
+    InitIcons();
+    m_accelerators = LoadAcceleratorsA(LInstance(), MAKEINTRESOURCEA(IDA_MAIN));
+    m_layout.Attach(Window());
+    m_layout.LayoutNormalSizeAndPosition();
+    const std::string userName = ShownUserName(m_state.user.details, m_state.user.number);
+    LSetWindowText(Item(IDC_LOGGEDON), LFormat("Logged on as [%s]", userName.c_str()));
+    m_notes.Attach(Item(IDC_NOTES), Window());
+    m_list.Attach(Item(IDC_LIST), *this);
+    RecoverLeftovers();
+    m_list.SetupFilesList(m_state.user.currentFolder);
+    ApplyRecordMode();
+    InitToolTips();
+    SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
+    StartSending();
+    ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+    if (m_state.showIntroduction)
+        m_introduction.Show(Window());
+    else
+        m_splash.Show(Window());
+    DeleteOldFiles();
+    TestHardDrive();
+    if (IsOpen()) SetFocus(Item(IDC_LIST));
+    return false;
+}
+
+void MainDialog::InitIcons() {
+    ShowRecording(false);
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Item(IDC_POSITION), WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    font.lfHeight = kPositionFontHeight;
+    font.lfWidth = 0;
+    font.lfWeight = FW_BOLD;
+    m_positionFont.Reset(CreateFontIndirectA(&font));
+    for (int control : {IDC_POSITION, IDC_DICTATIONNAME})
+        SendMessageA(Item(control), WM_SETFONT, reinterpret_cast<WPARAM>(m_positionFont.Get()), FALSE);
+}
+
+void MainDialog::InitToolTips() {
+    if (!m_toolTips.Create(Window())) return;
+    for (const ControlTip& tip : kControlTips) m_toolTips.Add(tip.control, tip.text);
+}
+
+void MainDialog::StartSending() {
+    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, 100));
+    m_queue.SetOwner(this);
+    m_queue.StartSending();
+}
+
+// What an earlier run left half done is put right before anything is listed or sent.
+void MainDialog::RecoverLeftovers() {
+    m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
+    RecoverDictations(
+        m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
+}
+
+void MainDialog::CloseWindow() {
+    if (m_isClosing) return;
+    m_isClosing = true;
+    FinishRunning();
+    DestroyWindow(Window());
+}
+
+void MainDialog::DestroyDialog() {
+    KillTimer(Window(), TIMER_INFOLINE);
+    m_toolTips.Close();
+    m_sendThreadEnded = m_queue.Stop(kSendStopMs);
+    m_postTo = nullptr;
+    SaveNotes();
+    m_transport.Stop();
+    m_list.ReleaseFont();
+}
+
+bool MainDialog::PreTranslateMessage(MSG& message) {
+    if (m_introduction.PreTranslateMessage(message)) return true;
+    const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (!isKey || m_accelerators == nullptr) return false;
+    if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
+
+    char className[16] = {};
+    GetClassNameA(message.hwnd, className, sizeof className);
+    if (LEqualNoCase(className, "Edit")) {
+        // In the notes these keys move and edit; in a name that is being edited the list wants the rest too.
+        const bool isNotes = message.hwnd == Item(IDC_NOTES);
+        for (WPARAM key : {VK_HOME, VK_END, VK_INSERT, VK_DELETE})
+            if (message.wParam == key) return false;
+        if (!isNotes && (message.wParam == VK_ESCAPE || message.wParam == VK_RETURN)) return false;
+    }
+    return TranslateAcceleratorA(Window(), m_accelerators, &message) != 0;
+}
+
+// ---- Messages --------------------------------------------------------------------------------------------
+
+bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    for (const MessageEntry& entry : kMessages)
+        if (entry.message == message) return (this->*entry.handle)(wParam, lParam, result);
+    return false;  // not ours: default handling
+}
+
+bool MainDialog::EvClose(WPARAM, LPARAM, LRESULT& result) {
+    result = 0;
+    if (!LProgressDialog::IsAnyRunning()) CloseWindow();
+    return true;
+}
+
+bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
+    result = TRUE;
+    return true;
+}
+
+// The session ends, and the process may be ended as soon as this returns.
+bool MainDialog::EvEndSession(WPARAM wParam, LPARAM, LRESULT& result) {
+    result = 0;
+    if (wParam != FALSE) CloseWindow();
+    return true;
+}
+
+bool MainDialog::EvCommand(WPARAM wParam, LPARAM, LRESULT& result) {
+    const int command = LOWORD(wParam);
+    const int notification = HIWORD(wParam);
+    result = 0;
+    if (command == IDC_NOTES) {
+        if (notification == EN_CHANGE) m_notes.EvChange();
+        return true;
+    }
+    const bool isFromMenuButtonOrKey = notification == 0 || notification == 1;
+    if (!isFromMenuButtonOrKey || LProgressDialog::IsAnyRunning()) return true;
+    if (!IsCommandEnabled(command, Situation())) return true;
+    RunCommand(command);
+    return true;
+}
+
+bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    if (reinterpret_cast<HWND>(wParam) != Item(IDC_LIST)) return false;
+    POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    if (at.x == -1 && at.y == -1) {  // from the keyboard
+        RECT box;
+        GetWindowRect(Item(IDC_LIST), &box);
+        at = {box.left + 16, box.top + 32};
+    }
+    ShowPopup(IDM_DICTATION, at);
+    result = 0;
+    return true;
+}
+
+void MainDialog::ShowPopup(int resource, POINT at) {
+    const HMENU menu = LoadMenuA(LInstance(), MAKEINTRESOURCEA(resource));
+    if (menu == nullptr) return;
+    const HMENU popup = GetSubMenu(menu, 0);
+    EnableCommands(popup);
+    TrackPopupMenu(popup, TPM_RIGHTBUTTON, at.x, at.y, 0, Window(), nullptr);
+    DestroyMenu(menu);
+}
+
+bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
+    const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+    if (item.CtlType != ODT_BUTTON) return false;
+    DrawTransportButton(item, item.CtlID == IDC_RECORD && m_transport.IsRecording());
+    result = TRUE;
+    return true;
+}
+
+bool MainDialog::EvMove(WPARAM, LPARAM, LRESULT& result) {
+    m_layout.EvMove();
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvSize(WPARAM wParam, LPARAM, LRESULT& result) {
+    if (wParam != SIZE_MINIMIZED) m_layout.LayoutControls();
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvNotify(WPARAM, LPARAM lParam, LRESULT& result) {
+    const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+    return header.idFrom == IDC_LIST && m_list.HandleNotify(header, result);
+}
+
+bool MainDialog::EvSendProgress(WPARAM, LPARAM, LRESULT& result) {
+    const int percent = static_cast<int>(m_queue.GetProgress() * 100 + 0.5);
+    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETPOS, static_cast<WPARAM>(percent), 0);
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvRowChanged(WPARAM wParam, LPARAM, LRESULT& result) {
+    m_list.UpdateNumber(static_cast<int32_t>(wParam));
+    ShowPosition();
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result) {
+    result = 0;
+    const std::string text = std::exchange(m_trouble, {});
+    if (!text.empty()) LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
+    return true;
+}
+
+bool MainDialog::EvTimer(WPARAM wParam, LPARAM, LRESULT& result) {
+    KillTimer(Window(), wParam);
+    result = 0;
+    for (const TimerEntry& entry : kTimers)
+        if (entry.timer == wParam) (this->*entry.handle)();
+    return true;
+}
+
+void MainDialog::EvTimerInfoLine() {
+    LSetWindowText(Item(IDC_INFOLINE), kInfoTexts[m_infoText]);
+    m_infoText = (m_infoText + 1) % std::size(kInfoTexts);
+    ShowSendError();
+    if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
+}
+
+void MainDialog::ShowSendError() {
+    const std::string text = m_queue.TakeError();
+    if (text.empty()) return;
+    if (LMessageBox(Window(), text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
+        m_queue.ClearQueue();
+}
+
+void MainDialog::EvTimerSaveNotes() {
+    SaveNotes();
+}
+
+// ---- What the window shows -------------------------------------------------------------------------------
+
+CommandSituation MainDialog::Situation() const {
+    return {m_list.SelectedCount(), m_transport.IsRecording(), false};
+}
+
+void MainDialog::EnableCommands(HMENU menu) const {
+    const CommandSituation situation = Situation();
+    for (int i = GetMenuItemCount(menu) - 1; i >= 0; --i) {
+        if (const HMENU sub = GetSubMenu(menu, i)) EnableCommands(sub);
+        const UINT command = GetMenuItemID(menu, i);
+        if (command == 0 || command == static_cast<UINT>(-1)) continue;
+        EnableMenuItem(
+            menu, command,
+            MF_BYCOMMAND | (IsCommandEnabled(static_cast<int>(command), situation) ? MF_ENABLED : MF_GRAYED));
+    }
+}
+
+void MainDialog::ShowSituation() {
+    const CommandSituation situation = Situation();
+    EnableCommands(GetMenu(Window()));
+    for (int control : {IDC_NEW, IDC_SEND, IDC_PLAY, IDC_RECORD, IDC_STOP, IDC_GOTOSTART, IDC_REWIND,
+                        IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK}) {
+        const bool enabled = IsCommandEnabled(control, situation);
+        // The keyboard must not be left with a control that no longer listens.
+        if (!enabled && GetFocus() == Item(control)) SetFocus(Item(IDC_RECORD));
+        EnableWindow(Item(control), enabled);
+    }
+    ShowPosition();
+}
+
+void MainDialog::ShowRecording(bool isRecording) {
+    const auto resource = MAKEINTRESOURCEA(isRecording ? IDI_RECORDING : IDI_CORVANE);
+    const auto set = [&](WPARAM kind, int cx, int cy) {
+        const HANDLE icon = LoadImageA(LInstance(), resource, IMAGE_ICON, GetSystemMetrics(cx),
+                                       GetSystemMetrics(cy), LR_SHARED);
+        SendMessageA(Window(), WM_SETICON, kind, reinterpret_cast<LPARAM>(icon));
+    };
+    set(ICON_BIG, SM_CXICON, SM_CYICON);
+    set(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
+    InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
+}
+
+void MainDialog::ShowPosition() {
+    if (!m_list.Current()) {
+        LSetWindowText(Item(IDC_DICTATIONNAME), "No dictation selected");
+        LSetWindowText(Item(IDC_POSITION), "");
+        return;
+    }
+    const char* doing = !m_transport.IsRecording() ? ""
+                        : m_transport.IsWaiting()  ? "Listening: "
+                                                   : "Recording: ";
+    LSetWindowText(Item(IDC_DICTATIONNAME), doing + m_list.CurrentName());
+    const int32_t position = m_transport.PositionMs();
+    const int32_t length = std::max(position, m_transport.LengthMs());
+    LSetWindowText(Item(IDC_POSITION), FormatDuration(position) + " / " + FormatDuration(length));
+}
+
+// ---- Notifications ---------------------------------------------------------------------------------------
+
+void MainDialog::FileChanged() {
+    const std::optional<DictationFiles> current = m_list.Current();
+    const LPath notes = current ? current->notes : LPath();
+    if (!(m_notes.File() == notes)) {
+        FinishRunning();
+        SaveNotes();
+        m_notes.Load(notes);
+        m_transport.SetDictation(current);
+    }
+    ShowSituation();
+}
+
+void MainDialog::PlayFromStart() {
+    m_transport.GoToStart();
+}
+
+void MainDialog::BeforeRename() {
+    FinishRunning();
+}
+
+std::optional<DictationFiles> MainDialog::DictationToRecord() {
+    if (!m_list.Current() && !CreateDictation()) return std::nullopt;
+    return m_list.Current();
+}
+
+void MainDialog::RecordingStarted(const DictationFiles&) {
+    ShowRecording(true);
+    ShowSituation();
+}
+
+void MainDialog::RecordingStopped(const DictationFiles& files) {
+    if (!IsOpen()) return;
+    ShowRecording(false);
+    LevelChanged(Settings::kSilenceDb, Settings::kSilenceDb);
+    PostRowChanged(files);
+    ShowSituation();
+}
+
+void MainDialog::LevelChanged(int8_t leftDb, int8_t rightDb) {
+    LDBDisplaySetLevel(Item(IDC_LEVEL_LEFT), leftDb);
+    LDBDisplaySetLevel(Item(IDC_LEVEL_RIGHT), rightDb);
+}
+
+void MainDialog::RecordingTrouble(const std::string& text) {
+    // The recording may be ending inside another command; the message waits until that has run.
+    m_trouble = text;
+    PostMessageA(Window(), WM_RECORDINGTROUBLE, 0, 0);
+}
+
+void MainDialog::PostSendProgress() {
+    if (const HWND window = m_postTo.load()) PostMessageA(window, WM_SENDPROGRESS, 0, 0);
+}

@@ -1,0 +1,202 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+
+#include "app/AppState.h"
+#include "app/CommandState.h"
+#include "app/DictationList_win.h"
+#include "app/HoldRule.h"
+#include "app/NotesBox_win.h"
+#include "app/SendCommands_win.h"
+#include "app/Transport_win.h"
+#include "app/WindowLayout_win.h"
+#include "send/BGSend.h"
+#include "ui/LDialog.h"
+#include "ui/LIntroduction.h"
+#include "ui/LSplash.h"
+#include "ui/LToolTips.h"
+
+// The program's one top-level window. It owns the window, the timers and the dispatch tables; the work lives
+// in the classes it is made of. Every command ends here, on the window thread: menu, button and shortcut by
+// command number, devices by command index through CommandPress and CommandRelease, other programs by
+// EvAPICommand.
+class MainDialog final : public LModelessDialog,
+                         private DictationList::Owner,
+                         private Transport::Owner,
+                         private BGSendOwner {
+public:
+    explicit MainDialog(AppState& state);
+    ~MainDialog() override;
+
+    // Device-independent commands, 0 to 14. True when a press was accepted and wants its release.
+    bool CommandPress(int index);
+    void CommandRelease(int index, uint32_t holdLimitMs);
+
+    // Called once, when the window stands.
+    void OnCreated(std::function<void()> callback) { m_onCreated = std::move(callback); }
+
+    // False when the send thread still runs: its entry stays in the queue, and the process must not wait for
+    // it.
+    bool SendThreadEnded() const { return m_sendThreadEnded; }
+
+    bool PreTranslateMessage(MSG& message) override;
+
+private:
+    struct MessageEntry {
+        UINT message;
+        bool (MainDialog::*handle)(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    };
+    struct CommandEntry {
+        int first;
+        int last;
+        void (MainDialog::*handle)(int command);
+    };
+    struct TimerEntry {
+        UINT_PTR timer;
+        void (MainDialog::*handle)();
+    };
+    struct IndexEntry {
+        int index;
+        bool (MainDialog::*press)(int index);
+        bool hasHoldRule;
+    };
+    struct ApiEntry {
+        WPARAM command;
+        LRESULT (MainDialog::*handle)(LPARAM argument);
+    };
+    static const MessageEntry kMessages[];
+    static const CommandEntry kCommands[];
+    static const TimerEntry kTimers[];
+    static const IndexEntry kIndexes[];
+    static const ApiEntry kApi[];
+
+    // Life
+    bool InitDialog() override;
+    void DestroyDialog() override;
+    void InitIcons();
+    void ShowPopup(int resource, POINT at);
+    void InitToolTips();
+    void RecoverLeftovers();
+    void StartSending();
+    void CloseWindow();
+
+    // Messages
+    bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    bool EvClose(WPARAM, LPARAM, LRESULT& result);
+    bool EvCommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
+    bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvMove(WPARAM, LPARAM, LRESULT& result);
+    bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
+    bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
+    bool EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result);
+    bool EvRowChanged(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvSendProgress(WPARAM, LPARAM, LRESULT& result);
+    bool EvSize(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvTimer(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
+
+    // Commands
+    void RunCommand(int command);
+    void CmNewFile(int command);
+    void CmSendFile(int command);
+    void CmRenameFile(int command);
+    void CmDeleteFile(int command);
+    void CmSetPriority(int command);
+    void CmExit(int command);
+    void CmRecord(int command);
+    void CmFileRecordMode(int command);
+    void CmRecordMode(int command);
+    void CmStop(int command);
+    void CmGoToStart(int command);
+    void CmGoToEnd(int command);
+    void CmView(int command);
+    void CmFloat(int command);
+    void CmAbout(int command);
+    void CmInformation(int command);
+
+    // Presses of command indexes
+    bool PressNothing(int index);
+    bool PressOpen(int index);
+    bool PressMinimize(int index);
+    bool PressRecord(int index);
+    bool PressGoTo(int index);
+    bool PressNew(int index);
+    bool PressSend(int index);
+    bool PressNotBuilt(int index);
+
+    // Commands of other programs
+    LRESULT ApiPresent(LPARAM argument);
+    LRESULT ApiOpen(LPARAM argument);
+    LRESULT ApiMinimize(LPARAM argument);
+    LRESULT ApiClose(LPARAM argument);
+    LRESULT ApiNew(LPARAM argument);
+    LRESULT ApiRename(LPARAM argument);
+    LRESULT ApiAppendNotes(LPARAM argument);
+    LRESULT ApiStatus(LPARAM argument);
+    LRESULT ApiNumber(LPARAM argument);
+    LRESULT ApiSend(LPARAM argument);
+    LRESULT ApiDelete(LPARAM argument);
+
+    // Timers
+    void EvTimerInfoLine();
+    void EvTimerSaveNotes();
+    void ShowSendError();
+
+    // The work behind several commands
+    void FinishRunning();
+    void SaveNotes();
+    bool CreateDictation();
+    void SendSelected(int recipient);
+    void SetPriority(std::string_view priority);
+    void OpenWindow();
+    void ApplyRecordMode();
+    RecordMode DefaultRecordMode() const;
+    void TestHardDrive();
+    void DeleteOldFiles();
+    CommandSituation Situation() const;
+    void EnableCommands(HMENU menu) const;
+    void PostRowChanged(const DictationFiles& files);
+    void ShowSituation();
+    void ShowRecording(bool isRecording);
+    void ShowPosition();
+
+    // DictationList::Owner
+    void FileChanged() override;
+    void PlayFromStart() override;
+    void BeforeRename() override;
+    // Transport::Owner
+    std::optional<DictationFiles> DictationToRecord() override;
+    void RecordingStarted(const DictationFiles& files) override;
+    void RecordingStopped(const DictationFiles& files) override;
+    void PositionChanged() override { ShowPosition(); }
+    void LevelChanged(int8_t leftDb, int8_t rightDb) override;
+    void RecordingTrouble(const std::string& text) override;
+    HWND OwnerWindow() const override { return Window(); }
+    // BGSendOwner, called on the send thread
+    void PostSendProgress() override;
+
+    AppState& m_state;
+    HACCEL m_accelerators = nullptr;      // of the resources, freed by the platform
+    std::atomic<HWND> m_postTo{nullptr};  // read by the send thread
+    BGSend m_queue;
+    DictationList m_list;
+    NotesBox m_notes;
+    Transport m_transport;
+    SendCommands m_send;
+    WindowLayout m_layout;
+    LToolTips m_toolTips;
+    LSplash m_splash;
+    LIntroduction m_introduction;
+    HoldRule m_hold;
+    LFont m_positionFont;
+    std::function<void()> m_onCreated;
+    std::string m_trouble;  // shown once the recording that it ended is finished
+    size_t m_infoText = 0;
+    bool m_micRecordHeld = false;
+    bool m_isClosing = false;
+    bool m_sendThreadEnded = true;
+};

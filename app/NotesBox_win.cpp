@@ -1,0 +1,52 @@
+#include "app/NotesBox_win.h"
+
+#include "base/LTrace.h"
+#include "res/Ids.h"
+#include "store/NotesFile.h"
+#include "ui/LWin.h"
+
+constexpr UINT kSaveAfterMs = 500;
+
+void NotesBox::Attach(HWND edit, HWND dialog) {
+    m_edit = edit;
+    m_dialog = dialog;
+    SendMessageA(m_edit, EM_SETLIMITTEXT, 0, 0);  // as much as the platform's control can hold
+}
+
+void NotesBox::Load(const LPath& notesFile) {
+    KillTimer(m_dialog, TIMER_SAVENOTES);
+    m_file = notesFile;
+    m_isModified = false;
+    std::string text;
+    const bool isRead = m_file.Empty() || NotesFile::Read(m_file, text);
+    m_isLoading = true;
+    SetWindowTextA(m_edit, text.c_str());
+    m_isLoading = false;
+    // What the control could not take must not be lost by saving the rest over it.
+    const bool isWhole = isRead && static_cast<size_t>(GetWindowTextLengthA(m_edit)) == text.size();
+    if (!isWhole) LTrace("NotesBox::Load notes too long to edit:", m_file.View());
+    SendMessageA(m_edit, EM_SETREADONLY, isWhole ? FALSE : TRUE, 0);
+    EnableWindow(m_edit, !m_file.Empty());
+}
+
+bool NotesBox::Save() {
+    KillTimer(m_dialog, TIMER_SAVENOTES);
+    if (!m_isModified || m_file.Empty()) return false;
+    m_isModified = false;
+    return NotesFile::Write(m_file, LWindowText(m_edit));
+}
+
+void NotesBox::EvChange() {
+    if (m_isLoading || m_file.Empty()) return;
+    m_isModified = true;
+    SetTimer(m_dialog, TIMER_SAVENOTES, kSaveAfterMs, nullptr);
+}
+
+void NotesBox::Append(std::string_view text) {
+    const bool isReadOnly = (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0;
+    if (m_file.Empty() || isReadOnly) return;
+    const int end = GetWindowTextLengthA(m_edit);
+    SendMessageA(m_edit, EM_SETSEL, static_cast<WPARAM>(end), end);
+    SendMessageA(m_edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(std::string(text).c_str()));
+    EvChange();
+}

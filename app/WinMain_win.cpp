@@ -1,0 +1,134 @@
+#include <windows.h>
+
+#include <commctrl.h>
+#include <stdlib.h>
+
+#include "app/AppState.h"
+#include "app/MainDialog_win.h"
+#include "app/StartUpPlan.h"
+#include "audio/LDBDisplay_win.h"
+#include "base/LFile.h"
+#include "base/LRegistry_win.h"
+#include "base/LTrace.h"
+#include "install/Installer_win.h"
+#include "res/Ids.h"
+#include "store/DataFolder_win.h"
+#include "ui/LProgressDialog.h"
+
+namespace {
+
+constexpr char kMainTitle[] = "Corvane";
+constexpr char kDialogClass[] = "#32770";
+constexpr char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
+constexpr char kCorruptInstaller[] =
+    "Installation file corrupt.\n\nA checksum error was detected in your install file, please redownload "
+    "file and "
+    "install again.";
+constexpr DWORD kStartingWaitMs = 10000;
+
+struct MutexTraits {
+    using Type = HANDLE;
+    static Type None() { return nullptr; }
+    static void Close(Type h) { CloseHandle(h); }
+};
+
+// Lets only one instance at a time be between looking for a window and having one: two quick double clicks
+// must not start the program twice.
+class StartingGate {
+public:
+    StartingGate() : m_mutex(CreateMutexA(nullptr, FALSE, "Corvane.Starting")) {
+        if (m_mutex) m_owned = WaitForSingleObject(m_mutex.Get(), kStartingWaitMs) != WAIT_TIMEOUT;
+    }
+    ~StartingGate() { Open(); }
+    StartingGate(const StartingGate&) = delete;
+    StartingGate& operator=(const StartingGate&) = delete;
+    void Open() {
+        if (m_owned) ReleaseMutex(m_mutex.Get());
+        m_owned = false;
+    }
+
+private:
+    LOwned<MutexTraits> m_mutex;
+    bool m_owned = false;
+};
+
+LPath ExecutablePath() {
+    char path[kPathSize] = {};
+    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
+    return length < sizeof path ? LPath({path, length}) : LPath();
+}
+
+uint32_t InstallMarkerOf(const LPath& executable) {
+    LFile file(executable, LFile::Open::Read);
+    return file.IsOpen() ? ReadInstallMarker(file) : 0;
+}
+
+void Activate(HWND window) {
+    ShowWindow(window, SW_RESTORE);
+    SetForegroundWindow(window);
+}
+
+void Install(uint32_t marker, HWND running, const LPath& executable, const InstallRequest& desktops) {
+    if (running != nullptr) {
+        PostMessageA(running, WM_CLOSE, 0, 0);
+        Sleep(CloseWaitMs(marker));
+    }
+    InstallRequest request = desktops;
+    request.package = executable;
+    request.folder = MakeDefaultDataFolder();
+    InstallProcess process(request);
+    LProgressDialog::Run(process, nullptr, "Installing Corvane v 3.06");
+    LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "ProgramFiles", request.folder.View());
+    LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles", request.folder.View());
+}
+
+void Run(StartingGate& gate) {
+    AppState state;
+    state.data = FindDataFolder();
+    state.user = SelectUser(state.data, GetCurrentUser(state.data.settingsFile));
+    state.showIntroduction = WantsIntroduction(__argc, __argv);
+
+    MainDialog dialog(state);
+    if (!LDBDisplayRegister(LInstance())) LTrace("WinMain unable to register LDBDisplay");
+    InitCommonControls();
+    state.startTick = GetTickCount();
+    dialog.OnCreated([&gate] { gate.Open(); });
+    dialog.RunMessageLoop(IDD_MAIN, nullptr);
+    // A delivery that hangs in the network must not keep the program alive: its entry is still in the queue
+    // and is sent after the next start.
+    if (!dialog.SendThreadEnded()) ExitProcess(0);
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+    LSetInstance(instance);
+    // The recorder must not starve while other programs run.
+    SetPriorityClass(GetCurrentProcess(), HIGH_PRIORITY_CLASS);
+    InstallRequest desktops;
+    desktops.desktop.Set(LReadRegistryText(HKEY_CURRENT_USER, kShellFolders, "Desktop"));
+    desktops.commonDesktop.Set(LReadRegistryText(HKEY_LOCAL_MACHINE, kShellFolders, "Common Desktop"));
+
+    StartingGate gate;
+    const HWND running = FindWindowA(kDialogClass, kMainTitle);
+    const LPath executable = ExecutablePath();
+    SetCurrentDirectoryA(LPath(LFolderOf(executable.View())).c_str());
+    const uint32_t marker = InstallMarkerOf(executable);
+
+    switch (DecideStartUp(LSplitPath(executable.View()).name, marker, running != nullptr)) {
+        case StartUpAction::RefuseCorruptInstaller:
+            MessageBoxA(nullptr, kCorruptInstaller, "Install Error", MB_OK | MB_ICONEXCLAMATION);
+            break;
+        case StartUpAction::Install:
+            Install(marker, running, executable, desktops);
+            break;
+        case StartUpAction::ActivateFirst:
+            Activate(running);
+            break;
+        case StartUpAction::Run:
+            Run(gate);
+            break;
+    }
+    return 0;
+}

@@ -1,0 +1,92 @@
+#include "ui/LDialog.h"
+
+#include "base/LTrace.h"
+
+LDialog::~LDialog() {
+    if (m_window == nullptr) return;
+    const HWND window = m_window;
+    SetWindowLongA(window, DWL_USER, 0);  // the object is half gone: no more virtual calls
+    m_window = nullptr;
+    if (m_isModal)
+        EndDialog(window, -1);
+    else
+        DestroyWindow(window);
+}
+
+bool LDialog::CreateWindowFromResource(int resource, HWND owner) {
+    if (m_window != nullptr) return true;
+    m_isModal = false;
+    CreateDialogParamA(LInstance(), MAKEINTRESOURCEA(resource), owner, DialogProc,
+                       reinterpret_cast<LPARAM>(this));
+    if (m_window == nullptr) LTrace("LDialog::CreateWindowFromResource CreateDialogParam FAILED");
+    return m_window != nullptr;
+}
+
+INT_PTR LDialog::RunModal(int resource, HWND owner) {
+    m_isModal = true;
+    const INT_PTR result = DialogBoxParamA(LInstance(), MAKEINTRESOURCEA(resource), owner, DialogProc,
+                                           reinterpret_cast<LPARAM>(this));
+    if (result == -1) LTrace("LDialog::RunModal DialogBoxParam FAILED");
+    return result;
+}
+
+void LDialog::EndModal(INT_PTR result) {
+    EndDialog(m_window, result);
+}
+
+bool LDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
+    const WORD control = LOWORD(wParam);
+    if (!m_isModal || message != WM_COMMAND || (control != IDOK && control != IDCANCEL)) return false;
+    EndModal(control);
+    result = 0;
+    return true;
+}
+
+INT_PTR CALLBACK LDialog::DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        auto* dialog = reinterpret_cast<LDialog*>(lParam);
+        SetWindowLongA(window, DWL_USER, static_cast<LONG>(lParam));
+        dialog->m_window = window;
+        return dialog->InitDialog() ? TRUE : FALSE;
+    }
+    auto* dialog = reinterpret_cast<LDialog*>(GetWindowLongA(window, DWL_USER));
+    if (dialog == nullptr) return FALSE;
+
+    if (message == WM_DESTROY) dialog->DestroyDialog();
+    LRESULT result = 0;
+    const bool handled = dialog->HandleMessage(message, wParam, lParam, result);
+    if (message == WM_NCDESTROY) {
+        SetWindowLongA(window, DWL_USER, 0);
+        dialog->m_window = nullptr;
+        return FALSE;
+    }
+    if (!handled) return FALSE;
+    // Colours of controls are returned directly; everything else through the window's result.
+    if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) return static_cast<INT_PTR>(result);
+    SetWindowLongA(window, DWL_MSGRESULT, static_cast<LONG>(result));
+    return TRUE;
+}
+
+void LModelessDialog::Close() {
+    if (IsOpen()) DestroyWindow(Window());
+}
+
+bool LModelessDialog::PreTranslateMessage(MSG&) {
+    return false;
+}
+
+void LModelessDialog::RunMessageLoop(int resource, HWND owner) {
+    if (!Create(resource, owner)) return;
+    if (owner != nullptr) EnableWindow(owner, FALSE);
+    MSG message;
+    while (IsOpen() && GetMessageA(&message, nullptr, 0, 0) > 0) {
+        if (PreTranslateMessage(message)) continue;
+        if (IsOpen() && IsDialogMessageA(Window(), &message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+    if (owner == nullptr) return;
+    EnableWindow(owner, TRUE);
+    SetActiveWindow(owner);
+    SetFocus(owner);
+}

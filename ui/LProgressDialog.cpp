@@ -1,0 +1,95 @@
+#include "ui/LProgressDialog.h"
+
+#include <commctrl.h>
+
+#include "res/Ids.h"
+
+constexpr DWORD kShowAfterMs = 300;
+constexpr int kBarSteps = 1000;
+
+static int s_running = 0;
+
+bool LProgressDialog::IsAnyRunning() {
+    return s_running > 0;
+}
+
+LProgressDialog::LProgressDialog(HWND owner, std::string_view title)
+    : m_owner(owner),
+      m_ownerWasEnabled(owner != nullptr && IsWindowEnabled(owner)),
+      m_title(title),
+      m_startTick(GetTickCount()) {
+    ++s_running;
+    if (m_ownerWasEnabled) EnableWindow(m_owner, FALSE);
+}
+
+LProgressDialog::~LProgressDialog() {
+    // The owner first: were the dialog gone before, another program's window would become active.
+    if (m_ownerWasEnabled && IsWindow(m_owner)) EnableWindow(m_owner, TRUE);
+    Close();
+    --s_running;
+}
+
+ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_view title) {
+    std::string error;
+    ProcessResult result;
+    {
+        LProgressDialog dialog(owner, title);
+        result = process.Process(dialog);
+        error = dialog.m_error;
+    }
+    if (!error.empty()) LMessageBox(owner, error, "Error", MB_OK | MB_ICONEXCLAMATION);
+    return result;
+}
+
+bool LProgressDialog::InitDialog() {
+    SetWindowTextA(Window(), m_title.c_str());
+    SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETRANGE, 0, MAKELPARAM(0, kBarSteps));
+    LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    return true;
+}
+
+bool LProgressDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
+    const bool isCancel = message == WM_CLOSE || (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL);
+    if (!isCancel) return false;
+    m_cancelled = true;
+    EnableWindow(Item(IDCANCEL), FALSE);
+    result = 0;
+    return true;
+}
+
+bool LProgressDialog::CancelRequested() {
+    Pump();
+    return m_cancelled;
+}
+
+void LProgressDialog::SetProgress(double fraction) {
+    m_fraction = fraction;
+    Pump();
+}
+
+void LProgressDialog::SetStatus(std::string_view text) {
+    m_status = text;
+    if (IsOpen()) LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    Pump();
+}
+
+void LProgressDialog::Pump() {
+    if (!IsOpen() && GetTickCount() - m_startTick >= kShowAfterMs && Create(IDD_PROGRESS, m_owner))
+        ShowWindow(Window(), SW_SHOW);
+    if (IsOpen())
+        SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETPOS, static_cast<WPARAM>(m_fraction * kBarSteps + 0.5),
+                     0);
+
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message ==
+            WM_QUIT) {  // the program ends: so does the process, and the outer loop must know
+            m_cancelled = true;
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        if (IsOpen() && IsDialogMessageA(Window(), &message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+}
