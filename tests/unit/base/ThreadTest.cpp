@@ -1,0 +1,101 @@
+#include "base/LThread.h"
+
+#include <gtest/gtest.h>
+
+#include "base/LTime.h"
+
+namespace {
+
+constexpr uint32_t kDeadlineMs = 10000;
+
+class Worker final : public LThread {
+public:
+    ~Worker() override { Stop(); }
+    void ThreadFunction() override {
+        ++runs;
+        started.Signal();
+        if (waits) StopEvent().WaitEither(release, kDeadlineMs);
+    }
+
+    LSignalObject started;
+    LSignalObject release;
+    bool waits = true;
+    int runs = 0;
+};
+
+class Counter final : public LThread {
+public:
+    Counter(LCriticalSection& lock, int& count) : m_lock(lock), m_count(count) {}
+    ~Counter() override { Stop(); }
+    void ThreadFunction() override {
+        for (int i = 0; i < 10000; ++i) {
+            const LLock outer(m_lock);
+            const LLock inner(m_lock);
+            ++m_count;
+        }
+    }
+
+private:
+    LCriticalSection& m_lock;
+    int& m_count;
+};
+
+}  // namespace
+
+TEST(Thread, RunsOnceUntilItIsStoppedAndStartsAgain) {
+    Worker worker;
+    ASSERT_TRUE(worker.Start(kThreadLowest));
+    ASSERT_TRUE(worker.started.Wait(kDeadlineMs));
+    EXPECT_TRUE(worker.Start(kThreadLowest)) << "already running";
+    EXPECT_FALSE(worker.WaitForEnd(10));
+    EXPECT_TRUE(worker.IsRunning());
+    EXPECT_TRUE(worker.Stop(kDeadlineMs));
+    EXPECT_FALSE(worker.IsRunning());
+    EXPECT_EQ(worker.runs, 1);
+
+    worker.started.Reset();
+    ASSERT_TRUE(worker.Start(kThreadNormal));
+    EXPECT_FALSE(worker.StopRequested()) << "an old request must not end a new run";
+    ASSERT_TRUE(worker.started.Wait(kDeadlineMs));
+    worker.release.Signal();
+    EXPECT_TRUE(worker.WaitForEnd(kDeadlineMs));
+    EXPECT_EQ(worker.runs, 2);
+}
+
+TEST(Thread, StartsAgainAfterEndingByItself) {
+    Worker worker;
+    worker.waits = false;
+    for (int run = 1; run <= 20; ++run) {
+        ASSERT_TRUE(worker.Start(kThreadNormal));
+        ASSERT_TRUE(worker.WaitForEnd(kDeadlineMs));
+        EXPECT_EQ(worker.runs, run);
+    }
+    EXPECT_TRUE(worker.Stop(0)) << "stopping what has ended";
+}
+
+TEST(Thread, TheLockExcludesOthersAndAdmitsItsOwner) {
+    LCriticalSection lock;
+    int count = 0;
+    Counter a(lock, count);
+    Counter b(lock, count);
+    ASSERT_TRUE(a.Start(kThreadNormal));
+    ASSERT_TRUE(b.Start(kThreadNormal));
+    EXPECT_TRUE(a.WaitForEnd(kDeadlineMs));
+    EXPECT_TRUE(b.WaitForEnd(kDeadlineMs));
+    EXPECT_EQ(count, 20000);
+}
+
+TEST(Signal, StaysSetUntilResetAndTellsWhichOfTwo) {
+    LSignalObject a;
+    LSignalObject b;
+    EXPECT_EQ(a.WaitEither(b, 0), -1);
+    b.Signal();
+    EXPECT_EQ(a.WaitEither(b, 0), 1);
+    EXPECT_EQ(a.WaitEither(b, 0), 1);
+    a.Signal();
+    EXPECT_EQ(a.WaitEither(b, kWaitForever), 0);
+    a.Reset();
+    const uint32_t start = LTickMs();
+    EXPECT_FALSE(a.Wait(50));
+    EXPECT_GE(LTickMs() - start, 40u);
+}
