@@ -11,6 +11,10 @@ static constexpr uint32_t kEndTimeoutMs = 5000;
 // A device that has returned no buffer for so long, though it owns all of them, has been unplugged.
 static constexpr uint32_t kDeviceLostMs = 5000;
 
+// What was spoken until Stop is still on its way through the driver and the sound server, which deliver in
+// blocks of up to 50 ms. The device runs on for so long.
+static constexpr uint32_t kTailMs = 80;
+
 using State = VoiceGate::State;
 
 LSoundRecorder::LSoundRecorder(LSoundRecorderNotify& notify, int32_t stoppedValue)
@@ -139,6 +143,7 @@ void LSoundRecorder::ThreadFunction() {
     }
     m_started.Signal();
     const size_t index = Run();
+    if (m_gate.GetState() == State::Recording && m_ending != Ending::DeviceLost) Sleep(kTailMs);
     m_waveIn.TakeBack();
     Drain(index);
     m_waveIn.Close();
