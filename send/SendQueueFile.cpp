@@ -121,7 +121,6 @@ SendQueueEntry SendQueueFile::Head() const {
 
 bool SendQueueFile::Append(const SendQueueEntry& entry) {
     const int32_t index = Count();
-    if (index == std::numeric_limits<int32_t>::max()) return false;
     const auto write = [this, index](const char* prefix, std::string_view value) {
         return LProfile::Write(m_path, kSection, Settings::ListItemKey(prefix, index), value);
     };

@@ -1,0 +1,153 @@
+#include "send/SendItem.h"
+
+#include "tests/unit/send/SendTest.h"
+
+namespace {
+
+class SendItemTest : public testing::Test {
+protected:
+    ProcessResult Send(const LPath& dictation, const LPath& recipient) {
+        const SendQueueEntry entry{dictation, recipient, 0, true};
+        return SendItem(entry, DataFolder::FromText(world.data.View()), context).Send();
+    }
+    std::string Error() const { return context.errors.empty() ? "" : context.errors[0]; }
+
+    SendWorld world;
+    NotedContext context;
+};
+
+const std::vector<std::string> kThreeFiles = {"00000005.dat", "00000005.txt", "00000005.wav"};
+
+}  // namespace
+
+TEST_F(SendItemTest, DeliversADctFileWithEverythingInIt) {
+    const LPath userFile = UserFilePath(world.data, 0);
+    Settings::Write(userFile, UserKeys::kName, "Ann");
+    Settings::Write(userFile, UserKeys::kAddress[3], "UK");
+    const LPath dictation = world.AddDictation(5);
+    Settings::Write(world.FilesOf(5).record, RecordKeys::kPriority, "Low");
+    ASSERT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Done);
+
+    const std::string file = world.Delivered("dct00000-00005.dct");
+    const std::string fields = std::string(
+                                   "\x08Letter 5\x03"
+                                   "Ann",
+                                   13) +
+                               std::string(8, '\0') + std::string("\x02UK\x0A\x05\0\0\0Hello", 13);
+    EXPECT_EQ(file.substr(22, fields.size()), fields);
+    // 4000 frames of 8 bits behind a head of 46 bytes.
+    EXPECT_EQ(file.size(), 22 + fields.size() + 4046);
+    EXPECT_EQ(file.substr(22 + fields.size(), 4), "RIFF");
+    EXPECT_EQ(world.Status(5), "Sent");
+    EXPECT_EQ(world.SentFiles(), kThreeFiles);
+    EXPECT_TRUE(context.errors.empty());
+    EXPECT_TRUE(std::is_sorted(context.progress.begin(), context.progress.end()));
+    EXPECT_NEAR(context.progress.back(), 1.0, 1e-9);
+}
+
+TEST_F(SendItemTest, SendsARecordingThatACrashCutOffWhole) {
+    SendToSettings recipient = world.ToShare();
+    recipient.flags = SendToSettings::kSendWave;
+    const LPath dictation = world.AddDictation(5, Recording(20000, true));
+    ASSERT_EQ(Send(dictation, world.AddRecipient(0, recipient)), ProcessResult::Done);
+    const std::string file = world.Delivered("wav00000-00005.wav");
+    ASSERT_EQ(file.size(), 46u + 20000);
+    EXPECT_EQ(file.substr(42, 4), std::string("\x20\x4E\0\0", 4));
+    EXPECT_EQ(world.SentFiles(), kThreeFiles);
+}
+
+TEST_F(SendItemTest, ReplacesWhatAnEarlierRunLeftHalfMade) {
+    const LPath dictation = world.AddDictation(5);
+    const LPath recipient = world.AddRecipient(0, world.ToShareEncrypted());
+    ASSERT_EQ(Send(dictation, recipient), ProcessResult::Done);
+    const std::string clean = world.Delivered("dct00000-00005.dct");
+
+    const std::string rubbish(100000, 'x');
+    for (const char* name : {"00000005.tmp", "dct00000-00005.dct"})
+        ASSERT_TRUE(WriteFileText(LPath::Join(world.sent.View(), name), rubbish));
+    ASSERT_TRUE(WriteFileText(LPath::Join(world.share.View(), "dct00000-00005.dct"), rubbish));
+    ASSERT_EQ(Send(dictation, recipient), ProcessResult::Done);
+    EXPECT_TRUE(world.Delivered("dct00000-00005.dct") == clean);
+    EXPECT_EQ(world.SentFiles(), kThreeFiles);
+}
+
+TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
+    SendToSettings byEmail;
+    SendToSettings byNothing = world.ToShare();
+    byNothing.method = 9;
+    SendToSettings noCodec = world.ToShare();
+    noCodec.waveFormat = LWaveFileFormat(FormatRecord(0x7777, 1, 8000, 8));
+    const struct {
+        const char* name;
+        LPath recipient;
+        const char* missingFile;
+        const char *status, *error;
+    } cases[] = {
+        {"recipient gone", RecipientPath(world.data, 0, 7), "", "Send Failed",
+         "Unable to send \"Letter 5\"."},
+        {"audio gone", world.AddRecipient(1, world.ToShare()), "00000005.wav", "",
+         "Unable to send \"Letter 5\"."},
+        {"e-mail", world.AddRecipient(2, byEmail), "", "Send Failed", "Unable to send \"Letter 5\"."},
+        {"no method", world.AddRecipient(3, byNothing), "", "Send Failed", "Unable to send \"Letter 5\"."},
+        {"no codec", world.AddRecipient(4, noCodec), "", "",
+         "Unable open temporary compressed wav file.\n\n"},
+    };
+    for (const auto& c : cases) {
+        const LPath dictation = world.AddDictation(5);
+        Settings::Write(world.FilesOf(5).record, RecordKeys::kSendStatus, "");
+        LFile::Delete(LPath::Join(world.sent.View(), c.missingFile));
+        context.errors.clear();
+        EXPECT_EQ(Send(dictation, c.recipient), ProcessResult::Failed) << c.name;
+        EXPECT_EQ(world.Status(5), c.status) << c.name;
+        EXPECT_TRUE(Error().starts_with(c.error)) << c.name << ": " << Error();
+        EXPECT_EQ(world.SentFiles().size(), *c.missingFile ? 2u : 3u) << c.name;
+    }
+}
+
+TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecord) {
+    const LPath dictation = LPath::Join(world.sent.View(), "00000005.wav");
+    EXPECT_EQ(Send(dictation, RecipientPath(world.data, 0, 7)), ProcessResult::Failed);
+    EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
+    ASSERT_EQ(context.errors.size(), 2u);
+    EXPECT_TRUE(context.errors[1].starts_with("Unable to send \"00000005.wav\"."));
+    EXPECT_TRUE(world.SentFiles().empty());
+}
+
+TEST_F(SendItemTest, ACopyThatFailsCountsAsSentButIsTold) {
+    const LPath dictation = world.AddDictation(5);
+    SendToSettings away = world.ToShare();
+    away.folder = std::string(world.temp.File("away").View());
+    SendToSettings nowhere = world.ToShare();
+    const LPath nowherePath = world.AddRecipient(1, nowhere);
+    nowhere.folder.clear();
+    ASSERT_TRUE(nowhere.Save(nowherePath));
+    for (const LPath& recipient : {world.AddRecipient(0, away), nowherePath}) {
+        context.errors.clear();
+        EXPECT_EQ(Send(dictation, recipient), ProcessResult::Done);
+        EXPECT_EQ(Error(), "Unable to copy files over network");
+        EXPECT_EQ(world.Status(5), "Sent");
+        EXPECT_EQ(world.SentFiles(), kThreeFiles);
+    }
+}
+
+TEST_F(SendItemTest, AStopAnywhereLeavesNothingDeliveredAndNoStatus) {
+    const LPath dictation = world.AddDictation(5, Recording(200000));
+    const LPath recipient = world.AddRecipient(0, world.ToShareEncrypted());
+    for (double stopAt : {0.0, 0.1, 0.43, 0.6}) {
+        context.progress.clear();
+        context.cancelAt = stopAt;
+        EXPECT_EQ(Send(dictation, recipient), ProcessResult::Stopped) << stopAt;
+        EXPECT_EQ(world.Delivered("dct00000-00005.dct"), "") << stopAt;
+        EXPECT_EQ(world.Status(5), "") << stopAt;
+        EXPECT_EQ(world.SentFiles(), kThreeFiles) << stopAt;
+    }
+    EXPECT_TRUE(context.errors.empty());
+}
+
+TEST_F(SendItemTest, TellsThatNotesWereCut) {
+    const LPath dictation = world.AddDictation(5);
+    ASSERT_TRUE(WriteFileText(world.FilesOf(5).notes, std::string(kDctLongestNotes + 1, 'n')));
+    EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Done);
+    EXPECT_TRUE(Error().starts_with("The notes of \"Letter 5\" are too long")) << Error();
+    EXPECT_EQ(world.Status(5), "Sent");
+}
