@@ -5,6 +5,7 @@
 #include "audio/LSRCPCMFile.h"
 #include "audio/LWaveFile.h"
 #include "base/LFile.h"
+#include "base/LText.h"
 #include "base/LTrace.h"
 
 static ProcessResult Fail(ProcessContext& context, std::string_view trace, const LPath& path) {
@@ -31,7 +32,7 @@ static bool IsComplete(const LPath& path, const LWaveInfo& old) {
 
 ProcessResult LRewriteWave::Process(ProcessContext& context) {
     const ProcessResult result = WriteTemporary(context);
-    if (result != ProcessResult::Done && LFile::Exists(m_temporary) && !LFile::Delete(m_temporary))
+    if (m_begun && result != ProcessResult::Done && !LFile::Delete(m_temporary))
         LTrace("LRewriteWave::Process unable to remove temporary file", m_temporary.View());
     return result;
 }
@@ -41,7 +42,10 @@ ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
     if (!LWaveFile::ReadInfo(m_path, info) || !info.IsPcm() || info.BytesPerSample() > 4)
         return Fail(context, "LRewriteWave::Process no PCM file", m_path);
     if (!info.NeedsRewrite()) return ProcessResult::Done;
+    if (LEqualNoCase(m_temporary.View(), m_path.View()))
+        return Fail(context, "LRewriteWave::Process no name for the new file", m_path);
 
+    m_begun = true;
     constexpr int32_t kFlushSeconds = 60;  // the new file must be on the disk before the old one goes
     LSoundSink sink = LSNKPCMFileBase::Open(m_temporary, 0, info.BytesPerSample() == 1 ? 8 : 16,
                                             static_cast<uint8_t>(info.format.Channels()),

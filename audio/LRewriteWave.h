@@ -18,4 +18,5 @@ private:
 
     LPath m_path;
     LPath m_temporary;
+    bool m_begun = false;  // there may be a temporary file
 };

@@ -13,6 +13,7 @@
 #include "base/LMemoryFile.h"
 #include "base/LProcess.h"
 #include "base/LTrace.h"
+#include "tests/unit/TempFolder.h"
 
 using Bytes = std::vector<uint8_t>;
 using Samples = std::vector<int32_t>;
@@ -175,21 +176,22 @@ public:
     std::string error;
 };
 
-// A file of the platform's temporary folder, gone with its object.
+// A WAV file in a folder of its own, gone with its object.
 class ScratchFile {
 public:
-    explicit ScratchFile(const Bytes& contents) : path(LFile::MakeTemporary("aud")) {
+    explicit ScratchFile(const Bytes& contents) {
         LFile file(path, LFile::Open::Write);
         EXPECT_TRUE(file.IsOpen() && file.WriteAll(contents));
     }
-    ~ScratchFile() { LFile::Delete(path); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
     Bytes Contents() const {
         Bytes bytes;
         EXPECT_TRUE(LFile::ReadWhole(path, 1 << 24, bytes));
         return bytes;
     }
-    const LPath path;
+
+private:
+    TempFolder m_folder;
+
+public:
+    const LPath path = m_folder.File("a.wav");
 };
