@@ -1,0 +1,44 @@
+#include <cstdlib>
+#include <vector>
+
+#include "audio/LWaveFile.h"
+#include "base/LMemoryFile.h"
+
+static void Require(bool condition) {
+    if (!condition) abort();
+}
+
+// What was read without a seek must come again after one.
+static void CompareRereading(LSoundSource source, const std::vector<int32_t>& first, int32_t frames) {
+    std::vector<int32_t> again(first.size());
+    source->Seek(0);
+    source->Read(again.data(), frames);
+    Require(again == first && source->GetPosition() == frames);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::span<const uint8_t> bytes(data, size);
+    LMemoryFile file(bytes);
+    LWaveInfo info;
+    const bool readable = LWaveFile::ReadInfo(file, info);
+    const bool isDirect = readable && info.IsPcm() && info.BytesPerSample() <= 2;
+    LSoundSource source = LWaveFile::OpenSource(std::make_unique<LMemoryFile>(bytes));
+    Require(source->IsError() == !isDirect);
+    Require(info.dataStart >= 0 && info.dataBytes >= 0 && info.Frames() >= 0 && info.LengthMs() >= 0);
+    Require(!readable || info.dataStart + info.dataBytes <= file.Size());
+    if (!isDirect) return 0;
+
+    Require(source->GetLength() == info.Frames() && source->GetChannels() == info.format.Channels());
+    Require(LWaveFile::TestPCM(file));
+    std::vector<int32_t> first(size_t{kBlockFrames} * source->GetChannels());
+    std::vector<int32_t> block(first.size());
+    source->Read(first.data(), kBlockFrames);
+    for (int i = 0; i < 8 && source->GetPosition() < source->GetLength(); ++i)
+        source->Read(block.data(), kBlockFrames);
+    Require(source->GetPosition() >= kBlockFrames && source->GetLength() >= 0);
+    CompareRereading(source, first, kBlockFrames);
+    source->Seek(source->GetLength());
+    source->Read(block.data(), 1);
+    for (int i = 0; i < source->GetChannels(); ++i) Require(block[static_cast<size_t>(i)] == 0);
+    return 0;
+}
