@@ -97,7 +97,7 @@ bool LProfile::Write(const LPath& file, std::string_view section, std::string_vi
     std::vector<std::string> lines = ReadLines(file);
     Range range = FindSection(lines, section);
     if (range.first == kNone) {
-        lines.push_back("[" + std::string(section) + "]");
+        lines.push_back(std::string("[").append(section).append("]"));
         range = {lines.size(), lines.size()};
     }
     const std::string line = std::string(key) + "=" + std::string(LProfileSafe(value));
