@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <string_view>
+
 #include "base/LTime.h"
 
 static SYSTEMTIME ToSystemTime(int64_t seconds) {
@@ -17,10 +19,20 @@ static SYSTEMTIME ToSystemTime(int64_t seconds) {
     return time;
 }
 
+// The locale's short date; a year at its end is cut to two digits, so that the date fits its narrow column.
+static std::string ShortDatePicture() {
+    char picture[80] = {};
+    if (GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, picture, sizeof picture) == 0)
+        return "dd/MM/yy";
+    std::string_view text = picture;
+    if (text.size() > 4 && text.ends_with("yyyy")) text.remove_suffix(2);
+    return std::string(text);
+}
+
 std::string FormatDate(int64_t seconds) {
     const SYSTEMTIME time = ToSystemTime(seconds);
     char text[64] = {};
-    GetDateFormatA(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, sizeof text);
+    GetDateFormatA(LOCALE_USER_DEFAULT, 0, &time, ShortDatePicture().c_str(), text, sizeof text);
     return text;
 }
 

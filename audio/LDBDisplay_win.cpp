@@ -112,6 +112,12 @@ bool LDBDisplayRegister(HINSTANCE instance) {
 void LDBDisplaySetLevel(HWND window, int8_t levelDb) {
     Meter* meter = MeterOf(window);
     if (meter == nullptr || meter->levelDb == levelDb) return;
+    RECT box;
+    GetClientRect(window, &box);
+    const int before = ScaleX(meter->levelDb, box.right);
+    const int now = ScaleX(levelDb, box.right);
     meter->levelDb = levelDb;
-    InvalidateRect(window, nullptr, FALSE);
+    // Ten times a second while recording: only what changes is drawn.
+    const RECT changed = {std::min(before, now), 0, std::max(before, now), box.bottom};
+    if (before != now) InvalidateRect(window, &changed, FALSE);
 }

@@ -1,0 +1,53 @@
+#include <gtest/gtest.h>
+
+#include <span>
+#include <vector>
+
+#include "app/StartUpPlan.h"
+#include "base/LMemoryFile.h"
+
+TEST(StartUp, TellsSetupPackagesPackagesAndTheProgramApart) {
+    static const struct {
+        const char* name;
+        uint32_t marker;
+        bool firstRuns;
+        StartUpAction expected;
+    } kCases[] = {
+        {"corvane", 0, false, StartUpAction::Run},
+        {"corvane", 0, true, StartUpAction::ActivateFirst},
+        {"corvane", 0x12345678, false, StartUpAction::Run},
+        {"corvanesetup", 0, false, StartUpAction::RefuseCorruptInstaller},
+        {"CorvaneSetUp", 0, true, StartUpAction::RefuseCorruptInstaller},
+        {"mysetup2", 0xF0F00F0F, false, StartUpAction::RefuseCorruptInstaller},
+        {"corvanesetup", 0x0F0FF0F0, true, StartUpAction::Install},
+        {"corvane", 0x0F0FF0F0, false, StartUpAction::Install},
+        {"corvane", 0xF0F00F0F, true, StartUpAction::Install},
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(DecideStartUp(c.name, c.marker, c.firstRuns), c.expected) << c.name;
+    EXPECT_EQ(CloseWaitMs(kMarkerPackage), 1500u);
+    EXPECT_EQ(CloseWaitMs(kMarkerSetup), 2000u);
+}
+
+TEST(StartUp, TheMarkerIsTheLastFourBytes) {
+    const uint8_t kExe[] = {'M', 'Z', 0, 0, 0xF0, 0xF0, 0x0F, 0x0F};
+    LMemoryFile whole{std::span<const uint8_t>(kExe)};
+    EXPECT_EQ(ReadInstallMarker(whole), kMarkerSetup);
+    LMemoryFile tooShort{std::span<const uint8_t>(kExe).first(3)};
+    EXPECT_EQ(ReadInstallMarker(tooShort), 0u);
+}
+
+TEST(StartUp, OnlyTheExactFirstArgumentShowsTheIntroduction) {
+    static const struct {
+        std::vector<const char*> arguments;
+        bool expected;
+    } kCases[] = {
+        {{"corvane.exe"}, false},
+        {{"corvane.exe", "/install"}, true},
+        {{"corvane.exe", "/INSTALL"}, false},
+        {{"corvane.exe", "/install "}, false},
+        {{"corvane.exe", "/logon", "/install"}, false},
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(WantsIntroduction(static_cast<int>(c.arguments.size()), c.arguments.data()), c.expected);
+}
