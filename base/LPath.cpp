@@ -19,7 +19,7 @@ bool LPath::Place(size_t at, std::string_view text) {
     const bool fits = text.size() < kPathSize - at && text.find('\0') == std::string_view::npos;
     if (!fits) LTrace("LPath::Place path too long", text);
     // The text may be a part of this very path.
-    if (fits) std::memmove(m_text + at, text.data(), text.size());
+    if (fits && !text.empty()) std::memmove(m_text + at, text.data(), text.size());
     m_length = fits ? at + text.size() : 0;
     m_text[m_length] = 0;
     return fits;

@@ -1,0 +1,191 @@
+#include "store/MoveToSent.h"
+
+#include "base/LProfile.h"
+#include "store/DictationStore.h"
+#include "store/NotesFile.h"
+#include "store/Recovery.h"
+#include "tests/unit/store/StoreTest.h"
+
+namespace {
+
+class MoveToSentTest : public StoreTest {
+protected:
+    static bool NotQueued(const LPath&) { return false; }
+    static bool Queued(const LPath&) { return true; }
+    void Recover(bool (*isQueued)(const LPath&) = NotQueued) { RecoverDictations(m_user, isQueued, 4000); }
+
+    LPath Note() const { return LPath::Join(LFolderOf(m_user.userFile.View()), "moving.txt"); }
+
+    void ExpectWhole(const DictationFiles& files, const std::string& mark, bool withNotes = true) {
+        EXPECT_EQ(DictationRecord::Read(files.record).name, mark);
+        EXPECT_EQ(DictationRecord::Read(files.record).number, 12);
+        EXPECT_TRUE(ReadFileText(files.audio).starts_with(mark + " audio")) << files.audio.c_str();
+        EXPECT_EQ(LFile::Exists(files.notes), withNotes);
+        EXPECT_TRUE(!withNotes || ReadFileText(files.notes).starts_with(mark + " notes"));
+    }
+
+    // Back in Current as it was, with nothing of it in Sent.
+    void ExpectPutBack(bool withNotes, size_t filesInSent) {
+        ExpectWhole(Current(12), "new", withNotes);
+        const DictationRecord record = DictationRecord::Read(Current(12).record);
+        EXPECT_FALSE(record.sendDate.has_value());
+        EXPECT_EQ(record.recipient + record.sendStatus, "");
+        EXPECT_EQ(CountFiles(m_user.currentFolder), withNotes ? 3u : 2u);
+        EXPECT_EQ(CountFiles(m_user.sentFolder), filesInSent);
+        EXPECT_FALSE(LFile::Exists(Note()));
+    }
+};
+
+TEST_F(MoveToSentTest, MovesTheFilesAndMarksTheRecord) {
+    for (bool withNotes : {true, false}) {
+        MakeFiles(Current(12), "new", withNotes);
+        MakeFiles(Sent(12), "old");
+        MoveToSent move(m_user, Current(12).audio);
+        ASSERT_TRUE(move.Run("Jo (jo@a)", 5000000000));
+        EXPECT_EQ(move.Sent().audio, Sent(12).audio);
+        move.Commit();
+        ExpectWhole(Sent(12), "new", withNotes);
+        const DictationRecord record = DictationRecord::Read(Sent(12).record);
+        EXPECT_EQ(record.sendDate, 5000000000);
+        EXPECT_EQ(record.recipient, "Jo (jo@a)");
+        EXPECT_EQ(record.sendStatus, "Sending");
+        EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
+        EXPECT_EQ(CountFiles(m_user.sentFolder), withNotes ? 3u : 2u)
+            << "old notes are not the new dictation's";
+        EXPECT_FALSE(LFile::Exists(Note()));
+    }
+}
+
+// A folder of the file's name stands in the way, as a file that another program holds does.
+TEST_F(MoveToSentTest, PutsBackWhateverWasMovedWhenAFileCannotFollow) {
+    for (const char* blocked : {".txt", ".dat", ".wav"}) {
+        MakeFiles(Current(12), "new");
+        const LPath obstacle = Sent(12).record.WithExtension(blocked);
+        ASSERT_TRUE(LFile::MakeFolder(obstacle));
+        {
+            MoveToSent move(m_user, Current(12).record);
+            EXPECT_FALSE(move.Run("Jo", 1)) << blocked;
+            ExpectPutBack(true, 0);
+        }
+        ExpectPutBack(true, 0);
+        LFile::DeleteFolder(obstacle);
+    }
+    for (const LPath& missing : {Current(12).audio, Current(12).record}) {
+        MakeFiles(Current(12), "new");
+        LFile::Delete(missing);
+        EXPECT_FALSE(MoveToSent(m_user, Current(12).record).Run("Jo", 1)) << missing.c_str();
+        EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);
+        EXPECT_EQ(CountFiles(m_user.sentFolder), 0u);
+    }
+}
+
+TEST_F(MoveToSentTest, PutsBackWhatWasNotCommittedAndWhatItReplaced) {
+    MakeFiles(Current(12), "new", false);
+    LProfile::Write(Current(12).record, "file", "sendstatus", "Typed");
+    MakeFiles(Sent(12), "old");
+    {
+        MoveToSent move(m_user, Current(12).record);
+        ASSERT_TRUE(move.Run("Jo", 1));
+    }
+    ExpectWhole(Current(12), "new", false);
+    ExpectWhole(Sent(12), "old");
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
+    EXPECT_EQ(DictationRecord::Read(Current(12).record).sendStatus, "Typed") << "of an earlier sending";
+    EXPECT_EQ(DictationRecord::Read(Current(12).record).recipient, "");
+}
+
+// The program ends after each of the moves in turn: notes, record, audio.
+TEST_F(MoveToSentTest, TheNextStartPutsBackWhatIsNotInTheQueue) {
+    for (bool withNotes : {true, false}) {
+        for (int moved = 0; moved <= 3; ++moved) {
+            MakeFiles(Current(12), "new", withNotes);
+            WriteFileText(Sent(12).notes.WithExtension("-txt.old"), "old notes");
+            WriteFileText(Note(), withNotes ? "00000012.dat+" : "00000012.dat");
+            if (moved > 0 && withNotes) LFile::Move(Current(12).notes, Sent(12).notes);
+            if (moved > 1) {
+                LFile::Move(Current(12).record, Sent(12).record);
+                DictationRecord values;
+                values.sendDate = 1;
+                values.sendStatus = "Sending";
+                WriteSendKeys(Sent(12).record, values);
+                LProfile::Flush(Sent(12).record);
+            }
+            if (moved > 2) LFile::Move(Current(12).audio, Sent(12).audio);
+            Recover();
+            ExpectPutBack(withNotes, 1);
+            EXPECT_EQ(ReadFileText(Sent(12).notes), "old notes") << moved;
+            LFile::Delete(Sent(12).notes);
+        }
+    }
+}
+
+TEST_F(MoveToSentTest, TheNextStartCompletesWhatIsInTheQueueOrSent) {
+    for (const char* status : {"Sending", "Sent", "Send Failed"}) {
+        MakeFiles(Sent(12), "new");
+        WriteFileText(Sent(12).record.WithExtension("-dat.old"), "old record");
+        LProfile::Write(Sent(12).record, "file", "sendstatus", status);
+        WriteFileText(Note(), "00000012.dat+");
+        Recover(std::string_view(status) == "Sending" ? Queued : NotQueued);
+        ExpectWhole(Sent(12), "new");
+        EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
+        EXPECT_FALSE(LFile::Exists(Note()));
+    }
+}
+
+TEST_F(MoveToSentTest, ANoteOfRubbishMovesNothing) {
+    MakeFiles(Sent(12), "sent");
+    for (const std::string& text : {std::string(), std::string("..\\00000012.dat"), std::string("x"),
+                                    std::string("00000012.dat\r\n00000013.dat"), std::string(100000, '0')}) {
+        WriteFileText(Note(), text);
+        Recover();
+        ExpectWhole(Sent(12), "sent");
+        EXPECT_FALSE(LFile::Exists(Note()));
+    }
+}
+
+TEST_F(MoveToSentTest, RecordAndAudioFindEachOtherWithoutANote) {
+    // Record gone ahead to Sent, audio left behind.
+    MakeFiles(Current(12), "new");
+    LFile::Move(Current(12).record, Sent(12).record);
+    LFile::Move(Current(12).notes, Sent(12).notes);
+    LProfile::Write(Sent(12).record, "file", "sendstatus", "Sending");
+    LProfile::Flush(Sent(12).record);
+    Recover();
+    ExpectPutBack(true, 0);
+    // Record brought back from Sent, audio still there.
+    LFile::Move(Current(12).audio, Sent(12).audio);
+    Recover();
+    ExpectPutBack(true, 0);
+    // Record lost altogether.
+    LFile::Delete(Current(12).record);
+    Recover();
+    EXPECT_EQ(DictationRecord::Read(Current(12).record).name, "Dictation 012");
+    EXPECT_GT(DictationRecord::Read(Current(12).record).date.value_or(0), 4000);
+}
+
+TEST_F(MoveToSentTest, RecoveryLeavesWholeDictationsAndForeignFilesAlone) {
+    MakeFiles(Current(12), "new");
+    MakeFiles(Sent(12), "old");
+    MakeFiles(Current(13), "unrecorded", false);
+    LFile::Delete(Current(13).audio);
+    WriteFileText(LPath::Join(m_user.currentFolder.View(), "memo.wav"), std::string(100, 'x'));
+    WriteFileText(Current(14).audio, std::string(46, 'x'));  // a header and no sound
+    Recover();
+    ExpectWhole(Current(12), "new");
+    ExpectWhole(Sent(12), "old");
+    EXPECT_EQ(CountFiles(m_user.currentFolder), 6u);
+}
+
+TEST_F(MoveToSentTest, NotesThatWereBeingSavedAreFinishedOrDropped) {
+    WriteFileText(Current(1).notes.WithExtension(".tx~"), std::string("whole\0", 6));
+    WriteFileText(Current(2).notes.WithExtension(".tx~"), "hal");
+    WriteFileText(Current(3).notes.WithExtension(".tx~"), std::string("newer\0", 6));
+    WriteFileText(Current(3).notes, std::string("kept\0", 5));
+    Recover();
+    EXPECT_EQ(NotesFile::Preview(Current(1).notes), "whole");
+    EXPECT_FALSE(LFile::Exists(Current(2).notes));
+    EXPECT_EQ(NotesFile::Preview(Current(3).notes), "kept");
+    EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);
+}
+
+}  // namespace
