@@ -23,6 +23,7 @@ std::vector<std::string> ReadLines(const LPath& file) {
     if (!LFile::ReadWhole(file, kMaxFileBytes, bytes)) return lines;
     std::string line;
     for (uint8_t byte : bytes) {
+        if (byte == 0) byte = ' ';  // a zero byte ends the lines of LProfileSection
         if (byte != '\n') {
             line.push_back(static_cast<char>(byte));
             continue;
