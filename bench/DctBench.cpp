@@ -1,0 +1,132 @@
+#include <benchmark/benchmark.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "audio/LWaveFile.h"
+#include "base/LFile.h"
+#include "bench/Ratios.h"
+#include "send/SendItem.h"
+#include "store/SettingsKeys.h"
+
+extern char** environ;
+
+namespace {
+
+constexpr int32_t kRate = 8000;
+constexpr int32_t kHourFrames = 3600 * kRate;
+constexpr double kTwoPi = 6.283185307179586;
+
+class Silent final : public ProcessContext {
+public:
+    bool CancelRequested() override { return false; }
+    void SetProgress(double) override {}
+    void SetStatus(std::string_view) override {}
+    void SetError(std::string_view) override {}
+};
+
+// Voiced syllables of changing pitch, four in a second, with a breath every few seconds and some hiss.
+int32_t SpeechLike(int32_t frame) {
+    static uint32_t noise = 1;
+    noise = noise * 1664525u + 1013904223u;
+    const double hiss = static_cast<double>(noise >> 16) / 65536.0 - 0.5;
+    const double t = static_cast<double>(frame) / kRate;
+    const double syllable = std::fmod(t, 5.0) < 4.2 ? std::pow(std::sin(kTwoPi * 2.0 * t), 2.0) : 0.0;
+    const double pitch = kTwoPi * (110.0 * t + 3.0 * std::sin(t));
+    const double voice = std::sin(pitch) + 0.5 * std::sin(3.0 * pitch) + 0.3 * std::sin(8.0 * pitch);
+    return static_cast<int32_t>(0x7FFF0 * (0.3 * syllable * voice + 0.004 * hiss));
+}
+
+// An hour of dictation in a folder of its own, and the recipients it is converted for.
+class Hour {
+public:
+    static const Hour& Get() {
+        static const Hour hour;
+        return hour;
+    }
+    ~Hour() {
+        for (const char* name : {"00000001.wav", "00000001.dat", "plain.dat", "secret.dat", "sox.wav"})
+            LFile::Delete(File(name));
+        LFile::DeleteFolder(m_folder);
+    }
+    LPath File(std::string_view name) const { return LPath::Join(m_folder.View(), name); }
+
+private:
+    Hour() : m_folder(LFile::MakeTemporary("cvb")) {
+        LFile::Delete(m_folder);
+        LFile::MakeFolder(m_folder);
+        Settings::Write(File("00000001.dat"), RecordKeys::kNumber, 1);
+        SendToSettings recipient;
+        recipient.Save(File("plain.dat"));
+        recipient.flags = SendToSettings::kEncrypt;
+        recipient.encryptionPassword = "a pass phrase";
+        recipient.Save(File("secret.dat"));
+
+        const LSoundSink sink = LWaveFile::OpenSinkPCM(File("00000001.wav"), 16, 1, kRate);
+        std::vector<int32_t> block(kBlockFrames);
+        for (int32_t done = 0; done < kHourFrames;) {
+            const int32_t frames = std::min(kBlockFrames, kHourFrames - done);
+            for (int32_t i = 0; i < frames; ++i) block[static_cast<size_t>(i)] = SpeechLike(done + i);
+            sink->Write(block.data(), frames);
+            done += frames;
+        }
+    }
+
+    LPath m_folder;
+};
+
+void Convert(benchmark::State& state, const char* recipient) {
+    const Hour& hour = Hour::Get();
+    const SendQueueEntry entry{hour.File("00000001.wav"), hour.File(recipient), 0, true};
+    const DataFolder data = DataFolder::FromText(LFolderOf(entry.dictation.View()));
+    Silent context;
+    LPath file;
+    for (auto _ : state) {
+        if (SendItem(entry, data, context).Convert(file) != ProcessResult::Done)
+            state.SkipWithError("conversion failed");
+    }
+    LFile::Delete(file);
+}
+
+// A path as other programs take it.
+std::string Native(const LPath& path) {
+    std::string text(path.View());
+    std::replace(text.begin(), text.end(), '\\', '/');
+    return text;
+}
+
+// Without dither, which is the faster of its two ways.
+void ConvertWithSox(benchmark::State& state) {
+    const Hour& hour = Hour::Get();
+    std::string arguments[] = {"sox", "-D", Native(hour.File("00000001.wav")),
+                               "-b",  "8",  Native(hour.File("sox.wav"))};
+    char* argv[std::size(arguments) + 1] = {};
+    for (size_t i = 0; i < std::size(arguments); ++i) argv[i] = arguments[i].data();
+    for (auto _ : state) {
+        pid_t child = 0;
+        int status = -1;
+        if (posix_spawnp(&child, argv[0], nullptr, nullptr, argv, environ) == 0) waitpid(child, &status, 0);
+        if (status != 0) {
+            state.SkipWithError("sox is not installed or failed");
+            break;
+        }
+    }
+}
+
+void Settle(benchmark::internal::Benchmark* bench) {
+    bench->UseRealTime()
+        ->Unit(benchmark::kMillisecond)
+        ->Iterations(1)
+        ->Repetitions(9)
+        ->ReportAggregatesOnly(false);
+}
+
+BENCHMARK(ConvertWithSox)->Name(kSoxBench)->Apply(Settle);
+BENCHMARK_CAPTURE(Convert, plain, "plain.dat")->Name(kPlainDctBench)->Apply(Settle);
+BENCHMARK_CAPTURE(Convert, encrypted, "secret.dat")->Name(kEncryptedDctBench)->Apply(Settle);
+
+}  // namespace
