@@ -49,8 +49,8 @@ public:
     using LThread::IsRunning;
     using LThread::WaitForEnd;
 
-    // The user's "Cancel": stops the thread, empties the queue, clears the error text and starts again. An item
-    // that does not stop in the time given is dropped at its next check.
+    // The user's "Cancel": stops the thread, empties the queue, clears the error text and starts again. An
+    // item that does not stop in the time given is dropped at its next check.
     void ClearQueue(uint32_t waitMs = 5000);
     // Writes the number of entries; 0 empties the queue. False, with an error text, when the file does not
     // take it.

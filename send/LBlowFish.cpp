@@ -5,9 +5,11 @@
 #include "base/LTrace.h"
 
 static constexpr size_t kRounds = 16;
-// A block's rounds wait for each other, those of its neighbours do not: four at a time keep the processor
-// busy.
+// The rounds of a block wait for each other, those of its neighbours do not: several blocks at a time keep
+// the processor busy.
 static constexpr size_t kBlocksAtOnce = 4;
+using OneBlock = std::make_index_sequence<1>;
+using SeveralBlocks = std::make_index_sequence<kBlocksAtOnce>;
 
 static uint32_t LoadWord(const uint8_t* bytes) {
     return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
@@ -15,7 +17,10 @@ static uint32_t LoadWord(const uint8_t* bytes) {
 }
 
 static void StoreWord(uint8_t* bytes, uint32_t word) {
-    for (size_t i = 0; i < 4; ++i, word >>= 8) bytes[i] = static_cast<uint8_t>(word);
+    bytes[0] = static_cast<uint8_t>(word);
+    bytes[1] = static_cast<uint8_t>(word >> 8);
+    bytes[2] = static_cast<uint8_t>(word >> 16);
+    bytes[3] = static_cast<uint8_t>(word >> 24);
 }
 
 bool LBlowFish::SetKey(std::string_view text) {
@@ -27,18 +32,18 @@ bool LBlowFish::SetKey(std::string_view text) {
     std::memcpy(m_s, kBlowfishS, sizeof m_s);
     MixKey(text);
 
-    uint32_t left[1] = {0};
-    uint32_t right[1] = {0};
+    uint32_t left = 0;
+    uint32_t right = 0;
     for (size_t i = 0; i < kBlowfishPWords; i += 2) {
-        Encrypt(left, right);
-        m_p[i] = left[0];
-        m_p[i + 1] = right[0];
+        Encrypt(&left, &right, OneBlock());
+        m_p[i] = left;
+        m_p[i + 1] = right;
     }
     for (auto& box : m_s) {
         for (size_t i = 0; i < kBlowfishBoxWords; i += 2) {
-            Encrypt(left, right);
-            box[i] = left[0];
-            box[i + 1] = right[0];
+            Encrypt(&left, &right, OneBlock());
+            box[i] = left;
+            box[i + 1] = right;
         }
     }
     return true;
@@ -59,49 +64,33 @@ void LBlowFish::MixKey(std::string_view text) {
 
 void LBlowFish::EncryptBuffer(std::span<uint8_t> buffer) const {
     constexpr size_t kStep = kBlocksAtOnce * kBlockBytes;
-    while (buffer.size() >= kStep) {
-        EncryptBytes<kBlocksAtOnce>(buffer.data());
-        buffer = buffer.subspan(kStep);
-    }
-    while (buffer.size() >= kBlockBytes) {
-        EncryptBytes<1>(buffer.data());
-        buffer = buffer.subspan(kBlockBytes);
-    }
+    for (; buffer.size() >= kStep; buffer = buffer.subspan(kStep))
+        EncryptBytes(buffer.data(), SeveralBlocks());
+    for (; buffer.size() >= kBlockBytes; buffer = buffer.subspan(kBlockBytes))
+        EncryptBytes(buffer.data(), OneBlock());
 }
 
-template <size_t kBlocks>
-void LBlowFish::EncryptBytes(uint8_t* bytes) const {
-    uint32_t left[kBlocks];
-    uint32_t right[kBlocks];
-    for (size_t i = 0; i < kBlocks; ++i) {
-        left[i] = LoadWord(bytes + i * kBlockBytes);
-        right[i] = LoadWord(bytes + i * kBlockBytes + 4);
-    }
-    Encrypt(left, right);
-    for (size_t i = 0; i < kBlocks; ++i) {
-        StoreWord(bytes + i * kBlockBytes, left[i]);
-        StoreWord(bytes + i * kBlockBytes + 4, right[i]);
-    }
+// The blocks are counted at compile time, so that their words can stay in registers.
+template <size_t... kBlock>
+void LBlowFish::EncryptBytes(uint8_t* bytes, std::index_sequence<kBlock...> blocks) const {
+    uint32_t left[] = {LoadWord(bytes + kBlock * kBlockBytes)...};
+    uint32_t right[] = {LoadWord(bytes + kBlock * kBlockBytes + 4)...};
+    Encrypt(left, right, blocks);
+    (StoreWord(bytes + kBlock * kBlockBytes, left[kBlock]), ...);
+    (StoreWord(bytes + kBlock * kBlockBytes + 4, right[kBlock]), ...);
 }
 
 // Two rounds a turn, so that the halves need not change places between them.
-template <size_t kBlocks>
-void LBlowFish::Encrypt(uint32_t (&left)[kBlocks], uint32_t (&right)[kBlocks]) const {
+template <size_t... kBlock>
+inline void LBlowFish::Encrypt(uint32_t* left, uint32_t* right, std::index_sequence<kBlock...>) const {
     for (size_t round = 0; round < kRounds; round += 2) {
-        for (size_t i = 0; i < kBlocks; ++i) {
-            left[i] ^= m_p[round];
-            right[i] ^= F(left[i]);
-        }
-        for (size_t i = 0; i < kBlocks; ++i) {
-            right[i] ^= m_p[round + 1];
-            left[i] ^= F(right[i]);
-        }
+        const uint32_t first = m_p[round];
+        const uint32_t second = m_p[round + 1];
+        ((left[kBlock] ^= first, right[kBlock] ^= F(left[kBlock])), ...);
+        ((right[kBlock] ^= second, left[kBlock] ^= F(right[kBlock])), ...);
     }
-    for (size_t i = 0; i < kBlocks; ++i) {
-        const uint32_t last = left[i] ^ m_p[kRounds];
-        left[i] = right[i] ^ m_p[kRounds + 1];
-        right[i] = last;
-    }
+    ((left[kBlock] ^= m_p[kRounds], right[kBlock] ^= m_p[kRounds + 1]), ...);
+    (std::swap(left[kBlock], right[kBlock]), ...);
 }
 
 inline uint32_t LBlowFish::F(uint32_t x) const {

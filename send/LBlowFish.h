@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "send/BlowfishTables.h"
 
@@ -25,10 +26,10 @@ public:
 private:
     void MixKey(std::string_view text);
 
-    template <size_t kBlocks>
-    void Encrypt(uint32_t (&left)[kBlocks], uint32_t (&right)[kBlocks]) const;
-    template <size_t kBlocks>
-    void EncryptBytes(uint8_t* bytes) const;
+    template <size_t... kBlock>
+    void EncryptBytes(uint8_t* bytes, std::index_sequence<kBlock...>) const;
+    template <size_t... kBlock>
+    void Encrypt(uint32_t* left, uint32_t* right, std::index_sequence<kBlock...>) const;
     uint32_t F(uint32_t x) const;
 
     uint32_t m_p[kBlowfishPWords] = {};

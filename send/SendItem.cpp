@@ -58,18 +58,21 @@ SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessC
 
 ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
-    if (!LoadRecipient()) return ProcessResult::Failed;
-
-    const bool sendsWave = m_recipient.SendsWave();
-    const LPath output = sendsWave ? OutputPath("wav", ".wav") : OutputPath("dct", ".dct");
-    ProcessResult result = sendsWave ? CompressWavFile(output) : MakeDct(output);
-    if (result != ProcessResult::Done) {
-        LFile::Delete(output);
-        return result;
-    }
-    result = DeliverDictation({output, m_recipient, m_entry.user, m_data, m_label}, m_context);
+    LPath file;
+    ProcessResult result = Convert(file);
+    if (result != ProcessResult::Done) return result;
+    result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_label}, m_context);
     if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
+    return result;
+}
+
+ProcessResult SendItem::Convert(LPath& file) {
+    if (!LoadRecipient()) return ProcessResult::Failed;
+    const bool sendsWave = m_recipient.SendsWave();
+    file = sendsWave ? OutputPath("wav", ".wav") : OutputPath("dct", ".dct");
+    const ProcessResult result = sendsWave ? CompressWavFile(file) : MakeDct(file);
+    if (result != ProcessResult::Done) LFile::Delete(file);
     return result;
 }
 

@@ -23,6 +23,9 @@ public:
 
     // All of it. Stopped: nothing has arrived, and the entry is to be sent again.
     ProcessResult Send();
+    // The conversion alone: makes the file that the recipient wants, beside the dictation. Nothing of it is
+    // left unless the result is Done.
+    ProcessResult Convert(LPath& file);
 
 private:
     bool LoadRecipient();

@@ -50,7 +50,7 @@ std::string TextWithoutHead(const LPath& path, int32_t count) {
         }
         if (lines.size() > before) ++kept;
     }
-    return "[" + std::string(kSection) + "]\r\n" + Line(kCountKey, LFormat("%ld", static_cast<long>(kept))) +
+    return std::string("[") + kSection + "]\r\n" + Line(kCountKey, LFormat("%ld", static_cast<long>(kept))) +
            lines;
 }
 

@@ -113,8 +113,8 @@ TEST(DctWriter, CarriesAudioOfAnyLengthWhole) {
         const Bytes bytes = WriteDct(encrypted, "pass", Text("Hello"), audio);
         EXPECT_EQ(U32At(bytes, kChannels + 1), length);
         EXPECT_EQ(U32At(bytes, kDctLengthOffset), bytes.size()) << length;
-        Bytes padded = audio;
-        padded.resize((length + 7) / 8 * 8);
+        Bytes padded((length + 7) / 8 * 8);
+        std::copy(audio.begin(), audio.end(), padded.begin());
         cipher.EncryptBuffer(padded);
         EXPECT_EQ(Bytes(bytes.begin() + kChannels + 5, bytes.end()), padded) << length;
     }
