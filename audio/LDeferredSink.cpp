@@ -54,10 +54,10 @@ LDeferredSink::LDeferredSink(std::unique_ptr<LStream> stream, const LPath& path,
 }
 
 bool LDeferredSink::IsOurFile() {
-    std::array<uint8_t, kWaveHeaderBytes> head;
-    const LByteWriter ours =
+    LWaveHeader head;
+    const LWaveHeader ours =
         WavePcmHeader(BytesPerSample(m_bits), GetChannels(), GetSampleRate(), kWaveSizeUnknown);
-    return m_stream->Seek(0) && m_stream->ReadExact(head) && WaveHeadersAgree(head, ours.View());
+    return m_stream->Seek(0) && m_stream->ReadExact(head) && WaveHeadersAgree(head, ours);
 }
 
 LDeferredSink::~LDeferredSink() {

@@ -78,8 +78,8 @@ bool LSNKPCMFileBase::Prepare(int32_t startFrames) {
 }
 
 bool LSNKPCMFileBase::WriteHeader(uint32_t dataBytes) {
-    const LByteWriter head = WavePcmHeader(m_bytesPerSample, GetChannels(), GetSampleRate(), dataBytes);
-    return m_stream->Seek(0) && m_stream->WriteAll(head.View());
+    const LWaveHeader head = WavePcmHeader(m_bytesPerSample, GetChannels(), GetSampleRate(), dataBytes);
+    return m_stream->Seek(0) && m_stream->WriteAll(head);
 }
 
 bool LSNKPCMFileBase::CutAt(int32_t frames) {

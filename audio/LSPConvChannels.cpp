@@ -22,10 +22,11 @@ LSPConvChannels::LSPConvChannels(const LSoundSource& source, uint8_t channels)
 
 void LSPConvChannels::Read(int32_t* samples, int32_t frames) {
     const int32_t* block = m_block.data();
+    const size_t count = static_cast<size_t>(frames);
     m_source->Read(m_block.data(), frames);
     if (GetChannels() == 1) {
-        for (int32_t i = 0; i < frames; ++i) samples[i] = block[2 * i];
+        for (size_t i = 0; i < count; ++i) samples[i] = block[2 * i];
     } else {
-        for (int32_t i = 0; i < frames; ++i) samples[2 * i] = samples[2 * i + 1] = block[i];
+        for (size_t i = 0; i < count; ++i) samples[2 * i] = samples[2 * i + 1] = block[i];
     }
 }

@@ -19,7 +19,7 @@ LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWav
       m_block(static_cast<size_t>(kBlockFrames) * static_cast<size_t>(m_bytesPerFrame)) {
     if (info.isStreaming) LTrace("LSRCPCMFileBase::LSRCPCMFileBase Wav File Is Streaming");
     m_length = Saturate(info.dataBytes / m_bytesPerFrame);
-    Seek(0);
+    LSRCPCMFileBase::Seek(0);
 }
 
 void LSRCPCMFileBase::Read(int32_t* samples, int32_t frames) {

@@ -7,6 +7,7 @@
 #include "audio/LSRCPCMFile.h"
 #include "audio/LWaveHeader.h"
 #include "base/LArith.h"
+#include "base/LBytes.h"
 #include "base/LFile.h"
 #include "base/LTrace.h"
 
@@ -100,11 +101,11 @@ static bool IsOurLayout(LReadStream& stream, int64_t fileBytes, const LWaveInfo&
     const int bytesPerSample = info.BytesPerSample();
     if (!info.IsPcm() || bytesPerSample > 2 || info.dataStart != kWaveHeaderBytes) return false;
     if (info.dataStart + info.dataBytes != fileBytes) return false;
-    std::array<uint8_t, kWaveHeaderBytes> head;
+    LWaveHeader head;
     if (!stream.Seek(0) || !stream.ReadExact(head)) return false;
-    const LByteWriter ours = WavePcmHeader(bytesPerSample, static_cast<uint8_t>(info.format.Channels()),
+    const LWaveHeader ours = WavePcmHeader(bytesPerSample, static_cast<uint8_t>(info.format.Channels()),
                                            static_cast<int32_t>(info.format.SampleRate()), kWaveSizeUnknown);
-    return WaveHeadersAgree(head, ours.View());
+    return WaveHeadersAgree(head, ours);
 }
 
 int LWaveInfo::BytesPerSample() const {

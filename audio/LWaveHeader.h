@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
-
-#include "base/LBytes.h"
+#include <span>
 
 // The head of the WAV files that we write, shared by writer and reader. Little-endian:
 //    0 "RIFF"   4 RIFF size = data bytes + 38   8 "WAVE"
@@ -16,8 +16,10 @@ constexpr uint32_t kWaveSizeBeforeData = 38;  // what the RIFF size counts besid
 // The most data bytes whose RIFF size still differs from kWaveSizeUnknown.
 constexpr int64_t kWaveMaxDataBytes = int64_t{kWaveSizeUnknown} - 1 - kWaveSizeBeforeData;
 
-// The 46 bytes of a PCM file; dataBytes may be kWaveSizeUnknown.
-LByteWriter WavePcmHeader(int bytesPerSample, uint8_t channels, int32_t sampleRate, uint32_t dataBytes);
+using LWaveHeader = std::array<uint8_t, kWaveHeaderBytes>;
+
+// The head of a PCM file; dataBytes may be kWaveSizeUnknown.
+LWaveHeader WavePcmHeader(int bytesPerSample, uint8_t channels, int32_t sampleRate, uint32_t dataBytes);
 
 // Whether two such headers differ in nothing but their two sizes.
-bool WaveHeadersAgree(std::span<const uint8_t> a, std::span<const uint8_t> b);
+bool WaveHeadersAgree(const LWaveHeader& a, const LWaveHeader& b);

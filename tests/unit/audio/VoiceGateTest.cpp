@@ -39,12 +39,9 @@ protected:
     // The written material as "value x frames" runs.
     std::string Written() const {
         std::string text;
-        for (size_t i = 0; i < m_written.size();) {
-            const size_t run = std::find_if(m_written.begin() + static_cast<ptrdiff_t>(i), m_written.end(),
-                                            [&](int32_t v) { return v != m_written[i]; }) -
-                               m_written.begin() - static_cast<ptrdiff_t>(i);
+        for (size_t i = 0, run = 0; i < m_written.size(); i += run) {
+            for (run = 0; i + run < m_written.size() && m_written[i + run] == m_written[i];) ++run;
             text += (text.empty() ? "" : " ") + std::to_string(m_written[i]) + "x" + std::to_string(run);
-            i += run;
         }
         return text;
     }
