@@ -6,8 +6,9 @@ namespace {
 
 constexpr int kMargin = 4;  // dialog units, as all numbers below
 constexpr int kGap = 2;
-constexpr int kTransportHeight = 20;
-constexpr int kLineHeight = 9;
+constexpr int kTransportHeight = 19;
+constexpr int kLineHeight = 8;
+constexpr int kLeastNotesHeight = 20;  // two lines
 
 // Hands out places in dialog units, turning them into pixels.
 class Placer {
@@ -66,10 +67,9 @@ void LayoutCompact(Placer& placer, int width) {
     placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 64, kLineHeight);
     placer.Put(IDC_POSITION, kMargin + inner - 62, y, 62, kLineHeight);
     y += 12;
-    placer.Put(IDC_LOGGEDON, kMargin, y, inner - 84, kLineHeight);
-    placer.Put(IDC_SENDLABEL, kMargin + inner - 82, y, 28, kLineHeight);
-    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 52, y, 52, 8);
-    for (int control : {IDC_LIST, IDC_NOTES, IDC_INFOLINE, IDC_INFOLINK}) placer.Hide(control);
+    placer.Put(IDC_LOGGEDON, kMargin, y, inner - 54, kLineHeight);
+    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 52, y, 52, kLineHeight);
+    for (int control : {IDC_LIST, IDC_NOTES, IDC_INFOLINE, IDC_INFOLINK, IDC_SENDLABEL}) placer.Hide(control);
 }
 
 void LayoutFull(Placer& placer, int width, int height) {
@@ -82,21 +82,21 @@ void LayoutFull(Placer& placer, int width, int height) {
     placer.Put(IDC_SEND, afterTransport + button + kGap, kMargin, button, kTransportHeight);
     placer.Put(IDC_DOCK, afterTransport + 2 * (button + kGap), kMargin, button, kTransportHeight);
 
-    int y = kMargin + kTransportHeight + 4;
+    int y = kMargin + kTransportHeight + 3;
     placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 148, kLineHeight);
     placer.Put(IDC_POSITION, kMargin + inner - 146, y, 66, kLineHeight);
     PutMeters(placer, kMargin + inner - 74, y, 74);
-    y += kLineHeight + 3;
+    y += kLineHeight + 4;
 
-    const int infoY = height - kMargin - kLineHeight;
-    const int sendY = infoY - kLineHeight - 2;
-    const int notesHeight = std::max(24, (sendY - y) / 4);
-    const int notesY = sendY - 3 - notesHeight;
-    placer.Put(IDC_LIST, kMargin, y, inner, notesY - 3 - y);
+    const int infoY = height - 2 - kLineHeight;
+    const int sendY = infoY - kLineHeight - 1;
+    const int notesHeight = std::max(kLeastNotesHeight, (sendY - y) / 4);
+    const int notesY = sendY - kGap - notesHeight;
+    placer.Put(IDC_LIST, kMargin, y, inner, notesY - kGap - y);
     placer.Put(IDC_NOTES, kMargin, notesY, inner, notesHeight);
     placer.Put(IDC_LOGGEDON, kMargin, sendY, inner - 106, kLineHeight);
     placer.Put(IDC_SENDLABEL, kMargin + inner - 104, sendY, 28, kLineHeight);
-    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 74, sendY, 74, 8);
+    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 74, sendY, 74, kLineHeight);
     placer.Put(IDC_INFOLINE, kMargin, infoY, inner - 32, kLineHeight);
     placer.Put(IDC_INFOLINK, kMargin + inner - 28, infoY, 28, kLineHeight);
 }

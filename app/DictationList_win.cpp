@@ -69,9 +69,9 @@ void DictationList::SetupFilesList(const LPath& folder) {
             if (!entry.isFolder) AddFile(LPath::Join(folder.View(), entry.name));
             return true;
         });
-        SelectOnly(Count() - 1);
         SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
         InvalidateRect(m_list, nullptr, TRUE);
+        SelectOnly(Count() - 1);
     }
     m_owner->FileChanged();
 }
@@ -166,6 +166,10 @@ void DictationList::SelectOnly(int index) {
     if (index < 0) return;
     ListView_SetItemState(m_list, index, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     ListView_EnsureVisible(m_list, index, FALSE);
+}
+
+void DictationList::ShowCurrent() {
+    if (const int index = CurrentIndex(); index >= 0) ListView_EnsureVisible(m_list, index, FALSE);
 }
 
 void DictationList::BeginRename() {

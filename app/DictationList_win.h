@@ -40,6 +40,8 @@ public:
     void RemoveFile(const LPath& record);
     // Makes this row the only selected one.
     void SelectFile(const LPath& record);
+    // Scrolls to the current dictation, after the list has changed its size.
+    void ShowCurrent();
     void BeginRename();
 
     int Count() const { return ListView_GetItemCount(m_list); }
@@ -50,6 +52,7 @@ public:
     // Its number, 0 when none is selected.
     int32_t CurrentNumber() const;
     std::string CurrentName() const;
+    bool HoldsNumber(int32_t number) const { return IndexOfNumber(number) >= 0; }
     // The number under which a record is listed.
     std::optional<int32_t> NumberOf(const LPath& record) const;
     // Taken before a command on several rows begins, since updating a row moves it.

@@ -68,7 +68,12 @@ void MainDialog::CmNewFile(int) {
 bool MainDialog::CreateDictation() {
     TestHardDrive();
     SaveNotes();
-    const std::optional<NewDictation> created = ::CreateDictation(m_state.user, LNowSeconds());
+    std::optional<NewDictation> created = ::CreateDictation(m_state.user, LNowSeconds());
+    // A record under another file name may claim the number: the new dictation must have a row of its own.
+    while (created && m_list.HoldsNumber(created->number)) {
+        DeleteDictationFiles(created->files);
+        created = ::CreateDictation(m_state.user, LNowSeconds());
+    }
     if (!created) {
         LMessageBox(Window(), kCannotCreate, "Error", MB_OK | MB_ICONEXCLAMATION);
         return false;

@@ -36,6 +36,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_CLOSE, &MainDialog::EvClose},
     {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
     {WM_ENDSESSION, &MainDialog::EvEndSession},
+    {WM_GETMINMAXINFO, &MainDialog::EvGetMinMaxInfo},
     {WM_DRAWITEM, &MainDialog::EvDrawItem},
     {WM_NOTIFY, &MainDialog::EvNotify},
     {WM_CONTEXTMENU, &MainDialog::EvContextMenu},
@@ -84,6 +85,7 @@ bool MainDialog::InitDialog() {
     SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
     StartSending();
     ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+    m_list.ShowCurrent();
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
@@ -231,6 +233,12 @@ bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     return true;
 }
 
+bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
+    m_layout.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+    result = 0;
+    return true;
+}
+
 bool MainDialog::EvMove(WPARAM, LPARAM, LRESULT& result) {
     m_layout.EvMove();
     result = 0;
@@ -238,7 +246,10 @@ bool MainDialog::EvMove(WPARAM, LPARAM, LRESULT& result) {
 }
 
 bool MainDialog::EvSize(WPARAM wParam, LPARAM, LRESULT& result) {
-    if (wParam != SIZE_MINIMIZED) m_layout.LayoutControls();
+    if (wParam != SIZE_MINIMIZED) {
+        m_layout.LayoutControls();
+        m_list.ShowCurrent();
+    }
     result = 0;
     return true;
 }

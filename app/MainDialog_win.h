@@ -88,6 +88,7 @@ private:
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvMove(WPARAM, LPARAM, LRESULT& result);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);

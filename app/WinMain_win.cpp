@@ -118,6 +118,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
 
     switch (DecideStartUp(LSplitPath(executable.View()).name, marker, running != nullptr)) {
         case StartUpAction::RefuseCorruptInstaller:
+            gate.Open();
             MessageBoxA(nullptr, kCorruptInstaller, "Install Error", MB_OK | MB_ICONEXCLAMATION);
             break;
         case StartUpAction::Install:

@@ -58,7 +58,10 @@ void WindowLayout::LayoutControls() {
                      places);
     for (const ControlPlace& place : places) {
         const HWND control = GetDlgItem(m_window, place.control);
-        if (!place.IsHidden()) MoveWindow(control, place.x, place.y, place.width, place.height, TRUE);
+        // Nothing of the old picture is kept: centred and right-aligned texts would leave traces.
+        if (!place.IsHidden())
+            SetWindowPos(control, nullptr, place.x, place.y, place.width, place.height,
+                         SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
         ShowWindow(control, place.IsHidden() ? SW_HIDE : SW_SHOWNA);
     }
     InvalidateRect(m_window, nullptr, TRUE);
@@ -73,6 +76,12 @@ void WindowLayout::ToggleFloat() {
     const LPath& settings = m_state.data.settingsFile;
     Settings::Write(settings, SettingsKeys::kTopMost, !Settings::Read(settings, SettingsKeys::kTopMost));
     LayoutNormalSizeAndPosition();
+}
+
+void WindowLayout::EvGetMinMaxInfo(MINMAXINFO& info) const {
+    if (m_window == nullptr) return;
+    const ScreenSize least = WindowSizeOf(m_view == ViewMode::Compact ? ViewMode::Compact : ViewMode::Normal);
+    info.ptMinTrackSize = {least.width, least.height};
 }
 
 void WindowLayout::EvMove() {

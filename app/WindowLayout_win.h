@@ -16,6 +16,8 @@ public:
     void LayoutControls();
     void SetView(ViewMode view);
     void ToggleFloat();
+    // The window is never made smaller than its controls need.
+    void EvGetMinMaxInfo(MINMAXINFO& info) const;
     // Stores where the window now is.
     void EvMove();
     ViewMode View() const { return m_view; }
