@@ -20,7 +20,7 @@ constexpr const char* kPrefixes[] = {kFilePrefix, kRecipientPrefix, kUserPrefix}
 
 // A count up to here is believed when its last entry is there. Beyond it, and where the last entry is
 // missing, the entries themselves are counted, until so many in a row are missing.
-constexpr int32_t kMostBelieved = 10000;
+constexpr int32_t kMostBelieved = 1000;
 constexpr int32_t kLargestGap = 16;
 
 std::string Line(std::string_view key, std::string_view value) {
@@ -34,12 +34,12 @@ bool ParseUser(std::string_view text, uint32_t& user) {
     return true;
 }
 
-// The whole file without entry 0: each other one moves down, and over those of which nothing is left.
-std::string TextWithoutHead(const LPath& path, int32_t count) {
+// The whole file with the entries from first on. Each moves down, also over those of which nothing is left.
+std::string TextFrom(const LPath& path, int32_t first, int32_t count) {
     const LProfileSection section(path, kSection);
     std::string lines;
     int32_t kept = 0;
-    for (int32_t i = 1; i < count; ++i) {
+    for (int32_t i = first; i < count; ++i) {
         const size_t before = lines.size();
         for (const char* prefix : kPrefixes) {
             const std::string key = Settings::ListItemKey(prefix, i);
@@ -120,7 +120,12 @@ SendQueueEntry SendQueueFile::Head() const {
 }
 
 bool SendQueueFile::Append(const SendQueueEntry& entry) {
-    const int32_t index = Count();
+    int32_t index = Count();
+    if (index >= kMostBelieved && CountEntries(index) < index) {
+        // One more would no longer be believed; without the gaps it will be found.
+        if (!KeepFrom(0, index)) return false;
+        index = Count();
+    }
     const auto write = [this, index](const char* prefix, std::string_view value) {
         return LProfile::Write(m_path, kSection, Settings::ListItemKey(prefix, index), value);
     };
@@ -136,12 +141,15 @@ bool SendQueueFile::Append(const SendQueueEntry& entry) {
 
 bool SendQueueFile::RemoveHead() {
     const int32_t count = Count();
-    if (count == 0) return true;
-    const std::string text = TextWithoutHead(m_path, count);
+    return count == 0 || KeepFrom(1, count);
+}
+
+bool SendQueueFile::KeepFrom(int32_t first, int32_t count) {
+    const std::string text = TextFrom(m_path, first, count);
     // What the platform has not written yet, or remembers, must not come back over the new file.
     LProfile::Flush(m_path);
     if (WriteFlushed(m_unfinished, text) && LFile::Replace(m_unfinished, m_path)) return true;
-    LTrace("SendQueueFile::RemoveHead unable to replace file", m_path.View());
+    LTrace("SendQueueFile::KeepFrom unable to replace file", m_path.View());
     if (LFile::Exists(m_path)) LFile::Delete(m_unfinished);
     return false;
 }

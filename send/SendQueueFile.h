@@ -41,6 +41,7 @@ public:
 private:
     bool HasEntry(int32_t index) const;
     int32_t CountEntries(int32_t limit) const;
+    bool KeepFrom(int32_t first, int32_t count);
 
     LPath m_path;
     LPath m_unfinished;  // beside it: the file that is to replace it

@@ -87,6 +87,8 @@ TEST_F(SendQueueFileTest, NeverTrustsTheCountOrTheEntries) {
         {"bad user",
          "[bgsend]\r\ncount=2\r\nfile0=a\r\nsendto0=r\r\nid0=x\r\nfile1=a\r\nsendto1=r\r\nid1=4294967296\r\n",
          "??"},
+        {"gap before the last that is believed",
+         "[bgsend]\r\ncount=1000\r\nfile0=a\r\nsendto0=r\r\nid0=1\r\nid999=1\r\n", "1?"},
         {"far entry", "[bgsend]\r\ncount=2000000000\r\nfile1999999999=a\r\n", ""},
         {"rubbish", "\x01\x02[[[]]]===\r\n\r\ncount=3", ""},
     };

@@ -1,0 +1,69 @@
+#include "audio/LWaveFile.h"
+#include "send/DctWriter.h"
+#include "store/SendToSettings.h"
+#include "tests/unit/TempFolder.h"
+#include "tests/unit/send/SendTest.h"
+
+// The dumps in docs/file-formats.md are what the program writes.
+
+namespace {
+
+constexpr size_t kOffsetDigits = 5;
+
+// The bytes of the dump under a heading; between two lines whose offsets leave a gap there are zeros.
+Bytes Dump(const std::string& heading) {
+    static const std::string doc = ReadFileText(LPath(CORVANE_TEST_DATA "/../../docs/file-formats.md"));
+    Bytes bytes;
+    const size_t start = doc.find("### Dump: " + heading + "\n");
+    if (start == std::string::npos) return bytes;
+    const size_t end = std::min(doc.find("\n#", start + 1), doc.size());
+    for (size_t line = doc.find("\n    0", start); line < end; line = doc.find("\n    0", line + 1)) {
+        const std::string text = doc.substr(line + 5, doc.find('\n', line + 1) - line - 5);
+        const Bytes offset = Hex("0" + text.substr(0, kOffsetDigits));
+        bytes.resize(size_t{offset[0]} << 16 | size_t{offset[1]} << 8 | offset[2]);
+        const std::string rest = text.substr(kOffsetDigits + 2);
+        bytes = bytes + Hex(rest.substr(0, rest.find("  ")));
+    }
+    return bytes;
+}
+
+Bytes ReadBytes(const LPath& path) {
+    return Text(ReadFileText(path));
+}
+
+Bytes WriteDct(std::string_view passPhrase) {
+    DctHeader header;
+    header.user = 7;
+    header.number = 12;
+    header.date = 1000000000;
+    header.name = "Dictation 012";
+    header.sender.name = "Ann";
+    header.sender.email = "a@b.c";
+    header.sender.address[3] = "UK";
+    header.priority = DctPriority("High");
+    LMemoryFile out, notes(Text("Hello")), audio(Text("RIFF") + Little(4) + Text("WAVE"));
+    NotedContext context;
+    EXPECT_EQ(DctWriter(out, passPhrase, context).Write(header, &notes, &audio), ProcessResult::Done);
+    return FileBytes(out);
+}
+
+}  // namespace
+
+TEST(FileFormats, DctFilesAreAsDocumented) {
+    EXPECT_EQ(WriteDct(""), Dump("plain DCT file"));
+    EXPECT_EQ(WriteDct("A"), Dump("encrypted DCT file"));
+}
+
+TEST(FileFormats, AudioFilesAreAsDocumented) {
+    const TempFolder temp;
+    const LPath path = temp.File("a.wav");
+    const int32_t frames[] = {FromPcm16(1), FromPcm16(-2)};
+    LWaveFile::OpenSinkPCM(path, 16, 1, 8000)->Write(frames, 2);
+    EXPECT_EQ(ReadBytes(path), Dump("two frames of 16 bits"));
+}
+
+TEST(FileFormats, RecipientsAreAsDocumented) {
+    Bytes expected = Dump("the first fields and the wave format of a new recipient");
+    expected.resize(1964);
+    EXPECT_EQ(SendToSettings().ToBytes(), expected);
+}
