@@ -3,10 +3,10 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fnmatch.h>
-#include <stdio.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
+#include <cstdio>
 
 #include "base/LOwned.h"
 #include "base/LText.h"

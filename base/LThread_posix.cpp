@@ -1,5 +1,5 @@
 #include <pthread.h>
-#include <time.h>
+#include <ctime>
 
 #include "base/LThread.h"
 #include "base/LTrace.h"

@@ -21,7 +21,7 @@ UserDetails UserDetails::Read(const LPath& userFile) {
     details.phone = ReadDetail(section, UserKeys::kPhone);
     details.cell = ReadDetail(section, UserKeys::kCell);
     details.fax = ReadDetail(section, UserKeys::kFax);
-    for (size_t i = 0; i < std::size(details.address); ++i) {
+    for (size_t i = 0; i < details.address.size(); ++i) {
         details.address[i] = ReadDetail(section, UserKeys::kAddress[i]);
     }
     return details;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,7 +16,7 @@ struct UserDetails {
     std::string phone;
     std::string cell;
     std::string fax;
-    std::string address[4];
+    std::array<std::string, 4> address;
 
     // Empty texts where the file has none. Opens the file once.
     static UserDetails Read(const LPath& userFile);

@@ -1,8 +1,6 @@
 #include "store/DataFolder_win.h"
 
-#include <windows.h>
-
-#include "base/LTrace.h"
+#include "base/LRegistry_win.h"
 
 namespace {
 
@@ -10,20 +8,6 @@ constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Fold
 constexpr char kDataValue[] = "DataFiles";
 constexpr char kWindowsKey[] = "Software\\Microsoft\\Windows\\CurrentVersion";
 constexpr char kProgramsValue[] = "ProgramFilesDir";
-
-// A string value of the machine's hive, at most 259 characters; empty when it cannot be read.
-LPath ReadMachineText(const char* keyName, const char* valueName) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, keyName, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return {};
-    char text[kPathSize] = {};
-    DWORD size = sizeof text - 1;  // the value need not end in a zero byte
-    DWORD type = 0;
-    const LONG result =
-        RegQueryValueExA(key, valueName, nullptr, &type, reinterpret_cast<BYTE*>(text), &size);
-    RegCloseKey(key);
-    if (result != ERROR_SUCCESS || type != REG_SZ) return {};
-    return LPath(std::string_view(text));
-}
 
 // An access list with one entry: everyone, all access, inherited by folders and files. Its parts live here,
 // since the platform's descriptor only points to them.
@@ -75,7 +59,7 @@ bool MakeFolderForEveryone(const LPath& folder) {
 }
 
 LPath MakeDefaultDataFolder() {
-    LPath folder = ReadMachineText(kWindowsKey, kProgramsValue);
+    LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kWindowsKey, kProgramsValue));
     if (folder.Empty()) {
         folder.Set("C:\\Corvane");
         MakeFolderForEveryone(folder);
@@ -89,7 +73,7 @@ LPath MakeDefaultDataFolder() {
 }
 
 DataFolder FindDataFolder() {
-    LPath folder = ReadMachineText(kFoldersKey, kDataValue);
+    LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, kDataValue));
     if (folder.Empty()) folder = MakeDefaultDataFolder();
     return DataFolder::FromText(folder.View());
 }
