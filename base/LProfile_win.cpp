@@ -7,7 +7,7 @@
 
 std::string LProfile::Read(const LPath& file, std::string_view section, std::string_view key,
                            std::string_view defaultText) {
-    const std::string fallback(defaultText.substr(0, kMaxText));
+    std::string fallback(defaultText.substr(0, kMaxText));
     if (file.Empty()) return fallback;
     char text[kMaxText + 1] = {};
     const DWORD length = GetPrivateProfileStringA(std::string(section).c_str(), std::string(key).c_str(),

@@ -5,7 +5,11 @@
 #include "store/SettingsKeys.h"
 #include "tests/unit/store/StoreTest.h"
 
-using CurrentUserTest = StoreTest;
+// Leaves user 0 in the registry, which as a Windows binary is that of whoever runs the tests.
+class CurrentUserTest : public StoreTest {
+protected:
+    ~CurrentUserTest() override { WriteRegistryUser(0); }
+};
 
 TEST(DataFolder, EndsInASeparatorUnlessThereIsNoRoom) {
     EXPECT_EQ(DataFolder::FromText("C:\\Corvane").settingsFile.View(), "C:\\Corvane\\settings.ini");
