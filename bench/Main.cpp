@@ -14,6 +14,8 @@ namespace {
 // disturb least.
 class ShortestTimes final : public benchmark::ConsoleReporter {
 public:
+    ShortestTimes() : ConsoleReporter(OO_None) {}
+
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {

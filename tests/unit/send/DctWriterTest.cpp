@@ -166,11 +166,3 @@ TEST(DctWriter, ProgressCreepsTowardsHalf) {
     EXPECT_TRUE(std::is_sorted(context.progress.begin(), context.progress.end()));
     EXPECT_LE(context.progress.back(), 0.5);
 }
-
-TEST(DctPriority, LooksAtTheFirstLetterOnly) {
-    static const struct {
-        const char* text;
-        uint8_t expected;
-    } kCases[] = {{"High", 100}, {"Low", 10}, {"Normal", 50}, {"H", 100}, {"high", 50}, {"", 50}};
-    for (const auto& c : kCases) EXPECT_EQ(DctPriority(c.text), c.expected) << c.text;
-}
