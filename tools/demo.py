@@ -43,10 +43,8 @@ class Steps:
 def screenshot(corvane, name):
     """A picture of the main window with its frame, as it stands on the screen."""
     left, top, right, bottom = corvane.describe()["rect"]
-    # The window manager draws the frame outside of what Windows calls the window.
-    frame, caption = 2, 22
-    area = f"{right - left + 2 * frame}x{bottom - top + caption + frame}+{left - frame}+{max(0, top - caption)}"
-    subprocess.run(["import", "-window", "root", "-crop", area, "+repage", str(OUT / name)], check=True)
+    area = f"{right - left + 8}x{bottom - top + 8}+{max(0, left - 4)}+{max(0, top - 4)}"
+    subprocess.run(["import", "-window", "root", "-crop", area, "-trim", "+repage", str(OUT / name)], check=True)
 
 
 def record(corvane, steps, spoken):
@@ -119,6 +117,7 @@ def main():
     helper = WinCtl()
     corvane = Corvane(helper, data)
     try:
+        corvane.start()
         steps.say(f"corvane.exe runs on {os.environ['RIG_WINDOWS']}, its window up after {corvane.start_seconds:.1f} s")
         number = record(corvane, steps, spoken)
         shutil.copy(data.audio(number), OUT / "recording.wav")

@@ -7,7 +7,7 @@ from pathlib import Path
 import pytest
 
 import sound
-from corvane import FOLDERS_KEY, Corvane, Data, WinCtl, windows_path
+from corvane import Corvane, Data, WinCtl
 
 WORDS = (
     "This is a letter about Mister Harris, who came to the clinic on Monday. "
@@ -59,7 +59,7 @@ def corvane(winctl, data):
 
     def start(*arguments, **options):
         started.append(Corvane(winctl, options.pop("data", data), arguments, **options))
-        return started[-1]
+        return started[-1].start()
 
     yield start
     for program in started:

@@ -168,7 +168,6 @@ class Corvane:
         self.arguments = [str(a) for a in arguments]
         self.process = None
         self.window = self.pid = 0
-        self.start()
 
     # --- Its life -------------------------------------------------------------------------------------
 
@@ -198,11 +197,12 @@ class Corvane:
 
     def kill(self):
         """Ends it as a power failure would."""
-        if self.process.poll() is None:
-            self.process.send_signal(signal.SIGKILL)
+        if not self.process or self.process.poll() is not None:
+            return
+        self.process.send_signal(signal.SIGKILL)
         self.process.wait(10)
         # Windows has not forgotten the process before its window is gone.
-        wait_for(lambda: not self.winctl.ask("find", DIALOG_CLASS, TITLE)["hwnd"], "the end of the window")
+        wait_for(lambda: not self.window or not self.winctl.ask("window", self.window), "the end of the window")
 
     def cpu_seconds(self):
         fields = Path(f"/proc/{self.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
@@ -276,7 +276,8 @@ class Corvane:
                 else:
                     items[item["number"]] = item
 
-        walk(self.winctl.ask("menu", self.window)["menu"])
+        # While the program loads a library of its own, it cannot take the one that reads its menu.
+        walk(wait_for(lambda: self.winctl.ask("menu", self.window), "the menu")["menu"])
         return items
 
     def list(self):
@@ -300,6 +301,7 @@ class Corvane:
         return self.control("IDC_NOTES")["text"]
 
     def type_notes(self, text):
+        """Types into the notes box; a line ends with the Enter key, "\r"."""
         self.winctl.ask("type", self.control("IDC_NOTES")["hwnd"], text)
 
     def progress(self):

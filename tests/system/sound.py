@@ -86,11 +86,6 @@ def assert_is(spoken, heard, seconds=0.3, least=0.9):
     assert match > least, f"what was heard is not what was spoken (correlation {match:.3f})"
 
 
-def joined(*parts):
-    """The audio of several samples one after the other."""
-    return Audio(np.concatenate([p.samples for p in parts]), parts[0].rate)
-
-
 def play(path):
     """Speaks a file into the microphone of the rig; returns once it has been heard."""
     subprocess.run(["paplay", "--device=mic", str(path)], check=True, timeout=120)

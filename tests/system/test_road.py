@@ -17,7 +17,7 @@ def test_what_was_spoken_arrives_at_the_typist(corvane, data, speech):
     sound.assert_is(spoken, recording)
     seconds = round(recording.duration)
     assert program.row(number)["texts"][3] == f"{seconds // 60:02}:{seconds % 60:02}"
-    program.type_notes("Case 12\r\nMr. Harris")
+    program.type_notes("Case 12\rMr. Harris")
     program.send_default(number)
     assert program.wait_sent(number) == "Sent"
 
@@ -48,7 +48,8 @@ def test_record_at_end_keeps_what_was_there_and_adds_what_is_spoken(corvane, dat
     program.dictate(*more_speech, command="CM_RECORD_END", number=number)
     both = sound.read_wav(data.audio(number))
     assert (both.samples[: len(first.samples)] == first.samples).all()
-    sound.assert_is(sound.joined(speech[1], more_speech[1]), both, seconds=0.6)
+    both.samples = both.samples[len(first.samples) :]
+    sound.assert_is(more_speech[1], both)
 
 
 def test_send_during_a_recording_finishes_and_sends_it(corvane, data, more_speech):
