@@ -83,8 +83,7 @@ void VoiceGate::Await(Block block) {
 
 int32_t VoiceGate::Stop() {
     if (!m_sink) return 0;
-    const int32_t end = MsToFrames(m_lastLoudMs + kRestBeforeStopMs, m_sink->GetSampleRate());
-    if (m_sink->GetFrames() > end) m_sink->Truncate(end);
+    m_sink->Truncate(MsToFrames(m_lastLoudMs + kRestBeforeStopMs, m_sink->GetSampleRate()));
     const int32_t endMs = RecordedMs();
     m_sink.Reset();
     m_lastLoudMs = 0;

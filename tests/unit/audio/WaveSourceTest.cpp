@@ -37,18 +37,18 @@ TEST(WaveSource, ReadsSamplesAndThenSilence) {
 }
 
 TEST(WaveSource, SeeksWithSilenceBeforeTheStart) {
-    LSoundSource source = OpenBytes(WaveFile(kFmt16 + kData));
+    LSoundSource source = OpenBytes(WaveFile(kFmt16 + kData + Chunk("LIST", Bytes(20, 0x77))));
     static const struct {
         int32_t to;
         Samples read;
     } kCases[] = {
-        {1, {32, 48, 0, 0}}, {0, {16, 32, 48, 0}}, {-2, {0, 0, 16, 32}},
-        {-9, {0, 0, 0, 0}},  {3, {0, 0, 0, 0}},    {99, {0, 0, 0, 0}},
+        {1, {32, 48, 0, 0, 0, 0, 0}}, {0, {16, 32, 48, 0, 0, 0, 0}}, {-2, {0, 0, 16, 32, 48, 0, 0}},
+        {-9, {0, 0, 0, 0, 0, 0, 0}},  {3, {0, 0, 0, 0, 0, 0, 0}},    {99, {0, 0, 0, 0, 0, 0, 0}},
     };
     for (const auto& c : kCases) {
         source->Seek(c.to);
-        EXPECT_EQ(ReadAll(source, 4), c.read) << c.to;
-        EXPECT_EQ(source->GetPosition(), c.to + 4);
+        EXPECT_EQ(ReadAll(source, 7), c.read) << c.to;
+        EXPECT_EQ(source->GetPosition(), c.to + 7);
     }
     source->Seek(INT32_MAX);
     ReadAll(source, 4);
