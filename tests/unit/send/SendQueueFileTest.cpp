@@ -50,6 +50,8 @@ TEST_F(SendQueueFileTest, KeepsItsEntriesInOrderInTheFile) {
 
     ASSERT_TRUE(queue.RemoveHead());
     EXPECT_EQ(queue.Head(), Entry(2));
+    EXPECT_FALSE(queue.Holds(Entry(1).dictation));
+    EXPECT_TRUE(queue.Holds(LPath("c:\\SENT\\3.WAV")));
     EXPECT_EQ(Key("count"), "2");
     EXPECT_EQ(Key("file2"), "(none)");
     EXPECT_EQ(Key("sendto1"), "C:\\rec3.dat");
