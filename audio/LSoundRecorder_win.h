@@ -39,7 +39,7 @@ public:
 
     explicit LSoundRecorder(LSoundRecorderNotify& notify, int32_t stoppedValue = 0);
     // Stops a running recording, with its notification.
-    ~LSoundRecorder();
+    ~LSoundRecorder() override;
 
     // The wave-in device, from 0; -1, as at first, is the platform's default one. Counts from the next
     // Start().
