@@ -93,7 +93,8 @@ void MainDialog::CmDeleteFile(int) {
     SaveNotes();
     const std::vector<DictationFiles> selected = m_list.Selected();
     if (selected.empty()) return;
-    if (LMessageBox(Window(), kConfirmDelete, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
+    if (LMessageBox(Window(), kConfirmDelete, "Confirm Delete",
+                    MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) != IDYES)
         return;
     if (!IsOpen()) return;
     FinishRunning();  // another program may have started something while the question stood

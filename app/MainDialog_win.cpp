@@ -8,7 +8,7 @@
 
 #include "app/CommandState.h"
 #include "app/ControlNames.h"
-#include "app/IntroductionPages.h"
+#include "app/IntroductionPages_win.h"
 #include "app/TransportButton_win.h"
 #include "audio/LDBDisplay_win.h"
 #include "audio/LSoundTime.h"

@@ -11,6 +11,17 @@ void NotesBox::Attach(HWND edit, HWND dialog) {
     m_edit = edit;
     m_dialog = dialog;
     SendMessageA(m_edit, EM_SETLIMITTEXT, 0, 0);  // as much as the platform's control can hold
+    SetWindowLongA(m_edit, GWL_USERDATA, reinterpret_cast<LONG>(this));
+    m_editProc =
+        reinterpret_cast<WNDPROC>(SetWindowLongA(m_edit, GWL_WNDPROC, reinterpret_cast<LONG>(EditProc)));
+}
+
+// A dialog selects the whole text of an edit control that the Tab key reaches; the next key typed would then
+// replace all the notes.
+LRESULT CALLBACK NotesBox::EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto* box = reinterpret_cast<const NotesBox*>(GetWindowLongA(window, GWL_USERDATA));
+    const LRESULT result = CallWindowProcA(box->m_editProc, window, message, wParam, lParam);
+    return message == WM_GETDLGCODE ? result & ~DLGC_HASSETSEL : result;
 }
 
 void NotesBox::Load(const LPath& notesFile) {

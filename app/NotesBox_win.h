@@ -24,6 +24,9 @@ public:
     const LPath& File() const { return m_file; }
 
 private:
+    static LRESULT CALLBACK EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    WNDPROC m_editProc = nullptr;  // the platform's own
     HWND m_edit = nullptr;
     HWND m_dialog = nullptr;
     LPath m_file;
