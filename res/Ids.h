@@ -47,27 +47,27 @@
 #define CM_ABOUT                9002
 
 // Controls of the main window
-#define IDC_NEW            101
-#define IDC_SEND           102
-#define IDC_PLAY           201
-#define IDC_RECORD         202
-#define IDC_STOP           203
-#define IDC_GOTOSTART      211
-#define IDC_REWIND         212
-#define IDC_FASTFORWARD    213
-#define IDC_GOTOEND        214
-#define IDC_DOCK           300
-#define IDC_LIST           401
-#define IDC_NOTES          402
-#define IDC_INFOLINE       403
-#define IDC_INFOLINK       404
-#define IDC_SENDPROGRESS   405
-#define IDC_LOGGEDON       406
-#define IDC_DICTATIONNAME  407
-#define IDC_POSITION       408
-#define IDC_LEVEL_LEFT     409
-#define IDC_LEVEL_RIGHT    410
-#define IDC_SENDLABEL      411
+#define IDC_NEW           101
+#define IDC_SEND          102
+#define IDC_PLAY          201
+#define IDC_RECORD        202
+#define IDC_STOP          203
+#define IDC_GOTOSTART     211
+#define IDC_REWIND        212
+#define IDC_FASTFORWARD   213
+#define IDC_GOTOEND       214
+#define IDC_DOCK          300
+#define IDC_LIST          401
+#define IDC_NOTES         402
+#define IDC_INFOLINE      403
+#define IDC_INFOLINK      404
+#define IDC_SENDPROGRESS  405
+#define IDC_LOGGEDON      406
+#define IDC_DICTATIONNAME 407
+#define IDC_POSITION      408
+#define IDC_LEVEL_LEFT    409
+#define IDC_LEVEL_RIGHT   410
+#define IDC_SENDLABEL     411
 
 // Controls of the small dialogs
 #define IDC_PROGRESS_STATUS 501
@@ -116,16 +116,16 @@
 #define CI_COUNT            15
 
 // Resources
-#define IDI_CORVANE      1
-#define IDI_RECORDING    2
-#define IDD_MAIN         100
-#define IDD_PROGRESS     101
-#define IDD_CHOOSE       102
-#define IDD_INTRO        103
-#define IDD_SPLASH       104
-#define IDD_ABOUT        105
-#define IDM_MAIN         200
-#define IDM_DICTATION    201
-#define IDM_INFO         202
-#define IDA_MAIN         210
-#define IDW_RECORDTONE   300
+#define IDI_CORVANE    1
+#define IDI_RECORDING  2
+#define IDD_MAIN       100
+#define IDD_PROGRESS   101
+#define IDD_CHOOSE     102
+#define IDD_INTRO      103
+#define IDD_SPLASH     104
+#define IDD_ABOUT      105
+#define IDM_MAIN       200
+#define IDM_DICTATION  201
+#define IDM_INFO       202
+#define IDA_MAIN       210
+#define IDW_RECORDTONE 300
