@@ -64,8 +64,9 @@ uint32_t InstallMarkerOf(const LPath& executable) {
     return file.IsOpen() ? ReadInstallMarker(file) : 0;
 }
 
+// A maximized window stays so: restoring it would take its size away.
 void Activate(HWND window) {
-    ShowWindow(window, SW_RESTORE);
+    if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
     SetForegroundWindow(window);
 }
 
