@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -29,6 +30,14 @@ public:
         LFile::MakeFolder(path);
         path.Append("/");
         return path;
+    }
+    // The names of the files and folders in a folder, in order.
+    static std::vector<std::string> Names(const LPath& folder) {
+        std::vector<std::string> names;
+        LListFolder(folder, "*",
+                    [&](const LFolderEntry& entry) { return names.push_back(entry.name), true; });
+        std::sort(names.begin(), names.end());
+        return names;
     }
 
 private:
