@@ -276,8 +276,7 @@ class Corvane:
                 else:
                     items[item["number"]] = item
 
-        # While the program loads a library of its own, it cannot take the one that reads its menu.
-        walk(wait_for(lambda: self.winctl.ask("menu", self.window), "the menu")["menu"])
+        walk(self.winctl.ask("menu", self.window)["menu"])
         return items
 
     def list(self):

@@ -1,5 +1,5 @@
 // menuprobe.dll: tells what stands in the menu of a window. A menu can only be read inside the process
-// that made it, so winctl.exe has this library loaded there; it writes its answer and is unloaded again.
+// that made it, so winctl.exe hooks the window's thread, which loads this library, and sends the question.
 
 #include <windows.h>
 
@@ -28,8 +28,7 @@ void DescribeMenu(HWND window, HMENU menu, Json& json) {
         json.Member("checked", (item.fState & MFS_CHECKED) != 0);
         if (item.hSubMenu) {
             // A program may enable and tick its items only when the menu is about to drop down.
-            SendMessageTimeoutA(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(item.hSubMenu), i,
-                                SMTO_NORMAL, 2000, nullptr);
+            SendMessageA(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(item.hSubMenu), i);
             DescribeMenu(window, item.hSubMenu, json.Key("items"));
         }
         json.Close('}');
@@ -37,22 +36,24 @@ void DescribeMenu(HWND window, HMENU menu, Json& json) {
     json.Close(']');
 }
 
-void Answer() {
+void Answer(HWND window) {
     HANDLE mapping = OpenFileMappingA(FILE_MAP_WRITE, FALSE, kMenuProbeName);
     if (!mapping) return;
-    if (auto* shared = static_cast<MenuProbeAnswer*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0))) {
+    if (auto* answer = static_cast<char*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0))) {
         Json json;
-        DescribeMenu(shared->window, GetMenu(shared->window), json);
-        if (json.Text().size() < sizeof shared->text)
-            std::memcpy(shared->text, json.Text().c_str(), json.Text().size() + 1);
-        UnmapViewOfFile(shared);
+        DescribeMenu(window, GetMenu(window), json);
+        if (json.Text().size() < kMenuProbeBytes)
+            std::memcpy(answer, json.Text().c_str(), json.Text().size() + 1);
+        UnmapViewOfFile(answer);
     }
     CloseHandle(mapping);
 }
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
-    if (reason == DLL_PROCESS_ATTACH) Answer();
-    return reason != DLL_PROCESS_ATTACH;  // refused: the library is unloaded at once
+// Sees each message before the window does.
+extern "C" __declspec(dllexport) LRESULT CALLBACK MenuProbe(int code, WPARAM wParam, LPARAM lParam) {
+    const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (code == HC_ACTION && message.message == RegisterWindowMessageA(kMenuProbeName)) Answer(message.hwnd);
+    return CallNextHookEx(nullptr, code, wParam, lParam);
 }

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <windows.h>
+#include <cstddef>
 
-// What winctl.exe and menuprobe.dll share: a named block with the question and the answer.
+// What winctl.exe and menuprobe.dll share: the name of the message that asks and of the block of memory
+// for the answer, which is JSON; empty when it does not fit.
 constexpr char kMenuProbeName[] = "CorvaneTestMenuProbe";
-
-struct MenuProbeAnswer {
-    HWND window;
-    char text[60000];  // JSON; empty when it does not fit
-};
+constexpr size_t kMenuProbeBytes = 60000;

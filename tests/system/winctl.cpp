@@ -138,29 +138,33 @@ const char* Text(const Fields& fields, Json& answer) {
     return nullptr;
 }
 
-// menu <hwnd>: the whole menu
-const char* Menu(const Fields& fields, Json& answer) {
+// Has the window's own thread write what stands in its menu into the shared memory.
+bool ProbeMenu(HWND window) {
     char path[MAX_PATH] = "";
     GetModuleFileNameA(nullptr, path, sizeof path);
     std::string library(path);
     library.resize(library.find_last_of('\\') + 1);
     library += "menuprobe.dll";
+    HMODULE probe = LoadLibraryA(library.c_str());
+    if (!probe) return false;
+    auto* procedure = reinterpret_cast<HOOKPROC>(reinterpret_cast<void*>(GetProcAddress(probe, "MenuProbe")));
+    HHOOK hook =
+        SetWindowsHookExA(WH_CALLWNDPROC, procedure, probe, GetWindowThreadProcessId(window, nullptr));
+    const bool answered = hook && Ask(window, RegisterWindowMessageA(kMenuProbeName), 0, 0);
+    if (hook) UnhookWindowsHookEx(hook);
+    FreeLibrary(probe);
+    return answered;
+}
+
+// menu <hwnd>: the whole menu
+const char* Menu(const Fields& fields, Json& answer) {
     ProcessHandle mapping(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                             sizeof(MenuProbeAnswer), kMenuProbeName));
+                                             kMenuProbeBytes, kMenuProbeName));
     if (!mapping) return "no shared memory";
-    auto* shared = static_cast<MenuProbeAnswer*>(MapViewOfFile(mapping.Get(), FILE_MAP_WRITE, 0, 0, 0));
+    auto* shared = static_cast<char*>(MapViewOfFile(mapping.Get(), FILE_MAP_WRITE, 0, 0, 0));
     if (!shared) return "no view";
-    shared->window = Window(fields);
-    shared->text[0] = 0;
-    RemoteMemory name(shared->window, library.size() + 1);
-    // The loader stands at the same address in every process of one Windows.
-    auto* load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "LoadLibraryA")));
-    if (!name.IsError() && name.Put(0, library.c_str(), library.size() + 1)) {
-        ProcessHandle thread(CreateRemoteThread(name.Process(), nullptr, 0, load, name.At(0), 0, nullptr));
-        if (thread) WaitForSingleObject(thread.Get(), kAnswerMs);
-    }
-    const std::string menu(shared->text);
+    shared[0] = 0;
+    const std::string menu(ProbeMenu(Window(fields)) ? shared : "");
     UnmapViewOfFile(shared);
     if (menu.empty()) return "no answer";
     answer.Key("menu").Raw(menu);
