@@ -32,31 +32,22 @@ protected:
     BGSendTest() { queue.SetOwner(&owner), queue.SetQueuePath(world.queue); }
     ~BGSendTest() override { queue.Stop(kWaitForever); }
 
-    bool Add(int32_t number, const LPath& recipient) {
-        return queue.Add(world.FilesOf(number).audio, recipient, 0);
+    // Dictations 1 to count in Sent.
+    void MakeDictations(int32_t count, size_t frames) {
+        for (int32_t number = 1; number <= count; ++number) world.AddDictation(number, Recording(frames));
     }
-    void StartAndWait() {
-        queue.StartSending();
-        ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs));
-    }
-    bool WaitUntilEmpty() {
-        const uint32_t start = LTickMs();
-        while (queue.GetCount() > 0 && LTickMs() - start < kDeadlineMs) queue.WaitForEnd(1);
-        return queue.GetCount() == 0;
-    }
-    void WriteQueue(int count, const char* entries) {
-        ASSERT_TRUE(
-            WriteFileText(world.queue, "[bgsend]\r\ncount=" + std::to_string(count) + "\r\n" + entries));
-    }
+    bool Add(int32_t number) { return queue.Add(world.FilesOf(number).audio, recipient, 0); }
+    void WaitForEnd() { ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs)); }
+    std::string States() const { return world.Status(1) + "," + world.Status(2) + "," + world.Status(3); }
     // As an earlier run left it.
-    void LeaveEntries(std::initializer_list<int32_t> numbers, const LPath& recipient) {
+    void LeaveEntries(std::initializer_list<int32_t> numbers, const LPath& to) {
         SendQueueFile file;
         file.SetPath(world.queue);
-        for (int32_t number : numbers)
-            ASSERT_TRUE(file.Append({world.FilesOf(number).audio, recipient, 0, true}));
+        for (int32_t number : numbers) ASSERT_TRUE(file.Append({world.FilesOf(number).audio, to, 0, true}));
     }
 
     SendWorld world;
+    const LPath recipient = world.AddRecipient(0, world.ToShare());
     Owner owner;
     BGSend queue;
 };
@@ -64,127 +55,105 @@ protected:
 }  // namespace
 
 TEST_F(BGSendTest, SendsWhatAnEarlierRunLeftInOrder) {
-    for (int32_t number : {3, 1, 2}) world.AddDictation(number, Recording(100000));
-    LeaveEntries({3, 1, 2}, world.AddRecipient(0, world.ToShare()));
+    MakeDictations(3, 100000);
+    LeaveEntries({3, 1, 2}, recipient);
     std::vector<std::string> states;
-    std::vector<double> progress;
     owner.onProgress = [&] {
-        const std::string state = world.Status(3) + "," + world.Status(1) + "," + world.Status(2);
-        if (states.empty() || states.back() != state) states.push_back(state);
+        if (states.empty() || states.back() != States()) states.push_back(States());
         // Each third of the bar belongs to one of them.
-        if (queue.GetProgress() > 0)
-            progress.push_back(queue.GetProgress() * 3 - static_cast<double>(states.size() - 1));
+        const double third = queue.GetProgress() * 3 - static_cast<double>(states.size() - 1);
+        EXPECT_TRUE(queue.GetProgress() <= 0 || (third >= -1e-6 && third <= 1.0 + 1e-6)) << third;
     };
-    StartAndWait();
-    const std::vector<std::string> expected = {",,", "Sent,,", "Sent,Sent,", "Sent,Sent,Sent"};
-    EXPECT_EQ(states, expected);
-    for (double third : progress) EXPECT_TRUE(third >= -1e-6 && third <= 1.0 + 1e-6) << third;
+    queue.StartSending();
+    WaitForEnd();
+    EXPECT_EQ(states, (std::vector<std::string>{",,", ",,Sent", "Sent,,Sent", "Sent,Sent,Sent"}));
     EXPECT_EQ(queue.GetProgress(), 0.0);
     EXPECT_EQ(queue.GetCount(), 0);
     EXPECT_EQ(queue.TakeError(), "");
 }
 
-TEST_F(BGSendTest, SendsWhatIsAddedWhileItSends) {
-    for (int32_t number : {1, 2, 3}) world.AddDictation(number, Recording(20000));
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
-    bool added = false;
-    owner.onProgress = [&] {
-        if (std::exchange(added, true)) return;
-        EXPECT_TRUE(Add(2, recipient));
-        EXPECT_TRUE(Add(3, recipient));
-    };
-    ASSERT_TRUE(Add(1, recipient));
-    ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs));
-    for (int32_t number : {1, 2, 3}) EXPECT_EQ(world.Status(number), "Sent") << number;
-    EXPECT_EQ(queue.GetCount(), 0);
-}
-
 TEST_F(BGSendTest, NoEntryIsLeftAsleepWhenTheThreadIsAboutToEnd) {
-    world.AddDictation(1, Recording(10));
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    MakeDictations(1, 10);
     for (int i = 0; i < 50; ++i) {
-        ASSERT_TRUE(Add(1, recipient));
-        ASSERT_TRUE(WaitUntilEmpty()) << i;  // the thread may or may not have ended by then
+        ASSERT_TRUE(Add(1));
+        const uint32_t start = LTickMs();
+        while (queue.GetCount() > 0 && LTickMs() - start < kDeadlineMs) queue.WaitForEnd(1);
+        ASSERT_EQ(queue.GetCount(), 0) << i;  // the thread may or may not have ended by then
     }
     EXPECT_EQ(queue.TakeError(), "");
 }
 
 TEST_F(BGSendTest, AStopInTheMiddleOfAnEncryptedFileLeavesTheEntryAtTheHead) {
-    world.AddDictation(1, Recording(200000));
-    const LPath recipient = world.AddRecipient(0, world.ToShareEncrypted());
+    MakeDictations(1, 200000);
+    world.AddRecipient(0, world.ToShareEncrypted());
     owner.onProgress = [&] {
         if (queue.GetProgress() >= 0.42) queue.RequestStop();
     };
-    ASSERT_TRUE(Add(1, recipient));
-    ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs));
+    ASSERT_TRUE(Add(1));
+    WaitForEnd();
     EXPECT_EQ(queue.GetCount(), 1);
     EXPECT_EQ(world.Status(1), "");
     EXPECT_EQ(world.SentFiles().size(), 3u) << "nothing half-made is left";
 
     owner.onProgress = nullptr;
-    StartAndWait();
+    queue.StartSending();
+    WaitForEnd();
     EXPECT_EQ(queue.GetCount(), 0);
     EXPECT_EQ(world.Status(1), "Sent");
 }
 
 TEST_F(BGSendTest, AFailureIsRemovedAndTheNextEntryIsTriedAtOnce) {
-    for (int32_t number : {1, 2}) world.AddDictation(number);
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    MakeDictations(2, 4000);
     LeaveEntries({1}, RecipientPath(world.data, 0, 5));
     LeaveEntries({1}, LPath());
     LeaveEntries({9, 2}, recipient);
-    StartAndWait();
+    queue.StartSending();
+    WaitForEnd();
     EXPECT_EQ(queue.GetCount(), 0);
-    EXPECT_EQ(world.Status(1), "Send Failed");
-    EXPECT_EQ(world.Status(2), "Sent");
+    EXPECT_EQ(States(), "Send Failed,Sent,");
     const std::string error = queue.TakeError();
     EXPECT_TRUE(error.starts_with("Unable to send \"Letter 1\".")) << "the first failure wins: " << error;
     EXPECT_EQ(queue.TakeError(), "");
 }
 
 TEST_F(BGSendTest, CancelEmptiesTheQueueAndGoesOnWithWhatIsAddedLater) {
-    for (int32_t number : {1, 2, 3}) world.AddDictation(number, Recording(20000));
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    MakeDictations(3, 20000);
     owner.HangOnce();
     LeaveEntries({1, 2}, recipient);
     queue.StartSending();
     ASSERT_TRUE(owner.reached.Wait(kDeadlineMs));
     queue.ClearQueue(1);  // dictation 1 does not stop in this time
     EXPECT_EQ(queue.GetCount(), 0);
-    ASSERT_TRUE(Add(3, recipient));
+    ASSERT_TRUE(Add(3));
     owner.goOn.Signal();
-    ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs));
-    EXPECT_EQ(world.Status(1), "");
-    EXPECT_EQ(world.Status(2), "");
-    EXPECT_EQ(world.Status(3), "Sent");
+    WaitForEnd();
+    EXPECT_EQ(States(), ",,Sent");
     EXPECT_EQ(queue.TakeError(), "");
 }
 
 TEST_F(BGSendTest, AStartBeforeTheStopWasNoticedWithdrawsTheStop) {
-    for (int32_t number : {1, 2}) world.AddDictation(number, Recording(20000));
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    MakeDictations(3, 20000);
     owner.HangOnce();
-    ASSERT_TRUE(Add(1, recipient));
+    ASSERT_TRUE(Add(1));
     ASSERT_TRUE(owner.reached.Wait(kDeadlineMs));
     EXPECT_FALSE(queue.Stop(1));
-    ASSERT_TRUE(Add(2, recipient));
+    ASSERT_TRUE(Add(2) && Add(3));
     owner.goOn.Signal();
-    ASSERT_TRUE(queue.WaitForEnd(kDeadlineMs));
-    EXPECT_EQ(world.Status(1), "Sent");
-    EXPECT_EQ(world.Status(2), "Sent");
+    WaitForEnd();
+    EXPECT_EQ(States(), "Sent,Sent,Sent");
 }
 
 TEST_F(BGSendTest, AQueueFileThatCannotBeWrittenIsTold) {
     const char kText[] = "Corvane internal files are read only or corrupt.";
-    world.AddDictation(1);
-    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    MakeDictations(1, 4000);
     LeaveEntries({1}, recipient);
     ASSERT_TRUE(LFile::MakeFolder(LPath::Join(world.data.View(), "bgsend.new")));
-    StartAndWait();  // ends, instead of sending the same dictation for ever
+    queue.StartSending();
+    WaitForEnd();  // instead of sending the same dictation for ever
     EXPECT_EQ(queue.TakeError(), kText);
     EXPECT_EQ(queue.GetCount(), 1);
 
     queue.SetQueuePath(world.temp.File("missing\\bgsend.dat"));
-    EXPECT_FALSE(Add(1, recipient));
+    EXPECT_FALSE(Add(1));
     EXPECT_EQ(queue.TakeError(), kText);
 }

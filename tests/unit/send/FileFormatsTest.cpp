@@ -1,7 +1,5 @@
 #include "audio/LWaveFile.h"
-#include "send/DctWriter.h"
 #include "store/SendToSettings.h"
-#include "tests/unit/TempFolder.h"
 #include "tests/unit/send/SendTest.h"
 
 // The dumps in docs/file-formats.md are what the program writes.
@@ -27,39 +25,19 @@ Bytes Dump(const std::string& heading) {
     return bytes;
 }
 
-Bytes ReadBytes(const LPath& path) {
-    return Text(ReadFileText(path));
-}
-
-Bytes WriteDct(std::string_view passPhrase) {
-    DctHeader header;
-    header.user = 7;
-    header.number = 12;
-    header.date = 1000000000;
-    header.name = "Dictation 012";
-    header.sender.name = "Ann";
-    header.sender.email = "a@b.c";
-    header.sender.address[3] = "UK";
-    header.priority = DctPriority("High");
-    LMemoryFile out, notes(Text("Hello")), audio(Text("RIFF") + Little(4) + Text("WAVE"));
-    NotedContext context;
-    EXPECT_EQ(DctWriter(out, passPhrase, context).Write(header, &notes, &audio), ProcessResult::Done);
-    return FileBytes(out);
-}
-
 }  // namespace
 
 TEST(FileFormats, DctFilesAreAsDocumented) {
-    EXPECT_EQ(WriteDct(""), Dump("plain DCT file"));
-    EXPECT_EQ(WriteDct("A"), Dump("encrypted DCT file"));
+    const Bytes audio = Text("RIFF") + Little(4) + Text("WAVE");
+    EXPECT_EQ(WriteDct("", Text("Hello"), audio), Dump("plain DCT file"));
+    EXPECT_EQ(WriteDct("A", Text("Hello"), audio), Dump("encrypted DCT file"));
 }
 
 TEST(FileFormats, AudioFilesAreAsDocumented) {
-    const TempFolder temp;
-    const LPath path = temp.File("a.wav");
+    const ScratchFile file({});
     const int32_t frames[] = {FromPcm16(1), FromPcm16(-2)};
-    LWaveFile::OpenSinkPCM(path, 16, 1, 8000)->Write(frames, 2);
-    EXPECT_EQ(ReadBytes(path), Dump("two frames of 16 bits"));
+    LWaveFile::OpenSinkPCM(file.path, 16, 1, 8000)->Write(frames, 2);
+    EXPECT_EQ(file.Contents(), Dump("two frames of 16 bits"));
 }
 
 TEST(FileFormats, RecipientsAreAsDocumented) {
