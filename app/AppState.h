@@ -8,5 +8,4 @@ struct AppState {
     DataFolder data;
     CurrentUser user;
     bool showIntroduction = false;
-    uint32_t startTick = 0;  // ms, taken just before the main window is made
 };

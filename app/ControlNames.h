@@ -29,7 +29,7 @@ constexpr ControlTip kControlTips[] = {
 // The rotating texts of the information line.
 constexpr const char* kInfoTexts[] = {
     "Corvane 3.06: record, correct and send dictations.",
-    "Press and hold the record button to speak; tap it to keep recording.",
+    "Press F5 to record and Escape to stop; everything is on disk at once.",
     "Typed notes are saved by themselves and travel with the dictation.",
     "Quennet: the transcription program for your typist.",
 };

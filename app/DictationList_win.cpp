@@ -4,10 +4,10 @@
 #include <array>
 
 #include "app/DateText_win.h"
-#include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
+#include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
 
 namespace {
@@ -65,10 +65,7 @@ void DictationList::SetupFilesList(const LPath& folder) {
         SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
         ListView_DeleteAllItems(m_list);
         m_entries.clear();
-        LListFolder(folder, "*.dat", [&](const LFolderEntry& entry) {
-            if (!entry.isFolder) AddFile(LPath::Join(folder.View(), entry.name));
-            return true;
-        });
+        for (const LPath& record : ListRecords(folder)) AddFile(record);
         SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
         InvalidateRect(m_list, nullptr, TRUE);
         SelectOnly(Count() - 1);
@@ -255,13 +252,13 @@ bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {
             EvItemChanged(reinterpret_cast<const NMLISTVIEW&>(header));
             return true;
         case LVN_BEGINLABELEDITA:
-            m_owner->BeforeRename();
+            EvBeginLabelEdit(reinterpret_cast<const NMLVDISPINFOA&>(header));
             return true;
         case LVN_ENDLABELEDITA:
             result = EvEndLabelEdit(reinterpret_cast<const NMLVDISPINFOA&>(header));
             return true;
         case NM_DBLCLK:
-            m_owner->PlayFromStart();
+            if (reinterpret_cast<const NMLISTVIEW&>(header).iItem >= 0) m_owner->PlayFromStart();
             return true;
         default:
             return false;
@@ -269,15 +266,24 @@ bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {
 }
 
 void DictationList::EvItemChanged(const NMLISTVIEW& change) {
-    const bool selectionChanged = ((change.uNewState ^ change.uOldState) & LVIS_SELECTED) != 0;
-    if (m_quiet == 0 && (change.uChanged & LVIF_STATE) != 0 && selectionChanged) m_owner->FileChanged();
+    const bool moved = ((change.uNewState ^ change.uOldState) & (LVIS_SELECTED | LVIS_FOCUSED)) != 0;
+    if (m_quiet == 0 && (change.uChanged & LVIF_STATE) != 0 && moved) m_owner->SelectionMoved();
+}
+
+void DictationList::EvBeginLabelEdit(const NMLVDISPINFOA& edit) {
+    const Entry* entry = EntryAt(edit.item.iItem);
+    m_renamedNumber = entry != nullptr ? entry->number : 0;
+    m_owner->BeforeRename();
 }
 
 LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
-    const Entry* entry = EntryAt(edit.item.iItem);
-    if (edit.item.pszText == nullptr || *edit.item.pszText == 0 || entry == nullptr) return FALSE;
-    Settings::Write(entry->files.record, RecordKeys::kName, edit.item.pszText);
-    // The row is made anew only after the list has closed its editor.
-    PostMessageA(GetParent(m_list), WM_ROWCHANGED, static_cast<WPARAM>(entry->number), 0);
-    return TRUE;
+    const int32_t number = m_renamedNumber;
+    LRESULT isTaken = FALSE;
+    for (const Entry& entry : m_entries) {
+        if (entry.number != number || edit.item.pszText == nullptr || *edit.item.pszText == 0) continue;
+        Settings::Write(entry.files.record, RecordKeys::kName, edit.item.pszText);
+        isTaken = TRUE;
+    }
+    m_owner->AfterRename(number);
+    return isTaken;
 }

@@ -18,11 +18,15 @@ public:
     class Owner {
     public:
         virtual ~Owner() = default;
-        // The selection changed.
+        // The rows have changed, and with them perhaps the current dictation.
         virtual void FileChanged() = 0;
+        // Selection or focus move; where they come to rest is known only when the list has dealt with its
+        // message.
+        virtual void SelectionMoved() = 0;
         virtual void PlayFromStart() = 0;
-        // Before the name of a row is edited.
+        // Before the name of a row is edited, and when the editor has closed.
         virtual void BeforeRename() = 0;
+        virtual void AfterRename(int32_t number) = 0;
     };
 
     void Attach(HWND list, Owner& owner);
@@ -43,6 +47,8 @@ public:
     // Scrolls to the current dictation, after the list has changed its size.
     void ShowCurrent();
     void BeginRename();
+    // While a name is being edited its row must stay where it is.
+    bool IsRenaming() const { return ListView_GetEditControl(m_list) != nullptr; }
 
     int Count() const { return ListView_GetItemCount(m_list); }
     int SelectedCount() const { return static_cast<int>(ListView_GetSelectedCount(m_list)); }
@@ -76,11 +82,13 @@ private:
     void SelectOnly(int index);
     int Append(const DictationRow& row);
     void EvItemChanged(const NMLISTVIEW& change);
+    void EvBeginLabelEdit(const NMLVDISPINFOA& edit);
     LRESULT EvEndLabelEdit(const NMLVDISPINFOA& edit);
 
     HWND m_list = nullptr;
     Owner* m_owner = nullptr;
     LFont m_font;
     std::vector<Entry> m_entries;
+    int32_t m_renamedNumber = 0;
     int m_quiet = 0;  // rows are being changed by us: the selection's moves are not the user's
 };

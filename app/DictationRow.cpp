@@ -12,7 +12,7 @@ DictationRow LoadDictationRow(const LPath& record) {
     DictationRow row;
     row.files = DictationFiles::OfPath(record);
     DictationRecord values = DictationRecord::Read(row.files.record);
-    RepairRecord(row.files.record, values, LNowSeconds());
+    if (LFile::Exists(row.files.record)) RepairRecord(row.files.record, values, LNowSeconds());
     row.number = values.number.value_or(0);
     row.name = values.name;
     row.date = values.date.value_or(0);

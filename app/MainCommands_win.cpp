@@ -14,9 +14,9 @@ constexpr char kDiskLow[] =
     "Your hard drive is low on space. Corvane might not function properly unless you remove some files.";
 constexpr char kConfirmDelete[] = "Are you sure you want to delete this dictation?";
 constexpr char kCannotDelete[] =
-    "A dictation could not be deleted.\n\nOne of its files may be open in another program or be "
-    "write-protected. It "
-    "stays in the list.";
+    "A dictation could not be deleted completely.\n\n"
+    "One of its files may be open in another program or be write-protected. What is left of it stays in the "
+    "list.";
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected.";
@@ -67,6 +67,7 @@ void MainDialog::CmNewFile(int) {
 
 bool MainDialog::CreateDictation() {
     TestHardDrive();
+    if (!IsOpen()) return false;
     SaveNotes();
     std::optional<NewDictation> created = ::CreateDictation(m_state.user, LNowSeconds());
     // A record under another file name may claim the number: the new dictation must have a row of its own.
@@ -85,6 +86,8 @@ bool MainDialog::CreateDictation() {
 
 void MainDialog::CmRenameFile(int) {
     FinishRunning();
+    SaveNotes();
+    ApplyRowChanges();  // the row must not move under the editor
     m_list.BeginRename();
 }
 
@@ -101,11 +104,15 @@ void MainDialog::CmDeleteFile(int) {
     SaveNotes();
     bool all = true;
     for (const DictationFiles& files : selected) {
-        if (DeleteDictationFiles(files))
+        if (!m_list.NumberOf(files.record)) continue;
+        if (DeleteDictationFiles(files)) {
             m_list.RemoveFile(files.record);
-        else
+        } else {
             all = false;
+            m_list.UpdateFile(files.record);
+        }
     }
+    m_transport.SetDictation(m_list.Current());
     if (!all) LMessageBox(Window(), kCannotDelete, "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
@@ -122,17 +129,21 @@ void MainDialog::SetPriority(std::string_view priority) {
 
 void MainDialog::CmSendFile(int command) {
     FinishRunning();
+    const std::vector<DictationFiles> selected = m_list.Selected();
     const bool choose = command == CM_SENDFILE_TO;
     const int recipient = choose ? m_send.ChooseRecipient(Window()) : m_send.DefaultRecipient(Window());
-    if (recipient >= 0 && IsOpen()) SendSelected(recipient);
+    if (recipient >= 0 && IsOpen()) Send(selected, recipient);
 }
 
-void MainDialog::SendSelected(int recipient) {
+void MainDialog::Send(const std::vector<DictationFiles>& selected, int recipient) {
     FinishRunning();
     SaveNotes();
-    for (const DictationFiles& files : m_list.Selected()) {
-        if (!m_send.Send(files, recipient, Window())) break;
-        m_list.RemoveFile(files.record);
+    for (const DictationFiles& files : selected) {
+        // While a recipient was chosen another program may have removed it.
+        if (!IsOpen() || !m_list.NumberOf(files.record)) continue;
+        const SendCommands::Outcome outcome = m_send.Send(files, recipient, Window());
+        if (outcome == SendCommands::Outcome::Failed) break;
+        if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFile(files.record);
     }
 }
 
@@ -147,8 +158,10 @@ void MainDialog::SaveNotes() {
 }
 
 void MainDialog::PostRowChanged(const DictationFiles& files) {
-    if (const std::optional<int32_t> number = m_list.NumberOf(files.record))
-        PostMessageA(Window(), WM_ROWCHANGED, static_cast<WPARAM>(*number), 0);
+    const std::optional<int32_t> number = m_list.NumberOf(files.record);
+    if (!number) return;
+    m_changedRows.push_back(*number);
+    PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
 }
 
 // ---- Recording -------------------------------------------------------------------------------------------
@@ -171,6 +184,8 @@ RecordMode MainDialog::DefaultRecordMode() const {
 }
 
 void MainDialog::ApplyRecordMode() {
+    m_showsInsert = DefaultRecordMode() == RecordMode::Insert;
+    InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
     CheckMenuRadioItem(GetMenu(Window()), CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
                        static_cast<UINT>(CM_RECORDMODE_OVERWRITE + static_cast<int>(DefaultRecordMode())),
                        MF_BYCOMMAND);

@@ -6,11 +6,10 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
-#include "ui/LProgressDialog.h"
 
 // ---- Command indexes -------------------------------------------------------------------------------------
 
-// Row i is command index i.
+// In the order of the indexes.
 const MainDialog::IndexEntry MainDialog::kIndexes[] = {
     {CI_NONE, &MainDialog::PressNothing, false},
     {CI_OPEN, &MainDialog::PressOpen, false},
@@ -29,24 +28,24 @@ const MainDialog::IndexEntry MainDialog::kIndexes[] = {
     {CI_RECORD_END, &MainDialog::PressRecord, true},
 };
 
+const MainDialog::IndexEntry* MainDialog::FindIndex(int index) {
+    for (const IndexEntry& entry : kIndexes)
+        if (entry.index == index) return &entry;
+    LTrace("MainDialog::FindIndex invalid command");
+    return nullptr;
+}
+
 bool MainDialog::CommandPress(int index) {
-    static_assert(std::size(kIndexes) == CI_COUNT);
-    if (index < 0 || index >= CI_COUNT) {
-        LTrace("MainDialog::CommandPress invalid command");
-        return false;
-    }
-    const IndexEntry& entry = kIndexes[index];
-    if (!(this->*entry.press)(index)) return false;
-    if (entry.hasHoldRule) m_hold.Press(LTickMs());
+    const IndexEntry* entry = FindIndex(index);
+    if (entry == nullptr || !BeginCommand() || !(this->*entry->press)(index)) return false;
+    if (entry->hasHoldRule) m_hold.Press(LTickMs());
     return true;
 }
 
 void MainDialog::CommandRelease(int index, uint32_t holdLimitMs) {
-    if (index < 0 || index >= CI_COUNT) {
-        LTrace("MainDialog::CommandRelease invalid command");
-        return;
-    }
-    if (kIndexes[index].hasHoldRule && m_hold.ReleaseStops(LTickMs(), holdLimitMs)) FinishRunning();
+    const IndexEntry* entry = FindIndex(index);
+    if (entry != nullptr && entry->hasHoldRule && m_hold.ReleaseStops(LTickMs(), holdLimitMs))
+        FinishRunning();
 }
 
 bool MainDialog::PressNothing(int) {
@@ -169,7 +168,7 @@ bool MainDialog::EvMicButton(WPARAM wParam, LPARAM, LRESULT& result) {
 
 // ---- Other programs --------------------------------------------------------------------------------------
 
-// Row i is command i.
+// In the order of the commands.
 const MainDialog::ApiEntry MainDialog::kApi[] = {
     {0, &MainDialog::ApiPresent},     {1, &MainDialog::ApiOpen},    {2, &MainDialog::ApiMinimize},
     {3, &MainDialog::ApiClose},       {4, &MainDialog::ApiNew},     {5, &MainDialog::ApiRename},
@@ -181,6 +180,8 @@ bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
     result = 0;
     for (const ApiEntry& entry : kApi) {
         if (entry.command != wParam) continue;
+        // The presence test, opening, minimizing and closing are answered at any time.
+        if (entry.command > 3 && !BeginCommand()) return true;
         result = (this->*entry.handle)(lParam);
         return true;
     }
@@ -218,14 +219,14 @@ LRESULT MainDialog::ApiClose(LPARAM) {
 }
 
 LRESULT MainDialog::ApiNew(LPARAM) {
-    if (!LProgressDialog::IsAnyRunning()) CmNewFile(CM_NEWFILE);
+    CmNewFile(CM_NEWFILE);
     return 0;
 }
 
 LRESULT MainDialog::ApiRename(LPARAM argument) {
     const std::string name = AtomText(argument);
     const std::optional<DictationFiles> current = m_list.Current();
-    if (!current || name.empty() || LProgressDialog::IsAnyRunning()) return 0;
+    if (!current || name.empty()) return 0;
     FinishRunning();
     m_list.Rename(*current, name);
     ShowPosition();
@@ -248,11 +249,11 @@ LRESULT MainDialog::ApiNumber(LPARAM) {
 }
 
 LRESULT MainDialog::ApiSend(LPARAM) {
-    if (!LProgressDialog::IsAnyRunning()) CmSendFile(CM_SENDFILE);
+    CmSendFile(CM_SENDFILE);
     return 0;
 }
 
 LRESULT MainDialog::ApiDelete(LPARAM) {
-    if (!LProgressDialog::IsAnyRunning()) CmDeleteFile(CM_DELETEFILE);
+    CmDeleteFile(CM_DELETEFILE);
     return 0;
 }

@@ -14,6 +14,7 @@
 #include "audio/LSoundTime.h"
 #include "base/LText.h"
 #include "base/LTime.h"
+#include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/Recovery.h"
 #include "store/SettingsKeys.h"
@@ -47,6 +48,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_APICOMMAND, &MainDialog::EvAPICommand},
     {WM_RECORDINGTROUBLE, &MainDialog::EvRecordingTrouble},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
+    {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
 };
 
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
@@ -70,7 +72,9 @@ bool MainDialog::InitDialog() {
     if (m_onCreated) m_onCreated();
     _putenv("TZ=GMT0");  // dates are kept and shown without a time-zone shift
     _tzset();
-    InitIcons();
+    LoadIcons();
+    ShowRecording(false);
+    SetPositionFont();
     m_accelerators = LoadAcceleratorsA(LInstance(), MAKEINTRESOURCEA(IDA_MAIN));
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
@@ -92,12 +96,25 @@ bool MainDialog::InitDialog() {
         m_splash.Show(Window());
     DeleteOldFiles();
     TestHardDrive();
-    if (IsOpen()) SetFocus(Item(IDC_LIST));
+    LTrace("MainDialog::InitDialog done, ms:",
+           LFormat("%lu", static_cast<unsigned long>(LTickMs() - m_startTick)));
+    if (IsOpen()) ShowFocus();
     return false;
 }
 
-void MainDialog::InitIcons() {
-    ShowRecording(false);
+// Loaded once and owned: shared icons would come in whatever size was asked for first.
+void MainDialog::LoadIcons() {
+    const auto load = [](int resource, int cx, int cy) {
+        return LIcon(static_cast<HICON>(LoadImageA(LInstance(), MAKEINTRESOURCEA(resource), IMAGE_ICON,
+                                                   GetSystemMetrics(cx), GetSystemMetrics(cy), 0)));
+    };
+    for (int i = 0; i < 2; ++i) {
+        m_icons[i][0] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXICON, SM_CYICON);
+        m_icons[i][1] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXSMICON, SM_CYSMICON);
+    }
+}
+
+void MainDialog::SetPositionFont() {
     LOGFONTA font = {};
     GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Item(IDC_POSITION), WM_GETFONT, 0, 0)), sizeof font,
                &font);
@@ -131,6 +148,7 @@ void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
     FinishRunning();
+    SaveNotes();  // at once: the end of a session does not wait for the send thread
     DestroyWindow(Window());
 }
 
@@ -153,11 +171,10 @@ bool MainDialog::PreTranslateMessage(MSG& message) {
     char className[16] = {};
     GetClassNameA(message.hwnd, className, sizeof className);
     if (LEqualNoCase(className, "Edit")) {
-        // In the notes these keys move and edit; in a name that is being edited the list wants the rest too.
-        const bool isNotes = message.hwnd == Item(IDC_NOTES);
+        // In the notes these keys move and edit; a name that is being edited has the keyboard for itself.
+        if (message.hwnd != Item(IDC_NOTES)) return false;
         for (WPARAM key : {VK_HOME, VK_END, VK_INSERT, VK_DELETE})
             if (message.wParam == key) return false;
-        if (!isNotes && (message.wParam == VK_ESCAPE || message.wParam == VK_RETURN)) return false;
     }
     return TranslateAcceleratorA(Window(), m_accelerators, &message) != 0;
 }
@@ -172,8 +189,18 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 
 bool MainDialog::EvClose(WPARAM, LPARAM, LRESULT& result) {
     result = 0;
-    if (!LProgressDialog::IsAnyRunning()) CloseWindow();
+    if (LProgressDialog::IsAnyRunning()) {
+        m_closeWanted = true;  // as soon as the process has ended
+        LProgressDialog::CancelRunning();
+    } else {
+        CloseWindow();
+    }
     return true;
+}
+
+bool MainDialog::MayGoOn() {
+    if (m_closeWanted && IsOpen()) PostMessageA(Window(), WM_CLOSE, 0, 0);
+    return IsOpen() && !m_closeWanted;
 }
 
 bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
@@ -184,7 +211,12 @@ bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
 // The session ends, and the process may be ended as soon as this returns.
 bool MainDialog::EvEndSession(WPARAM wParam, LPARAM, LRESULT& result) {
     result = 0;
-    if (wParam != FALSE) CloseWindow();
+    if (wParam != FALSE && LProgressDialog::IsAnyRunning()) {
+        SaveNotes();
+        EvClose(0, 0, result);
+    } else if (wParam != FALSE) {
+        CloseWindow();
+    }
     return true;
 }
 
@@ -197,9 +229,8 @@ bool MainDialog::EvCommand(WPARAM wParam, LPARAM, LRESULT& result) {
         return true;
     }
     const bool isFromMenuButtonOrKey = notification == 0 || notification == 1;
-    if (!isFromMenuButtonOrKey || LProgressDialog::IsAnyRunning()) return true;
-    if (!IsCommandEnabled(command, Situation())) return true;
-    RunCommand(command);
+    if (isFromMenuButtonOrKey && BeginCommand() && IsCommandEnabled(command, Situation()))
+        RunCommand(command);
     return true;
 }
 
@@ -228,7 +259,8 @@ void MainDialog::ShowPopup(int resource, POINT at) {
 bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
     if (item.CtlType != ODT_BUTTON) return false;
-    DrawTransportButton(item, item.CtlID == IDC_RECORD && m_transport.IsRecording());
+    const bool isRecord = item.CtlID == IDC_RECORD;
+    DrawTransportButton(item, isRecord && m_transport.IsRecording(), isRecord && m_showsInsert);
     result = TRUE;
     return true;
 }
@@ -266,11 +298,28 @@ bool MainDialog::EvSendProgress(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
-bool MainDialog::EvRowChanged(WPARAM wParam, LPARAM, LRESULT& result) {
-    m_list.UpdateNumber(static_cast<int32_t>(wParam));
-    ShowPosition();
+bool MainDialog::BeginCommand() {
+    if (!IsOpen() || m_isClosing || LProgressDialog::IsAnyRunning()) return false;
+    if (m_selectionMoved) FileChanged();
+    return true;
+}
+
+bool MainDialog::EvSelectionMoved(WPARAM, LPARAM, LRESULT& result) {
+    if (m_selectionMoved) FileChanged();
     result = 0;
     return true;
+}
+
+bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
+    ApplyRowChanges();
+    result = 0;
+    return true;
+}
+
+void MainDialog::ApplyRowChanges() {
+    if (m_list.IsRenaming()) return;  // AfterRename comes back here
+    for (int32_t number : std::exchange(m_changedRows, {})) m_list.UpdateNumber(number);
+    ShowPosition();
 }
 
 bool MainDialog::EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result) {
@@ -296,6 +345,8 @@ void MainDialog::EvTimerInfoLine() {
 }
 
 void MainDialog::ShowSendError() {
+    // Who records presses Escape to stop; here it would empty the queue. The text waits.
+    if (m_transport.IsRecording() || LProgressDialog::IsAnyRunning()) return;
     const std::string text = m_queue.TakeError();
     if (text.empty()) return;
     if (LMessageBox(Window(), text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
@@ -338,14 +389,9 @@ void MainDialog::ShowSituation() {
 }
 
 void MainDialog::ShowRecording(bool isRecording) {
-    const auto resource = MAKEINTRESOURCEA(isRecording ? IDI_RECORDING : IDI_CORVANE);
-    const auto set = [&](WPARAM kind, int cx, int cy) {
-        const HANDLE icon = LoadImageA(LInstance(), resource, IMAGE_ICON, GetSystemMetrics(cx),
-                                       GetSystemMetrics(cy), LR_SHARED);
-        SendMessageA(Window(), WM_SETICON, kind, reinterpret_cast<LPARAM>(icon));
-    };
-    set(ICON_BIG, SM_CXICON, SM_CYICON);
-    set(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
+    const LIcon(&icons)[2] = m_icons[isRecording ? 1 : 0];
+    SendMessageA(Window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icons[0].Get()));
+    SendMessageA(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icons[1].Get()));
     InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
 }
 
@@ -367,23 +413,36 @@ void MainDialog::ShowPosition() {
 // ---- Notifications ---------------------------------------------------------------------------------------
 
 void MainDialog::FileChanged() {
+    m_selectionMoved = false;
     const std::optional<DictationFiles> current = m_list.Current();
     const LPath notes = current ? current->notes : LPath();
     if (!(m_notes.File() == notes)) {
         FinishRunning();
         SaveNotes();
+        if (notes.Empty() && GetFocus() == Item(IDC_NOTES)) SetFocus(Item(IDC_RECORD));
         m_notes.Load(notes);
         m_transport.SetDictation(current);
     }
     ShowSituation();
 }
 
+void MainDialog::SelectionMoved() {
+    if (!std::exchange(m_selectionMoved, true)) PostMessageA(Window(), WM_SELECTIONMOVED, 0, 0);
+}
+
 void MainDialog::PlayFromStart() {
-    m_transport.GoToStart();
+    FinishRunning();
 }
 
 void MainDialog::BeforeRename() {
     FinishRunning();
+    SaveNotes();
+}
+
+void MainDialog::AfterRename(int32_t number) {
+    // The row is made anew only after the list has closed its editor.
+    m_changedRows.push_back(number);
+    PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
 }
 
 std::optional<DictationFiles> MainDialog::DictationToRecord() {
@@ -402,6 +461,10 @@ void MainDialog::RecordingStopped(const DictationFiles& files) {
     LevelChanged(Settings::kSilenceDb, Settings::kSilenceDb);
     PostRowChanged(files);
     ShowSituation();
+}
+
+void MainDialog::ShowFocus() {
+    SetFocus(Item(m_layout.View() == ViewMode::Compact ? IDC_RECORD : IDC_LIST));
 }
 
 void MainDialog::LevelChanged(int8_t leftDb, int8_t rightDb) {

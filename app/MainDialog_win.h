@@ -36,6 +36,9 @@ public:
     // Called once, when the window stands.
     void OnCreated(std::function<void()> callback) { m_onCreated = std::move(callback); }
 
+    // ms, taken just before the window is made.
+    void SetStartTick(uint32_t tick) { m_startTick = tick; }
+
     // False when the send thread still runs: its entry stays in the queue, and the process must not wait for
     // it.
     bool SendThreadEnded() const { return m_sendThreadEnded; }
@@ -70,11 +73,13 @@ private:
     static const TimerEntry kTimers[];
     static const IndexEntry kIndexes[];
     static const ApiEntry kApi[];
+    static const IndexEntry* FindIndex(int index);
 
     // Life
     bool InitDialog() override;
     void DestroyDialog() override;
-    void InitIcons();
+    void LoadIcons();
+    void SetPositionFont();
     void ShowPopup(int resource, POINT at);
     void InitToolTips();
     void RecoverLeftovers();
@@ -94,11 +99,16 @@ private:
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
     bool EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result);
-    bool EvRowChanged(WPARAM wParam, LPARAM, LRESULT& result);
+    bool EvRowChanged(WPARAM, LPARAM, LRESULT& result);
+    bool EvSelectionMoved(WPARAM, LPARAM, LRESULT& result);
     bool EvSendProgress(WPARAM, LPARAM, LRESULT& result);
     bool EvSize(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvTimer(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
+
+    // Before any command: refused while a process runs or the window is about to close. What the list, the
+    // notes and the transport work on is the same dictation afterwards.
+    bool BeginCommand();
 
     // Commands
     void RunCommand(int command);
@@ -151,7 +161,7 @@ private:
     void FinishRunning();
     void SaveNotes();
     bool CreateDictation();
-    void SendSelected(int recipient);
+    void Send(const std::vector<DictationFiles>& selected, int recipient);
     void SetPriority(std::string_view priority);
     void OpenWindow();
     void ApplyRecordMode();
@@ -161,14 +171,18 @@ private:
     CommandSituation Situation() const;
     void EnableCommands(HMENU menu) const;
     void PostRowChanged(const DictationFiles& files);
+    void ApplyRowChanges();
+    void ShowFocus();
     void ShowSituation();
     void ShowRecording(bool isRecording);
     void ShowPosition();
 
     // DictationList::Owner
     void FileChanged() override;
+    void SelectionMoved() override;
     void PlayFromStart() override;
     void BeforeRename() override;
+    void AfterRename(int32_t number) override;
     // Transport::Owner
     std::optional<DictationFiles> DictationToRecord() override;
     void RecordingStarted(const DictationFiles& files) override;
@@ -177,6 +191,7 @@ private:
     void LevelChanged(int8_t leftDb, int8_t rightDb) override;
     void RecordingTrouble(const std::string& text) override;
     HWND OwnerWindow() const override { return Window(); }
+    bool MayGoOn() override;
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
 
@@ -195,9 +210,15 @@ private:
     HoldRule m_hold;
     LFont m_positionFont;
     std::function<void()> m_onCreated;
-    std::string m_trouble;  // shown once the recording that it ended is finished
+    std::string m_trouble;               // shown once the recording that it ended is finished
+    LIcon m_icons[2][2];                 // [recording][small]
+    std::vector<int32_t> m_changedRows;  // to be made anew when nobody is in the middle of the list
     size_t m_infoText = 0;
+    uint32_t m_startTick = 0;
+    bool m_selectionMoved = false;
+    bool m_showsInsert = false;  // on the record button
     bool m_micRecordHeld = false;
+    bool m_closeWanted = false;  // asked for while a process ran
     bool m_isClosing = false;
     bool m_sendThreadEnded = true;
 };

@@ -56,8 +56,13 @@ void NotesBox::EvChange() {
 void NotesBox::Append(std::string_view text) {
     const bool isReadOnly = (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0;
     if (m_file.Empty() || isReadOnly) return;
+    // The user may be typing in the middle of the notes.
+    DWORD from = 0;
+    DWORD to = 0;
+    SendMessageA(m_edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
     const int end = GetWindowTextLengthA(m_edit);
     SendMessageA(m_edit, EM_SETSEL, static_cast<WPARAM>(end), end);
     SendMessageA(m_edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(std::string(text).c_str()));
+    if (static_cast<int>(to) < end) SendMessageA(m_edit, EM_SETSEL, from, static_cast<LPARAM>(to));
     EvChange();
 }

@@ -12,7 +12,7 @@ int32_t PositionToFrames(int32_t positionMs, const LWaveFileFormat& format) {
 
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing) {
     const int32_t lengthMs = Saturate(existing.LengthMs());
-    const int32_t wantedMs = mode == RecordMode::Append ? lengthMs : positionMs;
+    const int32_t wantedMs = mode == RecordMode::Overwrite ? positionMs : lengthMs;
     if (wantedMs < kFromStartBelowMs) return {};
     if (wantedMs >= lengthMs) return {lengthMs, Saturate(existing.Frames())};
     return {wantedMs, PositionToFrames(wantedMs, existing.format)};

@@ -21,8 +21,9 @@ struct RecordStart {
     int32_t frames = 0;
 };
 
-// Overwrite starts at the position, append at the end. A position beyond the end counts as the end, where not
-// one frame is cut; within the file the milliseconds are rounded down to a whole frame.
+// Overwrite starts at the position, append at the end, and so does insert: it replaces nothing. A position
+// beyond the end counts as the end, where not one frame is cut; within the file the milliseconds are rounded
+// down to a whole frame.
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing);
 
 // A position in milliseconds as whole frames of a file, through its byte rate.

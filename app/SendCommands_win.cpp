@@ -1,5 +1,7 @@
 #include "app/SendCommands_win.h"
 
+#include <algorithm>
+
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
@@ -17,6 +19,8 @@ constexpr char kNoRecipients[] =
     "Recipient "
     "Settings item on the Settings menu and add a New Recipient.";
 constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
+
+constexpr int kMostRecipients = 1000;  // whatever number a damaged user file may hold
 
 // What the list of recipients and a sent dictation say of one; a record that cannot be loaded is told by its
 // number.
@@ -36,9 +40,10 @@ public:
 private:
     bool InitDialog() override {
         const HWND list = Item(IDC_CHOOSE_LIST);
-        const int count = RecipientCount(m_state.user.userFile);
+        const int count = std::min<int>(RecipientCount(m_state.user.userFile), kMostRecipients);
         const int defaultIndex = ::DefaultRecipient(m_state.user.userFile).value_or(0);
         for (int i = 0; i < count; ++i) {
+            if (!LFile::Exists(RecipientPath(m_state.data.folder, m_state.user.number, i))) break;
             const std::string text = RecipientDescription(m_state, i);
             SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
         }
@@ -87,10 +92,10 @@ int SendCommands::ChooseRecipient(HWND owner) const {
     return dialog.Chosen();
 }
 
-bool SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) {
+SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) {
     if (!LFile::Exists(files.audio)) {
         TellNotSent(files, "It has no recording yet. Please record it first.", owner);
-        return false;
+        return Outcome::NothingToSend;
     }
     const std::string description = RecipientDescription(m_state, recipient);
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
@@ -100,10 +105,10 @@ bool SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) 
             files,
             "One of its files may be open in another program, or the disk may be full. It stays in the list.",
             owner);
-        return false;
+        return Outcome::Failed;
     }
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
-        return false;  // the queue says why
+        return Outcome::Failed;  // the queue says why
     move.Commit();
-    return true;
+    return Outcome::Queued;
 }

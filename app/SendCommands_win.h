@@ -18,9 +18,14 @@ public:
     // Lets the user choose; -1 when there is no recipient or the choice was cancelled.
     int ChooseRecipient(HWND owner) const;
 
-    // Moves one dictation to the Sent folder and queues it. False after telling the user why it stays in the
-    // list.
-    bool Send(const DictationFiles& files, int recipient, HWND owner);
+    // What became of one dictation; the user has been told why it stays in the list.
+    enum class Outcome {
+        Queued,
+        NothingToSend,  // this one alone
+        Failed,         // the next ones would fare no better
+    };
+    // Moves one dictation to the Sent folder and queues it.
+    Outcome Send(const DictationFiles& files, int recipient, HWND owner);
 
 private:
     const AppState& m_state;

@@ -31,12 +31,15 @@ constexpr Shape kSquare = {Shape::Kind::Square, {{3, 3}, {13, 13}}, 2};
 struct Sign {
     int control;
     COLORREF colour;
-    Shape shapes[2];
+    Shape shapes[3];
     int count;
 };
 constexpr COLORREF kRed = RGB(208, 0, 0);
 constexpr COLORREF kBlack = RGB(32, 32, 32);
 constexpr COLORREF kGreen = RGB(0, 120, 40);
+// A dot between two brackets: what is recorded goes between what is there.
+constexpr Shape kSmallCircle = {Shape::Kind::Circle, {{5, 5}, {11, 11}}, 2};
+constexpr Sign kInsertSign = {IDC_RECORD, kRed, {Bar(1), kSmallCircle, Bar(13)}, 3};
 constexpr Sign kSigns[] = {
     {IDC_RECORD, kRed, {kCircle}, 1},
     {IDC_STOP, kBlack, {kSquare}, 1},
@@ -94,7 +97,7 @@ void DrawSign(HDC dc, const Sign& sign, const Scale& scale, COLORREF colour) {
 
 }  // namespace
 
-void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld) {
+void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert) {
     const bool isPressed = isHeld || (item.itemState & ODS_SELECTED) != 0;
     const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
     RECT box = item.rcItem;
@@ -105,7 +108,7 @@ void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld) {
     for (const Sign& sign : kSigns) {
         if (sign.control != static_cast<int>(item.CtlID)) continue;
         const COLORREF normal = isHeld ? RGB(255, 255, 255) : sign.colour;
-        DrawSign(item.hDC, sign, Scale(box, isPressed ? 1 : 0),
+        DrawSign(item.hDC, isInsert ? kInsertSign : sign, Scale(box, isPressed ? 1 : 0),
                  isDisabled ? GetSysColor(COLOR_GRAYTEXT) : normal);
     }
     if ((item.itemState & ODS_FOCUS) != 0) {

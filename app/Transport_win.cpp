@@ -8,9 +8,9 @@
 #include "audio/LRewriteWave.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
-#include "base/LText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
+#include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
 #include "store/SoundInput.h"
 #include "ui/LProgressDialog.h"
@@ -49,15 +49,6 @@ LWaveFileFormat NewFormat(const LPath& userFile) {
                                 static_cast<uint32_t>(usable ? rate : UserKeys::kSampleRate.defaultValue));
 }
 
-// Moves a file that is no WAV file at all out of the way of a recording: it may be all that is left of one.
-bool SetAside(const LPath& audio) {
-    for (int i = 1; i < 1000; ++i) {
-        const LPath aside = audio.WithExtension(LFormat(".bad%d", i));
-        if (!LFile::Exists(aside)) return LFile::Move(audio, aside);
-    }
-    return false;
-}
-
 // The mixer's input lines by name.
 class MixerLines final : public InputLines {
 public:
@@ -79,39 +70,38 @@ Transport::~Transport() {
 }
 
 bool Transport::Record(RecordMode mode) {
-    if (m_isRecording) {
+    if (m_isRecording || m_isPreparing) {
         LTrace("Transport::Record called but already recording");
         return false;
     }
+    m_isPreparing = true;
     const std::optional<DictationFiles> files = m_owner.DictationToRecord();
-    if (!files) return false;
     Target target;
-    if (!PrepareTarget(*files, mode, target)) return false;
-    const AppState& state = m_state;
-    if (Settings::Read(state.data.settingsFile, SettingsKeys::kRecordTone))
-        PlaySoundA(MAKEINTRESOURCEA(IDW_RECORDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
-    return StartRecorder(target);
+    bool started = files && PrepareTarget(*files, mode, target) && OpenSink(target);
+    m_target = target;
+    if (started) {
+        if (Settings::Read(m_state.data.settingsFile, SettingsKeys::kRecordTone))
+            PlaySoundA(MAKEINTRESOURCEA(IDW_RECORDTONE), LInstance(),
+                       SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
+        started = StartRecorder();
+    }
+    if (!started) PutBackSetAside();
+    m_isPreparing = false;
+    return started;
 }
 
 bool Transport::PrepareTarget(const DictationFiles& files, RecordMode mode, Target& target) {
     target.files = files;
-    if (!ReadExisting(files.audio, target.info)) return false;
-    if (target.info.NeedsRewrite()) {
-        LRewriteWave rewrite(files.audio);
-        if (LProgressDialog::Run(rewrite, m_owner.OwnerWindow(), "Preparing Dictation") !=
-                ProcessResult::Done ||
-            !LWaveFile::ReadInfo(files.audio, target.info)) {
-            Trouble(kCannotOpen);
-            return false;
-        }
-    }
+    if (!ReadExisting(target)) return false;
+    if (target.info.NeedsRewrite() && !Rewrite(target)) return false;
     target.start = PlanRecording(mode, m_positionMs, target.info);
     return true;
 }
 
 // The format and length of what is there, or those of a new dictation.
-bool Transport::ReadExisting(const LPath& audio, LWaveInfo& info) {
-    info = LWaveInfo();
+bool Transport::ReadExisting(Target& target) {
+    const LPath& audio = target.files.audio;
+    LWaveInfo& info = target.info;
     info.format = NewFormat(m_state.user.userFile);
     info.isOurLayout = true;
     {
@@ -130,42 +120,58 @@ bool Transport::ReadExisting(const LPath& audio, LWaveInfo& info) {
             return true;
         }
     }
-    if (SetAside(audio)) return true;
+    target.setAside = SetAsideAudio(target.files);
+    if (!target.setAside.Empty()) return true;
     Trouble(kCannotOpen);
     return false;
 }
 
-bool Transport::StartRecorder(const Target& target) {
-    const LPath& settings = m_state.data.settingsFile;
+bool Transport::Rewrite(Target& target) {
+    LRewriteWave rewrite(target.files.audio);
+    const ProcessResult result = LProgressDialog::Run(rewrite, m_owner.OwnerWindow(), "Preparing Dictation");
+    if (!m_owner.MayGoOn() || result != ProcessResult::Done) return false;
+    if (LWaveFile::ReadInfo(target.files.audio, target.info)) return true;
+    Trouble(kCannotOpen);
+    return false;
+}
+
+bool Transport::OpenSink(const Target& target) {
     const LWaveFileFormat& format = target.info.format;
     m_sink = LDeferredSink::Open(target.files.audio, target.start.frames, format.BitsPerSample(),
                                  static_cast<uint8_t>(format.Channels()),
                                  static_cast<int32_t>(format.SampleRate()));
-    if (!m_sink || m_sink->IsError()) {
-        m_sink.Reset();
-        Trouble(kCannotOpen);
-        return false;
-    }
+    if (m_sink && !m_sink->IsError()) return true;
+    m_sink.Reset();
+    Trouble(kCannotOpen);
+    return false;
+}
 
+bool Transport::StartRecorder() {
+    const LPath& settings = m_state.data.settingsFile;
     MixerLines lines;
     const SoundInput input = GetSoundIn(settings, lines);
     LMixer::SetInputChannel(input.device, input.line, Settings::Read(settings, SettingsKeys::kRecordVolume));
     m_recorder.SetDevice(input.device);
 
-    m_recordingFiles = target.files;
-    m_startedAt = target.start;
     m_isRecording = true;
     const int8_t threshold = Settings::Read(settings, SettingsKeys::kVoiceActivate);
-    const int32_t maximumMs = Saturate(int64_t{target.start.positionMs} + kMaximumRecordingMs);
+    const int32_t maximumMs = Saturate(int64_t{m_target.start.positionMs} + kMaximumRecordingMs);
     if (!m_recorder.Start(m_sink, kHangTimeMs, threshold, maximumMs, 0)) {
         m_isRecording = false;
         m_isWaiting = false;
         m_sink.Reset();
+        PutBackSetAside();
         LMessageBox(m_owner.OwnerWindow(), kNoDevice, "Sound Device Error", MB_OK | MB_ICONEXCLAMATION);
         return false;
     }
-    m_owner.RecordingStarted(m_recordingFiles);
+    m_owner.RecordingStarted(m_target.files);
     return true;
+}
+
+void Transport::PutBackSetAside() {
+    if (m_target.setAside.Empty() || LFile::Exists(m_target.files.audio)) return;
+    LFile::Move(m_target.setAside, m_target.files.audio);
+    m_target.setAside = LPath();
 }
 
 void Transport::Stop() {
@@ -222,15 +228,16 @@ void Transport::OnStopped(int32_t) {
     if (!m_isRecording) return;
     m_isRecording = false;
     m_isWaiting = false;
-    const DictationFiles files = m_recordingFiles;
-    const bool recordedAnything = m_sink->GetFrames() > m_startedAt.frames;
+    const DictationFiles files = m_target.files;
+    const bool recordedAnything = m_sink->GetFrames() > m_target.start.frames;
     const bool isStoppedByDisk = m_sink->IsError();
     m_sink.Reset();  // closes the file
+    PutBackSetAside();
     const int32_t lengthMs = AudioLengthMs(files.audio);
     if (m_current && m_current->record == files.record) {
         m_lengthMs = lengthMs;
         // The file ends with what was recorded; the next recording continues there.
-        m_positionMs = recordedAnything ? lengthMs : m_startedAt.positionMs;
+        m_positionMs = recordedAnything ? lengthMs : m_target.start.positionMs;
     }
     m_owner.RecordingStopped(files);
     if (isStoppedByDisk)

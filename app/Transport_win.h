@@ -25,6 +25,8 @@ public:
         // What the user must know, after the recording has been finished properly.
         virtual void RecordingTrouble(const std::string& text) = 0;
         virtual HWND OwnerWindow() const = 0;
+        // Long work before a recording is over; false when the window is to close instead.
+        virtual bool MayGoOn() = 0;
     };
 
     Transport(const AppState& state, Owner& owner);
@@ -36,6 +38,7 @@ public:
     void Stop();
 
     bool IsRecording() const { return m_isRecording; }
+    bool IsPreparing() const { return m_isPreparing; }
     // Recording, but voice activation still waits for the speaker.
     bool IsWaiting() const { return m_isWaiting; }
 
@@ -52,11 +55,16 @@ private:
         DictationFiles files;
         LWaveInfo info;  // of the existing audio; format says how to record
         RecordStart start;
+        LPath setAside;  // what stood under the audio's name and was no audio; put back unless something is
+                         // recorded
     };
 
     bool PrepareTarget(const DictationFiles& files, RecordMode mode, Target& target);
-    bool ReadExisting(const LPath& audio, LWaveInfo& info);
-    bool StartRecorder(const Target& target);
+    bool ReadExisting(Target& target);
+    bool Rewrite(Target& target);
+    bool OpenSink(const Target& target);
+    bool StartRecorder();
+    void PutBackSetAside();
     void Trouble(const char* text);
 
     void OnRecording() override;
@@ -71,12 +79,12 @@ private:
     std::optional<DictationFiles> m_current;
     // Of the running recording. The recorder's thread writes to the sink; we hold it to see afterwards what
     // was taken.
-    DictationFiles m_recordingFiles;
-    RecordStart m_startedAt;
+    Target m_target;
     LSoundSink m_sink;
 
     int32_t m_positionMs = 0;
     int32_t m_lengthMs = 0;
+    bool m_isPreparing = false;
     bool m_isRecording = false;
     bool m_isWaiting = false;
 };

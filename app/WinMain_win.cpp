@@ -20,7 +20,6 @@ namespace {
 constexpr char kMainTitle[] = "Corvane";
 constexpr char kDialogClass[] = "#32770";
 constexpr char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
 constexpr char kCorruptInstaller[] =
     "Installation file corrupt.\n\nA checksum error was detected in your install file, please redownload "
     "file and "
@@ -38,7 +37,9 @@ struct MutexTraits {
 class StartingGate {
 public:
     StartingGate() : m_mutex(CreateMutexA(nullptr, FALSE, "Corvane.Starting")) {
-        if (m_mutex) m_owned = WaitForSingleObject(m_mutex.Get(), kStartingWaitMs) != WAIT_TIMEOUT;
+        if (!m_mutex) return;
+        const DWORD waited = WaitForSingleObject(m_mutex.Get(), kStartingWaitMs);
+        m_owned = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
     }
     ~StartingGate() { Open(); }
     StartingGate(const StartingGate&) = delete;
@@ -75,6 +76,7 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
         PostMessageA(running, WM_CLOSE, 0, 0);
         Sleep(CloseWaitMs(marker));
     }
+    InitCommonControls();
     InstallRequest request = desktops;
     request.package = executable;
     request.folder = MakeDefaultDataFolder();
@@ -93,7 +95,7 @@ void Run(StartingGate& gate) {
     MainDialog dialog(state);
     if (!LDBDisplayRegister(LInstance())) LTrace("WinMain unable to register LDBDisplay");
     InitCommonControls();
-    state.startTick = GetTickCount();
+    dialog.SetStartTick(GetTickCount());
     dialog.OnCreated([&gate] { gate.Open(); });
     dialog.RunMessageLoop(IDD_MAIN, nullptr);
     // A delivery that hangs in the network must not keep the program alive: its entry is still in the queue

@@ -13,12 +13,21 @@ struct ScreenSize {
     int width = 0;
     int height = 0;
 };
+struct ScreenArea {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+};
 
 // A stored window position, moved left or up so that the window fits on the desktop, and never to a negative
 // position: on a desktop smaller than the window the title bar with its menu stays within reach.
-constexpr ScreenPoint FitOnDesktop(ScreenPoint stored, ScreenSize window, ScreenSize desktop) {
-    const auto fit = [](int at, int size, int limit) { return std::max(0, std::min(at, limit - size)); };
-    return {fit(stored.x, window.width, desktop.width), fit(stored.y, window.height, desktop.height)};
+constexpr ScreenPoint FitOnDesktop(ScreenPoint stored, ScreenSize window, ScreenArea desktop) {
+    const auto fit = [](int at, int size, int low, int high) {
+        return std::max({0, low, std::min(at, high - size)});
+    };
+    return {fit(stored.x, window.width, desktop.left, desktop.right),
+            fit(stored.y, window.height, desktop.top, desktop.bottom)};
 }
 
 enum class ViewMode : int32_t { Compact = 0, Normal = 1, Maximized = 2 };

@@ -27,17 +27,19 @@ void WindowLayout::LayoutNormalSizeAndPosition() {
     const bool wantsTopMost = Settings::Read(settings, SettingsKeys::kTopMost);
     m_view = ToViewMode(Settings::Read(settings, SettingsKeys::kViewMode));
     m_isReady = false;
-    if (m_view == ViewMode::Maximized) {
-        ShowWindow(m_window, SW_SHOWMAXIMIZED);
-    } else {
-        if (IsZoomed(m_window)) ShowWindow(m_window, SW_RESTORE);
+    if (m_view != ViewMode::Maximized && IsZoomed(m_window)) ShowWindow(m_window, SW_RESTORE);
+    if (!IsZoomed(m_window)) {
+        // Also before it is maximized: that is the place to which it is restored.
         RECT desktop;
         SystemParametersInfoA(SPI_GETWORKAREA, 0, &desktop, 0);
         const ScreenSize size = WindowSizeOf(m_view);
         const ScreenPoint at =
-            FitOnDesktop(stored, size, {static_cast<int>(desktop.right), static_cast<int>(desktop.bottom)});
+            FitOnDesktop(stored, size,
+                         {static_cast<int>(desktop.left), static_cast<int>(desktop.top),
+                          static_cast<int>(desktop.right), static_cast<int>(desktop.bottom)});
         SetWindowPos(m_window, nullptr, at.x, at.y, size.width, size.height, SWP_NOZORDER | SWP_NOACTIVATE);
     }
+    if (m_view == ViewMode::Maximized) ShowWindow(m_window, SW_SHOWMAXIMIZED);
     m_isReady = true;
 
     const HMENU menu = GetMenu(m_window);
@@ -62,6 +64,8 @@ void WindowLayout::LayoutControls() {
         if (!place.IsHidden())
             SetWindowPos(control, nullptr, place.x, place.y, place.width, place.height,
                          SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+        // The keyboard must not go on working on what nobody sees.
+        if (place.IsHidden() && GetFocus() == control) SetFocus(GetDlgItem(m_window, IDC_RECORD));
         ShowWindow(control, place.IsHidden() ? SW_HIDE : SW_SHOWNA);
     }
     InvalidateRect(m_window, nullptr, TRUE);

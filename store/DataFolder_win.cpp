@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
 constexpr char kDataValue[] = "DataFiles";
 constexpr char kWindowsKey[] = "Software\\Microsoft\\Windows\\CurrentVersion";
 constexpr char kProgramsValue[] = "ProgramFilesDir";

@@ -2,6 +2,9 @@
 
 #include "store/CurrentUser.h"
 
+// The key of the machine's registry that tells the folders, with the values "DataFiles" and "ProgramFiles".
+inline constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
+
 // The data folder that the registry of this machine names; without one, the default folder below the folder
 // for programs, created so that every user of the machine may write dictations into it.
 DataFolder FindDataFolder();

@@ -53,8 +53,31 @@ void SetPriority(const LPath& record, std::string_view priority) {
     Settings::Write(record, RecordKeys::kPriority, priority);
 }
 
+constexpr char kSetAsideExtension[] = ".bad%d";
+constexpr char kSetAsidePattern[] = ".bad*";
+
+LPath SetAsideAudio(const DictationFiles& files) {
+    for (int i = 1; i < 1000; ++i) {
+        const LPath aside = files.audio.WithExtension(LFormat(kSetAsideExtension, i));
+        if (!LFile::Exists(aside)) return LFile::Move(files.audio, aside) ? aside : LPath();
+    }
+    return LPath();
+}
+
+static void DeleteSetAside(const DictationFiles& files) {
+    const std::string_view folder = LFolderOf(files.audio.View());
+    std::vector<LPath> found;
+    LListFolder(LPath(folder), std::string(LSplitPath(files.audio.View()).name) + kSetAsidePattern,
+                [&](const LFolderEntry& entry) {
+                    found.push_back(LPath::Join(folder, entry.name));
+                    return true;
+                });
+    for (const LPath& path : found) LFile::Delete(path);
+}
+
 bool DeleteDictationFiles(const DictationFiles& files) {
     LProfile::Flush(files.record);
+    DeleteSetAside(files);
     for (const LPath* file : {&files.audio, &files.notes, &files.record}) {
         if (LFile::Exists(*file) && !LFile::Delete(*file)) {
             LTrace("DeleteDictationFiles unable to delete file", file->View());

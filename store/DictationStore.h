@@ -35,8 +35,12 @@ std::vector<LPath> ListRecords(const LPath& folder);
 // "High", "Normal" or "Low".
 void SetPriority(const LPath& record, std::string_view priority);
 
-// Deletes audio, notes and record, in this order. When one cannot be deleted the rest stays and the result is
-// false, so that audio in use is not left behind without its record.
+// Moves a file that stands under the audio's name but holds no audio out of the way of a recording, since it
+// may be all that is left of one ("00000012.bad1"). The new path, empty when it could not be moved.
+LPath SetAsideAudio(const DictationFiles& files);
+
+// Deletes audio, notes and record, in this order, and what was set aside. When one cannot be deleted the rest
+// stays and the result is false, so that audio in use is not left behind without its record.
 bool DeleteDictationFiles(const DictationFiles& files);
 
 // Deletes the entries of a Sent folder that were created more than so many days ago (0 or less: none). now is

@@ -9,8 +9,14 @@ constexpr int kBarSteps = 1000;
 
 static int s_running = 0;
 
+static bool s_cancelAll = false;
+
 bool LProgressDialog::IsAnyRunning() {
     return s_running > 0;
+}
+
+void LProgressDialog::CancelRunning() {
+    s_cancelAll = s_running > 0;
 }
 
 LProgressDialog::LProgressDialog(HWND owner, std::string_view title)
@@ -26,7 +32,7 @@ LProgressDialog::~LProgressDialog() {
     // The owner first: were the dialog gone before, another program's window would become active.
     if (m_ownerWasEnabled && IsWindow(m_owner)) EnableWindow(m_owner, TRUE);
     Close();
-    --s_running;
+    if (--s_running == 0) s_cancelAll = false;
 }
 
 ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_view title) {
@@ -59,7 +65,7 @@ bool LProgressDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM, LRESULT
 
 bool LProgressDialog::CancelRequested() {
     Pump();
-    return m_cancelled;
+    return m_cancelled || s_cancelAll;
 }
 
 void LProgressDialog::SetProgress(double fraction) {

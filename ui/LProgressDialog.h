@@ -16,6 +16,8 @@ public:
 
     // True while any process runs under a progress dialog: commands that would disturb it are refused.
     static bool IsAnyRunning();
+    // Asks whatever runs to end, as its Cancel button would.
+    static void CancelRunning();
 
     bool CancelRequested() override;
     void SetProgress(double fraction) override;

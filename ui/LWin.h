@@ -25,6 +25,13 @@ struct GdiFontTraits {
 };
 using LFont = LOwned<GdiFontTraits>;
 
+struct IconTraits {
+    using Type = HICON;
+    static Type None() { return nullptr; }
+    static void Close(Type h) { DestroyIcon(h); }
+};
+using LIcon = LOwned<IconTraits>;
+
 struct GdiBrushTraits {
     using Type = HBRUSH;
     static Type None() { return nullptr; }

@@ -19,7 +19,7 @@ TEST(WindowFit, PullsTheWindowOntoTheDesktopButNeverToNegativePlaces) {
         {{2147483647, -2147483647 - 1}, {604, 0}, {420, 300}},
     };
     for (const auto& c : kCases)
-        EXPECT_EQ(FitOnDesktop(c.stored, c.window, {1024, 768}), c.expected)
+        EXPECT_EQ(FitOnDesktop(c.stored, c.window, {0, 0, 1024, 768}), c.expected)
             << c.stored.x << ", " << c.stored.y;
 }
 

@@ -26,6 +26,7 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
         {"just after it", RecordMode::Overwrite, 501, 160000, 501, 4008},
         {"in the middle", RecordMode::Overwrite, 1200, 160000, 1200, 9600},
         {"append ignores the position", RecordMode::Append, 1200, 160000, 10000, 80000},
+        {"insert takes nothing away", RecordMode::Insert, 1200, 160000, 10000, 80000},
         {"beyond the end", RecordMode::Overwrite, 99999, 160000, 10000, 80000},
         {"a negative position", RecordMode::Overwrite, -5, 160000, 0, 0},
         // 10,000.4 ms: the milliseconds are rounded down, but no frame is cut when appending.
