@@ -43,6 +43,8 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_CONTEXTMENU, &MainDialog::EvContextMenu},
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
+    {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
+    {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
     {WM_APICOMMAND, &MainDialog::EvAPICommand},
@@ -267,6 +269,18 @@ bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
 
 bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
     m_layout.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvDrag(WPARAM, LPARAM, LRESULT& result) {
+    m_layout.EvDrag(true);
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvDragEnd(WPARAM, LPARAM, LRESULT& result) {
+    m_layout.EvDrag(false);
     result = 0;
     return true;
 }

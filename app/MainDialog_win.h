@@ -91,6 +91,8 @@ private:
     bool EvClose(WPARAM, LPARAM, LRESULT& result);
     bool EvCommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool EvDrag(WPARAM, LPARAM, LRESULT& result);
+    bool EvDragEnd(WPARAM, LPARAM, LRESULT& result);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);

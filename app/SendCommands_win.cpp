@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "audio/LWaveFile.h"
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
@@ -66,6 +67,14 @@ private:
     int m_chosen = -1;
 };
 
+// False for a dictation whose recording was begun but never heard a word, too.
+bool HasRecording(const LPath& audio) {
+    LFile file(audio, LFile::Open::Read);
+    if (!file.IsOpen()) return LFile::Exists(audio);
+    LWaveInfo info;
+    return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
+}
+
 void TellNoRecipients(HWND owner) {
     LMessageBox(owner, kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
 }
@@ -93,7 +102,7 @@ int SendCommands::ChooseRecipient(HWND owner) const {
 }
 
 SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) {
-    if (!LFile::Exists(files.audio)) {
+    if (!HasRecording(files.audio)) {
         TellNotSent(files, "It has no recording yet. Please record it first.", owner);
         return Outcome::NothingToSend;
     }

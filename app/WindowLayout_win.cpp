@@ -88,9 +88,14 @@ void WindowLayout::EvGetMinMaxInfo(MINMAXINFO& info) const {
     info.ptMinTrackSize = {least.width, least.height};
 }
 
+void WindowLayout::EvDrag(bool isDragging) {
+    m_isDragging = isDragging;
+    if (!isDragging) EvMove();
+}
+
 void WindowLayout::EvMove() {
     // The place of a minimized or maximized window is not one to come back to.
-    if (!m_isReady || IsIconic(m_window) || IsZoomed(m_window)) return;
+    if (!m_isReady || m_isDragging || IsIconic(m_window) || IsZoomed(m_window)) return;
     RECT box;
     GetWindowRect(m_window, &box);
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kWindowX, static_cast<int32_t>(box.left));

@@ -18,8 +18,9 @@ public:
     void ToggleFloat();
     // The window is never made smaller than its controls need.
     void EvGetMinMaxInfo(MINMAXINFO& info) const;
-    // Stores where the window now is.
+    // Stores where the window now is; while the user drags it, once when he lets go.
     void EvMove();
+    void EvDrag(bool isDragging);
     ViewMode View() const { return m_view; }
 
 private:
@@ -29,5 +30,6 @@ private:
     const AppState& m_state;
     HWND m_window = nullptr;
     ViewMode m_view = ViewMode::Normal;
+    bool m_isDragging = false;
     bool m_isReady = false;  // moves before the first layout are the platform's, not the user's
 };

@@ -1,0 +1,150 @@
+"""What is shown, what is typed and what is recorded concern one and the same dictation, whatever happens meanwhile."""
+
+import struct
+import subprocess
+
+from corvane import pcm_wav, wait_for, write_ini
+from sound import microphone_streams
+
+SECOND = 8000  # frames
+
+
+def keys(*names):
+    """Types keys as a user does, once the program's window is the active one."""
+
+    def active():
+        asked = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, text=True)
+        return asked.stdout.strip() == "Corvane"
+
+    wait_for(active, "an active main window")
+    subprocess.run(["xdotool", "key", "--delay", "40", *names], check=True)
+
+
+def record_every_sound(data):
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "--dB"}})
+
+
+def record_a_second(program, number, command):
+    path = program.data.audio(number)
+    before = path.stat().st_size
+    program.record(command)
+    wait_for(lambda: path.stat().st_size != before, "a first block on disk")
+    grown = path.stat().st_size
+    wait_for(lambda: path.stat().st_size >= grown + 2 * SECOND, "a second more")
+    program.stop()
+
+
+def samples(data, number):
+    return data.audio(number).read_bytes()[46:]
+
+
+def foreign_wav(frames):
+    """A recording with the 44-byte header of other programs."""
+    sound = bytes(i & 0xFF for i in range(2 * SECOND)) * (frames // SECOND)
+    head = b"WAVEfmt " + struct.pack("<IHHIIHH", 16, 1, 1, 8000, 16000, 2, 16) + b"data" + struct.pack("<I", len(sound))
+    return b"RIFF" + struct.pack("<I", len(head) + len(sound)) + head + sound, sound
+
+
+def test_the_keyboard_moves_everything_to_the_dictation_that_is_shown(corvane, data):
+    record_every_sound(data)
+    data.add_dictation(1, pcm_wav(10 * SECOND), b"notes one\0")
+    data.add_dictation(2, pcm_wav(SECOND), b"notes two\0")
+    program = corvane()
+    names = {1: "Dictation 001", 2: "Dictation 002"}
+    for key in ("shift+Up", "ctrl+Down", "ctrl+Up"):
+        keys(key)
+        current = program.api(8)
+        wait_for(lambda: program.notes() == f"notes {('one', 'two')[current - 1]}", f"the notes of {current} after {key}")
+        assert program.control("IDC_DICTATIONNAME")["text"] == names[program.api(8)]
+    shown = program.api(8)
+    other = 3 - shown
+    before = samples(data, other)
+    keys("F5")
+    wait_for(lambda: microphone_streams() > 0, "a running microphone")
+    keys("Escape")
+    wait_for(lambda: microphone_streams() == 0, "a stopped microphone")
+    assert samples(data, other) == before
+
+
+def test_a_stored_insert_mode_takes_nothing_away(corvane, data):
+    record_every_sound(data)
+    data.add_dictation(1, pcm_wav(10 * SECOND))
+    write_ini(data.user_file, {"settings": {"recordmode": 1}})
+    program = corvane()
+    program.command("CM_GOTOSTART")
+    before = samples(data, 1)
+    record_a_second(program, 1, "CM_RECORD")
+    assert samples(data, 1).startswith(before)
+
+
+def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
+    data.add_dictation(1, pcm_wav(SECOND))
+    data.add_dictation(2, pcm_wav(SECOND))
+    program = corvane()
+    program.select(1)
+    program.command("CM_SENDFILE_TO")
+    wait_for(lambda: [b for b in program.boxes() if b["text"] == "Send Dictation To"], "the list of recipients")
+    program.select(2)
+    program.answer_box("Send Dictation To", 1)
+    assert program.wait_sent(1) == "Sent"
+    assert program.row(2) is not None
+
+
+def test_one_empty_dictation_does_not_keep_the_others_from_being_sent(corvane, data):
+    data.add_dictation(1)
+    data.add_dictation(2, pcm_wav(SECOND))
+    program = corvane()
+    program.select(1, 2)
+    program.command("CM_SENDFILE")
+    assert "no recording yet" in program.wait_box("Error")
+    program.answer_box("Error", 1)
+    assert program.wait_sent(2) == "Sent"
+    assert program.row(1) is not None
+
+
+def test_a_new_name_goes_to_the_dictation_that_was_edited(corvane, data):
+    for number in (1, 2):
+        data.add_dictation(number, pcm_wav(SECOND))
+    program = corvane()
+    program.select(1)
+    # Half a second later the notes are saved, and the row would move to the end of the list.
+    program.type_notes("for Smith")
+    keys("F2")
+    subprocess.run(["xdotool", "type", "--delay", "120", "Mr. Smith"], check=True)
+    keys("Return")
+    wait_for(lambda: data.record(1).get("name") == "Mr. Smith", "the new name")
+    assert data.record(2)["name"] == "Dictation 002"
+    wait_for(lambda: program.row(1)["texts"][0] == "Mr. Smith" and program.row(1)["texts"][5] == "for Smith", "the row")
+
+
+def test_a_foreign_recording_is_continued_without_changing_a_sample(corvane, data):
+    record_every_sound(data)
+    wav, sound = foreign_wav(3 * SECOND)
+    data.add_dictation(1, wav)
+    program = corvane()
+    record_a_second(program, 1, "CM_RECORD_END")
+    head = data.audio(1).read_bytes()[:46]
+    assert struct.unpack("<I", head[42:])[0] == len(samples(data, 1))
+    assert samples(data, 1).startswith(sound)
+
+
+def test_closing_while_a_long_recording_is_prepared_leaves_it_as_it_was(corvane, data):
+    record_every_sound(data)
+    wav, _ = foreign_wav(3600 * 4 * SECOND)
+    data.add_dictation(1, wav)
+    program = corvane()
+    program.command("CM_RECORD_END")
+    wait_for(lambda: data.audio(1).with_suffix(".tmp").exists(), "the preparation")
+    program.post(1792, 6)  # the microphone's record button must not disturb it
+    assert program.close() == 0
+    assert data.audio(1).read_bytes() == wav
+    assert not data.audio(1).with_suffix(".tmp").exists()
+
+
+def test_without_a_device_a_file_that_is_no_audio_stays_where_it_is(corvane, data):
+    data.add_dictation(1, b"not a recording at all")
+    program = corvane(environment={"PULSE_SERVER": "unix:/nowhere"})
+    program.command("CM_RECORD")
+    assert program.wait_box("Sound Device Error").startswith("Unable to start record device.")
+    program.answer_box("Sound Device Error", 1)
+    assert data.audio(1).read_bytes() == b"not a recording at all"
