@@ -62,11 +62,7 @@ TEST_F(MoveToSentTest, PutsBackWhateverWasMovedWhenAFileCannotFollow) {
         MakeFiles(Current(12), "new");
         const LPath obstacle = Sent(12).record.WithExtension(blocked);
         ASSERT_TRUE(LFile::MakeFolder(obstacle));
-        {
-            MoveToSent move(m_user, Current(12).record);
-            EXPECT_FALSE(move.Run("Jo", 1)) << blocked;
-            ExpectPutBack(true, 0);
-        }
+        EXPECT_FALSE(MoveToSent(m_user, Current(12).record).Run("Jo", 1)) << blocked;
         ExpectPutBack(true, 0);
         LFile::DeleteFolder(obstacle);
     }
@@ -134,8 +130,9 @@ TEST_F(MoveToSentTest, TheNextStartCompletesWhatIsInTheQueueOrSent) {
 
 TEST_F(MoveToSentTest, ANoteOfRubbishMovesNothing) {
     MakeFiles(Sent(12), "sent");
-    for (const std::string& text : {std::string(), std::string("..\\00000012.dat"), std::string("x"),
-                                    std::string("00000012.dat\r\n00000013.dat"), std::string(100000, '0')}) {
+    const std::string rubbish[] = {"", "..\\00000012.dat", "x", "00000012.dat\r\n00000013.dat",
+                                   std::string(100000, '0')};
+    for (const std::string& text : rubbish) {
         WriteFileText(Note(), text);
         Recover();
         ExpectWhole(Sent(12), "sent");

@@ -1,41 +1,22 @@
 #include "store/SendToSettings.h"
 
-#include <cstring>
-
-#include "base/LMemoryFile.h"
-#include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 #include "tests/unit/store/StoreTest.h"
 
 namespace {
 
-std::string s_line;
-
 class SendToSettingsTest : public StoreTest {
 protected:
-    SendToSettingsTest()
-        : m_before(LSetTraceSink([](std::string_view line, std::string_view) { s_line = line; })) {
-        s_line.clear();
-    }
-    ~SendToSettingsTest() override { LSetTraceSink(m_before); }
-
     // Each field filled to its last byte with a letter of its own: only the forced zeros end the texts.
-    static std::vector<uint8_t> FullRecord(uint32_t version) {
-        std::vector<uint8_t> bytes = {static_cast<uint8_t>(version), 0, 0, 0};
-        const auto fill = [&](size_t count, char c) {
-            bytes.insert(bytes.end(), count, static_cast<uint8_t>(c));
-        };
-        if (version != 0) bytes.insert(bytes.end(), {0xFF, 0xFF, 0xFF, 0xFF});
-        fill(32, 'n');
-        bytes.insert(bytes.end(), {2, 0, 0, 0});
-        fill(128, 'e');
-        fill(256, 'f');
-        fill(128, 'h');
-        fill(32, 'u');
-        fill(32, 'p');
-        fill(256, 'F');
-        if (version != 0) fill(64, 'k');
-        fill(1024, 'w');
+    static Bytes FullRecord(uint32_t version) {
+        Bytes bytes = {static_cast<uint8_t>(version), 0, 0, 0};
+        if (version != 0) bytes.insert(bytes.end(), 4, 0xFF);
+        static const std::pair<size_t, char> kFields[] = {{32, 'n'},  {1, 2},     {3, 0},     {128, 'e'},
+                                                          {256, 'f'}, {128, 'h'}, {32, 'u'},  {32, 'p'},
+                                                          {256, 'F'}, {64, 'k'},  {1024, 'w'}};
+        for (const auto& [count, letter] : kFields)
+            bytes.insert(bytes.end(), letter == 'k' && version == 0 ? 0 : count,
+                         static_cast<uint8_t>(letter));
         return bytes;
     }
 
@@ -43,21 +24,7 @@ protected:
         LMemoryFile file(bytes);
         return settings.Load(file);
     }
-
-private:
-    LTraceSink m_before;
 };
-
-TEST_F(SendToSettingsTest, ANewRecordIsUntitledMail) {
-    const std::vector<uint8_t> bytes = SendToSettings().ToBytes();
-    ASSERT_EQ(bytes.size(), 1964u);
-    std::vector<uint8_t> expected(1964);
-    expected[0] = 1;
-    std::memcpy(&expected[8], "Untitled", 8);
-    const uint8_t format[] = {1, 0, 1, 0, 0x40, 0x1F, 0, 0, 0x40, 0x1F, 0, 0, 1, 0, 8, 0, 0, 0};
-    std::memcpy(&expected[940], format, sizeof format);
-    EXPECT_EQ(bytes, expected);
-}
 
 TEST_F(SendToSettingsTest, EveryTextEndsWithinItsField) {
     for (uint32_t version : {0u, 1u}) {
@@ -78,23 +45,21 @@ TEST_F(SendToSettingsTest, EveryTextEndsWithinItsField) {
 }
 
 TEST_F(SendToSettingsTest, RefusesWhatItCannotReadAndKeepsItsValues) {
-    const std::vector<uint8_t> full = FullRecord(1);
-    const std::vector<uint8_t> old = FullRecord(0);
-    std::vector<uint8_t> newer = full;
+    const Bytes full = FullRecord(1), old = FullRecord(0);
+    Bytes newer = full;
     newer[0] = 2;
     SendToSettings kept;
+    TraceLog log;
     EXPECT_FALSE(Load(kept, newer));
-    EXPECT_EQ(s_line, "SendToSettings::Load Attempting to load an unsupported version file");
+    EXPECT_TRUE(log.Has("SendToSettings::Load Attempting to load an unsupported version file"));
     EXPECT_FALSE(kept.Load(m_temp.File("none.dat")));
-    EXPECT_EQ(s_line, "SendToSettings::Load unable to open file");
+    EXPECT_TRUE(log.Has("SendToSettings::Load unable to open file"));
     for (size_t size = 0; size < full.size(); ++size) {
         EXPECT_FALSE(Load(kept, std::span(full).first(size))) << size;
         EXPECT_TRUE(size >= old.size() || !Load(kept, std::span(old).first(size))) << size;
     }
-    EXPECT_EQ(s_line, "SendToSettings::Load file too short");
+    EXPECT_TRUE(log.Has("SendToSettings::Load file too short"));
     EXPECT_EQ(kept.ToBytes(), SendToSettings().ToBytes());
-    EXPECT_EQ(old.size(), 1896u);
-    EXPECT_TRUE(Load(kept, old));
 }
 
 TEST_F(SendToSettingsTest, SavingReplacesTheFileAndReadsBack) {
@@ -129,9 +94,7 @@ TEST_F(SendToSettingsTest, TheDescriptionNamesTheAddressOfTheMethod) {
     } kCases[] = {
         {0, false, "Jo (jo@a)"},
         {1, true, "Jo DEFAULT (X:\\in)"},
-        {2, true, "Jo DEFAULT (hostA)"},
         {2, false, "Jo (hostA)"},
-        {3, false, "Jo (undefined method)"},
         {0xFFFFFFFF, true, "Jo DEFAULT (undefined method)"},
     };
     for (const auto& c : kCases) {

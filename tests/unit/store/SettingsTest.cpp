@@ -7,30 +7,26 @@
 
 using SettingsTest = StoreTest;
 
-TEST_F(SettingsTest, IntegersTakeTheirDefaultWhenEmptyOrAbsent) {
+TEST_F(SettingsTest, IntegersAndBooleansTakeTheirDefaultWhenEmptyOrAbsent) {
     const LPath& file = m_data.settingsFile;
-    WriteFileText(file, "[s]\r\nempty=\r\nword=abc\r\nhuge=99999999999\r\nminus= -5 \r\n");
+    WriteFileText(file, "[s]\r\nempty=\r\nword=abc\r\nhuge=99999999999\r\nminus= -5 \r\nt=t\r\n");
     static const struct {
         const char* key;
-        int32_t expected;
-    } kCases[] = {{"absent", 9}, {"empty", 9}, {"word", 0}, {"huge", INT32_MAX}, {"minus", -5}};
-    for (const auto& c : kCases) EXPECT_EQ(Settings::ReadInt(file, "s", c.key, 9), c.expected) << c.key;
+        int32_t number;
+        bool isTrue;  // only when it starts with t
+    } kCases[] = {{"absent", 9, true},        {"empty", 9, false},  {"word", 0, false},
+                  {"huge", INT32_MAX, false}, {"minus", -5, false}, {"t", 0, true}};
+    for (const auto& c : kCases) {
+        EXPECT_EQ(Settings::ReadInt(file, "s", c.key, 9), c.number) << c.key;
+        EXPECT_EQ(Settings::ReadBool(file, "s", c.key, true), c.isTrue) << c.key;
+    }
+    LProfile::Write(file, "s", "t", "True");
+    EXPECT_FALSE(Settings::ReadBool(file, "s", "t", true));
+    EXPECT_FALSE(Settings::ReadBool(file, "s", "absent", false));
     Settings::WriteInt(file, "s", "least", INT32_MIN);
     EXPECT_EQ(Settings::ReadInt(file, "s", "least", 0), INT32_MIN);
     Settings::WriteSeconds(file, "s", "late", 5000000000);
     EXPECT_EQ(Settings::ReadSeconds(file, "s", "late", 0), 5000000000);
-}
-
-TEST_F(SettingsTest, BooleansAreTrueOnlyWhenTheyStartWithT) {
-    const LPath& file = m_data.settingsFile;
-    WriteFileText(file, "[s]\r\na=true\r\nb=t\r\nc=True\r\nd=yes\r\ne=false\r\nf=\r\n");
-    static const struct {
-        const char* key;
-        bool expected;
-    } kCases[] = {{"a", true}, {"b", true}, {"c", false}, {"d", false}, {"e", false}, {"f", false}};
-    for (const auto& c : kCases) EXPECT_EQ(Settings::ReadBool(file, "s", c.key, true), c.expected) << c.key;
-    EXPECT_TRUE(Settings::ReadBool(file, "s", "absent", true));
-    EXPECT_FALSE(Settings::ReadBool(file, "s", "absent", false));
 }
 
 TEST_F(SettingsTest, TimesAreReducedToADay) {
@@ -45,11 +41,12 @@ TEST_F(SettingsTest, TimesAreReducedToADay) {
     };
     for (const auto& c : kCases) EXPECT_EQ(Settings::ParseTime(c.text), c.expected) << c.text;
     EXPECT_LE(Settings::ParseTime("99999999999999:99999999999:99999999999"), 86400);
-    Settings::WriteTime(m_data.settingsFile, "s", "time", 3723);
-    EXPECT_EQ(LProfile::Read(m_data.settingsFile, "s", "time", ""), "01:02:03");
-    EXPECT_EQ(Settings::ReadTime(m_data.settingsFile, "s", "none", 60), 60);
-    Settings::WriteDateTime(m_data.settingsFile, "s", "date", 951782400);
-    EXPECT_EQ(LProfile::Read(m_data.settingsFile, "s", "date", ""), "29/02/00-00:00:00");
+    const LPath& file = m_data.settingsFile;
+    Settings::WriteTime(file, "s", "time", 3723);
+    EXPECT_EQ(LProfile::Read(file, "s", "time", ""), "01:02:03");
+    EXPECT_EQ(Settings::ReadTime(file, "s", "none", 60), 60);
+    Settings::WriteDateTime(file, "s", "date", 951782400);
+    EXPECT_EQ(LProfile::Read(file, "s", "date", ""), "29/02/00-00:00:00");
 }
 
 TEST_F(SettingsTest, LevelsKnowSilenceAndSurviveRubbish) {
@@ -64,31 +61,6 @@ TEST_F(SettingsTest, LevelsKnowSilenceAndSurviveRubbish) {
     EXPECT_EQ(Settings::FormatLevel(-20), "-20dB");
     EXPECT_EQ(Settings::FormatLevel(-127), "--dB");
     EXPECT_EQ(Settings::FormatLevel(-128), "--dB");
-}
-
-TEST_F(SettingsTest, RemovingTheFirstOfThreeShortcutsMovesTheOthersDown) {
-    using namespace SettingsKeys;
-    const LPath& file = m_data.settingsFile;
-    WriteFileText(file,
-                  "[keys]\r\nkeycount=3\r\nkey0=65\r\nkey1=66\r\nkey2=67\r\nkey0mod=1\r\nkey2mod=4\r\n"
-                  "command0=5\r\ncommand1=6\r\ncommand2=7\r\n");
-    const int32_t count = Settings::ReadListCount(file, kKeysSection, kKeyPrefix);
-    ASSERT_EQ(count, 3);
-    for (int32_t i = 0; i <= count - 2; ++i) {
-        Settings::MoveListItem(file, kKeysSection, kKeyPrefix, i, i + 1);
-        Settings::MoveListItem(file, kKeysSection, kKeyPrefix, i, i + 1, kKeyModSuffix);
-        Settings::MoveListItem(file, kKeysSection, kKeyCommandPrefix, i, i + 1);
-    }
-    Settings::WriteListCount(file, kKeysSection, kKeyPrefix, count - 1);
-    const LProfileSection section(file, kKeysSection);
-    static const struct {
-        const char* key;
-        const char* expected;
-    } kCases[] = {
-        {"keycount", "2"}, {"key0", "66"},    {"key1", "67"},    {"key2", "none"},     {"key0mod", "none"},
-        {"key1mod", "4"},  {"command0", "6"}, {"command1", "7"}, {"command2", "none"},
-    };
-    for (const auto& c : kCases) EXPECT_EQ(section.Read(c.key, "none"), c.expected) << c.key;
 }
 
 TEST_F(SettingsTest, TheProgramChoosesTheLastLineThatIsNamedLikeAMicrophone) {

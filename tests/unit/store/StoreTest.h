@@ -1,12 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
-#include "tests/unit/TempFolder.h"
+#include "tests/unit/TestKit.h"
 
 // A data folder with user 7 in it.
 class StoreTest : public testing::Test {
