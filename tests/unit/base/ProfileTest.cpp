@@ -14,9 +14,7 @@ TEST(Profile, ReadsWhatPeopleWrite) {
                   "double=\"  kept  \"\r\nsingle='kept'\r\nodd=\"open\r\nempty=\r\nequals=a=b\r\n"
                   "plain=second\r\n\r\n[two]\nplain=other");
     static const struct {
-        const char* section;
-        const char* key;
-        const char* expected;
+        const char *section, *key, *expected;
     } kCases[] = {
         {"one", "PLAIN", "value"},       {"ONE", "spaced key", "in the middle"},
         {"One", "double", "  kept  "},   {"One", "single", "kept"},
@@ -65,13 +63,9 @@ TEST(Profile, RubbishYieldsDefaults) {
     TempFolder folder;
     const LPath file = folder.File("a.ini");
     std::string rubbish;
-    uint32_t state = 1;
-    for (int i = 0; i < 200000; ++i) {
-        state = state * 1664525 + 1013904223;
+    for (uint32_t state = 1; rubbish.size() < 200000; state = state * 1664525 + 1013904223)
         rubbish.push_back(static_cast<char>(state >> 24));
-    }
-    for (const std::string& text :
-         {std::string(), rubbish, std::string("[settings"), std::string(300000, '[')}) {
+    for (const std::string& text : {rubbish, std::string("[settings"), std::string(300000, '[')}) {
         WriteFileText(file, text);
         LProfile::Flush(file);
         EXPECT_EQ(LProfile::Read(file, "settings", "number", "1"), "1");
@@ -84,12 +78,10 @@ TEST(Profile, RubbishYieldsDefaults) {
 
 TEST(Profile, ASectionOfManyKeysIsReadWhole) {
     TempFolder folder;
-    const LPath file = folder.File("a.ini");
     std::string text = "[list]\r\n";
     for (int i = 0; i < 500; ++i) text += "item" + std::to_string(i) + "=" + std::string(40, 'v') + "\r\n";
-    WriteFileText(file, text);
-    const LProfileSection section(file, "list");
-    EXPECT_EQ(section.Read("item0", "").size(), 40u);
-    EXPECT_EQ(section.Read("item499", "").size(), 40u);
+    WriteFileText(folder.File("a.ini"), text);
+    const LProfileSection section(folder.File("a.ini"), "list");
+    EXPECT_EQ(section.Read("item499", ""), std::string(40, 'v'));
     EXPECT_EQ(section.Read("item500", "none"), "none");
 }
