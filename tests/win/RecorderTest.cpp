@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstdlib>
 
 #include "audio/LDeferredSink.h"
 #include "audio/LMixer_win.h"
@@ -41,8 +42,7 @@ public:
     void Say(int32_t milliseconds) {
         m_tone.resize(static_cast<size_t>(milliseconds * kRate / 1000));
         for (size_t i = 0; i < m_tone.size(); ++i)
-            m_tone[i] =
-                static_cast<int16_t>(16000 * std::sin(static_cast<double>(i) * 440 * 6.283185307 / kRate));
+            m_tone[i] = static_cast<int16_t>(16000 * std::sin(static_cast<double>(i) * 0.3455752));  // 440 Hz
         waveOutUnprepareHeader(m_device, &m_header, sizeof m_header);
         m_header = {};
         m_header.lpData = reinterpret_cast<char*>(m_tone.data());
@@ -75,8 +75,12 @@ struct Notes final : LSoundRecorderNotify {
 
 class RecorderTest : public testing::Test {
 protected:
-    void SetUp() override {
-        if (waveInGetNumDevs() == 0) GTEST_SKIP() << "no wave-in device";
+    void SetUp() override { Need(waveInGetNumDevs() > 0, "a wave-in device"); }
+    // The test machine has what these tests need, so that none of them passes there by being skipped.
+    static void Need(bool isThere, const char* what) {
+        if (isThere) return;
+        if (std::getenv("RIG")) FAIL() << "needs " << what;
+        GTEST_SKIP() << "needs " << what;
     }
 
     LSoundSink OpenSink(int32_t startFrames = 0) {
@@ -100,9 +104,6 @@ protected:
     bool PumpUntilTime(int32_t milliseconds) {
         return PumpUntil([&] { return m_notes.lastTime >= milliseconds; });
     }
-    bool PumpUntilState(State state) {
-        return PumpUntil([&] { return m_recorder.GetState() == state; });
-    }
 
     // Where in the recording the tone begins and ends, and how long the recording is.
     struct Heard {
@@ -121,8 +122,6 @@ protected:
             heard.lastMs = FramesToMs(source->GetPosition(), kRate);
             if (heard.firstMs < 0) heard.firstMs = heard.lastMs;
         }
-        printf("[          ] tone from %d to %d ms of %d ms\n", static_cast<int>(heard.firstMs),
-               static_cast<int>(heard.lastMs), static_cast<int>(heard.lengthMs));
         return heard;
     }
 
@@ -131,13 +130,18 @@ protected:
     const LPath m_path = m_folder.File("dictation.wav");
     Notes m_notes;
     LSoundRecorder m_recorder{m_notes, 77};
+};
+
+class SpokenRecorderTest : public RecorderTest {
+protected:
+    void SetUp() override { Need(m_speaker.Open(), "a wave-out device that the microphone hears"); }
+
     Speaker m_speaker;
 };
 
 }  // namespace
 
-TEST_F(RecorderTest, RecordsEverythingWithoutVoiceActivation) {
-    if (!m_speaker.Open()) GTEST_SKIP() << "nothing to speak with";
+TEST_F(SpokenRecorderTest, RecordsEverythingWithoutVoiceActivation) {
     ASSERT_TRUE(Record(kAnyLevel, 3000, LSoundRecorder::kRecordAtOnce));
     ASSERT_TRUE(PumpUntilTime(200));
     m_speaker.Say(1000);
@@ -156,8 +160,7 @@ TEST_F(RecorderTest, RecordsEverythingWithoutVoiceActivation) {
     EXPECT_GT(heard.lengthMs, heard.lastMs + 50);
 }
 
-TEST_F(RecorderTest, VoiceActivationKeepsTheWordsAndNotThePauses) {
-    if (!m_speaker.Open()) GTEST_SKIP() << "nothing to speak with";
+TEST_F(SpokenRecorderTest, VoiceActivationKeepsTheWordsAndNotThePauses) {
     ASSERT_TRUE(Record(-20, 600, 0));
     std::string heardSoFar = "waiting ";
     for (int word = 0; word < 2; ++word) {
@@ -178,12 +181,11 @@ TEST_F(RecorderTest, VoiceActivationKeepsTheWordsAndNotThePauses) {
     EXPECT_LE(heard.lengthMs, heard.lastMs + 150);
 }
 
-TEST_F(RecorderTest, StopDoesNotClipWhatIsBeingSpoken) {
-    if (!m_speaker.Open()) GTEST_SKIP() << "nothing to speak with";
+TEST_F(SpokenRecorderTest, StopDoesNotClipWhatIsBeingSpoken) {
     ASSERT_TRUE(Record(-20, 3000, 0));
     ASSERT_TRUE(PumpUntil([&] { return m_notes.levels > 3; }));
     m_speaker.Say(10000);
-    ASSERT_TRUE(PumpUntilState(State::Recording));
+    ASSERT_TRUE(PumpUntil([&] { return m_recorder.GetState() == State::Recording; }));
     const uint32_t start = LTickMs();
     const int32_t before = m_recorder.LastLoudMs();
     ASSERT_TRUE(PumpUntilTime(before + 730));
@@ -196,8 +198,7 @@ TEST_F(RecorderTest, StopDoesNotClipWhatIsBeingSpoken) {
 }
 
 TEST_F(RecorderTest, SilenceLeavesTheOldRecordingAlone) {
-    const Bytes old =
-        WaveFile(Chunk("fmt ", FormatRecord(1, 1, kRate, 16)) + Chunk("data", Bytes(2 * kRate, 1)));
+    const Bytes old = Wave16(Bytes(2 * kRate, 1));
     LFile(m_path, LFile::Open::CreateNew).WriteAll(old);
     // Above full scale: nothing is loud enough.
     ASSERT_TRUE(m_recorder.Start(OpenSink(kRate / 2), 3000, 13, 0, 0));
@@ -205,20 +206,23 @@ TEST_F(RecorderTest, SilenceLeavesTheOldRecordingAlone) {
     ASSERT_TRUE(PumpUntil([&] { return m_notes.levels > 3; }));
     m_recorder.Stop();
     EXPECT_EQ(m_notes.words, "waiting stopped77 ");
-    Bytes now;
-    ASSERT_TRUE(LFile::ReadWhole(m_path, 1 << 20, now));
-    EXPECT_EQ(now, old);
+    EXPECT_EQ(Text(ReadFileText(m_path)), old);
 }
 
-TEST_F(RecorderTest, ArmedItWaitsForRestart) {
-    ASSERT_TRUE(Record(kAnyLevel, 3000, LSoundRecorder::kRecordAtOnce | LSoundRecorder::kArmOnly));
-    ASSERT_TRUE(PumpUntil([start = LTickMs()] { return LTickMs() - start > 500; }));
-    EXPECT_EQ(m_notes.levels, 0);
-    EXPECT_TRUE(m_recorder.Restart());
-    ASSERT_TRUE(PumpUntilTime(200));
-    m_recorder.Stop();
-    EXPECT_FALSE(m_recorder.Restart());
-    EXPECT_GE(Listen().lengthMs, 200);
+TEST_F(RecorderTest, ArmedItWaitsForRestartOnTheDefaultDeviceAndEndsWithItsOwner) {
+    Notes notes;
+    {
+        LSoundRecorder recorder(notes, 5);
+        recorder.SetDevice(99);  // there is none
+        ASSERT_TRUE(recorder.Start(OpenSink(), 3000, kAnyLevel, 0,
+                                   LSoundRecorder::kRecordAtOnce | LSoundRecorder::kArmOnly));
+        ASSERT_TRUE(PumpUntil([start = LTickMs()] { return LTickMs() - start > 500; }));
+        EXPECT_EQ(notes.levels, 0);
+        EXPECT_TRUE(recorder.Restart());
+        ASSERT_TRUE(PumpUntil([&] { return notes.lastTime >= 300; }));
+    }
+    EXPECT_EQ(notes.words, "recording stopped5 ");
+    EXPECT_GE(Listen().lengthMs, 300);
 }
 
 TEST_F(RecorderTest, EndsByItselfAtTheMaximumTimeAndWhenTheDiskIsFull) {
@@ -238,25 +242,13 @@ TEST_F(RecorderTest, EndsByItselfAtTheMaximumTimeAndWhenTheDiskIsFull) {
 }
 
 TEST_F(RecorderTest, RefusesWhatItCannotRecordTo) {
-    EXPECT_FALSE(m_recorder.Start(LSoundSink(), 3000, -20, 0, 0));
     Samples taken;
+    EXPECT_FALSE(m_recorder.Start(LSoundSink(), 3000, -20, 0, 0));
     EXPECT_FALSE(
         m_recorder.Start(LSoundSink::Make<CollectingSink>(kRate, uint8_t{0}, taken), 3000, -20, 0, 0));
     EXPECT_TRUE(m_log.Has("LSoundRecorder::Start Sink Error"));
-    EXPECT_FALSE(m_recorder.IsActive());
+    EXPECT_FALSE(m_recorder.IsActive() || m_recorder.Restart());
     EXPECT_EQ(m_notes.words, "");
-}
-
-TEST_F(RecorderTest, FallsBackToTheDefaultDeviceAndEndsWithItsOwner) {
-    Notes notes;
-    {
-        LSoundRecorder recorder(notes, 5);
-        recorder.SetDevice(99);
-        ASSERT_TRUE(recorder.Start(OpenSink(), 3000, kAnyLevel, 0, LSoundRecorder::kRecordAtOnce));
-        ASSERT_TRUE(PumpUntil([&] { return notes.lastTime >= 300; }));
-    }
-    EXPECT_EQ(notes.words, "recording stopped5 ");
-    EXPECT_GE(Listen().lengthMs, 300);
 }
 
 TEST(RecorderWithoutDevice, SaysThatItDidNotStart) {
@@ -276,8 +268,7 @@ TEST(Mixer, NamesItsInputsAndNeverMoreThanItHas) {
     EXPECT_EQ(LMixer::GetInputChannelCount(-1), 0);
     EXPECT_TRUE(log.Has("LMixer::GetInputChannelCount Invalid Input Device"));
     const int32_t count = LMixer::GetInputChannelCount(0);
-    EXPECT_GE(count, 0);
-    EXPECT_LE(count, 127);
+    EXPECT_TRUE(count >= 0 && count <= 127) << count;
     for (int32_t i = 0; i < count; ++i) EXPECT_NE(LMixer::GetInputChannelName(0, i), "");
     EXPECT_EQ(LMixer::GetInputChannelName(0, count), "");
     LMixer::SetInputChannel(0, count, 0);
