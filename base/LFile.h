@@ -46,7 +46,7 @@ public:
     // Fails when the target exists. Also moves between drives (copies, then deletes the source).
     static bool Move(const LPath& from, const LPath& to);
     // Puts a finished file in the place of another, whether that exists or not; the other's old contents are
-    // lost only after the new ones stand beside it, flushed.
+    // lost only after the new ones stand beside it, flushed. Waits up to 100 ms for others to let go of it.
     static bool Replace(const LPath& finished, const LPath& target);
     // Replaces a whole file: the bytes are written and flushed under the name beside, in the same folder, and
     // then swapped in. On failure the target is as it was and nothing is left beside it.

@@ -55,6 +55,31 @@ HANDLE OpenFile(const LPath& path, LFile::Open how) {
     return INVALID_HANDLE_VALUE;
 }
 
+// Others hold a file for moments: a virus scanner, an indexer, another machine's reader.
+constexpr int kReplaceTries = 6;
+constexpr DWORD kReplaceWaitMs = 20;
+
+bool IsHeldByOthers(const LPath& target, DWORD error) {
+    if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) return false;
+    const DWORD attributes = GetFileAttributesA(target.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY));
+}
+
+// ERROR_SUCCESS or the reason of the failure.
+DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
+    using MoveFileEx = BOOL(WINAPI*)(LPCSTR, LPCSTR, DWORD);
+    static const auto moveFileEx = LookUp<MoveFileEx>("MoveFileExA");
+    if (moveFileEx) {
+        const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH | MOVEFILE_COPY_ALLOWED;
+        if (moveFileEx(finished.c_str(), target.c_str(), flags)) return ERROR_SUCCESS;
+        if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED) return GetLastError();
+    }
+    // Windows 95 and 98 cannot replace in one step; the finished file exists, so the target may go first.
+    const bool moved = (!LFile::Exists(target) || LFile::Delete(target)) && LFile::Move(finished, target);
+    return moved ? ERROR_SUCCESS : GetLastError();
+}
+
 }  // namespace
 
 struct LFile::Impl {
@@ -160,16 +185,12 @@ bool LFile::Move(const LPath& from, const LPath& to) {
 
 bool LFile::Replace(const LPath& finished, const LPath& target) {
     if (target.Empty() || !Exists(finished)) return false;
-    using MoveFileEx = BOOL(WINAPI*)(LPCSTR, LPCSTR, DWORD);
-    static const auto moveFileEx = LookUp<MoveFileEx>("MoveFileExA");
-    if (moveFileEx) {
-        const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH | MOVEFILE_COPY_ALLOWED;
-        if (moveFileEx(finished.c_str(), target.c_str(), flags)) return true;
-        if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED) return false;
+    for (int tried = 1;; ++tried) {
+        const DWORD error = ReplaceOnce(finished, target);
+        if (error == ERROR_SUCCESS) return true;
+        if (tried == kReplaceTries || !IsHeldByOthers(target, error)) return false;
+        Sleep(kReplaceWaitMs);
     }
-    // Windows 95 and 98 cannot replace in one step; the finished file exists, so the target may go first.
-    if (Exists(target) && !Delete(target)) return false;
-    return Move(finished, target);
 }
 
 bool LFile::MakeFolder(const LPath& path) {

@@ -1,7 +1,30 @@
 #include "base/LProfile.h"
 
+#include "base/LFile.h"
 #include "base/LProfileText.h"
 #include "base/LText.h"
+#include "base/LThread.h"
+#include "base/LTrace.h"
+
+LCriticalSection& LProfileLock() {
+    static LCriticalSection lock;
+    return lock;
+}
+
+LPath LProfile::CopyOf(const LPath& file) {
+    LPath copy = file;
+    if (!file.Empty()) copy.Append("~");
+    return copy;
+}
+
+void LProfile::Recover(const LPath& file) {
+    const LLock lock(LProfileLock());
+    const LPath copy = CopyOf(file);
+    if (!LFile::Exists(copy)) return;
+    LTrace("LProfile::Recover change that was not finished", file.View());
+    const bool isUsed = !LFile::Exists(file) && LFile(copy, LFile::Open::Read).Size() > 0;
+    isUsed ? LFile::Move(copy, file) : LFile::Delete(copy);
+}
 
 std::string_view LTrimBlanks(std::string_view text) {
     while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);

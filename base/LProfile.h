@@ -10,8 +10,10 @@
 // native test build has a stand-in with the same visible rules: section and key names without regard to case,
 // blanks around a value dropped, one pair of quotation marks around a value dropped, values of at most 259
 // characters.
+// A change is made in a copy that then takes the file's place, so that the end of the program or of the power
+// at any moment leaves the file as it was before or after.
 // Errors: a read of what is missing yields the default; a failed write returns false.
-// Thread: any.
+// Thread: any; the calls of one process wait for each other.
 class LProfile {
 public:
     static constexpr size_t kMaxText = 259;
@@ -23,6 +25,13 @@ public:
     static bool Delete(const LPath& file, std::string_view section, std::string_view key);
     // Lets go of the platform's cache, so that the file itself may be moved or deleted.
     static void Flush(const LPath& file);
+
+    // Where a change is made before it takes the file's place: "user.dat~" beside "user.dat". Empty when that
+    // is too long for a path.
+    static LPath CopyOf(const LPath& file);
+    // Clears away the copy that an end of the program in the middle of a change left; it becomes the file
+    // where there is none. For the program's start: nothing else may be writing the file but this process.
+    static void Recover(const LPath& file);
 };
 
 // All keys of one section, read with one call: a list of a thousand records opens each of them once.

@@ -2,7 +2,12 @@
 
 #include <string_view>
 
-// The text rules of profile files that both implementations of LProfile need.
+class LCriticalSection;
+
+// The rules of profile files that both implementations of LProfile need.
+
+// Held while a file is read or changed: a reader would keep the changed copy from taking the file's place.
+LCriticalSection& LProfileLock();
 
 // Without the blanks around it.
 std::string_view LTrimBlanks(std::string_view text);

@@ -11,12 +11,6 @@ namespace {
 constexpr size_t kMaxFileBytes = 64u << 20;
 constexpr size_t kNone = SIZE_MAX;
 
-// The platform serialises changes; so does its stand-in.
-LCriticalSection& WriteLock() {
-    static LCriticalSection lock;
-    return lock;
-}
-
 std::vector<std::string> ReadLines(const LPath& file) {
     std::vector<std::string> lines;
     std::vector<uint8_t> bytes;
@@ -39,7 +33,7 @@ std::vector<std::string> ReadLines(const LPath& file) {
 bool WriteLines(const LPath& file, const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) text += line + "\r\n";
-    const LPath beside = file.WithExtension(".in~");
+    const LPath beside = LProfile::CopyOf(file);
     LFile written(beside, LFile::Open::CreateNew);
     if (!written.WriteAll({reinterpret_cast<const uint8_t*>(text.data()), text.size()})) return false;
     written.Close();
@@ -94,7 +88,7 @@ std::string LProfile::Read(const LPath& file, std::string_view section, std::str
 
 bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view value) {
-    const LLock lock(WriteLock());
+    const LLock lock(LProfileLock());
     std::vector<std::string> lines = ReadLines(file);
     Range range = FindSection(lines, section);
     if (range.first == kNone) {
@@ -113,7 +107,7 @@ bool LProfile::Write(const LPath& file, std::string_view section, std::string_vi
 }
 
 bool LProfile::Delete(const LPath& file, std::string_view section, std::string_view key) {
-    const LLock lock(WriteLock());
+    const LLock lock(LProfileLock());
     std::vector<std::string> lines = ReadLines(file);
     const size_t at = FindKey(lines, FindSection(lines, section), key);
     if (at == kNone) return true;

@@ -41,6 +41,53 @@ TEST(PlatformProfile, TwoThreadsWriteOneFileWithoutLoss) {
     }
 }
 
+namespace {
+
+constexpr char kChildFile[] = "CORVANE_TEST_PROFILE";
+
+// This program again, busy with writing.
+PROCESS_INFORMATION StartWriter(const LPath& file) {
+    SetEnvironmentVariableA(kChildFile, file.c_str());
+    char self[kPathSize] = {};
+    GetModuleFileNameA(nullptr, self, sizeof self);
+    std::string command = "\"" + std::string(self) +
+                          "\" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_WritesUntilItIsEnded";
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr, nullptr,
+                   &startup, &process);
+    return process;
+}
+
+}  // namespace
+
+TEST(PlatformProfile, DISABLED_WritesUntilItIsEnded) {
+    char file[kPathSize] = {};
+    ASSERT_GT(GetEnvironmentVariableA(kChildFile, file, sizeof file), 0u);
+    for (int i = 0;; ++i) LProfile::Write(LPath(file), "beat", "beat", std::to_string(i));
+}
+
+TEST(PlatformProfile, AProgramThatIsKilledWhileWritingLosesNoKey) {
+    TempFolder folder;
+    const LPath file = folder.File("user.dat");
+    std::string old = "[old]\r\n";
+    for (int i = 0; i < 200; ++i) old += "key" + std::to_string(i) + "=" + std::string(50, 'v') + "\r\n";
+    for (DWORD round = 0; round < 20; ++round) {
+        WriteFileText(file, old);
+        const PROCESS_INFORMATION writer = StartWriter(file);
+        const DWORD start = GetTickCount();
+        while (ReadFileText(file).size() <= old.size() && GetTickCount() - start < 20000) Sleep(1);
+        EXPECT_LT(GetTickCount() - start, 20000u) << "it never wrote";
+        Sleep(round % 7);  // at another moment each time
+        TerminateProcess(writer.hProcess, 1);
+        WaitForSingleObject(writer.hProcess, 20000);
+        CloseHandle(writer.hThread);
+        CloseHandle(writer.hProcess);
+        ASSERT_TRUE(ReadFileText(file).starts_with(old)) << round;
+    }
+}
+
 TEST(PlatformProfile, AFlushedFileMovesWithAllThatWasWritten) {
     TempFolder folder;
     const LPath from = folder.File("a.dat");
