@@ -108,20 +108,6 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
     EXPECT_TRUE(log.Has("LWaveFile::OpenSource Unable to Open File:"));
 }
 
-TEST(WaveSource, TellsPcmByItsTag) {
-    const std::pair<Bytes, bool> cases[] = {
-        {WaveFile(kFmt16), true},  // the data are not looked for
-        {WaveFile(Chunk("fmt ", FormatRecord(1, 0, 0, 64, 14))), true},
-        {WaveFile(Chunk("fmt ", FormatRecord(2, 1, 8000, 4)) + kData), false},
-        {WaveFile(PcmFormat(16, 13) + kData), false},
-        {WaveFile(kData), false},
-    };
-    for (const auto& [bytes, isPcm] : cases) EXPECT_EQ(LWaveFile::TestPCM(ScratchFile(bytes).path), isPcm);
-    TraceLog log;
-    EXPECT_FALSE(LWaveFile::TestPCM(ScratchFile(WaveFile(PcmFormat(16, 2))).path));
-    EXPECT_TRUE(log.Has("LWaveFile::TestPCM chunk too short"));
-}
-
 TEST(WaveSource, PlaysARecordingWhileItGrowsAndWhenItIsCut) {
     const ScratchFile file({});
     Samples block(kBlockFrames);
