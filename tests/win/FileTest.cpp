@@ -131,11 +131,9 @@ TEST(PlatformDataFolder, EveryoneMayWriteIntoIt) {
         GetFileSecurityA(shared.c_str(), DACL_SECURITY_INFORMATION, descriptor, sizeof descriptor, &size));
     BOOL present = FALSE, defaulted = FALSE;
     PACL list = nullptr;
-    ASSERT_TRUE(GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted));
-    ASSERT_TRUE(present && list && list->AceCount >= 1);
-    void* entry = nullptr;
-    ASSERT_TRUE(GetAce(list, 0, &entry));
-    EXPECT_EQ(static_cast<ACE_HEADER*>(entry)->AceType, ACCESS_ALLOWED_ACE_TYPE);
-    const DWORD mask = static_cast<ACCESS_ALLOWED_ACE*>(entry)->Mask;
-    EXPECT_TRUE((mask & GENERIC_ALL) || (mask & FILE_ALL_ACCESS) == FILE_ALL_ACCESS) << std::hex << mask;
+    ACCESS_ALLOWED_ACE* entry = nullptr;
+    ASSERT_TRUE(GetSecurityDescriptorDacl(descriptor, &present, &list, &defaulted) && present);
+    ASSERT_TRUE(GetAce(list, 0, reinterpret_cast<void**>(&entry)));
+    EXPECT_EQ(entry->Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
+    EXPECT_TRUE((entry->Mask & GENERIC_ALL) || (entry->Mask & FILE_ALL_ACCESS) == FILE_ALL_ACCESS);
 }

@@ -22,22 +22,6 @@ public:
     int runs = 0;
 };
 
-class Counter final : public LThread {
-public:
-    Counter(LCriticalSection& lock, int& count) : m_lock(lock), m_count(count) {}
-    ~Counter() override { Stop(); }
-    void ThreadFunction() override {
-        for (int i = 0; i < 10000; ++i) {
-            const LLock outer(m_lock), inner(m_lock);
-            ++m_count;
-        }
-    }
-
-private:
-    LCriticalSection& m_lock;
-    int& m_count;
-};
-
 }  // namespace
 
 TEST(Thread, RunsOnceUntilItIsStoppedOrEndsAndStartsAgain) {
@@ -63,15 +47,6 @@ TEST(Thread, RunsOnceUntilItIsStoppedOrEndsAndStartsAgain) {
         EXPECT_EQ(worker.runs, run);
     }
     EXPECT_TRUE(worker.Stop(0)) << "stopping what has ended";
-}
-
-TEST(Thread, TheLockExcludesOthersAndAdmitsItsOwner) {
-    LCriticalSection lock;
-    int count = 0;
-    Counter a(lock, count), b(lock, count);
-    ASSERT_TRUE(a.Start(kThreadNormal) && b.Start(kThreadNormal));
-    EXPECT_TRUE(a.WaitForEnd(kDeadlineMs) && b.WaitForEnd(kDeadlineMs));
-    EXPECT_EQ(count, 20000);
 }
 
 TEST(Signal, StaysSetUntilResetAndTellsWhichOfTwo) {

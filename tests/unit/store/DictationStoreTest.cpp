@@ -59,11 +59,11 @@ TEST_F(DictationStoreTest, ARecordThatWasCutOffGetsTheNumberOfItsName) {
 }
 
 TEST_F(DictationStoreTest, DeletingTakesAllThreeFiles) {
-    MakeFiles(Current(12), "a");
-    MakeFiles(Current(13), "b", false);
-    EXPECT_TRUE(DeleteDictationFiles(Current(12)));
-    EXPECT_TRUE(DeleteDictationFiles(Current(13)));
-    EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
+    for (bool withNotes : {true, false}) {
+        MakeFiles(Current(12), "a", withNotes);
+        EXPECT_TRUE(DeleteDictationFiles(Current(12)));
+        EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
+    }
 }
 
 TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyWaitInTheQueue) {
