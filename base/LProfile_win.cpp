@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <algorithm>
+
 #include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LProfileText.h"
@@ -113,18 +115,25 @@ void LProfile::Flush(const LPath& file) {
     if (!file.Empty()) DropCache(file);
 }
 
+// Windows 95 and 98 (the highest bit tells them) keep lengths in 16 bits.
+static DWORD LargestSection() {
+    return (GetVersion() & 0x80000000) != 0 ? 32767 : 1u << 20;
+}
+
 LProfileSection::LProfileSection(const LPath& file, std::string_view section) {
-    constexpr DWORD kLargest = 32767;  // the most that Windows 95 and 98 return
     if (file.Empty()) return;
     const LLock lock(LProfileLock());
-    for (DWORD size = 2048;; size = size < kLargest / 4 ? size * 4 : kLargest) {
+    const DWORD largest = LargestSection();
+    for (DWORD size = 2048;; size = std::min(size * 4, largest)) {
         m_lines.resize(size);
         const DWORD length =
             GetPrivateProfileSectionA(std::string(section).c_str(), m_lines.data(), size, file.c_str());
+        m_lines.resize(std::min(length, size));
         // Two less than the size means that not all of it found room.
-        if (length + 2 < size || size == kLargest) {
-            m_lines.resize(length);
-            return;
-        }
+        if (length + 2 < size) return;
+        if (size == largest) break;
     }
+    // Half a line would be read as a shorter value.
+    const size_t end = m_lines.find_last_of('\0', m_lines.find_last_not_of('\0'));
+    m_lines.resize(end == std::string::npos ? 0 : end + 1);
 }

@@ -79,9 +79,9 @@ TEST(Profile, RubbishYieldsDefaults) {
 TEST(Profile, ASectionOfManyKeysIsReadWhole) {
     TempFolder folder;
     std::string text = "[list]\r\n";
-    for (int i = 0; i < 500; ++i) text += "item" + std::to_string(i) + "=" + std::string(40, 'v') + "\r\n";
+    for (int i = 0; i < 1500; ++i) text += "item" + std::to_string(i) + "=" + std::string(40, 'v') + "\r\n";
     WriteFileText(folder.File("a.ini"), text);
     const LProfileSection section(folder.File("a.ini"), "list");
-    EXPECT_EQ(section.Read("item499", ""), std::string(40, 'v'));
-    EXPECT_EQ(section.Read("item500", "none"), "none");
+    EXPECT_EQ(section.Read("item1499", ""), std::string(40, 'v'));
+    EXPECT_EQ(section.Read("item1500", "none"), "none");
 }
