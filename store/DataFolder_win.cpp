@@ -1,5 +1,7 @@
 #include "store/DataFolder_win.h"
 
+#include "base/LFile.h"
+#include "base/LProfile.h"
 #include "base/LRegistry_win.h"
 
 namespace {
@@ -74,5 +76,8 @@ LPath MakeDefaultDataFolder() {
 DataFolder FindDataFolder() {
     LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, kDataValue));
     if (folder.Empty()) folder = MakeDefaultDataFolder();
-    return DataFolder::FromText(folder.View());
+    const DataFolder data = DataFolder::FromText(folder.View());
+    // Only where it is missing: another instance may be writing beside it.
+    if (!LFile::Exists(data.settingsFile)) LProfile::Recover(data.settingsFile);
+    return data;
 }

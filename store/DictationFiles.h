@@ -5,6 +5,9 @@
 
 #include "base/LPath.h"
 
+// Beside the audio while it is rewritten.
+inline constexpr char kUnfinishedAudioExtension[] = ".tmp";
+
 // The three files of one dictation, which share one base name in one folder.
 struct DictationFiles {
     LPath record;  // ".dat", settings format

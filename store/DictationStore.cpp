@@ -5,6 +5,7 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/DictationRecord.h"
+#include "store/NotesFile.h"
 #include "store/SettingsKeys.h"
 
 static bool IsTaken(const CurrentUser& user, int32_t number) {
@@ -64,7 +65,8 @@ LPath SetAsideAudio(const DictationFiles& files) {
     return LPath();
 }
 
-static void DeleteSetAside(const DictationFiles& files) {
+// What was set aside, and what the end of the program left of a file that was being written.
+static void DeleteLeftOvers(const DictationFiles& files) {
     const std::string_view folder = LFolderOf(files.audio.View());
     std::vector<LPath> found;
     LListFolder(LPath(folder), std::string(LSplitPath(files.audio.View()).name) + kSetAsidePattern,
@@ -72,12 +74,15 @@ static void DeleteSetAside(const DictationFiles& files) {
                     found.push_back(LPath::Join(folder, entry.name));
                     return true;
                 });
+    found.push_back(files.audio.WithExtension(kUnfinishedAudioExtension));
+    found.push_back(files.notes.WithExtension(NotesFile::kUnfinishedExtension));
+    found.push_back(LProfile::CopyOf(files.record));
     for (const LPath& path : found) LFile::Delete(path);
 }
 
 bool DeleteDictationFiles(const DictationFiles& files) {
     LProfile::Flush(files.record);
-    DeleteSetAside(files);
+    DeleteLeftOvers(files);
     for (const LPath* file : {&files.audio, &files.notes, &files.record}) {
         if (LFile::Exists(*file) && !LFile::Delete(*file)) {
             LTrace("DeleteDictationFiles unable to delete file", file->View());

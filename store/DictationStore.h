@@ -39,8 +39,8 @@ void SetPriority(const LPath& record, std::string_view priority);
 // may be all that is left of one ("00000012.bad1"). The new path, empty when it could not be moved.
 LPath SetAsideAudio(const DictationFiles& files);
 
-// Deletes audio, notes and record, in this order, and what was set aside. When one cannot be deleted the rest
-// stays and the result is false, so that audio in use is not left behind without its record.
+// Deletes audio, notes and record, in this order, and what was set aside or left over. When one cannot be
+// deleted the rest stays and the result is false, so that audio in use is not left behind without its record.
 bool DeleteDictationFiles(const DictationFiles& files);
 
 // Deletes the entries of a Sent folder that were created more than so many days ago (0 or less: none). now is

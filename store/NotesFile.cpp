@@ -7,7 +7,6 @@
 namespace NotesFile {
 
 constexpr size_t kPreviewBytes = 127;
-constexpr char kUnfinishedExtension[] = ".tx~";
 
 static std::string_view AsText(std::span<const uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -50,8 +49,11 @@ void RecoverUnfinished(const LPath& unfinished) {
     // The zero byte is written last, so a text that ends in one is complete.
     const bool complete =
         LFile::ReadWhole(unfinished, kMaxBytes, bytes) && !bytes.empty() && bytes.back() == 0;
-    if (complete && !LFile::Exists(notes) && LFile::Move(unfinished, notes)) return;
-    LFile::Delete(unfinished);
+    if (!complete) {
+        LFile::Delete(unfinished);
+    } else if (!LFile::Replace(unfinished, notes)) {
+        LTrace("NotesFile::RecoverUnfinished unable to replace file", notes.View());
+    }
 }
 
 }  // namespace NotesFile

@@ -20,8 +20,9 @@ bool Read(const LPath& notes, std::string& text);
 // Replaces the file by the text and one zero byte. On failure (false) the old notes are as they were.
 bool Write(const LPath& notes, std::string_view text);
 
-// Finishes or removes what a Write that was cut off left beside the notes; given the path of what was left.
+// Ends a Write that was cut off, given the path of what it left beside the notes: a complete text takes the
+// place of the older notes, half a text goes.
 void RecoverUnfinished(const LPath& unfinished);
-constexpr char kUnfinishedPattern[] = "*.tx~";
+inline constexpr char kUnfinishedExtension[] = ".tx~";
 
 }  // namespace NotesFile

@@ -1,7 +1,9 @@
 #include "store/Recovery.h"
 
 #include <map>
+#include <span>
 
+#include "base/LBytes.h"
 #include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
@@ -10,14 +12,18 @@
 #include "store/DictationRecord.h"
 #include "store/MoveToSent.h"
 #include "store/NotesFile.h"
+#include "store/SendToSettings.h"
 
 namespace {
 
+constexpr uint32_t kRiff = 0x46464952;    // "RIFF", little-endian
+constexpr uint32_t kWave = 0x45564157;    // "WAVE"
 constexpr int64_t kEmptyAudioBytes = 46;  // a header without a sample
 
 struct Found {
     bool record = false;
     bool audio = false;
+    bool emptyAudio = false;  // not even a header
 };
 
 std::map<int32_t, Found> ListCurrent(const LPath& folder) {
@@ -28,6 +34,7 @@ std::map<int32_t, Found> ListCurrent(const LPath& folder) {
         const std::string_view extension = LSplitPath(entry.name).extension;
         if (LEqualNoCase(extension, ".dat")) found[*number].record = true;
         if (LEqualNoCase(extension, ".wav") && entry.size > kEmptyAudioBytes) found[*number].audio = true;
+        if (LEqualNoCase(extension, ".wav") && entry.size == 0) found[*number].emptyAudio = true;
         return true;
     });
     return found;
@@ -59,25 +66,84 @@ void GiveAudio(const DictationFiles& sent, const DictationFiles& current) {
     if (LFile::Move(sent.audio, current.audio)) FetchNotes(sent, current);
 }
 
-void FinishNotes(const LPath& folder) {
-    std::vector<LPath> unfinished;
-    LListFolder(folder, NotesFile::kUnfinishedPattern, [&](const LFolderEntry& entry) {
-        unfinished.push_back(LPath::Join(folder.View(), entry.name));
+// A change to a settings file that was not finished: "user.dat~" beside "user.dat".
+void FinishProfile(const LPath& copy) {
+    LProfile::Recover(LPath(copy.View().substr(0, copy.View().size() - 1)));
+}
+
+void Discard(const LPath& path) {
+    LFile::Delete(path);
+}
+
+// The size in the head is written last, so a file that tells its own size is complete.
+bool IsCompleteWave(const LPath& path) {
+    uint8_t head[12];
+    LFile file(path, LFile::Open::Read);
+    if (!file.ReadExact(head)) return false;
+    LByteReader in(head);
+    const bool isRiff = in.U32() == kRiff;
+    const int64_t size = int64_t{in.U32()} + 8;
+    return isRiff && in.U32() == kWave && size == file.Size();
+}
+
+// Audio that was being rewritten: the old file stands until the new one is complete.
+void FinishAudio(const LPath& rewritten) {
+    if (!NumberOfFileName(rewritten)) return;
+    const LPath audio = rewritten.WithExtension(".wav");
+    const bool isWanted = !LFile::Exists(audio) && IsCompleteWave(rewritten);
+    isWanted ? LFile::Move(rewritten, audio) : LFile::Delete(rewritten);
+}
+
+struct LeftOver {
+    const char* extension;
+    void (*finish)(const LPath& path);
+};
+constexpr LeftOver kAnywhere[] = {
+    {".dat~", FinishProfile},
+    {".ini~", FinishProfile},
+    {".re~", SendToSettings::RecoverUnfinished},
+    {".tx~", NotesFile::RecoverUnfinished},
+    {".mo~", Discard},
+};
+// In Sent, files of this name belong to the send thread.
+constexpr LeftOver kInCurrent[] = {{kUnfinishedAudioExtension, FinishAudio}};
+
+void Finish(const LPath& folder, std::span<const LeftOver> kinds) {
+    std::vector<std::pair<const LeftOver*, LPath>> found;  // dealt with when the listing has ended
+    LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
+        const std::string_view extension = LSplitPath(entry.name).extension;
+        for (const LeftOver& kind : kinds) {
+            if (!entry.isFolder && LEqualNoCase(extension, kind.extension))
+                found.emplace_back(&kind, LPath::Join(folder.View(), entry.name));
+        }
         return true;
     });
-    for (const LPath& path : unfinished) NotesFile::RecoverUnfinished(path);
+    for (const auto& [kind, path] : found) {
+        LTrace("RecoverDictations file that was being written", path.View());
+        kind->finish(path);
+    }
+}
+
+void FinishWhatWasBeingWritten(const CurrentUser& user) {
+    const std::string_view userFolder = LFolderOf(user.userFile.View());
+    if (userFolder.empty()) return;
+    const std::string_view dataFolder = LFolderOf(userFolder.substr(0, userFolder.size() - 1));
+    for (const LPath& folder : {LPath(dataFolder), LPath(userFolder), user.currentFolder, user.sentFolder})
+        Finish(folder, kAnywhere);
+    Finish(user.currentFolder, kInCurrent);
 }
 
 }  // namespace
 
 void RecoverDictations(const CurrentUser& user, const std::function<bool(const LPath&)>& isQueued,
                        int64_t now) {
+    FinishWhatWasBeingWritten(user);
     MoveToSent::TakeUp(user, isQueued);
     for (const auto& [number, found] : ListCurrent(user.currentFolder)) {
         const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, number);
         const DictationFiles sent = current.InFolder(user.sentFolder);
+        if (found.emptyAudio) LFile::Delete(current.audio);
         if (found.audio && !found.record) GiveRecord(sent, current, now);
         if (found.record && !found.audio) GiveAudio(sent, current);
     }
-    FinishNotes(user.currentFolder);
 }

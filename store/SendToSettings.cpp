@@ -8,6 +8,7 @@
 namespace {
 
 constexpr uint32_t kVersion = 1;  // written; 0 has no flags and no encryption password
+constexpr char kUnfinishedExtension[] = ".re~";
 constexpr size_t kFileBytes = 1964;
 constexpr size_t kOldFileBytes = 1896;
 constexpr size_t kNameBytes = 32;
@@ -85,9 +86,15 @@ std::vector<uint8_t> SendToSettings::ToBytes() const {
 }
 
 bool SendToSettings::Save(const LPath& path) const {
-    if (LFile::WriteWhole(path, path.WithExtension(".re~"), ToBytes())) return true;
+    if (LFile::WriteWhole(path, path.WithExtension(kUnfinishedExtension), ToBytes())) return true;
     LTrace("SendToSettings::Save unable to write file", path.View());
     return false;
+}
+
+void SendToSettings::RecoverUnfinished(const LPath& unfinished) {
+    const LPath path = unfinished.WithExtension(".dat");
+    const bool isWanted = !LFile::Exists(path) && SendToSettings().Load(unfinished);
+    isWanted ? LFile::Move(unfinished, path) : LFile::Delete(unfinished);
 }
 
 LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index) {

@@ -38,6 +38,9 @@ struct SendToSettings {
     bool Load(LReadStream& stream);
     // Creates or replaces the file; a failure leaves the old one.
     bool Save(const LPath& path) const;
+    // Ends a Save that was cut off, given the path of what it left: a complete file becomes the recipient's
+    // where he has none, everything else goes.
+    static void RecoverUnfinished(const LPath& unfinished);
     // The 1964 bytes of the file; texts that are too long for their fields are cut.
     std::vector<uint8_t> ToBytes() const;
 };

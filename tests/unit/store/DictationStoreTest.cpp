@@ -58,9 +58,11 @@ TEST_F(DictationStoreTest, ARecordThatWasCutOffGetsTheNumberOfItsName) {
     EXPECT_EQ(record.number, 5) << "a number that is there stays, whatever the name says";
 }
 
-TEST_F(DictationStoreTest, DeletingTakesAllThreeFiles) {
+TEST_F(DictationStoreTest, DeletingTakesAllThreeFilesAndWhatWasLeftBesideThem) {
     for (bool withNotes : {true, false}) {
         MakeFiles(Current(12), "a", withNotes);
+        for (const char* extension : {".tmp", ".tx~", ".dat~", ".bad1"})
+            WriteFileText(Current(12).record.WithExtension(extension), "x");
         EXPECT_TRUE(DeleteDictationFiles(Current(12)));
         EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
     }

@@ -2,8 +2,8 @@
 
 #include "base/LProfile.h"
 #include "store/DictationStore.h"
-#include "store/NotesFile.h"
 #include "store/Recovery.h"
+#include "store/SendToSettings.h"
 #include "tests/unit/store/StoreTest.h"
 
 namespace {
@@ -173,16 +173,51 @@ TEST_F(MoveToSentTest, RecoveryLeavesWholeDictationsAndForeignFilesAlone) {
     EXPECT_EQ(CountFiles(m_user.currentFolder), 6u);
 }
 
-TEST_F(MoveToSentTest, NotesThatWereBeingSavedAreFinishedOrDropped) {
-    WriteFileText(Current(1).notes.WithExtension(".tx~"), std::string("whole\0", 6));
-    WriteFileText(Current(2).notes.WithExtension(".tx~"), "hal");
-    WriteFileText(Current(3).notes.WithExtension(".tx~"), std::string("newer\0", 6));
-    WriteFileText(Current(3).notes, std::string("kept\0", 5));
+TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
+    const std::string wave("RIFF\x08\0\0\0WAVEdata", 16), cut("RIFF\x09\0\0\0WAVEdata", 16);
+    const std::string notes("newer\0", 6), record = "[file]\r\nname=a\r\n", old = "old";
+    const Bytes bytes = SendToSettings().ToBytes();
+    const std::string recipient(bytes.begin(), bytes.end());
+    const struct {
+        const char *path, *left;
+        std::string before, written, expected;
+    } kCases[] = {
+        {"00000007\\Current\\00000001.txt", "00000007\\Current\\00000001.tx~", "", notes, notes},
+        {"00000007\\Current\\00000002.txt", "00000007\\Current\\00000002.tx~", "", "hal", ""},
+        {"00000007\\Current\\00000003.txt", "00000007\\Current\\00000003.tx~", old, notes, notes},
+        {"00000007\\Current\\00000004.txt", "00000007\\Current\\00000004.tx~", old, "newe", old},
+        {"00000007\\Current\\00000005.dat", "00000007\\Current\\00000005.dat~", "", record, record},
+        {"00000007\\Sent\\00000006.dat", "00000007\\Sent\\00000006.dat~", record, "[fi", record},
+        {"00000007\\user.dat", "00000007\\user.dat~", "", "", ""},
+        {"00000007\\rec0.dat", "00000007\\rec0.re~", "", recipient, recipient},
+        {"00000007\\rec1.dat", "00000007\\rec1.re~", "", recipient.substr(0, 900), ""},
+        {"00000007\\rec2.dat", "00000007\\rec2.re~", old, recipient, old},
+        {"settings.ini", "settings.ini~", "", record, record},
+        {"bgsend.dat", "bgsend.dat~", record, "[", record},
+        {"00000007\\moving.txt", "00000007\\moving.mo~", "", "00000005.dat", ""},
+        {"00000007\\Current\\00000005.wav", "00000007\\Current\\00000005.tmp", "", wave, wave},
+        {"00000007\\Current\\00000007.wav", "00000007\\Current\\00000007.tmp", "", cut, ""},
+        {"00000007\\Current\\00000004.wav", "00000007\\Current\\00000004.tmp", "", "RIFF", ""},
+    };
+    for (const auto& c : kCases) {
+        if (!c.before.empty()) WriteFileText(m_temp.File(c.path), c.before);
+        WriteFileText(m_temp.File(c.left), c.written);
+    }
+    MakeFiles(Current(12), "kept");
+    WriteFileText(Current(12).audio.WithExtension(".tmp"), wave);
+    WriteFileText(Current(13).record, record);
+    WriteFileText(Current(13).audio, "");
+    const LPath foreign = LPath::Join(m_user.currentFolder.View(), "memo.tmp");
+    WriteFileText(foreign, wave);
     Recover();
-    EXPECT_EQ(NotesFile::Preview(Current(1).notes), "whole");
-    EXPECT_FALSE(LFile::Exists(Current(2).notes));
-    EXPECT_EQ(NotesFile::Preview(Current(3).notes), "kept");
-    EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);
+    for (const auto& c : kCases) {
+        EXPECT_EQ(ReadFileText(m_temp.File(c.path)), c.expected) << c.path;
+        EXPECT_FALSE(LFile::Exists(m_temp.File(c.left))) << c.left;
+    }
+    ExpectWhole(Current(12), "kept");
+    EXPECT_FALSE(LFile::Exists(Current(13).audio)) << "not even a header";
+    EXPECT_TRUE(LFile::Exists(foreign));
+    EXPECT_FALSE(LFile::Exists(Current(12).audio.WithExtension(".tmp")));
 }
 
 }  // namespace
