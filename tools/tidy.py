@@ -1,7 +1,7 @@
 #!/usr/bin/python3
-"""Runs clang-tidy over our sources: portable files as the host build compiles them, the others as the
-Windows build does. A file is looked at again only when it, a header that it includes, or the rules have
-changed; what passed is remembered in build/tidy."""
+"""Runs clang-tidy over the program's sources: portable files as the host build compiles them, the others
+as the Windows build does; with --tests also over the tests. A file is looked at again only when it, a
+header that it includes, or the rules have changed; what passed is remembered in build/tidy."""
 
 import hashlib
 import json
@@ -21,10 +21,11 @@ MINGW = "i686-w64-mingw32"
 def compile_commands(build):
     """{source: command} of our own files, of a configured build folder."""
     text = subprocess.run(["ninja", "-C", build, "-t", "compdb"], capture_output=True, text=True, check=True).stdout
+    skipped = ("build",) if "--tests" in sys.argv else ("build", "tests")
     commands = {}
     for entry in json.loads(text):
         source = Path(entry["directory"], entry["file"]).resolve()
-        ours = source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build")
+        ours = source.is_relative_to(ROOT) and source.relative_to(ROOT).parts[0] not in skipped
         if ours and source.suffix == ".cpp" and " -c " in entry["command"]:
             commands[source] = entry
     return commands
