@@ -190,11 +190,13 @@ TEST_F(SpokenRecorderTest, StopDoesNotClipWhatIsBeingSpoken) {
     const int32_t before = m_recorder.LastLoudMs();
     ASSERT_TRUE(PumpUntilTime(before + 730));
     const int32_t spokenMs = static_cast<int32_t>(LTickMs() - start);
+    const int32_t taken = m_notes.lastTime;
     m_recorder.Stop();
     EXPECT_LT(LTickMs() - start - static_cast<uint32_t>(spokenMs), 400u) << "the window waits for this";
     const Heard heard = Listen();
     EXPECT_GE(heard.lastMs, heard.lengthMs - 3) << "loud to its very end";
     EXPECT_GE(heard.lengthMs, before + spokenMs - 20);
+    EXPECT_GE(heard.lengthMs, taken + 50) << "with the block that was being filled";
 }
 
 TEST_F(RecorderTest, SilenceLeavesTheOldRecordingAlone) {

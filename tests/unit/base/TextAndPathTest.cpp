@@ -34,8 +34,8 @@ TEST(Path, RefusesWhatDoesNotFitAndThenNamesNothing) {
     EXPECT_EQ(LPath::Join(std::string(257, 'a'), "b").View().size(), 259u);
     EXPECT_TRUE(LPath::Format("%s.wav", std::string(256, 'a').c_str()).Empty());
     EXPECT_TRUE(LPath(std::string_view("a\0b", 3)).Empty());
-    EXPECT_TRUE(path.Set("C:\\a\\b.wav") && path.Set(LFolderOf(path.View())) && path.Append(path.View()));
-    EXPECT_EQ(path.View(), "C:\\a\\C:\\a\\") << "changed through a view of itself";
+    EXPECT_TRUE(path.Set("C:\\a\\b.wav") && path.Set(path.View().substr(2)) && path.Append(path.View()));
+    EXPECT_EQ(path.View(), "\\a\\b.wav\\a\\b.wav") << "changed through a view of itself";
 }
 
 TEST(Path, JoinsWithOneSeparator) {
