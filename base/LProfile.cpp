@@ -1,5 +1,7 @@
 #include "base/LProfile.h"
 
+#include <algorithm>
+
 #include "base/LFile.h"
 #include "base/LProfileText.h"
 #include "base/LText.h"
@@ -40,12 +42,19 @@ std::string_view LProfileValue(std::string_view written) {
     return value.substr(0, LProfile::kMaxText);
 }
 
-std::string_view LProfileSafe(std::string_view value) {
+static bool IsTakenAway(char c) {
+    return LIsBlank(c) || c == '"' || c == '\'';
+}
+
+std::string LProfileSafe(std::string_view value) {
     size_t length = 0;
     while (length < value.size() &&
            (static_cast<unsigned char>(value[length]) >= 32 || value[length] == '\t'))
         ++length;
-    return value.substr(0, length < LProfile::kMaxText ? length : LProfile::kMaxText);
+    value = value.substr(0, std::min(length, LProfile::kMaxText));
+    if (value.empty() || (!IsTakenAway(value.front()) && !IsTakenAway(value.back())))
+        return std::string(value);
+    return '"' + std::string(value.substr(0, LProfile::kMaxText - 2)) + '"';
 }
 
 std::string LProfileSection::Read(std::string_view key, std::string_view defaultText) const {

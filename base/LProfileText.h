@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 class LCriticalSection;
@@ -16,6 +17,7 @@ std::string_view LTrimBlanks(std::string_view text);
 // characters.
 std::string_view LProfileValue(std::string_view written);
 
-// A value as it may be written: it ends before the first line break or other control byte, so no text that a
-// user enters can become a line of its own, and after at most 259 characters.
-std::string_view LProfileSafe(std::string_view value);
+// A value as it is to be written: it ends before the first line break or other control byte, so no text that
+// a user enters can become a line of its own, and after at most 259 characters. What a reader would take away
+// from its ends is kept by quotation marks around it.
+std::string LProfileSafe(std::string_view value);

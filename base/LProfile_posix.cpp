@@ -95,7 +95,7 @@ bool LProfile::Write(const LPath& file, std::string_view section, std::string_vi
         lines.push_back(std::string("[").append(section).append("]"));
         range = {lines.size(), lines.size()};
     }
-    const std::string line = std::string(key) + "=" + std::string(LProfileSafe(value));
+    const std::string line = std::string(key) + "=" + LProfileSafe(value);
     if (const size_t at = FindKey(lines, range, key); at != kNone) {
         lines[at] = line;
     } else {

@@ -35,7 +35,7 @@ bool IsAsWanted(const LPath& file, const Change& change) {
     char text[LProfile::kMaxText + 1] = {};
     GetPrivateProfileStringA(change.section.c_str(), change.key.c_str(), kAbsent, text, sizeof text,
                              file.c_str());
-    return std::string_view(text) == (change.value ? change.value : kAbsent);
+    return std::string_view(text) == (change.value ? LProfileValue(change.value) : kAbsent);
 }
 
 bool IsReadOnly(const LPath& file) {
@@ -79,8 +79,9 @@ bool ChangeFile(const LPath& file, const Change& change) {
     const LPath copy = LProfile::CopyOf(file);
     const bool changed = MakeCopy(file, copy) && ChangeCopy(copy, change) && LFile::Replace(copy, file);
     if (!changed) {
-        // A folder in which nothing may be created, or another program that keeps the file open.
-        LFile::Delete(copy);
+        // A folder in which nothing may be created, or another program that keeps the file open. Where a file
+        // is replaced in two steps it may be gone: then the copy is all there is.
+        LProfile::Recover(file);
         if (!Apply(file, change)) return false;
     }
     DropCache(file);
@@ -102,7 +103,7 @@ std::string LProfile::Read(const LPath& file, std::string_view section, std::str
 
 bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view value) {
-    const std::string safe(LProfileSafe(value));
+    const std::string safe = LProfileSafe(value);
     return ChangeFile(file, {std::string(section), std::string(key), safe.c_str()});
 }
 

@@ -59,6 +59,17 @@ TEST(Profile, ATextCannotBecomeALineOfItsOwn) {
     EXPECT_EQ(LProfileSection(file, "file").Read("name", "").size(), LProfile::kMaxText);
 }
 
+TEST(Profile, ReadsBackWhatWasEntered) {
+    TempFolder folder;
+    const LPath file = folder.File("a.ini");
+    for (const char* text :
+         {" Dr Jo", "Dr Jo\t", "\"Jo\"", "'Jo'", "\"", "5'", "\"a\" and \"b\"", "a \"b\" c", "  "}) {
+        EXPECT_TRUE(LProfile::Write(file, "file", "name", text));
+        EXPECT_EQ(LProfile::Read(file, "file", "name", "none"), text);
+        EXPECT_EQ(LProfileSection(file, "file").Read("name", "none"), text);
+    }
+}
+
 TEST(Profile, RubbishYieldsDefaults) {
     TempFolder folder;
     const LPath file = folder.File("a.ini");
