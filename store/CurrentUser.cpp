@@ -79,18 +79,35 @@ CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name
     return added;
 }
 
-// A list of items whose key is missing ends there, whatever its count promises; the first item has a default.
+// A count may promise anything, so a list ends at so many missing items in a row.
+constexpr int32_t kLargestGap = 16;
+
+// Each user once. The end of the program in the middle of a change leaves an item missing, or one twice; the
+// first item has a default.
 static std::vector<uint32_t> ReadUserItems(const LPath& settingsFile) {
     const LProfileSection section(settingsFile, SettingsKeys::kUsersSection);
     const std::string countText = section.Read(SettingsKeys::kUserCount.key, {});
     const int32_t count = countText.empty() ? SettingsKeys::kUserCount.defaultValue : LParseInt(countText);
     std::vector<uint32_t> users;
-    for (int32_t i = 0; i < count; ++i) {
+    for (int32_t i = 0, missing = 0; i < count && missing < kLargestGap; ++i) {
         const std::string text = section.Read(Settings::ListItemKey(SettingsKeys::kUserPrefix, i), {});
-        if (text.empty() && i > 0) break;
-        users.push_back(static_cast<uint32_t>(LParseInt64(text)));
+        const uint32_t user = static_cast<uint32_t>(LParseInt64(text));
+        missing = text.empty() ? missing + 1 : 0;
+        if (text.empty() && i > 0) continue;
+        if (std::find(users.begin(), users.end(), user) == users.end()) users.push_back(user);
     }
     return users;
+}
+
+// From the first item on without a gap. An item only ever moves down, to where the one before it was read.
+static void WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
+    const int32_t count = static_cast<int32_t>(users.size());
+    for (int32_t i = 0; i < count; ++i) {
+        Settings::WriteSeconds(settingsFile, SettingsKeys::kUsersSection,
+                               Settings::ListItemKey(SettingsKeys::kUserPrefix, i),
+                               users[static_cast<size_t>(i)]);
+    }
+    Settings::Write(settingsFile, SettingsKeys::kUserCount, count);
 }
 
 std::vector<uint32_t> ReadUserList(const LPath& settingsFile) {
@@ -100,22 +117,18 @@ std::vector<uint32_t> ReadUserList(const LPath& settingsFile) {
 }
 
 void AddUserToList(const LPath& settingsFile, uint32_t user) {
-    const std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    std::vector<uint32_t> users = ReadUserItems(settingsFile);
     if (std::find(users.begin(), users.end(), user) != users.end()) return;
-    const int32_t count = static_cast<int32_t>(users.size());
     // A list that was only implied is written out, or its one user would vanish behind the new count.
-    for (int32_t i = 0; i <= count; ++i) {
-        const uint32_t number = i < count ? users[static_cast<size_t>(i)] : user;
-        Settings::WriteSeconds(settingsFile, SettingsKeys::kUsersSection,
-                               Settings::ListItemKey(SettingsKeys::kUserPrefix, i), number);
-    }
-    Settings::Write(settingsFile, SettingsKeys::kUserCount, count + 1);
+    users.push_back(user);
+    WriteUserItems(settingsFile, users);
 }
 
 void RemoveUserFromList(const LPath& settingsFile, uint32_t user) {
     const std::vector<uint32_t> users = ReadUserItems(settingsFile);
     const auto found = std::find(users.begin(), users.end(), user);
     if (found == users.end()) return;
+    WriteUserItems(settingsFile, users);
     const int32_t last = static_cast<int32_t>(users.size()) - 1;
     for (int32_t i = static_cast<int32_t>(found - users.begin()); i < last; ++i) {
         Settings::MoveListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, i,

@@ -8,6 +8,7 @@
 namespace Settings {
 
 constexpr int32_t kDaySeconds = 86400;
+constexpr char kAbsent[] = "\x01";  // no value can be this
 
 int64_t ReadSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue) {
     const std::string text = LProfile::Read(file, section, key, {});
@@ -112,13 +113,14 @@ void MoveListItem(const LPath& file, std::string_view section, std::string_view 
                   int32_t source, std::string_view suffix) {
     const std::string from = ListItemKey(prefix, source, suffix);
     const std::string to = ListItemKey(prefix, destination, suffix);
-    const std::string value = LProfile::Read(file, section, from, {});
-    LProfile::Delete(file, section, from);
-    if (value.empty()) {
+    const std::string value = LProfile::Read(file, section, from, kAbsent);
+    // The destination first: what is there twice can be told, what is nowhere is lost.
+    if (value == kAbsent) {
         LProfile::Delete(file, section, to);
     } else {
         LProfile::Write(file, section, to, value);
     }
+    LProfile::Delete(file, section, from);
 }
 
 void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,

@@ -82,7 +82,8 @@ std::string FormatLevel(int8_t levelDb);
 int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix);
 void WriteListCount(const LPath& file, std::string_view section, std::string_view prefix, int32_t count);
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix = {});
-// Takes the value of one item away and gives it to another; an item without a value leaves none.
+// Takes the value of one item away and gives it to another; an item without a key leaves none. Whenever the
+// program ends, the value is under one key or under both.
 void MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
                   int32_t source, std::string_view suffix = {});
 void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,

@@ -51,10 +51,31 @@ TEST_F(CurrentUserTest, TheListOfUsersIsImpliedUntilItIsWrittenAndNeverTrusted) 
     EXPECT_EQ(ReadUserList(file), (Users{3000000000u, 5}));
     for (uint32_t user : {5u, 3000000000u}) RemoveUserFromList(file, user);
     EXPECT_EQ(ReadUserList(file), Users{0});
-    WriteFileText(file, "[users]\r\ncount=2000000000\r\nuser0=4\r\nuser1=6\r\n");
+    static const struct {
+        const char* text;
+        Users expected, withoutFour;
+    } kCases[] = {
+        {"count=2000000000\r\nuser0=4\r\nuser1=6", {4, 6}, {6}},
+        {"count=-3", {0}, {0}},
+        {"count=4\r\nuser0=4\r\nuser2=6\r\nuser3=8", {4, 6, 8}, {6, 8}},  // cut off while others moved down
+        {"count=4\r\nuser0=4\r\nuser1=4\r\nuser2=6\r\nuser3=6", {4, 6}, {6}},
+    };
+    for (const auto& c : kCases) {
+        WriteFileText(file, std::string("[users]\r\n") + c.text + "\r\n");
+        LProfile::Flush(file);
+        EXPECT_EQ(ReadUserList(file), c.expected);
+        RemoveUserFromList(file, 4);
+        EXPECT_EQ(ReadUserList(file), c.withoutFour) << c.text;
+    }
+}
+
+TEST_F(CurrentUserTest, AnItemMovesWithAnEmptyValueAndNeverComesFromNowhere) {
+    const LPath& file = m_data.settingsFile;
+    WriteFileText(file, "[s]\r\na0=x\r\na1=\r\na3=\r\n");
     LProfile::Flush(file);
-    EXPECT_EQ(ReadUserList(file), (Users{4, 6}));
-    WriteFileText(file, "[users]\r\ncount=-3\r\n");
-    LProfile::Flush(file);
-    EXPECT_EQ(ReadUserList(file), Users{0});
+    Settings::MoveListItem(file, "s", "a", 0, 1);
+    Settings::MoveListItem(file, "s", "a", 3, 2);
+    EXPECT_EQ(LProfile::Read(file, "s", "a0", "none"), "");
+    for (const char* key : {"a1", "a2", "a3"})
+        EXPECT_EQ(LProfile::Read(file, "s", key, "none"), "none") << key;
 }
