@@ -20,6 +20,7 @@ constexpr double kConversionEnd = 0.4;  // of the item
 constexpr char kNoCodec[] =
     "Unable open temporary compressed wav file.\n\nThis might mean that you do not have the correct CODEC "
     "installed on your computer to compress the file.";
+constexpr char kUnwritable[] = "The converted audio could not be written. The disk may be full.";
 
 // The text that tells the user which dictation it was; the whole stays below the 259 characters of an error
 // text.
@@ -27,11 +28,12 @@ std::string NamedError(const std::string& name, std::string_view reason) {
     return LFormat("Unable to send \"%.80s\".\n\n%.160s", name.c_str(), std::string(reason).c_str());
 }
 
-// The conversion does not know whose audio it converts.
+// The pump does not know what it is part of, nor whose audio it converts.
 class ConversionStage final : public SendStage {
 public:
     ConversionStage(ProcessContext& item, const std::string& name)
         : SendStage(item, 0.0, kConversionEnd), m_item(item), m_name(name) {}
+    void SetStatus(std::string_view) override { m_item.SetStatus("Process Audio"); }
     void SetError(std::string_view text) override { m_item.SetError(NamedError(m_name, text)); }
 
 private:
@@ -58,13 +60,31 @@ SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessC
 
 ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
+    if (!m_entry.isWhole) return RefuseDamaged();
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
     result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_label}, m_context);
     if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
+    if (result == ProcessResult::Done && m_notesAreCut)
+        m_context.SetError(
+            LFormat("The notes of \"%.80s\" are too long for a dictation file. Only their first %lu "
+                    "characters were sent.",
+                    m_label.c_str(), static_cast<unsigned long>(kDctLongestNotes)));
     return result;
+}
+
+ProcessResult SendItem::RefuseDamaged() {
+    LTrace("SendItem::RefuseDamaged entry is not whole", m_entry.dictation.View());
+    if (!m_entry.dictation.Empty()) {
+        WriteStatus(RecordKeys::kStatusFailed);
+        return Fail("Its entry in the send queue was damaged. Please send it again.");
+    }
+    m_context.SetError(
+        "A dictation could not be sent because its entry in the send queue was damaged. Please look through "
+        "the sent dictations and send it again.");
+    return ProcessResult::Failed;
 }
 
 ProcessResult SendItem::Convert(LPath& file) {
@@ -98,11 +118,7 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
         const LSoundSource source = LWaveFile::OpenSource(m_files.audio);
         if (source->IsError()) return Fail("Its audio file is missing or cannot be read.");
         const LSoundSink sink = LWaveFile::OpenSink(output, m_recipient.waveFormat);
-        if (!sink || sink->IsError()) {
-            LTrace("BGSend::CompressWavFile unable to open compressed file", output.View());
-            m_context.SetError(kNoCodec);
-            return ProcessResult::Failed;
-        }
+        if (!sink || sink->IsError()) return FailToOpen(output, sink);
         ConversionStage stage(m_context, m_label);
         const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);
         if (result == ProcessResult::Stopped) return result;
@@ -111,7 +127,16 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
     }  // closed here
     if (IsComplete(output, frames)) return ProcessResult::Done;
     LTrace("BGSend::CompressWavFile compressed file is not complete", output.View());
-    return Fail("The converted audio could not be written. The disk may be full.");
+    return Fail(kUnwritable);
+}
+
+// Without a sink there is nothing that could write the format; a PCM sink fails for its file alone.
+ProcessResult SendItem::FailToOpen(const LPath& output, const LSoundSink& sink) {
+    LTrace("BGSend::CompressWavFile unable to open compressed file", output.View());
+    if (sink && m_recipient.waveFormat.Tag() == kFormatTagPcm) return Fail(kUnwritable);
+    static_assert(sizeof kNoCodec + 84 <= 259);
+    m_context.SetError(LFormat("%s\n\n\"%.80s\"", kNoCodec, m_label.c_str()));
+    return ProcessResult::Failed;
 }
 
 ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
@@ -127,11 +152,7 @@ ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
     const ProcessResult result = writer.Write(MakeDctHeader(), notes.IsOpen() ? &notes : nullptr, &sound);
     if (result == ProcessResult::Failed)
         return Fail("The dictation file could not be written. The disk may be full.");
-    if (notes.Size() > kDctLongestNotes)
-        m_context.SetError(
-            LFormat("The notes of \"%.80s\" are too long for a dictation file. Only their first %lu "
-                    "characters were sent.",
-                    m_label.c_str(), static_cast<unsigned long>(kDctLongestNotes)));
+    m_notesAreCut = notes.Size() > kDctLongestNotes;
     return result;
 }
 

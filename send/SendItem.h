@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "audio/LSoundSink.h"
 #include "base/LPath.h"
 #include "base/LProcess.h"
 #include "send/DctWriter.h"
@@ -13,10 +14,13 @@
 #include "store/SendToSettings.h"
 
 // One queued dictation on its way: converted into the file that its recipient wants, delivered, and its
-// record told how that went. Progress: fractions of the item. The conversion takes it to 0.4, the DCT file to
-// 0.5, the delivery to 1. Errors: Failed always leaves an error text for the user. Only a recipient that
-// cannot be loaded and a failed delivery write "Send Failed"; a failed conversion leaves the record as it is,
-// and so does Stopped. Thread: the send thread.
+// record told how that went.
+// Units:  progress is in fractions of the item. The conversion takes it to 0.4, the DCT file to 0.5, the
+//         delivery to 1.
+// Errors: Failed always leaves an error text for the user. An entry that is not whole, a recipient that
+//         cannot be loaded and a failed delivery write "Send Failed"; a failed conversion leaves the record
+//         as it is, and so does Stopped.
+// Thread: the send thread.
 class SendItem {
 public:
     SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
@@ -28,9 +32,11 @@ public:
     ProcessResult Convert(LPath& file);
 
 private:
+    ProcessResult RefuseDamaged();
     bool LoadRecipient();
     ProcessResult MakeDct(const LPath& output);
     ProcessResult CompressWavFile(const LPath& output);
+    ProcessResult FailToOpen(const LPath& output, const LSoundSink& sink);
     ProcessResult CreateDCTFile(const LPath& output, const LPath& audio);
     DctHeader MakeDctHeader() const;
     int32_t Number() const { return m_record.number.value_or(0); }
@@ -44,5 +50,6 @@ private:
     DictationFiles m_files;
     SendToSettings m_recipient;
     DictationRecord m_record;
-    std::string m_label;  // what messages call the dictation
+    bool m_notesAreCut = false;  // the dictation file has not all of them
+    std::string m_label;         // what messages call the dictation
 };

@@ -99,6 +99,24 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     }
 }
 
+TEST_F(SendItemTest, TellsWhichDictationCouldNotBeConverted) {
+    const LPath dictation = world.AddDictation(5);
+    const std::string name = "Letter " + std::string(200, 'x');
+    Settings::Write(world.FilesOf(5).record, RecordKeys::kName, name);
+    SendToSettings noCodec = world.ToShare();
+    noCodec.waveFormat = LWaveFileFormat(FormatRecord(0x7777, 1, 8000, 8));
+    EXPECT_EQ(Send(dictation, world.AddRecipient(0, noCodec)), ProcessResult::Failed);
+    // PCM needs no codec: here it is the file itself that cannot be made.
+    ASSERT_TRUE(LFile::MakeFolder(LPath::Join(world.sent.View(), "00000005.tmp")));
+    EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
+    ASSERT_EQ(context.errors.size(), 2u);
+    const std::string begin = "\"" + name.substr(0, 80) + "\"";
+    EXPECT_TRUE(context.errors[0].ends_with("compress the file.\n\n" + begin)) << Error();
+    EXPECT_LE(context.errors[0].size(), 259u);
+    EXPECT_TRUE(context.errors[1].starts_with("Unable to send " + begin)) << context.errors[1];
+    EXPECT_EQ(context.errors[1].find("CODEC"), std::string::npos);
+}
+
 TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecord) {
     const LPath dictation = LPath::Join(world.sent.View(), "00000005.wav");
     EXPECT_EQ(Send(dictation, RecipientPath(world.data, 0, 7)), ProcessResult::Failed);
@@ -125,6 +143,10 @@ TEST_F(SendItemTest, AStopAnywhereLeavesNothingDeliveredAndNoStatus) {
 TEST_F(SendItemTest, TellsThatNotesWereCut) {
     const LPath dictation = world.AddDictation(5);
     ASSERT_TRUE(WriteFileText(world.FilesOf(5).notes, std::string(kDctLongestNotes + 1, 'n')));
+    context.cancelAt = 0.43;
+    EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShareEncrypted())), ProcessResult::Stopped);
+    EXPECT_TRUE(context.errors.empty()) << "nothing was sent yet";
+    context = {};
     EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Done);
     EXPECT_TRUE(Error().starts_with("The notes of \"Letter 5\" are too long")) << Error();
     EXPECT_EQ(world.Status(5), "Sent");
