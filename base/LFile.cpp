@@ -14,11 +14,14 @@ bool LFile::ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& 
 
 bool LFile::WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes) {
     if (target.Empty() || beside.Empty()) return false;
+    const bool existed = Exists(target);
     LFile file(beside, Open::CreateNew);
     if (!file.IsOpen()) return false;
     const bool written = file.WriteAll(bytes) && file.Flush();
     file.Close();
     if (written && Replace(beside, target)) return true;
-    Delete(beside);
+    // Where a file cannot be replaced in one step the target may be gone already: then these are its bytes.
+    const bool isLast = written && existed && !Exists(target);
+    if (!isLast) Delete(beside);
     return false;
 }

@@ -49,7 +49,8 @@ public:
     // lost only after the new ones stand beside it, flushed. Waits up to 100 ms for others to let go of it.
     static bool Replace(const LPath& finished, const LPath& target);
     // Replaces a whole file: the bytes are written and flushed under the name beside, in the same folder, and
-    // then swapped in. On failure the target is as it was and nothing is left beside it.
+    // then swapped in. On failure the target is as it was and nothing is left beside it; only where the
+    // platform replaces in two steps and the second fails do the bytes stay beside, without a target.
     static bool WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes);
     static bool MakeFolder(const LPath& path);
     static bool DeleteFolder(const LPath& path);
