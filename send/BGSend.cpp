@@ -2,11 +2,16 @@
 
 #include <utility>
 
-#include "base/LTrace.h"
+#include "base/LTime.h"
 #include "send/SendItem.h"
 
 static constexpr size_t kLongestError = 259;
 static constexpr char kQueueUnwritable[] = "Corvane internal files are read only or corrupt.";
+
+// How long the thread waits for another program, such as a virus scanner, to let go of the queue file.
+static constexpr uint32_t kReadLimitMs = 5000;
+static constexpr uint32_t kRemoveLimitMs = 2000;
+static constexpr uint32_t kRetryMs = 50;
 
 // What a stage of the current item reports to.
 class BGSend::ItemContext final : public ProcessContext {
@@ -37,7 +42,7 @@ bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) 
     {
         LLock lock(m_queueLock);
         added = m_queue.Append({dictation, recipient, user, true});
-        SetRange(m_queue.Count());
+        if (added) SetRange(m_queue.Count());
     }
     if (!added) SetError(kQueueUnwritable);
     StartSending();
@@ -47,23 +52,23 @@ bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) 
 void BGSend::StartSending() {
     {
         LLock lock(m_queueLock);
+        m_startedAgain = m_isActive;
         if (m_isActive) {
-            if (StopRequested()) m_stopWithdrawn = true;
+            m_stopSending.Reset();
             return;
         }
         m_isActive = true;
     }
     // No longer active, the thread has at most a few instructions left.
     WaitForEnd(kWaitForever);
-    m_stopWithdrawn = false;
+    m_stopSending.Reset();
     if (Start(kThreadLowest)) return;
     LLock lock(m_queueLock);
     m_isActive = false;
 }
 
 void BGSend::RequestStop() {
-    m_stopWithdrawn = false;
-    LThread::RequestStop();
+    m_stopSending.Signal();
 }
 
 bool BGSend::Stop(uint32_t timeoutMs) {
@@ -73,9 +78,8 @@ bool BGSend::Stop(uint32_t timeoutMs) {
 
 void BGSend::ClearQueue(uint32_t waitMs) {
     Stop(waitMs);
-    ++m_era;
-    SetCount(0);
     TakeError();
+    SetCount(0);
     StartSending();
 }
 
@@ -84,10 +88,14 @@ bool BGSend::SetCount(int32_t count) {
     {
         LLock lock(m_queueLock);
         written = m_queue.SetCount(count);
-        SetRange(count);
+        if (written) SetRange(count);
+        if (written && count <= 0) {
+            ++m_era;
+            m_finished.reset();
+        }
     }
     if (!written) SetError(kQueueUnwritable);
-    if (count <= 0) SetProgress(0.0);
+    if (written && count <= 0) SetProgress(0.0);
     return written;
 }
 
@@ -112,69 +120,85 @@ std::string BGSend::TakeError() {
 }
 
 void BGSend::ThreadFunction() {
-    Work work;
-    while (TakeHead(work)) {
-        if (MakeFile(work) == ProcessResult::Stopped) {
-            if (EndsAfterStop()) return;
-        } else if (!RemoveHead(work)) {
+    bool goesOn = true;
+    while (goesOn) {
+        Work work;
+        if (!Persist(kReadLimitMs, [&] { return TryTakeHead(work); })) {
+            goesOn = GoesOn(true);
+        } else if (!work.isTaken) {
             return;
+        } else if (!work.isFinished && MakeFile(work) == ProcessResult::Stopped) {
+            goesOn = GoesOn(false);
+        } else if (!Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); })) {
+            goesOn = GoesOn(true);
         }
     }
 }
 
-// False when the queue is empty; from then on StartSending starts a new thread.
-bool BGSend::TakeHead(Work& work) {
+// False when attempt failed until the time was over or a stop was requested.
+template <class Attempt>
+bool BGSend::Persist(uint32_t limitMs, Attempt attempt) {
+    const uint32_t begun = LTickMs();
+    while (!attempt()) {
+        if (m_stopSending.Wait(kRetryMs)) return false;
+        if (LTickMs() - begun < limitMs) continue;
+        SetError(kQueueUnwritable);
+        return false;
+    }
+    return true;
+}
+
+// False when the queue cannot be read. An empty one leaves work untaken; from then on StartSending starts a
+// new thread.
+bool BGSend::TryTakeHead(Work& work) {
     LLock lock(m_queueLock);
-    const int32_t count = m_queue.Count();
-    m_isActive = count > 0;
-    if (!m_isActive) return false;
-    work.entry = m_queue.Head();
+    int32_t count = 0;
+    if (!m_queue.ReadHead(work.entry, count)) return false;
+    work.isTaken = m_isActive = count > 0;
+    m_startedAgain = false;
+    if (!work.isTaken) return true;
     work.era = m_era;
+    work.isFinished = m_finished == work.entry;
     SetRange(count);
     return true;
 }
 
 ProcessResult BGSend::MakeFile(const Work& work) {
-    if (!work.entry.isWhole) {
-        LTrace("BGSend::MakeFile entry is not whole");
-        SetError(
-            "A dictation could not be sent because its entry in the send queue was damaged. Please look "
-            "through "
-            "the sent dictations and send it again.");
-        return ProcessResult::Failed;
-    }
     ItemContext context(*this, work);
     return SendItem(work.entry, m_data, context).Send();
 }
 
-// Takes away what was sent or failed, unless the queue was emptied and filled anew meanwhile. False when the
-// file cannot be changed: to go on would send the same dictation for ever.
-bool BGSend::RemoveHead(const Work& work) {
-    int32_t left;
+// Takes away what was sent or failed, unless the queue was emptied meanwhile. False when the file cannot be
+// changed; it is remembered then that the entry must not be sent once more.
+bool BGSend::TryRemoveHead(const Work& work) {
+    int32_t left = 0;
     {
         LLock lock(m_queueLock);
-        if (work.era != m_era || !(m_queue.Head() == work.entry)) return true;
-        if (!m_queue.RemoveHead()) {
-            SetError(kQueueUnwritable);
-            m_isActive = false;
-            return false;
+        if (work.era != m_era) return true;
+        m_finished = work.entry;
+        SendQueueEntry head;
+        if (!m_queue.ReadHead(head, left)) return false;
+        if (head == work.entry) {
+            if (!m_queue.RemoveHead()) return false;
+            left = m_queue.Count();
         }
-        left = m_queue.Count();
+        m_finished.reset();
         SetRange(left);
     }
     if (left == 0) SetProgress(0.0);
     return true;
 }
 
-// A stop that was withdrawn, or that only dropped one item, does not end the thread.
-bool BGSend::EndsAfterStop() {
+// A stop that was withdrawn, or that only dropped one item, does not end the thread. Nor does a file that
+// could not be used, when something was added since.
+bool BGSend::GoesOn(bool gaveUp) {
     LLock lock(m_queueLock);
-    m_isActive = !StopRequested() || m_stopWithdrawn;
-    return !m_isActive;
+    m_isActive = !m_stopSending.IsSignalled() && (!gaveUp || m_startedAgain);
+    return m_isActive;
 }
 
 bool BGSend::IsCancelled(const Work& work) const {
-    return (StopRequested() && !m_stopWithdrawn) || work.era != m_era;
+    return m_stopSending.IsSignalled() || work.era != m_era;
 }
 
 void BGSend::SetItemProgress(double itemFraction) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,9 +23,12 @@ struct BGSendOwner {
 // The queue of dictations to send and the thread of lowest priority that works it off: it takes the head,
 // makes and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
 // empty. The queue is a file and so survives the program: an entry leaves it only when it is done with, and a
-// run that was stopped or killed meanwhile finds it at the head again. Errors: whatever goes wrong is kept as
-// one text for the user; the first one stands until it is taken. Thread: the owner's, for everything but
-// RequestStop, GetProgress and TakeError (any). The destructor stops the thread and waits for it.
+// run that was stopped or killed meanwhile finds it at the head again.
+// Errors: whatever goes wrong is kept as one text for the user; the first one stands until it is taken. While
+//         another program keeps the queue file from being read or changed the thread waits for some seconds
+//         before it gives up; the next start goes on.
+// Thread: the owner's, for everything but RequestStop, GetProgress and TakeError (any). The destructor stops
+//         the thread and waits for it.
 class BGSend final : private LThread {
 public:
     BGSend() = default;
@@ -49,11 +53,12 @@ public:
     using LThread::IsRunning;
     using LThread::WaitForEnd;
 
-    // The user's "Cancel": stops the thread, empties the queue, clears the error text and starts again. An
-    // item that does not stop in the time given is dropped at its next check.
+    // The user's "Cancel": stops the thread, clears the error text, empties the queue and starts again. An
+    // item that does not stop in the time given is dropped at its next check. A queue that cannot be emptied
+    // leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
-    // Writes the number of entries; 0 empties the queue. False, with an error text, when the file does not
-    // take it.
+    // Writes the number of entries; 0 empties the queue and drops what is being sent. False, with an error
+    // text, when the file does not take it.
     bool SetCount(int32_t count);
     int32_t GetCount() const;
     // Whether a dictation (its audio file in Sent) waits in the queue.
@@ -69,13 +74,17 @@ private:
     struct Work {
         SendQueueEntry entry;
         uint32_t era = 0;
+        bool isTaken = false;
+        bool isFinished = false;  // an earlier run sent it and could not remove it
     };
 
     void ThreadFunction() override;
-    bool TakeHead(Work& work);
+    bool TryTakeHead(Work& work);
     ProcessResult MakeFile(const Work& work);
-    bool RemoveHead(const Work& work);
-    bool EndsAfterStop();
+    bool TryRemoveHead(const Work& work);
+    template <class Attempt>
+    bool Persist(uint32_t limitMs, Attempt attempt);
+    bool GoesOn(bool gaveUp);
 
     bool IsCancelled(const Work& work) const;
     void SetItemProgress(double itemFraction);
@@ -86,14 +95,16 @@ private:
     BGSendOwner* m_owner = nullptr;
     DataFolder m_data;
 
-    mutable LCriticalSection m_queueLock;  // guards m_queue and m_isActive; taken before m_stateLock
+    mutable LCriticalSection m_queueLock;  // guards the next four; taken before m_stateLock
     SendQueueFile m_queue;
-    bool m_isActive = false;  // the thread will look at the queue again before it ends
+    std::optional<SendQueueEntry> m_finished;  // sent or failed, and to be removed from the head
+    bool m_isActive = false;                   // the thread will look at the queue again before it ends
+    bool m_startedAgain = false;               // since it looked last
 
     mutable LCriticalSection m_stateLock;  // guards m_range and m_error
     SendProgressRange m_range;
     std::string m_error;
 
-    std::atomic<bool> m_stopWithdrawn{false};  // started again before the thread noticed the stop
-    std::atomic<uint32_t> m_era{0};            // counts how often the queue was emptied
+    LSignalObject m_stopSending;     // unlike the thread's own a start may withdraw it
+    std::atomic<uint32_t> m_era{0};  // counts how often the queue was emptied; changes under m_queueLock
 };

@@ -3,7 +3,6 @@
 #include <limits>
 #include <string>
 
-#include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
@@ -18,9 +17,10 @@ constexpr char kRecipientPrefix[] = "sendto";
 constexpr char kUserPrefix[] = "id";
 constexpr const char* kPrefixes[] = {kFilePrefix, kRecipientPrefix, kUserPrefix};
 
-// A count up to here is believed when its last entry is there. Beyond it, and where the last entry is
-// missing, the entries themselves are counted, until so many in a row are missing.
-constexpr int32_t kMostBelieved = 1000;
+// The shortest line that an entry can have, "id0=0" and its end: a count of more entries than the file has
+// room for is none.
+constexpr int64_t kLeastEntryBytes = 6;
+// Entries are counted one by one until so many in a row are missing.
 constexpr int32_t kLargestGap = 16;
 
 std::string Line(std::string_view key, std::string_view value) {
@@ -34,30 +34,37 @@ bool ParseUser(std::string_view text, uint32_t& user) {
     return true;
 }
 
-// The whole file with the entries from first on. Each moves down, also over those of which nothing is left.
-std::string TextFrom(const LPath& path, int32_t first, int32_t count) {
-    const LProfileSection section(path, kSection);
+// The keys of many entries, read with one call.
+class EntryKeys {
+public:
+    explicit EntryKeys(const LPath& path) : m_path(path), m_section(path, kSection) {}
+    std::string Read(const char* prefix, int32_t index) const {
+        const std::string key = Settings::ListItemKey(prefix, index);
+        const std::string value = m_section.Read(key, "");
+        // The oldest platforms yield only the first 32 KB of a section.
+        return value.empty() ? LProfile::Read(m_path, kSection, key, "") : value;
+    }
+
+private:
+    const LPath& m_path;
+    LProfileSection m_section;
+};
+
+// The whole file without the head. Each entry moves down, also over those of which nothing is left.
+std::string TextWithoutHead(const LPath& path, int32_t count) {
+    const EntryKeys keys(path);
     std::string lines;
     int32_t kept = 0;
-    for (int32_t i = first; i < count; ++i) {
+    for (int32_t i = 1; i < count; ++i) {
         const size_t before = lines.size();
         for (const char* prefix : kPrefixes) {
-            const std::string key = Settings::ListItemKey(prefix, i);
-            std::string value = section.Read(key, "");
-            // The oldest platforms yield only the first 32 KB of a section.
-            if (value.empty()) value = LProfile::Read(path, kSection, key, "");
+            const std::string value = keys.Read(prefix, i);
             if (!value.empty()) lines += Line(Settings::ListItemKey(prefix, kept), value);
         }
         if (lines.size() > before) ++kept;
     }
     return std::string("[") + kSection + "]\r\n" + Line(kCountKey, LFormat("%ld", static_cast<long>(kept))) +
            lines;
-}
-
-bool WriteFlushed(const LPath& path, std::string_view text) {
-    LFile file(path, LFile::Open::CreateNew);
-    return file.IsOpen() && file.WriteAll({reinterpret_cast<const uint8_t*>(text.data()), text.size()}) &&
-           file.Flush();
 }
 
 }  // namespace
@@ -74,11 +81,20 @@ void SendQueueFile::SetPath(const LPath& path) {
     }
 }
 
+// While the file is held nobody can shut it off between one key and the next. What is to be changed must be
+// let go of first.
+bool SendQueueFile::Hold(LFile& file) const {
+    file = LFile(m_path, LFile::Open::Read);
+    if (file.IsOpen() || !LFile::Exists(m_path)) return true;
+    LTrace("SendQueueFile::Hold unable to open file", m_path.View());
+    return false;
+}
+
 int32_t SendQueueFile::Count() const {
     const int32_t count = Settings::ReadInt(m_path, kSection, kCountKey, 0);
     if (count <= 0) return 0;
-    if (count <= kMostBelieved && HasEntry(count - 1)) return count;
-    return CountEntries(count);
+    const int64_t most = LFile(m_path, LFile::Open::Read).Size() / kLeastEntryBytes;
+    return count <= most && HasEntry(count - 1) ? count : CountEntries(count);
 }
 
 int32_t SendQueueFile::CountEntries(int32_t limit) const {
@@ -99,10 +115,11 @@ bool SendQueueFile::HasEntry(int32_t index) const {
 }
 
 bool SendQueueFile::Holds(const LPath& dictation) const {
+    LFile held;
+    if (!Hold(held)) return true;
+    const EntryKeys keys(m_path);
     for (int32_t i = 0, count = Count(); i < count; ++i) {
-        const std::string path =
-            Settings::ReadText(m_path, kSection, Settings::ListItemKey(kFilePrefix, i), "");
-        if (LEqualNoCase(path, dictation.View())) return true;
+        if (LEqualNoCase(keys.Read(kFilePrefix, i), dictation.View())) return true;
     }
     return false;
 }
@@ -119,13 +136,18 @@ SendQueueEntry SendQueueFile::Head() const {
     return entry;
 }
 
+bool SendQueueFile::ReadHead(SendQueueEntry& head, int32_t& count) const {
+    LFile held;
+    if (!Hold(held)) return false;
+    head = Head();
+    count = Count();
+    return true;
+}
+
 bool SendQueueFile::Append(const SendQueueEntry& entry) {
-    int32_t index = Count();
-    if (index >= kMostBelieved && CountEntries(index) < index) {
-        // One more would no longer be believed; without the gaps it will be found.
-        if (!KeepFrom(0, index)) return false;
-        index = Count();
-    }
+    SendQueueEntry head;
+    int32_t index = 0;
+    if (!ReadHead(head, index)) return false;
     const auto write = [this, index](const char* prefix, std::string_view value) {
         return LProfile::Write(m_path, kSection, Settings::ListItemKey(prefix, index), value);
     };
@@ -140,17 +162,17 @@ bool SendQueueFile::Append(const SendQueueEntry& entry) {
 }
 
 bool SendQueueFile::RemoveHead() {
+    LFile held;
+    if (!Hold(held)) return false;
     const int32_t count = Count();
-    return count == 0 || KeepFrom(1, count);
-}
-
-bool SendQueueFile::KeepFrom(int32_t first, int32_t count) {
-    const std::string text = TextFrom(m_path, first, count);
+    if (count == 0) return true;
+    const std::string text = TextWithoutHead(m_path, count);
+    held.Close();
     // What the platform has not written yet, or remembers, must not come back over the new file.
     LProfile::Flush(m_path);
-    if (WriteFlushed(m_unfinished, text) && LFile::Replace(m_unfinished, m_path)) return true;
-    LTrace("SendQueueFile::KeepFrom unable to replace file", m_path.View());
-    if (LFile::Exists(m_path)) LFile::Delete(m_unfinished);
+    if (LFile::WriteWhole(m_path, m_unfinished, {reinterpret_cast<const uint8_t*>(text.data()), text.size()}))
+        return true;
+    LTrace("SendQueueFile::RemoveHead unable to replace file", m_path.View());
     return false;
 }
 

@@ -103,14 +103,14 @@ TEST_F(BGSendTest, AStopInTheMiddleOfAnEncryptedFileLeavesTheEntryAtTheHead) {
 }
 
 TEST_F(BGSendTest, AFailureIsRemovedAndTheNextEntryIsTriedAtOnce) {
-    MakeDictations(2, 4000);
+    MakeDictations(3, 4000);
     LeaveEntries({1}, RecipientPath(world.data, 0, 5));
-    LeaveEntries({1}, LPath());
+    LeaveEntries({3}, LPath());  // an entry that is not whole
     LeaveEntries({9, 2}, recipient);
     queue.StartSending();
     WaitForEnd();
     EXPECT_EQ(queue.GetCount(), 0);
-    EXPECT_EQ(States(), "Send Failed,Sent,");
+    EXPECT_EQ(States(), "Send Failed,Sent,Send Failed");
     const std::string error = queue.TakeError();
     EXPECT_TRUE(error.starts_with("Unable to send \"Letter 1\".")) << "the first failure wins: " << error;
     EXPECT_EQ(queue.TakeError(), "");
@@ -147,13 +147,26 @@ TEST_F(BGSendTest, AQueueFileThatCannotBeWrittenIsTold) {
     const char kText[] = "Corvane internal files are read only or corrupt.";
     MakeDictations(1, 4000);
     LeaveEntries({1}, recipient);
-    ASSERT_TRUE(LFile::MakeFolder(LPath::Join(world.data.View(), "bgsend.new")));
+    const LPath obstacle = LPath::Join(world.data.View(), "bgsend.new");
+    const LPath delivered = LPath::Join(world.share.View(), "dct00000-00001.dct");
+    ASSERT_TRUE(LFile::MakeFolder(obstacle));
     queue.StartSending();
     WaitForEnd();  // instead of sending the same dictation for ever
     EXPECT_EQ(queue.TakeError(), kText);
     EXPECT_EQ(queue.GetCount(), 1);
 
+    ASSERT_TRUE(LFile::DeleteFolder(obstacle) && LFile::Delete(delivered));
+    queue.StartSending();
+    WaitForEnd();
+    EXPECT_EQ(queue.GetCount(), 0);
+    EXPECT_FALSE(LFile::Exists(delivered)) << "it is removed, not sent once more";
+    ASSERT_TRUE(Add(1));
+    WaitForEnd();
+    EXPECT_TRUE(LFile::Exists(delivered)) << "unless the user sends it again";
+
     queue.SetQueuePath(world.temp.File("missing\\bgsend.dat"));
     EXPECT_FALSE(Add(1));
+    EXPECT_EQ(queue.TakeError(), kText);
+    queue.ClearQueue();
     EXPECT_EQ(queue.TakeError(), kText);
 }
