@@ -10,6 +10,7 @@
 
 #include "base/LOwned.h"
 #include "base/LText.h"
+#include "base/LTime.h"
 
 // Serves the native tests: the program's paths are written with backslashes, this platform's with slashes.
 // Share modes are not imitated; tests that need them run as Windows binaries.
@@ -21,8 +22,6 @@ struct FileTraits {
     static Type None() { return -1; }
     static void Close(Type h) { close(h); }
 };
-
-constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
 
 std::string Native(std::string_view path) {
     std::string text(path);
@@ -37,7 +36,7 @@ std::string Native(const LPath& path) {
 }
 
 uint64_t ToFileTime(const timespec& time) {
-    return kFileTimeOf1970 + static_cast<uint64_t>(time.tv_sec) * 10000000 +
+    return kFileTimeOf1970 + static_cast<uint64_t>(time.tv_sec) * kFileTimeSecond +
            static_cast<uint64_t>(time.tv_nsec) / 100;
 }
 

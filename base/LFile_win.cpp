@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/LOwned.h"
+#include "base/LTime.h"
 
 namespace {
 
@@ -19,9 +20,6 @@ struct FindTraits {
     static Type None() { return INVALID_HANDLE_VALUE; }
     static void Close(Type h) { FindClose(h); }
 };
-
-constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
-constexpr uint64_t kFileTimeSecond = 10000000;
 
 uint64_t Join(DWORD high, DWORD low) {
     return static_cast<uint64_t>(high) << 32 | low;
@@ -44,7 +42,7 @@ HANDLE OpenFile(const LPath& path, LFile::Open how) {
     switch (how) {
         case LFile::Open::Read:
             return CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
         case LFile::Open::Write:
             return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -194,11 +192,11 @@ bool LFile::Replace(const LPath& finished, const LPath& target) {
 }
 
 bool LFile::MakeFolder(const LPath& path) {
-    return !path.Empty() && CreateDirectoryA(path.c_str(), nullptr);
+    return !path.Empty() && CreateDirectoryA(path.WithoutSeparator().c_str(), nullptr);
 }
 
 bool LFile::DeleteFolder(const LPath& path) {
-    return !path.Empty() && RemoveDirectoryA(path.c_str());
+    return !path.Empty() && RemoveDirectoryA(path.WithoutSeparator().c_str());
 }
 
 uint64_t LFile::FreeSpaceKb(const LPath& folder) {
@@ -210,7 +208,7 @@ uint64_t LFile::FreeSpaceKb(const LPath& folder) {
         return available.QuadPart / 1024;
     }
     // The older call takes a root, not any folder.
-    const std::string root = std::string(LSplitPath(folder.View()).drive) + "\\";
+    const LPath root = LRootOf(folder.View());
     DWORD sectors = 0;
     DWORD sectorBytes = 0;
     DWORD freeClusters = 0;

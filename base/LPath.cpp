@@ -40,6 +40,13 @@ LPath LPath::WithExtension(std::string_view extension) const {
     return path;
 }
 
+LPath LPath::WithoutSeparator() const {
+    std::string_view text = View();
+    while (text.size() > 1 && LIsSeparator(text.back()) && text[text.size() - 2] != ':')
+        text.remove_suffix(1);
+    return LPath(text);
+}
+
 LPath LPath::Format(const char* format, ...) {
     char text[kPathSize];
     va_list arguments;
@@ -72,6 +79,16 @@ LPathParts LSplitPath(std::string_view path) {
 
 std::string_view LFolderOf(std::string_view path) {
     return path.substr(0, path.size() - LFileNameOf(path).size());
+}
+
+LPath LRootOf(std::string_view path) {
+    const bool isShare = path.size() > 2 && LIsSeparator(path[0]) && LIsSeparator(path[1]);
+    if (!isShare) return LPath::Join(LSplitPath(path).drive, "\\");
+    const size_t server = path.find_first_of("\\/", 2);
+    const size_t share = server == std::string_view::npos ? server : path.find_first_of("\\/", server + 1);
+    LPath root(path.substr(0, share));
+    if (!root.Empty()) root.Append("\\");
+    return root;
 }
 
 std::string_view LFileNameOf(std::string_view path) {

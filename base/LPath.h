@@ -25,6 +25,9 @@ public:
     // The same path with another extension (".wav"), or with one added when it has none.
     LPath WithExtension(std::string_view extension) const;
 
+    // Without the separators at its end, but for a root's: Windows 95 makes no folder whose name ends in one.
+    LPath WithoutSeparator() const;
+
     // printf into a path, refused when longer than 259 characters.
     static LPath Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
@@ -47,6 +50,9 @@ LPathParts LSplitPath(std::string_view path);
 
 // Drive and folder of a path, with the trailing separator.
 std::string_view LFolderOf(std::string_view path);
+
+// The root of the drive or share of a path: "C:\" or "\\server\share\", and "\" where it names neither.
+LPath LRootOf(std::string_view path);
 
 // Name and extension of a path, without its folder.
 std::string_view LFileNameOf(std::string_view path);

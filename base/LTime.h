@@ -3,10 +3,14 @@
 #include <cstdint>
 #include <string>
 
+// File times count 100 ns units since 1601-01-01 UTC.
+inline constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
+inline constexpr uint64_t kFileTimeSecond = 10000000;
+
 // Seconds since 1970-01-01 00:00 UTC.
 int64_t LNowSeconds();
 
-// The current time as a file time: 100 ns units since 1601-01-01 UTC.
+// The current time as a file time.
 uint64_t LNowFileTime();
 
 // Milliseconds since the machine started; wraps after 49.7 days, so only unsigned differences mean anything.

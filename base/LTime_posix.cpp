@@ -2,12 +2,10 @@
 
 #include "base/LTime.h"
 
-constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
-
 uint64_t LNowFileTime() {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    return kFileTimeOf1970 + static_cast<uint64_t>(now.tv_sec) * 10000000 +
+    return kFileTimeOf1970 + static_cast<uint64_t>(now.tv_sec) * kFileTimeSecond +
            static_cast<uint64_t>(now.tv_nsec) / 100;
 }
 

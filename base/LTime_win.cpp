@@ -2,9 +2,6 @@
 
 #include "base/LTime.h"
 
-constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
-constexpr uint64_t kFileTimeSecond = 10000000;
-
 uint64_t LNowFileTime() {
     FILETIME now;
     GetSystemTimeAsFileTime(&now);

@@ -56,7 +56,7 @@ private:
 bool MakeFolderForEveryone(const LPath& folder) {
     if (folder.Empty()) return false;
     EveryoneAccess access;
-    return CreateDirectoryA(folder.c_str(), access.Attributes());
+    return CreateDirectoryA(folder.WithoutSeparator().c_str(), access.Attributes());
 }
 
 LPath MakeDefaultDataFolder() {

@@ -49,6 +49,23 @@ TEST(Path, JoinsWithOneSeparator) {
     for (const auto& c : kCases) EXPECT_EQ(LPath::Join(c.folder, c.name).View(), c.expected);
 }
 
+TEST(Path, FindsTheRootOfADriveOrShare) {
+    static const struct {
+        const char *path, *root, *withoutSeparator;
+    } kCases[] = {
+        {"C:\\a\\b\\", "C:\\", "C:\\a\\b"},
+        {"C:\\", "C:\\", "C:\\"},
+        {"\\\\server\\share\\a", "\\\\server\\share\\", "\\\\server\\share\\a"},
+        {"\\\\server\\share", "\\\\server\\share\\", "\\\\server\\share"},
+        {"a/", "\\", "a"},
+        {"\\", "\\", "\\"},
+    };
+    for (const auto& c : kCases) {
+        EXPECT_EQ(LRootOf(c.path).View(), c.root);
+        EXPECT_EQ(LPath(c.path).WithoutSeparator().View(), c.withoutSeparator);
+    }
+}
+
 TEST(Path, SplitsIntoPiecesThatMakeItUpAgain) {
     static const struct {
         const char *path, *drive, *folder, *name, *extension;
