@@ -4,7 +4,8 @@
 #include <span>
 
 // Bytes that can be read at any place. Parsers take one of these, never a path.
-// Units: bytes, 64 bits. Thread: one at a time.
+// Units:  bytes, 64 bits.
+// Thread: one at a time.
 class LReadStream {
 public:
     virtual ~LReadStream() = default;

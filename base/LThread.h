@@ -5,7 +5,8 @@
 
 constexpr uint32_t kWaitForever = 0xFFFFFFFFu;
 
-// An event that stays signalled until it is reset. Thread: any.
+// An event that stays signalled until it is reset.
+// Thread: any.
 class LSignalObject {
 public:
     LSignalObject();

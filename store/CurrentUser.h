@@ -22,8 +22,8 @@ struct UserDetails {
     static UserDetails Read(const LPath& userFile);
 };
 
-// The dictating user at work, rebuilt whenever the user changes. Thread: the window thread; the send thread
-// works from user numbers and forms its own paths.
+// The dictating user at work, rebuilt whenever the user changes.
+// Thread: the window thread; the send thread works from user numbers and forms its own paths.
 struct CurrentUser {
     LPath userFile;       // "<data folder>00000007\user.dat"
     LPath currentFolder;  // "<data folder>00000007\Current\"

@@ -16,7 +16,8 @@
 //     move.Commit();
 // A note beside the user file names the dictation from before the first step until the commit, so that a
 // program that ends in between finds at its next start what is to be put back (RecoverDictations). Before
-// Run: transport stopped and notes saved, no file of the dictation open. Thread: the window thread.
+// Run: transport stopped and notes saved, no file of the dictation open.
+// Thread: the window thread.
 class MoveToSent {
 public:
     // record: any path of the dictation; its file name counts.

@@ -11,7 +11,8 @@
 #include "base/LWaveFileFormat.h"
 
 // A typist: the way of delivery and the file format. One binary record file for each, "rec%d.dat" in the
-// user's folder, 1964 bytes (docs/file-formats.md). Thread: one at a time; the send thread loads its own.
+// user's folder, 1964 bytes (docs/file-formats.md).
+// Thread: one at a time; the send thread loads its own.
 struct SendToSettings {
     enum class Method : uint32_t { Email = 0, Folder = 1, Ftp = 2 };
     static constexpr uint32_t kEncrypt = 1;   // encrypt the dictation file (DCT only)
