@@ -95,6 +95,7 @@ void LWaveIn::Release() {
 
 void LWaveIn::Close() {
     if (!m_device) return;
+    if (m_memory) TakeBack();  // not all need have come back when the queueing failed half-way
     Release();
     m_device.Reset();
 }

@@ -11,8 +11,9 @@
 #include "base/LOwned.h"
 
 // A wave-in device and the ring of buffers that it fills, 16-bit PCM. The buffers hold three seconds: so long
-// may a slow disk keep the reader waiting before audio is lost. Errors: operations that fail trace and return
-// false. Thread: the recorder's.
+// may a slow disk keep the reader waiting before audio is lost.
+// Errors: operations that fail trace and return false.
+// Thread: the recorder's.
 class LWaveIn {
 public:
     static constexpr size_t kBuffers = 30;
