@@ -61,9 +61,10 @@ bool LDeferredSink::IsOurFile() {
 }
 
 LDeferredSink::~LDeferredSink() {
-    const bool untouched = m_stream != nullptr;
+    const bool isEmpty = m_stream || (m_file && IsError() && GetFrames() == 0);
     m_stream.reset();
-    if (untouched && !m_path.Empty() && !LFile::Delete(m_path))
+    m_file.Reset();
+    if (isEmpty && !m_path.Empty() && !LFile::Delete(m_path))
         LTrace("LDeferredSink::~LDeferredSink unable to remove the empty file", m_path.View());
 }
 

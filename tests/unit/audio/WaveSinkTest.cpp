@@ -141,6 +141,20 @@ TEST(DeferredSink, LeavesTheFileAloneUntilAudioArrives) {
     EXPECT_TRUE(LDeferredSink::Open(folder.File("none/a.wav"), 0, 16, 1, 8000)->IsError());
 }
 
+TEST(DeferredSink, RemovesItsFileWhenTheDiskTookNoAudio) {
+    for (size_t capacity : {0u, 20u, 47u, 48u}) {
+        const ScratchFile made({});
+        LMemoryFile disk;
+        disk.SetCapacity(capacity);
+        LSoundSink sink = LSoundSink::Make<LDeferredSink>(Borrow(disk), made.path, 0, 16, uint8_t{1}, 8000);
+        const Samples frames = {Sample(1), Sample(2)};
+        sink->Write(frames.data(), 2);
+        EXPECT_TRUE(sink->IsError());
+        sink.Reset();
+        EXPECT_EQ(LFile::Exists(made.path), capacity == 48) << capacity;  // one frame stays
+    }
+}
+
 TEST(DeferredSink, StartsWithinWhatTheFileHolds) {
     static const struct {
         Bytes contents;
