@@ -58,7 +58,7 @@ void VoiceGate::Record(Block block) {
 
 void VoiceGate::Pause(Block block, int32_t framesBefore) {
     LTrace("LSoundRecorder::ThreadFunction VoiceActivatedStop RECORDING->WAITING");
-    m_sink->Truncate(MsToFrames(m_lastLoudMs + kRestBeforePauseMs, m_sink->GetSampleRate()));
+    CutAfterLastLoud(kRestBeforePauseMs);
     m_state = State::Waiting;
     // After a short hang time the cut may leave the block's second half in the file: it must not come twice.
     if (m_sink->GetFrames() <= framesBefore + static_cast<int32_t>(HalfFrames(block)))
@@ -83,12 +83,16 @@ void VoiceGate::Await(Block block) {
 
 int32_t VoiceGate::Stop() {
     if (!m_sink) return 0;
-    m_sink->Truncate(MsToFrames(m_lastLoudMs + kRestBeforeStopMs, m_sink->GetSampleRate()));
+    CutAfterLastLoud(kRestBeforeStopMs);
     const int32_t endMs = RecordedMs();
     m_sink.Reset();
     m_lastLoudMs = 0;
     m_state = State::Stopped;
     return endMs;
+}
+
+void VoiceGate::CutAfterLastLoud(int32_t restMs) {
+    m_sink->Truncate(MsToFrames(Saturate(int64_t{m_lastLoudMs} + restMs), m_sink->GetSampleRate()));
 }
 
 void VoiceGate::Write(Block block) {

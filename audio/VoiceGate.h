@@ -57,6 +57,7 @@ private:
     void Record(Block block);
     void Await(Block block);
     void Pause(Block block, int32_t framesBefore);
+    void CutAfterLastLoud(int32_t restMs);
     void Write(Block block);
     void Measure(Block block);
     int8_t VoiceDb(Block block) const;
