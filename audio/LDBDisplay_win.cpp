@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "audio/LDecibel.h"
 #include "base/LOwned.h"
 #include "base/LTrace.h"
 
@@ -11,7 +12,6 @@ namespace {
 constexpr char kClassName[] = "LDBDisplay";
 constexpr int kScaleLowDb = -48;
 constexpr int kRedFromDb = -6;
-constexpr int8_t kSilence = -127;
 
 template <class H>
 struct GdiTraits {
@@ -26,7 +26,7 @@ struct Meter {
     LOwned<GdiTraits<HBITMAP>> redBitmap;
     LOwned<GdiTraits<HBRUSH>> green;
     LOwned<GdiTraits<HBRUSH>> red;
-    int8_t levelDb = kSilence;
+    int8_t levelDb = kSilenceDb;
 };
 
 Meter* MeterOf(HWND window) {

@@ -10,11 +10,11 @@
 // Writes a PCM WAV file with our 46-byte head. While it is open both sizes in the head say "unknown", so that
 // the file can be read meanwhile and after a crash; the destructor writes the real ones. The first
 // startFrames frames of an existing file are kept (as far as the file holds them), everything after them is
-// cut off at once, also when startFrames is 0. Units:  GetFrames() counts whole frames in the file, those
-// kept included. Errors: a target that cannot be opened or prepared sets the error bit, and so does a Write
-// that the disk does
-//         not take whole. What it did take is kept, to the last whole frame; later Writes do nothing. Head
-//         and data agree whenever the head can be written.
+// cut off at once, also when startFrames is 0.
+// Units:  GetFrames() counts whole frames in the file, those kept included.
+// Errors: a target that cannot be opened or prepared sets the error bit, and so does a Write that the disk
+//         does not take whole. What it did take is kept, to the last whole frame; later Writes do nothing.
+//         Head and data agree whenever the head can be written.
 class LSNKPCMFileBase : public LSoundSinkBase {
 public:
     ~LSNKPCMFileBase() override;

@@ -26,8 +26,7 @@ protected:
 // reached, or the disk or the device fails.
 // Units:  times are milliseconds of the sink's material, what it held at the start included.
 // Thread: that of the owner, which must dispatch messages: notifications come through a hidden window. The
-// sink
-//         belongs to the recorder from Start() until OnStopped().
+//         sink belongs to the recorder from Start() until OnStopped().
 class LSoundRecorder final : private LThread {
 public:
     enum Flags : uint32_t {
