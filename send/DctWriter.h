@@ -27,11 +27,12 @@ struct DctHeader {
 uint8_t DctPriority(std::string_view text);
 
 // Writes one DCT file onto an empty stream, plain or encrypted.
-// Progress: fractions of the queue item, creeping from 0.42 up to 0.5.
+// Units:  progress is in fractions of the queue item, creeping from 0.42 up to 0.5.
 // Errors: Failed (traced) when the notes or the audio cannot be read to their ends, when the stream does not
-// take every byte, and when a file of more than 4 GB would result. Stopped when a cancel is requested while
-// encrypted audio is written; plain audio is written to its end. Until the result is Done the file's length
-// field is 0, so that no reader takes an unfinished file. Thread: one at a time.
+//         take every byte, and when a file of more than 4 GB would result. Stopped when a cancel is requested
+//         while encrypted audio is written; plain audio is written to its end. Until the result is Done the
+//         file's length field is 0, so that no reader takes an unfinished file.
+// Thread: one at a time.
 class DctWriter {
 public:
     // With an empty pass phrase the file is plain.

@@ -9,8 +9,8 @@
 #include "send/BlowfishTables.h"
 
 // Standard Blowfish with 16 rounds, encryption only, each block on its own (electronic codebook). A block is
-// two 32-bit words, both little-endian in the buffer, the left half first. Thread: once the key is set, any
-// number at a time.
+// two 32-bit words, both little-endian in the buffer, the left half first.
+// Thread: once the key is set, any number at a time.
 class LBlowFish {
 public:
     static constexpr size_t kBlockBytes = 8;

@@ -17,8 +17,10 @@ struct SendDelivery {
     std::string dictationName;
 };
 
-// Delivers by the recipient's method. Progress: fractions of the queue item, 0.5 to 1. The delivered file is
-// deleted where the method says so; it is of no further use to the queue in any case.
+// Delivers by the recipient's method. The delivered file is deleted where the method says so; it is of no
+// further use to the queue in any case.
+// Units:  progress is in fractions of the queue item, 0.5 to 1.
 // Errors: Failed, with an error text for the user; Stopped when a cancel was requested before the dictation
-// had arrived, which the queue then sends again. Thread: the send thread.
+//         had arrived, which the queue then sends again.
+// Thread: the send thread.
 ProcessResult DeliverDictation(const SendDelivery& delivery, ProcessContext& context);

@@ -5,7 +5,8 @@
 // The share of the send progress bar that the item at the head of the queue has. A queue of three entries
 // shows the first over 0 to 1/3, the second over 1/3 to 2/3 and the third over 2/3 to 1; entries added
 // meanwhile make the shares smaller only when the queue becomes longer than it ever was since it was empty.
-// Units: fractions, 0 to 1. Thread: one at a time.
+// Units:  fractions, 0 to 1.
+// Thread: one at a time.
 class SendProgressRange {
 public:
     // entries: how many the queue holds now; 0 or less begins anew.
