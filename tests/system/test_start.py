@@ -75,7 +75,8 @@ def test_files_of_rubbish_harm_nobody(corvane, data, kind):
     number = program.new()
     assert number not in (7, 8) and data.record(number)["number"] == str(number)
     assert program.close() == 0
-    assert (data.current / "00000008.wav").read_bytes() == bad
+    # Audio of no bytes may go; any other stays as it is.
+    assert not bad or (data.current / "00000008.wav").read_bytes() == bad
 
 
 def test_without_any_file_the_program_starts_empty_and_works(corvane, data):
