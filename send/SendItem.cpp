@@ -18,8 +18,8 @@ namespace {
 constexpr double kConversionEnd = 0.4;  // of the item
 
 constexpr char kNoCodec[] =
-    "Unable open temporary compressed wav file.\n\nThis might mean that you do not have the correct CODEC "
-    "installed on your computer to compress the file.";
+    "Unable open temporary compressed wav file.\n\n"
+    "This might mean that you do not have the correct CODEC installed on your computer to compress the file.";
 constexpr char kUnwritable[] = "The converted audio could not be written. The disk may be full.";
 
 // The text that tells the user which dictation it was; the whole stays below the 259 characters of an error
@@ -69,8 +69,8 @@ ProcessResult SendItem::Send() {
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
     if (result == ProcessResult::Done && m_notesAreCut)
         m_context.SetError(
-            LFormat("The notes of \"%.80s\" are too long for a dictation file. Only their first %lu "
-                    "characters were sent.",
+            LFormat("The notes of \"%.80s\" are too long for a dictation file. "
+                    "Only their first %lu characters were sent.",
                     m_label.c_str(), static_cast<unsigned long>(kDctLongestNotes)));
     return result;
 }
@@ -82,8 +82,8 @@ ProcessResult SendItem::RefuseDamaged() {
         return Fail("Its entry in the send queue was damaged. Please send it again.");
     }
     m_context.SetError(
-        "A dictation could not be sent because its entry in the send queue was damaged. Please look through "
-        "the sent dictations and send it again.");
+        "A dictation could not be sent because its entry in the send queue was damaged. "
+        "Please look through the sent dictations and send it again.");
     return ProcessResult::Failed;
 }
 
