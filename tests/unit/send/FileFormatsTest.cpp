@@ -10,7 +10,7 @@ constexpr size_t kOffsetDigits = 5;
 
 // The bytes of the dump under a heading; between two lines whose offsets leave a gap there are zeros.
 Bytes Dump(const std::string& heading) {
-    static const std::string doc = ReadFileText(LPath(CORVANE_TEST_DATA "/../../docs/file-formats.md"));
+    static const std::string doc = ReadFileText(LPath(CORVANE_DOCS "/file-formats.md"));
     Bytes bytes;
     const size_t start = doc.find("### Dump: " + heading + "\n");
     if (start == std::string::npos) return bytes;
