@@ -3,8 +3,8 @@
 #include <windowsx.h>
 
 #include <commctrl.h>
-#include <stdlib.h>
-#include <time.h>
+#include <cstdlib>
+#include <ctime>
 
 #include "app/CommandState.h"
 #include "app/ControlNames.h"

@@ -1,16 +1,20 @@
 #include "app/NotesBox_win.h"
 
+#include <algorithm>
+
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/NotesFile.h"
 #include "ui/LWin.h"
 
 constexpr UINT kSaveAfterMs = 500;
+constexpr size_t kMostEdited =
+    65535;  // bytes; what Windows 95 can hold, and no platform takes long to lay out
 
 void NotesBox::Attach(HWND edit, HWND dialog) {
     m_edit = edit;
     m_dialog = dialog;
-    SendMessageA(m_edit, EM_SETLIMITTEXT, 0, 0);  // as much as the platform's control can hold
+    SendMessageA(m_edit, EM_SETLIMITTEXT, kMostEdited, 0);
     SetWindowLongA(m_edit, GWL_USERDATA, reinterpret_cast<LONG>(this));
     m_editProc =
         reinterpret_cast<WNDPROC>(SetWindowLongA(m_edit, GWL_WNDPROC, reinterpret_cast<LONG>(EditProc)));
@@ -29,7 +33,8 @@ void NotesBox::Load(const LPath& notesFile) {
     m_file = notesFile;
     m_isModified = false;
     std::string text;
-    const bool isRead = m_file.Empty() || NotesFile::Read(m_file, text);
+    const bool isRead = (m_file.Empty() || NotesFile::Read(m_file, text)) && text.size() <= kMostEdited;
+    if (!isRead) text.resize(std::min(text.size(), kMostEdited));
     m_isLoading = true;
     SetWindowTextA(m_edit, text.c_str());
     m_isLoading = false;

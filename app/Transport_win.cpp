@@ -55,6 +55,7 @@ public:
     std::vector<std::string> LineNames(int32_t device) override {
         std::vector<std::string> names;
         const int32_t count = LMixer::GetInputChannelCount(device);
+        names.reserve(static_cast<size_t>(count));
         for (int32_t i = 0; i < count; ++i) names.push_back(LMixer::GetInputChannelName(device, i));
         return names;
     }

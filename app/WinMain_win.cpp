@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <stdlib.h>
+#include <cstdlib>
 
 #include "app/AppState.h"
 #include "app/MainDialog_win.h"
