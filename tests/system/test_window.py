@@ -3,7 +3,6 @@
 import time
 
 from corvane import pcm_wav, wait_for
-from sound import microphone_streams
 
 MENU = {
     1001: "&New\tCtrl+N",
@@ -144,17 +143,22 @@ def test_priorities_and_deletion_take_every_selected_row(corvane, data):
 
 def test_a_tap_toggles_recording_and_a_hold_records_while_held(corvane, data):
     press, release = (lambda: program.post(1792, 6)), (lambda: program.post(1792, 7))
-    running = lambda: microphone_streams() > 0
+    running = lambda: program.api(7) != 0
+
+    def let_pass(seconds):
+        end = time.monotonic() + seconds
+        wait_for(lambda: time.monotonic() > end, "the time between two movements of a hand")
+
     program = corvane()
     program.new()
     for expected in (True, False):  # tap, tap
         press()
         release()
         wait_for(lambda: running() == expected, f"recording: {expected}")
+        let_pass(0.2)
     press()
     wait_for(running, "a recording")
-    held = time.monotonic() + 0.7
-    wait_for(lambda: time.monotonic() > held, "the hold")
+    let_pass(0.7)
     release()
     wait_for(lambda: not running(), "the end of the recording")
 
