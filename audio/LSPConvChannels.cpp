@@ -14,11 +14,8 @@ LSoundSource LSPConvChannels::OpenSource(const LSoundSource& source, uint8_t cha
 }
 
 LSPConvChannels::LSPConvChannels(const LSoundSource& source, uint8_t channels)
-    : LSoundSourceBase(source->GetSampleRate(), channels, source->GetLevel()),
-      m_source(source),
-      m_block(size_t{kBlockFrames} * source->GetChannels()) {
-    if (source->IsError()) SetError();
-}
+    : LFilterSource(source, source->GetSampleRate(), channels, source->GetLevel()),
+      m_block(size_t{kBlockFrames} * source->GetChannels()) {}
 
 void LSPConvChannels::Read(int32_t* samples, int32_t frames) {
     const int32_t* block = m_block.data();

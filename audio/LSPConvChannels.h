@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "audio/LSoundSource.h"
+#include "audio/LFilterSource.h"
 
 // A filter between mono and stereo. Mono goes to both channels; of stereo the left channel is kept and the
 // right one dropped, not mixed: a microphone on one side of a stereo line keeps its full level.
-class LSPConvChannels final : public LSoundSourceBase {
+class LSPConvChannels final : public LFilterSource {
 public:
     // The source with that many channels: itself when it has them already or has an error, otherwise wrapped.
     // The null source (traced) when either count is neither 1 nor 2.
@@ -16,11 +16,7 @@ public:
     LSPConvChannels(const LSoundSource& source, uint8_t channels);
 
     void Read(int32_t* samples, int32_t frames) override;
-    int32_t GetPosition() const override { return m_source->GetPosition(); }
-    int32_t GetLength() const override { return m_source->GetLength(); }
-    void Seek(int32_t frame) override { m_source->Seek(frame); }
 
 private:
-    LSoundSource m_source;
     std::vector<int32_t> m_block;  // one block as the wrapped source delivers it
 };

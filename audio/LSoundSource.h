@@ -24,6 +24,9 @@ public:
     virtual int32_t GetPosition() const = 0;
     virtual int32_t GetLength() const = 0;
     virtual void Seek(int32_t frame) = 0;  // below 1: the start; beyond the length: the end
+    // True while the material may still grow, because it is being recorded. GetLength() is that of now; who
+    // reads beyond it gets silence in place of what comes later.
+    virtual bool IsGrowing() const { return false; }
 
     int32_t GetSampleRate() const { return m_sampleRate; }
     int32_t GetLevel() const { return m_level; }

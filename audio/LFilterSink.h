@@ -1,0 +1,28 @@
+#pragma once
+
+#include "audio/LSoundSink.h"
+
+// A sink that wraps another one and passes on what it does not change. It counts the frames that it is given
+// and has the wrapped sink's channels and error bit; an empty handle sets the error bit.
+class LFilterSink : public LSoundSinkBase {
+public:
+    void Write(const int32_t* samples, int32_t frames) override {
+        AddFrames(frames);
+        if (!m_sink) return;
+        m_sink->Write(samples, frames);
+        if (m_sink->IsError()) SetError();
+    }
+    void Truncate(int32_t frames) override {
+        if (frames > GetFrames()) return;
+        SetFrames(frames < 0 ? 0 : frames);
+        if (m_sink) m_sink->Truncate(GetFrames());
+    }
+
+protected:
+    LFilterSink(const LSoundSink& sink, int32_t sampleRate)
+        : LSoundSinkBase(sampleRate, sink ? sink->GetChannels() : uint8_t{1}), m_sink(sink) {
+        if (!sink || sink->IsError()) SetError();
+    }
+
+    LSoundSink m_sink;
+};
