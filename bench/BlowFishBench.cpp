@@ -11,6 +11,10 @@
 
 namespace {
 
+constexpr char kBlowfishBench[] = "Blowfish";
+constexpr char kNettleBench[] = "BlowfishOfNettle";
+const BenchRatio kRatio("Blowfish / nettle", kBlowfishBench, kNettleBench);
+
 constexpr char kPassPhrase[] = "a pass phrase of 28 letters.";
 constexpr size_t kBytes = 1 << 20;
 

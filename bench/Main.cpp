@@ -26,20 +26,34 @@ public:
         }
     }
 
-    void PrintRatios() const {
-        for (const BenchRatio& ratio : kBenchRatios) {
-            const auto ours = m_seconds.find(ratio.ours);
-            const auto peers = m_seconds.find(ratio.peers);
+    void PrintFigures() const {
+        for (const BenchFigure& figure : BenchFigures()) {
+            const auto ours = m_seconds.find(figure.ours);
+            const auto peers = figure.peers != nullptr ? m_seconds.find(figure.peers) : ours;
             if (ours == m_seconds.end() || peers == m_seconds.end()) continue;
-            std::printf("%s: %.2fx time\n", ratio.label, ours->second / peers->second);
+            if (figure.peers != nullptr)
+                Print(figure, ours->second / peers->second, "x");
+            else
+                Print(figure, ours->second * 1000.0, " ms");
         }
     }
 
 private:
+    static void Print(const BenchFigure& figure, double value, const char* unit) {
+        std::printf("%s: %.2f%s time", figure.label, value, unit);
+        if (figure.atMost > 0.0) std::printf(" (at most %.2f%s)", figure.atMost, unit);
+        std::printf("\n");
+    }
+
     std::map<std::string, double> m_seconds;
 };
 
 }  // namespace
+
+std::vector<BenchFigure>& BenchFigures() {
+    static std::vector<BenchFigure> figures;
+    return figures;
+}
 
 int main(int argc, char** argv) {
     // Ours and the peer's take turns, so that a busy moment of the machine meets both.
@@ -51,6 +65,6 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
     ShortestTimes reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.PrintRatios();
+    reporter.PrintFigures();
     return 0;
 }

@@ -1,21 +1,33 @@
 #pragma once
 
-// Pairs of benches of which the first is measured by the second. After a run each pair that took part is
-// printed as a line, "plain DCT / sox: 0.80x time": the quotient of their shortest times in this run.
-struct BenchRatio {
+#include <vector>
+
+// What a bench run has to tell. Every file of benches names its own figures, as objects of static storage:
+//
+//     const BenchRatio kRatios[] = {{"Blowfish / nettle", kBlowfishBench, kNettleBench}};
+//
+// After a run each figure whose benches took part is printed as a line: "Blowfish / nettle: 0.55x time", or, where
+// a goal is given, "44100 to 8000 / soxr: 0.40x time (at most 0.50x)". Times are the shortest of this run.
+struct BenchFigure {
     const char* label;
     const char* ours;
-    const char* peers;
+    const char* peers;  // null: the figure is our time in milliseconds
+    double atMost;      // the goal, in the figure's unit; 0: none
 };
 
-inline constexpr char kPlainDctBench[] = "HourToPlainDct";
-inline constexpr char kEncryptedDctBench[] = "HourToEncryptedDct";
-inline constexpr char kSoxBench[] = "HourWithSox";
-inline constexpr char kBlowfishBench[] = "Blowfish";
-inline constexpr char kNettleBench[] = "BlowfishOfNettle";
+// In the order of their construction; lives in Main.cpp.
+std::vector<BenchFigure>& BenchFigures();
 
-inline constexpr BenchRatio kBenchRatios[] = {
-    {"plain DCT / sox", kPlainDctBench, kSoxBench},
-    {"encrypted DCT / sox", kEncryptedDctBench, kSoxBench},
-    {"Blowfish / nettle", kBlowfishBench, kNettleBench},
+// The time of one bench as a multiple of another's.
+struct BenchRatio {
+    BenchRatio(const char* label, const char* ours, const char* peers, double atMost = 0.0) {
+        BenchFigures().push_back({label, ours, peers, atMost});
+    }
+};
+
+// The time of one iteration.
+struct BenchTime {
+    BenchTime(const char* label, const char* ours, double atMostMs = 0.0) {
+        BenchFigures().push_back({label, ours, nullptr, atMostMs});
+    }
 };

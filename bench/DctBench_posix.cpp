@@ -17,6 +17,14 @@ extern char** environ;
 
 namespace {
 
+constexpr char kPlainDctBench[] = "HourToPlainDct";
+constexpr char kEncryptedDctBench[] = "HourToEncryptedDct";
+constexpr char kSoxBench[] = "HourWithSox";
+const BenchRatio kRatios[] = {
+    {"plain DCT / sox", kPlainDctBench, kSoxBench},
+    {"encrypted DCT / sox", kEncryptedDctBench, kSoxBench},
+};
+
 constexpr int32_t kRate = 8000;
 constexpr int32_t kHourFrames = 3600 * kRate;
 constexpr double kTwoPi = 6.283185307179586;
