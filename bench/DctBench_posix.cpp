@@ -126,11 +126,7 @@ void ConvertWithSox(benchmark::State& state) {
 }
 
 void Settle(benchmark::internal::Benchmark* bench) {
-    bench->UseRealTime()
-        ->Unit(benchmark::kMillisecond)
-        ->Iterations(1)
-        ->Repetitions(9)
-        ->ReportAggregatesOnly(false);
+    bench->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
 }
 
 BENCHMARK(ConvertWithSox)->Name(kSoxBench)->Apply(Settle);

@@ -19,12 +19,15 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
+            m_failed = m_failed || run.error_occurred;
             if (run.error_occurred || run.run_type != Run::RT_Iteration) continue;
             const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
             const auto [shortest, isNew] = m_seconds.try_emplace(run.run_name.function_name, seconds);
             if (!isNew) shortest->second = std::min(shortest->second, seconds);
         }
     }
+
+    bool Failed() const { return m_failed; }
 
     void PrintFigures() const {
         for (const BenchFigure& figure : BenchFigures()) {
@@ -46,6 +49,7 @@ private:
     }
 
     std::map<std::string, double> m_seconds;
+    bool m_failed = false;
 };
 
 }  // namespace
@@ -56,15 +60,17 @@ std::vector<BenchFigure>& BenchFigures() {
 }
 
 int main(int argc, char** argv) {
-    // Ours and the peer's take turns, so that a busy moment of the machine meets both.
-    std::string takeTurns = "--benchmark_enable_random_interleaving=true";
+    // Many short runs, of which the shortest counts. Ours and the peer's take turns, so that a busy moment of the
+    // machine meets both. The command line may say otherwise.
+    std::string defaults[] = {"--benchmark_repetitions=8", "--benchmark_min_time=0.05",
+                              "--benchmark_enable_random_interleaving=true"};
     std::vector<char*> arguments(argv, argv + argc);
-    arguments.insert(arguments.begin() + 1, takeTurns.data());
-    int count = argc + 1;
+    for (std::string& text : defaults) arguments.insert(arguments.begin() + 1, text.data());
+    int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
     ShortestTimes reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     reporter.PrintFigures();
-    return 0;
+    return reporter.Failed() ? 1 : 0;
 }
