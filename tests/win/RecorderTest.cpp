@@ -2,7 +2,6 @@
 #include <cstdlib>
 
 #include "audio/LDeferredSink.h"
-#include "audio/LMixer_win.h"
 #include "audio/LSoundRecorder_win.h"
 #include "audio/LSoundTime.h"
 #include "audio/LWaveFile.h"
@@ -262,12 +261,4 @@ TEST(RecorderWithoutDevice, SaysThatItDidNotStart) {
     EXPECT_FALSE(recorder.Start(LSoundSink::Make<CollectingSink>(kRate, uint8_t{1}, taken), 3000, -20, 0, 0));
     EXPECT_TRUE(log.Has("LSoundRecorder::ThreadFunction waveInOpen Error"));
     EXPECT_EQ(notes.words, "");
-}
-
-TEST(Mixer, NamesItsInputsAndNeverMoreThanItHas) {
-    EXPECT_EQ(LMixer::GetInputChannelName(0, -1), "Windows Record Mixer");
-    EXPECT_EQ(LMixer::GetInputChannelCount(-1), 0);
-    const int32_t count = LMixer::GetInputChannelCount(0);
-    for (int32_t i = 0; i < count; ++i) EXPECT_NE(LMixer::GetInputChannelName(0, i), "");
-    EXPECT_EQ(LMixer::GetInputChannelName(0, count), "");
 }
