@@ -3,11 +3,29 @@
 #include <cstddef>
 #include <cstdint>
 
+// A gain that moves by a step with every frame. Gains are fractions of 24 bits, from 0 to kUnityGain.
+struct LGainRamp {
+    int32_t gain;  // of the first frame
+    int32_t step;
+    int32_t lowest;  // products below it, by a rounding towards minus infinity, are held at it
+};
+constexpr int32_t kUnityGain = 0x1000000;
+
 // The loops that every sample passes, in a version for any processor and in one for SSE2. Both give the same
-// result to the bit. Pointers need no alignment.
+// result to the bit. Pointers need no alignment; input and output do not overlap.
 struct LKernels {
     // The largest magnitude of count samples; -2^31 counts as 2^31.
     uint32_t (*peak)(const int32_t* samples, size_t count);
+
+    // Between PCM and the 20-bit scale, by the rules of LSample.h. 16-bit PCM is little-endian.
+    void (*fromPcm8)(const uint8_t* pcm, int32_t* samples, size_t count);
+    void (*fromPcm16)(const uint8_t* pcm, int32_t* samples, size_t count);
+    void (*toPcm8)(const int32_t* samples, uint8_t* pcm, size_t count);
+    void (*toPcm16)(const int32_t* samples, uint8_t* pcm, size_t count);
+
+    // Multiplies each value by the gain of its frame, in halves of 12 bits: high times high, plus the two
+    // cross products shifted right by 12. The magnitude of a product is at most 2^22; lowest is 0 or less.
+    void (*ramp)(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames, size_t channels);
 };
 
 // For any processor.

@@ -8,13 +8,21 @@
 
 namespace {
 
+__m128i Load(const void* from) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(from));
+}
+
+void Store(void* to, __m128i v) {
+    _mm_storeu_si128(static_cast<__m128i*>(to), v);
+}
+
 uint32_t Peak(const int32_t* samples, size_t count) {
     // Unsigned comparison of magnitudes: SSE2 compares signed, so both sides are shifted down by 2^31.
     const __m128i bias = _mm_set1_epi32(INT32_MIN);
     __m128i peaks = bias;
     size_t i = 0;
     for (; i + 4 <= count; i += 4) {
-        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(samples + i));
+        const __m128i v = Load(samples + i);
         const __m128i sign = _mm_srai_epi32(v, 31);
         const __m128i magnitude = _mm_sub_epi32(_mm_xor_si128(v, sign), sign);
         const __m128i biased = _mm_xor_si128(magnitude, bias);
@@ -27,6 +35,108 @@ uint32_t Peak(const int32_t* samples, size_t count) {
     return std::max(peak, kPlainKernels.peak(samples + i, count - i));
 }
 
+// Each PCM sample goes to the top of its 32 bits; the shift back down extends the sign.
+void FromPcm8s(const uint8_t* pcm, int32_t* samples, size_t count) {
+    const __m128i zero = _mm_setzero_si128();
+    size_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        const __m128i v = _mm_xor_si128(Load(pcm + i), _mm_set1_epi8(INT8_MIN));
+        const __m128i low = _mm_unpacklo_epi8(zero, v), high = _mm_unpackhi_epi8(zero, v);
+        Store(samples + i, _mm_srai_epi32(_mm_unpacklo_epi16(zero, low), 12));
+        Store(samples + i + 4, _mm_srai_epi32(_mm_unpackhi_epi16(zero, low), 12));
+        Store(samples + i + 8, _mm_srai_epi32(_mm_unpacklo_epi16(zero, high), 12));
+        Store(samples + i + 12, _mm_srai_epi32(_mm_unpackhi_epi16(zero, high), 12));
+    }
+    kPlainKernels.fromPcm8(pcm + i, samples + i, count - i);
+}
+
+void FromPcm16s(const uint8_t* pcm, int32_t* samples, size_t count) {
+    const __m128i zero = _mm_setzero_si128();
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m128i v = Load(pcm + 2 * i);
+        Store(samples + i, _mm_srai_epi32(_mm_unpacklo_epi16(zero, v), 12));
+        Store(samples + i + 4, _mm_srai_epi32(_mm_unpackhi_epi16(zero, v), 12));
+    }
+    kPlainKernels.fromPcm16(pcm + 2 * i, samples + i, count - i);
+}
+
+// Four samples as bytes, each in 32 bits. What lies from 0x7F800 to 0x7FFFF rounds to 0 and is taken one
+// down, to 255.
+__m128i Bytes(__m128i v) {
+    const __m128i top = _mm_cmpeq_epi32(_mm_srai_epi32(v, 11), _mm_set1_epi32(0xFF));
+    const __m128i rounded = _mm_srai_epi32(_mm_add_epi32(v, _mm_set1_epi32(2048)), 12);
+    const __m128i byte = _mm_add_epi32(_mm_add_epi32(rounded, _mm_set1_epi32(128)), top);
+    return _mm_and_si128(byte, _mm_set1_epi32(0xFF));
+}
+
+void ToPcm8s(const int32_t* samples, uint8_t* pcm, size_t count) {
+    size_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        const __m128i low = _mm_packs_epi32(Bytes(Load(samples + i)), Bytes(Load(samples + i + 4)));
+        const __m128i high = _mm_packs_epi32(Bytes(Load(samples + i + 8)), Bytes(Load(samples + i + 12)));
+        Store(pcm + i, _mm_packus_epi16(low, high));
+    }
+    kPlainKernels.toPcm8(samples + i, pcm + i, count - i);
+}
+
+// Four samples rounded and wrapped to 16 bits, so that packing finds nothing to saturate.
+__m128i Words(__m128i v) {
+    return _mm_srai_epi32(_mm_slli_epi32(_mm_add_epi32(v, _mm_set1_epi32(8)), 12), 16);
+}
+
+void ToPcm16s(const int32_t* samples, uint8_t* pcm, size_t count) {
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8)
+        Store(pcm + 2 * i, _mm_packs_epi32(Words(Load(samples + i)), Words(Load(samples + i + 4))));
+    kPlainKernels.toPcm16(samples + i, pcm + 2 * i, count - i);
+}
+
+// The product in halves of 12 bits, from multiplications of 16 bits. The high half of a value, up to 20 bits,
+// is split once more into a * 2^12 + b; with the low half c, and the gain's halves H and L, the product
+// (a * 2^12 + b) * H + (((a * 2^12 + b) * L + c * H) >> 12) is a * H * 2^12 + (b * H + a * L) +
+// ((b * L + c * H) >> 12).
+__m128i Multiply(__m128i v, __m128i gain) {
+    const __m128i mask = _mm_set1_epi32(0xFFF), upper = _mm_set1_epi32(-0x10000);
+    const __m128i gainHigh = _mm_srli_epi32(gain, 12);
+    const __m128i gains = _mm_or_si128(gainHigh, _mm_slli_epi32(_mm_and_si128(gain, mask), 16));
+    const __m128i a = _mm_and_si128(_mm_srai_epi32(v, 8), upper);
+    const __m128i b = _mm_and_si128(_mm_srli_epi32(v, 12), mask);
+    const __m128i c = _mm_and_si128(v, mask);
+    const __m128i ab = _mm_madd_epi16(_mm_or_si128(b, a), gains);
+    const __m128i bc = _mm_madd_epi16(_mm_or_si128(c, _mm_slli_epi32(b, 16)), gains);
+    const __m128i aHigh = _mm_madd_epi16(_mm_srli_epi32(a, 16), gainHigh);
+    return _mm_add_epi32(_mm_add_epi32(_mm_slli_epi32(aHigh, 12), ab), _mm_srli_epi32(bc, 12));
+}
+
+__m128i Larger(__m128i a, __m128i b) {
+    const __m128i greater = _mm_cmpgt_epi32(a, b);
+    return _mm_or_si128(_mm_and_si128(greater, a), _mm_andnot_si128(greater, b));
+}
+
+// kChannels of 1 or 2: four values are four frames or two.
+template <int kChannels>
+void RampOf(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames) {
+    constexpr size_t kFrames = 4 / kChannels;
+    const auto gainOf = [&](int value) { return ramp.gain + ramp.step * (value / kChannels); };
+    const __m128i lowest = _mm_set1_epi32(ramp.lowest);
+    const __m128i step = _mm_set1_epi32(ramp.step * static_cast<int32_t>(kFrames));
+    __m128i gain = _mm_setr_epi32(gainOf(0), gainOf(1), gainOf(2), gainOf(3));
+    size_t i = 0;
+    for (; i + kFrames <= frames; i += kFrames) {
+        Store(out + i * kChannels, Larger(Multiply(Load(in + i * kChannels), gain), lowest));
+        gain = _mm_add_epi32(gain, step);
+    }
+    const LGainRamp rest = {_mm_cvtsi128_si32(gain), ramp.step, ramp.lowest};
+    kPlainKernels.ramp(rest, in + i * kChannels, out + i * kChannels, frames - i, kChannels);
+}
+
+void Ramp(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames, size_t channels) {
+    if (channels == 1) return RampOf<1>(ramp, in, out, frames);
+    if (channels == 2) return RampOf<2>(ramp, in, out, frames);
+    kPlainKernels.ramp(ramp, in, out, frames, channels);
+}
+
 }  // namespace
 
-const LKernels kSse2Kernels = {Peak};
+const LKernels kSse2Kernels = {Peak, FromPcm8s, FromPcm16s, ToPcm8s, ToPcm16s, Ramp};

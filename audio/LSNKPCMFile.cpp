@@ -1,15 +1,12 @@
 #include "audio/LSNKPCMFile.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
+#include "audio/LKernels.h"
 #include "audio/LWaveHeader.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
 #include "base/LTrace.h"
-
-static_assert(std::endian::native == std::endian::little, "samples go into the file as they stand");
 
 static std::unique_ptr<LStream> OpenFile(const LPath& path) {
     auto file = std::make_unique<LFile>(path, LFile::Open::Write);
@@ -130,12 +127,9 @@ LSNKPCMFileBase::~LSNKPCMFileBase() {
 }
 
 void LSNKPCMFile8::Convert(const int32_t* samples, uint8_t* bytes, size_t count) const {
-    for (size_t i = 0; i < count; ++i) bytes[i] = ToPcm8(samples[i]);
+    Kernels().toPcm8(samples, bytes, count);
 }
 
 void LSNKPCMFile16::Convert(const int32_t* samples, uint8_t* bytes, size_t count) const {
-    for (size_t i = 0; i < count; ++i) {
-        const int16_t value = ToPcm16(samples[i]);
-        std::memcpy(bytes + 2 * i, &value, sizeof value);
-    }
+    Kernels().toPcm16(samples, bytes, count);
 }

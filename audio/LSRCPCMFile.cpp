@@ -1,13 +1,10 @@
 #include "audio/LSRCPCMFile.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
+#include "audio/LKernels.h"
 #include "base/LArith.h"
 #include "base/LTrace.h"
-
-static_assert(std::endian::native == std::endian::little, "samples are taken from the file as they stand");
 
 LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWaveInfo& info,
                                  int bytesPerSample)
@@ -55,15 +52,11 @@ void LSRCPCMFileBase::Seek(int32_t frame) {
 }
 
 void LSRCPCMFile8::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {
-    for (size_t i = 0; i < count; ++i) samples[i] = FromPcm8(bytes[i]);
+    Kernels().fromPcm8(bytes, samples, count);
 }
 
 void LSRCPCMFile16::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {
-    for (size_t i = 0; i < count; ++i) {
-        int16_t value;
-        std::memcpy(&value, bytes + 2 * i, sizeof value);
-        samples[i] = FromPcm16(value);
-    }
+    Kernels().fromPcm16(bytes, samples, count);
 }
 
 void LSRCPCMFileWide::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {

@@ -1,5 +1,6 @@
 #include "audio/LSoundRecorder_win.h"
 
+#include "audio/LKernels.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
@@ -215,7 +216,7 @@ void LSoundRecorder::Drain(size_t index) {
 void LSoundRecorder::Convert(size_t index) {
     const auto samples = m_waveIn.Samples(index);
     m_block.resize(samples.size() / m_levelChannels * m_levelChannels);
-    for (size_t i = 0; i < m_block.size(); ++i) m_block[i] = FromPcm16(samples[i]);
+    Kernels().fromPcm16(reinterpret_cast<const uint8_t*>(samples.data()), m_block.data(), m_block.size());
 }
 
 void LSoundRecorder::Publish() {
