@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "audio/LSPConvChannels.h"
+#include "audio/LSRCPeakLimit.h"
 #include "base/LTrace.h"
 
 static bool Refuse(ProcessContext& context, std::string_view trace, std::string_view text) {
@@ -36,12 +37,12 @@ bool LPRSourceToSink::Match(ProcessContext& context) {
     if (m_source->GetSampleRate() != (m_sink ? m_sink->GetSampleRate() : 44100))
         return Refuse(context, "LPRSourceToSink::Process no rate converter",
                       "Audio with this sampling rate cannot be converted.");
-    if (m_source->GetLevel() > kFullScale16)
-        return Refuse(context, "LPRSourceToSink::Process no peak limiter",
-                      "Audio this loud cannot be converted.");
+    m_source = LSRCPeakLimit::OpenSource(m_source);
     return true;
 }
 
+// A length may be an estimate that moves while we read; the end is where the position meets the length of that
+// moment. Only the progress goes by the first one.
 ProcessResult LPRSourceToSink::Pump(ProcessContext& context) {
     const double total = std::max(m_source->GetLength(), 1);
     std::vector<int32_t> block(size_t{kBlockFrames} * m_source->GetChannels());
@@ -54,7 +55,7 @@ ProcessResult LPRSourceToSink::Pump(ProcessContext& context) {
             return written ? ProcessResult::Done : ProcessResult::Failed;
         }
         if (!Write(context, block.data(), kBlockFrames)) return ProcessResult::Failed;
-        context.SetProgress(m_source->GetPosition() / total);
+        context.SetProgress(std::min(m_source->GetPosition() / total, 1.0));
     }
     return ProcessResult::Stopped;
 }
