@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <span>
 
-// Levels are signed bytes from -127 dB (no signal) to 127 dB. 0 dB is a peak of 2^17, a quarter of full
-// scale, so that normal speech stands around the middle of a meter; full scale is 12 dB.
-constexpr int8_t kSilenceDb = -127;
-constexpr int8_t kMaxDb = 127;
+#include "base/LLevel.h"
+
+// 0 dB is a peak of 2^17, a quarter of full scale, so that normal speech stands around the middle of a meter;
+// full scale is 12 dB.
+constexpr int8_t kFullScaleDb = 12;
 
 // The level of a peak magnitude, rounded half away from zero.
 int8_t PeakToDb(uint32_t peak);

@@ -77,24 +77,13 @@ void WriteDateTime(const LPath& file, std::string_view section, std::string_view
         LFormat("%.2d/%.2d/%.2d-%.2d:%.2d:%.2d", c.day, c.month, c.year % 100, c.hour, c.minute, c.second));
 }
 
-// A text that is no level at all yields the default: read as 0 dB, rubbish would stop voice-activated
-// recording from ever hearing anything.
-int8_t ParseLevel(std::string_view text, int8_t defaultDb) {
-    if (text.starts_with("--")) return kSilenceDb;
-    if (text.find_first_of("0123456789") == std::string_view::npos) return defaultDb;
-    return static_cast<int8_t>(Clamp<int32_t>(LParseInt(text), kSilenceDb, 127));
-}
-
-std::string FormatLevel(int8_t levelDb) {
-    return levelDb <= kSilenceDb ? std::string("--dB") : LFormat("%ddB", levelDb);
-}
-
+// Rubbish read as 0 dB would stop voice-activated recording from ever hearing anything.
 int8_t ReadLevel(const LPath& file, std::string_view section, std::string_view key, int8_t defaultDb) {
-    return ParseLevel(LProfile::Read(file, section, key, {}), defaultDb);
+    return LParseLevel(LProfile::Read(file, section, key, {})).value_or(defaultDb);
 }
 
 void WriteLevel(const LPath& file, std::string_view section, std::string_view key, int8_t levelDb) {
-    LProfile::Write(file, section, key, FormatLevel(levelDb));
+    LProfile::Write(file, section, key, LFormatLevel(levelDb));
 }
 
 int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix) {

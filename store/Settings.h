@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/LLevel.h"
 #include "base/LPath.h"
 
 // Typed accessors to INI-style settings files. Nothing is cached: each call asks the file.
@@ -23,7 +24,7 @@ using BoolKey = Key<bool>;
 using TextKey = Key<const char*>;
 using LevelKey = Key<int8_t>;
 
-constexpr int8_t kSilenceDb = -127;
+using ::kSilenceDb;
 
 // Signed decimal; an empty or absent value yields the default.
 int32_t ReadInt(const LPath& file, std::string_view section, std::string_view key, int32_t defaultValue);
@@ -42,7 +43,7 @@ int32_t ReadTime(const LPath& file, std::string_view section, std::string_view k
 void WriteTime(const LPath& file, std::string_view section, std::string_view key, int32_t seconds);
 // "dd/mm/yy-hh:mm:ss" of a moment in seconds since 1970, with no time-zone shift.
 void WriteDateTime(const LPath& file, std::string_view section, std::string_view key, int64_t time);
-// "-20dB", or "--dB" for -127 dB and below.
+// "-20dB", or "--dB" for -127 dB and below; what is no level at all yields the default.
 int8_t ReadLevel(const LPath& file, std::string_view section, std::string_view key, int8_t defaultDb);
 void WriteLevel(const LPath& file, std::string_view section, std::string_view key, int8_t levelDb);
 
@@ -75,8 +76,6 @@ inline void Write(const LPath& file, const LevelKey& k, int8_t levelDb) {
 // The text forms by themselves.
 bool ParseBool(std::string_view text);
 int32_t ParseTime(std::string_view text);
-int8_t ParseLevel(std::string_view text, int8_t defaultDb);
-std::string FormatLevel(int8_t levelDb);
 
 // Numbered lists inside one section: the count under "<prefix>count", the items under "<prefix><i><suffix>".
 int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix);

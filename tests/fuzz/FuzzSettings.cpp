@@ -19,8 +19,8 @@ struct Scratch {
 static void CheckValues(std::string_view text) {
     const int32_t seconds = Settings::ParseTime(text);
     Check(seconds >= 0 && seconds <= 86400);
-    const int8_t level = Settings::ParseLevel(text, -15);
-    Check(level >= Settings::kSilenceDb && Settings::ParseLevel(Settings::FormatLevel(level), 0) == level);
+    const int8_t level = LParseLevel(text).value_or(-15);
+    Check(level >= kSilenceDb && LParseLevel(LFormatLevel(level)) == level);
     const LCalendar date = LToCalendar(static_cast<int64_t>(seconds) * 3000000 * (level + 1));
     Check(date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31 && date.year >= 1601);
 }

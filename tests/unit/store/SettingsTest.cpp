@@ -50,17 +50,25 @@ TEST_F(SettingsTest, TimesAreReducedToADay) {
 }
 
 TEST_F(SettingsTest, LevelsKnowSilenceAndSurviveRubbish) {
+    const LPath& file = m_data.settingsFile;
     static const struct {
         const char* text;
         int8_t expected;
     } kCases[] = {
-        {"-20dB", -20}, {"--dB", -127}, {"-127dB", -127}, {"-500dB", -127}, {"900dB", 127},
-        {"0dB", 0},     {"", -15},      {"loud", -15},    {"6", 6},
+        {"-20dB", -20},       {"--dB", -127}, {"--", -127},     {"-20", -20},     {"+6", 6},
+        {" -3 Db ", -3},      {"0dB", 0},     {"-127dB", -127}, {"-500dB", -127}, {"900dB", 127},
+        {"99999999999", 127}, {"", -15},      {"loud", -15},    {"loud5", -15},   {"dB", -15},
+        {"-", -15},           {"--20", -15},  {"6 7", -15},     {"1.5dB", -15},   {"- 5", -15},
     };
-    for (const auto& c : kCases) EXPECT_EQ(Settings::ParseLevel(c.text, -15), c.expected) << c.text;
-    EXPECT_EQ(Settings::FormatLevel(-20), "-20dB");
-    EXPECT_EQ(Settings::FormatLevel(-127), "--dB");
-    EXPECT_EQ(Settings::FormatLevel(-128), "--dB");
+    for (const auto& c : kCases) {
+        LProfile::Write(file, "s", "level", c.text);
+        EXPECT_EQ(Settings::ReadLevel(file, "s", "level", -15), c.expected) << c.text;
+    }
+    Settings::WriteLevel(file, "s", "level", -20);
+    EXPECT_EQ(LProfile::Read(file, "s", "level", ""), "-20dB");
+    EXPECT_EQ(LFormatLevel(-128), "--dB");
+    EXPECT_EQ(LFormatLevel(-127), "--dB");
+    EXPECT_EQ(LFormatLevel(-126), "-126dB");
 }
 
 TEST_F(SettingsTest, TheProgramChoosesTheLastLineThatIsNamedLikeAMicrophone) {
