@@ -75,14 +75,17 @@ public:
         const HDC dc = BeginPaint(m_window, &paint);
         RECT box;
         GetClientRect(m_window, &box);
-        if (IsWindowEnabled(m_window)) {
-            for (size_t i = 0; i < m_channels; ++i) PaintRow(dc, m_rows[i], RowBox(box, i));
-            if (m_channels == 2) {
-                const RECT gap = {0, RowBox(box, 0).bottom, box.right, RowBox(box, 1).top};
-                FillRect(dc, &gap, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
-            }
-        } else {
-            FillRect(dc, &box, reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1));
+        const bool isEnabled = IsWindowEnabled(m_window);
+        for (size_t i = 0; i < m_channels; ++i) {
+            const RECT rowBox = RowBox(box, i);
+            if (isEnabled)
+                PaintRow(dc, m_rows[i], rowBox);
+            else
+                FillRect(dc, &rowBox, reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1));
+        }
+        if (m_channels == 2) {
+            const RECT gap = {0, RowBox(box, 0).bottom, box.right, RowBox(box, 1).top};
+            FillRect(dc, &gap, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
         }
         EndPaint(m_window, &paint);
     }
