@@ -42,30 +42,22 @@ void ToPcm16s(const int32_t* samples, uint8_t* pcm, size_t count) {
     }
 }
 
-// No step leaves 32 bits: from 2^30 on a sample has a gain of at most 2^16, since their product is at most
-// 2^22, and then the cross products sum up to less than 2^31 - 2^18.
-int32_t Multiply(int32_t value, int32_t gain) {
-    const int32_t high = value >> 12, low = value & 0xFFF;
-    const int32_t gainHigh = gain >> 12, gainLow = gain & 0xFFF;
-    return high * gainHigh + ((high * gainLow + low * gainHigh) >> 12);
-}
-
 void RampMono(LGainRamp ramp, const int32_t* in, int32_t* out, size_t frames) {
     for (size_t i = 0; i < frames; ++i, ramp.gain += ramp.step)
-        out[i] = std::max(Multiply(in[i], ramp.gain), ramp.lowest);
+        out[i] = std::max(TimesGain(in[i], ramp.gain), ramp.lowest);
 }
 
 void RampStereo(LGainRamp ramp, const int32_t* in, int32_t* out, size_t frames) {
     for (size_t i = 0; i < frames; ++i, ramp.gain += ramp.step) {
-        out[2 * i] = std::max(Multiply(in[2 * i], ramp.gain), ramp.lowest);
-        out[2 * i + 1] = std::max(Multiply(in[2 * i + 1], ramp.gain), ramp.lowest);
+        out[2 * i] = std::max(TimesGain(in[2 * i], ramp.gain), ramp.lowest);
+        out[2 * i + 1] = std::max(TimesGain(in[2 * i + 1], ramp.gain), ramp.lowest);
     }
 }
 
 void RampOthers(LGainRamp ramp, const int32_t* in, int32_t* out, size_t frames, size_t channels) {
     for (size_t i = 0; i < frames; ++i, ramp.gain += ramp.step)
         for (size_t c = 0; c < channels; ++c, ++in, ++out)
-            *out = std::max(Multiply(*in, ramp.gain), ramp.lowest);
+            *out = std::max(TimesGain(*in, ramp.gain), ramp.lowest);
 }
 
 void Ramp(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames, size_t channels) {

@@ -3,13 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "audio/LGain.h"
+
 // A gain that moves by a step with every frame. Gains are fractions of 24 bits, from 0 to kUnityGain.
 struct LGainRamp {
     int32_t gain;  // of the first frame
     int32_t step;
     int32_t lowest;  // products below it, by a rounding towards minus infinity, are held at it
 };
-constexpr int32_t kUnityGain = 0x1000000;
 
 // The loops that every sample passes, in a version for any processor and in one for SSE2. Both give the same
 // result to the bit. Pointers need no alignment; input and output do not overlap.
