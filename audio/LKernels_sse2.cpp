@@ -16,6 +16,11 @@ void Store(void* to, __m128i v) {
     _mm_storeu_si128(static_cast<__m128i*>(to), v);
 }
 
+__m128i Larger(__m128i a, __m128i b) {
+    const __m128i greater = _mm_cmpgt_epi32(a, b);
+    return _mm_or_si128(_mm_and_si128(greater, a), _mm_andnot_si128(greater, b));
+}
+
 uint32_t Peak(const int32_t* samples, size_t count) {
     // Unsigned comparison of magnitudes: SSE2 compares signed, so both sides are shifted down by 2^31.
     const __m128i bias = _mm_set1_epi32(INT32_MIN);
@@ -25,14 +30,12 @@ uint32_t Peak(const int32_t* samples, size_t count) {
         const __m128i v = Load(samples + i);
         const __m128i sign = _mm_srai_epi32(v, 31);
         const __m128i magnitude = _mm_sub_epi32(_mm_xor_si128(v, sign), sign);
-        const __m128i biased = _mm_xor_si128(magnitude, bias);
-        const __m128i greater = _mm_cmpgt_epi32(biased, peaks);
-        peaks = _mm_or_si128(_mm_and_si128(greater, biased), _mm_andnot_si128(greater, peaks));
+        peaks = Larger(_mm_xor_si128(magnitude, bias), peaks);
     }
-    alignas(16) uint32_t lanes[4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(lanes), _mm_xor_si128(peaks, bias));
-    const uint32_t peak = std::max(std::max(lanes[0], lanes[1]), std::max(lanes[2], lanes[3]));
-    return std::max(peak, kPlainKernels.peak(samples + i, count - i));
+    peaks = Larger(peaks, _mm_shuffle_epi32(peaks, _MM_SHUFFLE(1, 0, 3, 2)));
+    peaks = Larger(peaks, _mm_shuffle_epi32(peaks, _MM_SHUFFLE(2, 3, 0, 1)));
+    const uint32_t peak = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_xor_si128(peaks, bias)));
+    return i == count ? peak : std::max(peak, kPlainKernels.peak(samples + i, count - i));
 }
 
 // Each PCM sample goes to the top of its 32 bits; the shift back down extends the sign.
@@ -107,11 +110,6 @@ __m128i Multiply(__m128i v, __m128i gain) {
     const __m128i bc = _mm_madd_epi16(_mm_or_si128(c, _mm_slli_epi32(b, 16)), gains);
     const __m128i aHigh = _mm_madd_epi16(_mm_srli_epi32(a, 16), gainHigh);
     return _mm_add_epi32(_mm_add_epi32(_mm_slli_epi32(aHigh, 12), ab), _mm_srli_epi32(bc, 12));
-}
-
-__m128i Larger(__m128i a, __m128i b) {
-    const __m128i greater = _mm_cmpgt_epi32(a, b);
-    return _mm_or_si128(_mm_and_si128(greater, a), _mm_andnot_si128(greater, b));
 }
 
 // kChannels of 1 or 2: four values are four frames or two.

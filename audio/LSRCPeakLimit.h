@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -31,24 +32,28 @@ public:
     static int32_t BlockFrames(int32_t sampleRate);
 
 private:
-    // The blocks that are held, in the order of time: the one that is being delivered and the two after it.
-    static constexpr int32_t kBlocks = 3;
+    struct Block {
+        std::vector<int32_t> samples;
+        int32_t frames;  // present so far; a block is begun when the one before it is full
+        int32_t gain;    // 24 fractional bits
+    };
 
     void Restart();
     void NextBlock();
     bool Fetch(int32_t wantedFrames);
-    void Append(int32_t frames);
+    void Append(Block& block, int32_t frames);
     void Aim();
     void Deliver(int32_t* samples, int32_t frames);
     int32_t GainFor(uint32_t peak) const;
-    int32_t* Place(int32_t frame);
+    size_t Values(int32_t frames) const { return static_cast<size_t>(frames) * GetChannels(); }
 
     int32_t m_blockFrames;
-    std::vector<int32_t> m_blocks;  // three blocks that take turns
-    int32_t m_firstBlock = 0;       // the one that is being delivered
-    int32_t m_held = 0;             // frames present, from the start of that block
-    int32_t m_offset = 0;           // frames of that block delivered
-    int32_t m_gains[1 + kBlocks];   // of the block before it and of the three, 24 fractional bits
-    int32_t m_gain = 0;             // now
-    int32_t m_step = 0;             // for each frame
+    Block m_blocks[3];
+    Block* m_now = &m_blocks[0];  // is being delivered; then the two after it
+    Block* m_next = &m_blocks[1];
+    Block* m_last = &m_blocks[2];
+    int32_t m_offset = 0;      // frames of it delivered
+    int32_t m_gainBefore = 0;  // of the block before it
+    int32_t m_gain = 0;        // now
+    int32_t m_step = 0;        // for each frame
 };

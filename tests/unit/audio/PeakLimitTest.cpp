@@ -122,7 +122,8 @@ TEST(PeakLimit, FollowsTheRulesToTheBitAndLetsNothingAboveTheLimitThrough) {
     };
     for (const auto& c : kCases) {
         const int32_t limit = std::clamp(c.limit, 0, 0x3FFFFF);
-        const Samples in = Hostile(30000u * c.channels, limit, static_cast<uint32_t>(c.rate + c.channels));
+        const Samples in =
+            Hostile(size_t{30000} * c.channels, limit, static_cast<uint32_t>(c.rate + c.channels));
         const LSoundSource source = Limited(c.rate, c.channels, in, c.limit);
         EXPECT_EQ(source->GetLevel(), limit);
         EXPECT_EQ(source->GetLength(), 30000);
@@ -180,6 +181,21 @@ TEST(PeakLimit, StartsAnewAfterASeek) {
         const auto expected = Model(ahead, 8000, 1, kFullScale16).Output();
         for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i]) << place << ' ' << i;
     }
+}
+
+// Longer than positions count: both stay at the top of their range.
+class EndlessSource final : public LSoundSourceBase {
+public:
+    EndlessSource() : LSoundSourceBase(8000, 1, INT32_MAX) {}
+    void Read(int32_t* samples, int32_t frames) override { std::fill_n(samples, frames, 1); }
+    int32_t GetPosition() const override { return INT32_MAX; }
+    int32_t GetLength() const override { return INT32_MAX; }
+    void Seek(int32_t) override {}
+};
+
+TEST(PeakLimit, ReachesALengthBeyondWhichNothingCounts) {
+    const LSoundSource source = LSRCPeakLimit::OpenSource(LSoundSource::Make<EndlessSource>());
+    EXPECT_GE(source->GetPosition(), source->GetLength());
 }
 
 // Plays a recording that grows before each read, to its present end each time.
