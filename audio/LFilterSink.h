@@ -2,8 +2,9 @@
 
 #include "audio/LSoundSink.h"
 
-// A sink that wraps another one and passes on what it does not change. It counts the frames that it is given
-// and has the wrapped sink's channels and error bit; an empty handle sets the error bit.
+// A sink that wraps another one and passes on what it does not change. It counts the frames that it is given,
+// on top of those that the wrapped sink holds already, and has the wrapped sink's channels and error bit; an
+// empty handle sets the error bit.
 class LFilterSink : public LSoundSinkBase {
 public:
     void Write(const int32_t* samples, int32_t frames) override {
@@ -22,6 +23,7 @@ protected:
     LFilterSink(const LSoundSink& sink, int32_t sampleRate)
         : LSoundSinkBase(sampleRate, sink ? sink->GetChannels() : uint8_t{1}), m_sink(sink) {
         if (!sink || sink->IsError()) SetError();
+        if (sink) SetFrames(sink->GetFrames());
     }
 
     LSoundSink m_sink;

@@ -66,6 +66,58 @@ void Ramp(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames,
     RampOthers(ramp, in, out, frames, channels);
 }
 
+void Narrow(const int32_t* samples, int16_t* narrowed, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        narrowed[i] = static_cast<int16_t>((std::clamp(samples[i], -0x80000, 0x7FFF0) + 8) >> 4);
+}
+
+// A half as the sums of its even and of its odd slots. For the worst of inputs a half may exceed 32 bits, but
+// never one of the two.
+struct HalfSum {
+    int32_t even;
+    int32_t odd;
+    int32_t Halved() const { return (even >> 1) + (odd >> 1) + (even & odd & 1); }
+};
+
+template <size_t kHalf>
+HalfSum SumHalf(const int16_t* history, const int16_t* row) {
+    HalfSum sum{0, 0};
+    for (size_t i = 0; i < kHalf; i += 2) {
+        sum.even += history[i] * row[i];
+        sum.odd += history[i + 1] * row[i + 1];
+    }
+    return sum;
+}
+
+// (a + b + 1024) >> 11 without its sum.
+int32_t Round(int32_t a, int32_t b) {
+    return (a >> 11) + (b >> 11) + (((a & 2047) + (b & 2047) + 1024) >> 11);
+}
+
+template <size_t kHalf>
+void InterpolateBy(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out, size_t count,
+                   size_t stride) {
+    const uint32_t whole = rows.step / rows.phases, part = rows.step % rows.phases;
+    size_t at = 0;
+    for (; count > 0; --count, out += stride) {
+        const int16_t* row = rows.rows + size_t{phase} * (2 * kHalf);
+        *out = Round(SumHalf<kHalf>(history + at + 1, row).Halved(),
+                     SumHalf<kHalf>(history + at + kHalf - 1, row + kHalf).Halved());
+        phase += part;
+        const bool carries = phase >= rows.phases;
+        at += whole + (carries ? 1 : 0);
+        if (carries) phase -= rows.phases;
+    }
+}
+
+void Interpolate(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out, size_t count,
+                 size_t stride) {
+    if (rows.half == 32)
+        InterpolateBy<32>(rows, phase, history, out, count, stride);
+    else
+        InterpolateBy<8>(rows, phase, history, out, count, stride);
+}
+
 const LKernels& Choose() {
     __builtin_cpu_init();
     return __builtin_cpu_supports("sse2") ? kSse2Kernels : kPlainKernels;
@@ -73,7 +125,7 @@ const LKernels& Choose() {
 
 }  // namespace
 
-const LKernels kPlainKernels = {Peak, FromPcm8s, FromPcm16s, ToPcm8s, ToPcm16s, Ramp};
+const LKernels kPlainKernels = {Peak, FromPcm8s, FromPcm16s, ToPcm8s, ToPcm16s, Ramp, Narrow, Interpolate};
 
 const LKernels& Kernels() {
     static const LKernels& chosen = Choose();

@@ -12,6 +12,16 @@ struct LGainRamp {
     int32_t lowest;  // products below it, by a rounding towards minus infinity, are held at it
 };
 
+// The coefficients of a sinc filter (LSincFilter), for the interpolation of frames from a history on the
+// 16-bit scale. Each phase has two halves of `half` (8 or 32) coefficients; the first half applies to the
+// history from frame 1 on, the second from frame half - 1 on.
+struct LSincRows {
+    const int16_t* rows;
+    uint32_t half;
+    uint32_t phases;
+    uint32_t step;
+};
+
 // The loops that every sample passes, in a version for any processor and in one for SSE2. Both give the same
 // result to the bit. Pointers need no alignment; input and output do not overlap.
 struct LKernels {
@@ -27,6 +37,14 @@ struct LKernels {
     // Multiplies each value by the gain of its frame, in halves of 12 bits: high times high, plus the two
     // cross products shifted right by 12. The magnitude of a product is at most 2^22; lowest is 0 or less.
     void (*ramp)(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames, size_t channels);
+
+    // Samples on the 16-bit scale, (v + 8) >> 4, held at full scale.
+    void (*narrow)(const int32_t* samples, int16_t* narrowed, size_t count);
+    // count samples, one to each stride-th place of out. After each the phase grows by rows.step and the
+    // place in the history by the whole phases in it. A sample is (first half >> 1) + (second half >> 1),
+    // rounded and divided by 2048, as if there were no limit of 32 bits to any of them.
+    void (*interpolate)(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out,
+                        size_t count, size_t stride);
 };
 
 // For any processor.

@@ -135,6 +135,85 @@ void Ramp(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames,
     kPlainKernels.ramp(ramp, in, out, frames, channels);
 }
 
+void Narrow(const int32_t* samples, int16_t* narrowed, size_t count) {
+    // (v >> 4) + (v >> 3 & 1) is (v + 8) >> 4 without overflow.
+    const auto rounded = [](__m128i v) {
+        return _mm_add_epi32(_mm_srai_epi32(v, 4), _mm_srli_epi32(_mm_slli_epi32(v, 28), 31));
+    };
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m128i packed = _mm_packs_epi32(rounded(Load(samples + i)), rounded(Load(samples + i + 4)));
+        Store(narrowed + i, packed);
+    }
+    kPlainKernels.narrow(samples + i, narrowed + i, count - i);
+}
+
+// The sums of one sample's two halves, each as two partial sums, of which none exceeds 32 bits for any input:
+// first, second, first, second.
+template <size_t kHalf>
+__m128i SumHalves(const int16_t* history, const int16_t* row) {
+    __m128i first = _mm_setzero_si128(), second = first;
+    for (size_t i = 0; i < kHalf; i += 8) {
+        first = _mm_add_epi32(first, _mm_madd_epi16(Load(history + 1 + i), Load(row + i)));
+        second = _mm_add_epi32(second, _mm_madd_epi16(Load(history + kHalf - 1 + i), Load(row + kHalf + i)));
+    }
+    return _mm_add_epi32(_mm_unpacklo_epi32(first, second), _mm_unpackhi_epi32(first, second));
+}
+
+// (a + b) >> 1 without its sum.
+__m128i Halved(__m128i a, __m128i b) {
+    const __m128i carry = _mm_and_si128(_mm_and_si128(a, b), _mm_set1_epi32(1));
+    return _mm_add_epi32(_mm_add_epi32(_mm_srai_epi32(a, 1), _mm_srai_epi32(b, 1)), carry);
+}
+
+// Four samples from the sums of each.
+__m128i Finish(__m128i s0, __m128i s1, __m128i s2, __m128i s3) {
+    const __m128i low01 = _mm_unpacklo_epi32(s0, s1), low23 = _mm_unpacklo_epi32(s2, s3);
+    const __m128i high01 = _mm_unpackhi_epi32(s0, s1), high23 = _mm_unpackhi_epi32(s2, s3);
+    const __m128i first = Halved(_mm_unpacklo_epi64(low01, low23), _mm_unpacklo_epi64(high01, high23));
+    const __m128i second = Halved(_mm_unpackhi_epi64(low01, low23), _mm_unpackhi_epi64(high01, high23));
+    // (first + second + 1024) >> 11 without its sum.
+    const __m128i mask = _mm_set1_epi32(2047);
+    const __m128i rest = _mm_add_epi32(_mm_and_si128(first, mask), _mm_and_si128(second, mask));
+    const __m128i carry = _mm_srli_epi32(_mm_add_epi32(rest, _mm_set1_epi32(1024)), 11);
+    return _mm_add_epi32(_mm_add_epi32(_mm_srai_epi32(first, 11), _mm_srai_epi32(second, 11)), carry);
+}
+
+template <size_t kHalf>
+void InterpolateBy(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out, size_t count,
+                   size_t stride) {
+    const uint32_t whole = rows.step / rows.phases, part = rows.step % rows.phases;
+    size_t at = 0;
+    const auto next = [&] {
+        const __m128i sums = SumHalves<kHalf>(history + at, rows.rows + size_t{phase} * (2 * kHalf));
+        phase += part;
+        const bool carries = phase >= rows.phases;
+        at += whole + (carries ? 1 : 0);
+        if (carries) phase -= rows.phases;
+        return sums;
+    };
+    for (; count >= 4; count -= 4, out += 4 * stride) {
+        const __m128i s0 = next(), s1 = next(), s2 = next(), s3 = next();
+        const __m128i samples = Finish(s0, s1, s2, s3);
+        if (stride == 1) {
+            Store(out, samples);
+        } else {
+            alignas(16) int32_t lanes[4];
+            _mm_store_si128(reinterpret_cast<__m128i*>(lanes), samples);
+            for (size_t i = 0; i < 4; ++i) out[i * stride] = lanes[i];
+        }
+    }
+    if (count > 0) kPlainKernels.interpolate(rows, phase, history + at, out, count, stride);
+}
+
+void Interpolate(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out, size_t count,
+                 size_t stride) {
+    if (rows.half == 32)
+        InterpolateBy<32>(rows, phase, history, out, count, stride);
+    else
+        InterpolateBy<8>(rows, phase, history, out, count, stride);
+}
+
 }  // namespace
 
-const LKernels kSse2Kernels = {Peak, FromPcm8s, FromPcm16s, ToPcm8s, ToPcm16s, Ramp};
+const LKernels kSse2Kernels = {Peak, FromPcm8s, FromPcm16s, ToPcm8s, ToPcm16s, Ramp, Narrow, Interpolate};

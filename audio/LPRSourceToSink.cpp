@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "audio/LSPConvChannels.h"
+#include "audio/LSRCConvertRate.h"
 #include "audio/LSRCPeakLimit.h"
 #include "base/LTrace.h"
 
@@ -34,7 +35,8 @@ bool LPRSourceToSink::Match(ProcessContext& context) {
     if (m_source->IsError())
         return Refuse(context, "LPRSourceToSink::Process no channel converter",
                       "Audio with this number of channels cannot be converted.");
-    if (m_source->GetSampleRate() != (m_sink ? m_sink->GetSampleRate() : 44100))
+    m_source = LSRCConvertRate::OpenSource(m_source, m_sink ? m_sink->GetSampleRate() : 44100);
+    if (m_source->IsError())
         return Refuse(context, "LPRSourceToSink::Process no rate converter",
                       "Audio with this sampling rate cannot be converted.");
     m_source = LSRCPeakLimit::OpenSource(m_source);

@@ -172,7 +172,7 @@ TEST(SourceToSink, FailsVisiblyWhenItCannotDeliver) {
         {1, kFullScale16, true, 8000, 1, 9000, "LPRSourceToSink::Process Source Error"},
         {1, kFullScale16, false, 8000, 0, 9000, "LPRSourceToSink::Process Sink Error"},
         {6, kFullScale16, false, 8000, 1, 9000, "LPRSourceToSink::Process no channel converter"},
-        {1, kFullScale16, false, 8001, 1, 9000, "LPRSourceToSink::Process no rate converter"},
+        {1, kFullScale16, false, 0, 1, 9000, "LPRSourceToSink::Process no rate converter"},
         {1, kFullScale16, false, 8000, 1, 8191, "LPRSourceToSink::Process Sink Error"},
         {1, kFullScale16, false, 8000, 1, 8999, "LPRSourceToSink::Process Sink Error"},
     };
