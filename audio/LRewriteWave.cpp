@@ -1,9 +1,10 @@
 #include "audio/LRewriteWave.h"
 
+#include "audio/LAcmRecord.h"
 #include "audio/LPRSourceToSink.h"
 #include "audio/LSNKPCMFile.h"
+#include "audio/LSRCACMWave.h"
 #include "audio/LSRCPCMFile.h"
-#include "audio/LWaveFile.h"
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
@@ -16,18 +17,28 @@ static ProcessResult Fail(ProcessContext& context, std::string_view trace, const
     return ProcessResult::Failed;
 }
 
-// The samples of a file whatever their width.
-static LSoundSource OpenAnyWidth(const LPath& path, const LWaveInfo& info) {
-    if (info.BytesPerSample() <= 2) return LWaveFile::OpenSource(path);
-    return LSoundSource::Make<LSRCPCMFileWide>(std::make_unique<LFile>(path, LFile::Open::Read), info);
+// What stands in the file, whatever tag it was given: PCM may come in an extensible record.
+static LWaveInfo Plain(LWaveInfo info) {
+    info.format = LAcmRecord(info.format);
+    return info;
+}
+
+static bool IsDirect(const LWaveInfo& plain) {
+    return plain.IsPcm() && plain.format.BlockAlign() > 0;
 }
 
 // Whether the new file, read again from the disk, is what was to be written. A sink that fails while it
 // closes cannot tell.
-static bool IsComplete(const LPath& path, const LWaveInfo& old) {
+static bool IsComplete(const LPath& path, int64_t frames) {
     LWaveInfo written;
     return LWaveFile::ReadInfo(path, written) && written.isOurLayout && !written.isStreaming &&
-           written.Frames() == old.Frames();
+           written.Frames() == frames;
+}
+
+bool LRewriteWave::CanRead(const LWaveInfo& info) {
+    const LWaveInfo plain = Plain(info);
+    return IsDirect(plain) ||
+           (plain.format.BlockAlign() > 0 && LAcmQuery(plain.format, LAcmPcm(plain.format)));
 }
 
 ProcessResult LRewriteWave::Process(ProcessContext& context) {
@@ -37,25 +48,38 @@ ProcessResult LRewriteWave::Process(ProcessContext& context) {
     return result;
 }
 
+LSoundSource LRewriteWave::OpenOld(const LWaveInfo& info) const {
+    auto file = std::make_unique<LFile>(m_path, LFile::Open::Read);
+    if (!IsDirect(info)) return LSoundSource::Make<LSRCACMWave>(std::move(file), info, m_opener);
+    if (info.BytesPerSample() == 1) return LSoundSource::Make<LSRCPCMFile8>(std::move(file), info);
+    if (info.BytesPerSample() == 2) return LSoundSource::Make<LSRCPCMFile16>(std::move(file), info);
+    return LSoundSource::Make<LSRCPCMFileWide>(std::move(file), info);
+}
+
 ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
     LWaveInfo info;
-    if (!LWaveFile::ReadInfo(m_path, info) || !info.IsPcm() || info.BytesPerSample() > 4)
-        return Fail(context, "LRewriteWave::Process no PCM file", m_path);
+    if (!LWaveFile::ReadInfo(m_path, info)) return Fail(context, "LRewriteWave::Process no WAV file", m_path);
     if (!info.NeedsRewrite()) return ProcessResult::Done;
     if (LEqualNoCase(m_temporary.View(), m_path.View()))
         return Fail(context, "LRewriteWave::Process no name for the new file", m_path);
 
+    info = Plain(info);
+    LSoundSource source = OpenOld(info);
+    if (source->IsError()) return Fail(context, "LRewriteWave::Process no codec", m_path);
     m_begun = true;
     constexpr int32_t kFlushSeconds = 60;  // the new file must be on the disk before the old one goes
-    LSoundSink sink = LSNKPCMFileBase::Open(m_temporary, 0, info.BytesPerSample() == 1 ? 8 : 16,
-                                            static_cast<uint8_t>(info.format.Channels()),
-                                            static_cast<int32_t>(info.format.SampleRate()), kFlushSeconds);
-    LPRSourceToSink copy(OpenAnyWidth(m_path, info), sink);
+    const int bits = IsDirect(info) && info.BytesPerSample() == 1 ? 8 : 16;
+    LSoundSink sink = LSNKPCMFileBase::Open(m_temporary, 0, bits, source->GetChannels(),
+                                            source->GetSampleRate(), kFlushSeconds);
+    LPRSourceToSink copy(source, sink);
     const ProcessResult result = copy.Process(context);
+    const int32_t copied = sink->GetFrames();
     sink.Reset();
     if (result != ProcessResult::Done) return result;
-    if (!IsComplete(m_temporary, info))
+    const bool isWhole = IsDirect(info) || static_cast<LSRCACMWave&>(*source).IsWhole();
+    if (!isWhole || copied < info.Frames() || !IsComplete(m_temporary, copied))
         return Fail(context, "LRewriteWave::Process incomplete temporary file", m_temporary);
+    source.Reset();
     if (!LFile::Replace(m_temporary, m_path))
         return Fail(context, "LRewriteWave::Process unable to replace", m_path);
     return ProcessResult::Done;

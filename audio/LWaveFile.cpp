@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "audio/LAcmRecord.h"
+#include "audio/LSNKACMFile.h"
 #include "audio/LSNKPCMFile.h"
+#include "audio/LSRCACMWave.h"
 #include "audio/LSRCPCMFile.h"
 #include "audio/LWaveHeader.h"
 #include "base/LArith.h"
@@ -83,6 +86,8 @@ static bool ReadFormat(LReadStream& stream, uint32_t size, LWaveFileFormat& form
     const size_t padded = RoundUp<size_t>(size, 2);
     const size_t got = stream.Read(std::span(record).first(padded));
     if (got < size) return WaveChunks::Fail("LWaveFile::OpenSource fmt error!");
+    // Not every writer pads a record of odd length, ours neither: then the next chunk begins at once.
+    if (got > size && record[size] != 0) stream.Seek(stream.Position() - 1);
     // Without its last field the record has no extra bytes, whatever half of the field there is.
     const size_t used = size < LWaveFileFormat::kFixedSize ? std::min<size_t>(size, 16) : size;
     format = LWaveFileFormat(std::span(record).first(std::min(used, LWaveFileFormat::kSize)));
@@ -113,13 +118,25 @@ int LWaveInfo::BytesPerSample() const {
 }
 
 int64_t LWaveInfo::Frames() const {
+    if (!IsPcm()) {
+        const LWaveFileFormat record = LAcmRecord(format);
+        const int32_t blockFrames = LAcmBlockFrames(record);
+        return blockFrames > 0 ? dataBytes / record.BlockAlign() * blockFrames : 0;
+    }
     const int64_t frameBytes = int64_t{format.Channels()} * BytesPerSample();
-    return IsPcm() && frameBytes > 0 ? dataBytes / frameBytes : 0;
+    return frameBytes > 0 ? dataBytes / frameBytes : 0;
+}
+
+bool LWaveInfo::Holds(int64_t frames) const {
+    if (IsPcm()) return Frames() == frames;
+    const int32_t blockFrames = LAcmBlockFrames(LAcmRecord(format));
+    if (blockFrames > 0) return Frames() + blockFrames > frames;
+    return frames == 0 || dataBytes > 0;
 }
 
 int64_t LWaveInfo::LengthMs() const {
     const int64_t rate = std::max<int64_t>(format.SampleRate(), 1);
-    if (IsPcm()) return Frames() * 1000 / rate;
+    if (const int64_t frames = Frames(); IsPcm() || frames > 0) return frames * 1000 / rate;
     const int64_t byteRate = format.AverageBytesPerSecond();
     return dataBytes * 1000 / (byteRate > 0 ? byteRate : rate);
 }
@@ -160,8 +177,8 @@ LSoundSource LWaveFile::OpenSource(std::unique_ptr<LReadStream> stream) {
         return LSoundSource::Make<LSRCPCMFile8>(std::move(stream), info);
     if (info.IsPcm() && info.BytesPerSample() == 2)
         return LSoundSource::Make<LSRCPCMFile16>(std::move(stream), info);
-    LTrace("LWaveFile::OpenSource no codec for this format");
-    return {};
+    LSoundSource source = LSoundSource::Make<LSRCACMWave>(std::move(stream), info);
+    return source->IsError() ? LSoundSource() : source;
 }
 
 LSoundSink LWaveFile::OpenSinkPCM(const LPath& path, int bits, uint8_t channels, int32_t sampleRate) {
@@ -169,11 +186,8 @@ LSoundSink LWaveFile::OpenSinkPCM(const LPath& path, int bits, uint8_t channels,
 }
 
 LSoundSink LWaveFile::OpenSink(const LPath& path, const LWaveFileFormat& format) {
-    if (format.Tag() != kFormatTagPcm) {
-        LTrace("LWaveFile::OpenSink no codec for this format");
-        return {};
-    }
     if (!IsUsable(format)) return {};
+    if (format.Tag() != kFormatTagPcm) return LSoundSink::Make<LSNKACMFile>(format, path);
     return OpenSinkPCM(path, format.BitsPerSample(), static_cast<uint8_t>(format.Channels()),
                        static_cast<int32_t>(format.SampleRate()));
 }

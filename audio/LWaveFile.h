@@ -20,12 +20,15 @@ struct LWaveInfo {
 
     bool IsPcm() const { return format.Tag() == kFormatTagPcm; }
     // Whether a recording onto this file must rewrite it first (LRewriteWave).
-    bool NeedsRewrite() const { return IsPcm() && !isOurLayout; }
+    bool NeedsRewrite() const { return !isOurLayout; }
     // Bytes of one PCM sample: 1 for up to 8 bits, 2 for 9 to 16, and so on.
     int BytesPerSample() const;
-    // Whole frames; 0 when the format has none.
+    // Whole frames, of compressed data those in whole blocks; 0 when the format does not tell.
     int64_t Frames() const;
-    // From the data size and the byte rate; of PCM that of its whole frames.
+    // Whether so many frames can have become these data: exactly so many of PCM, else, where the format tells,
+    // up to the last block.
+    bool Holds(int64_t frames) const;
+    // Of the whole frames; where the format does not tell them, from the data size and the byte rate.
     int64_t LengthMs() const;
 };
 
@@ -40,7 +43,7 @@ public:
     // bits 1 to 8 make an 8-bit file, 9 to 16 a 16-bit file; others give an empty handle. An existing file is
     // replaced from its start. Test the handle and then its error bit.
     static LSoundSink OpenSinkPCM(const LPath& path, int bits, uint8_t channels, int32_t sampleRate);
-    // PCM formats as above; other formats need a compression codec.
+    // PCM formats as above; for other formats a codec of the machine. Empty or with its error bit set on failure.
     static LSoundSink OpenSink(const LPath& path, const LWaveFileFormat& format);
 
     // Whether the file's "fmt " chunk has format tag 1.

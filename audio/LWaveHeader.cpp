@@ -2,26 +2,27 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
-#include "base/LWaveFileFormat.h"
+#include "base/LBytes.h"
+
+std::vector<uint8_t> WaveHeader(const LWaveFileFormat& format, uint32_t dataBytes) {
+    const uint32_t beforeData = kWaveSizeBeforeData + format.ExtraBytes();
+    LByteWriter head;
+    head.Text("RIFF");
+    head.U32(dataBytes == kWaveSizeUnknown ? kWaveSizeUnknown : dataBytes + beforeData);
+    head.Text("WAVEfmt ");
+    head.U32(static_cast<uint32_t>(format.Record().size()));
+    head.Bytes(format.Record());
+    head.Text("data");
+    head.U32(dataBytes);
+    return {head.View().begin(), head.View().end()};
+}
 
 LWaveHeader WavePcmHeader(int bytesPerSample, uint8_t channels, int32_t sampleRate, uint32_t dataBytes) {
     const LWaveFileFormat format = LWaveFileFormat::Pcm(static_cast<uint16_t>(bytesPerSample * 8), channels,
                                                         static_cast<uint32_t>(sampleRate));
     LWaveHeader head;
-    auto at = head.begin();
-    const auto bytes = [&at](auto source) { at = std::copy(source.begin(), source.end(), at); };
-    const auto u32 = [&at](uint32_t value) {
-        for (int i = 0; i < 4; ++i, value >>= 8) *at++ = static_cast<uint8_t>(value);
-    };
-    bytes(std::string_view("RIFF"));
-    u32(dataBytes == kWaveSizeUnknown ? kWaveSizeUnknown : dataBytes + kWaveSizeBeforeData);
-    bytes(std::string_view("WAVEfmt "));
-    u32(LWaveFileFormat::kFixedSize);
-    bytes(format.Record().first(LWaveFileFormat::kFixedSize));
-    bytes(std::string_view("data"));
-    u32(dataBytes);
+    std::ranges::copy(WaveHeader(format, dataBytes), head.begin());
     return head;
 }
 

@@ -2,12 +2,15 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
+#include <vector>
 
-// The head of the WAV files that we write, shared by writer and reader. Little-endian:
-//    0 "RIFF"   4 RIFF size = data bytes + 38   8 "WAVE"
-//   12 "fmt "  16 fmt size = 18                20 format record, 18 bytes, no extra bytes
-//   38 "data"  42 data bytes                   46 samples
+#include "base/LWaveFileFormat.h"
+
+// The head of the WAV files that we write, shared by writer and reader. Little-endian, with x the format's
+// extra bytes (none in PCM):
+//    0 "RIFF"       4 RIFF size = x + data bytes + 38   8 "WAVE"
+//   12 "fmt "      16 fmt size = 18 + x                20 format record
+//   38 + x "data"  42 + x data bytes                   46 + x samples or compressed data
 // While the file is being written both sizes hold kWaveSizeUnknown: a reader takes the data to run to the end
 // of the file, so a recording can be played while it runs and survives a crash.
 constexpr int64_t kWaveHeaderBytes = 46;
@@ -17,6 +20,9 @@ constexpr uint32_t kWaveSizeBeforeData = 38;  // what the RIFF size counts besid
 constexpr int64_t kWaveMaxDataBytes = int64_t{kWaveSizeUnknown} - 1 - kWaveSizeBeforeData;
 
 using LWaveHeader = std::array<uint8_t, kWaveHeaderBytes>;
+
+// The head of a file of any format; dataBytes may be kWaveSizeUnknown.
+std::vector<uint8_t> WaveHeader(const LWaveFileFormat& format, uint32_t dataBytes);
 
 // The head of a PCM file; dataBytes may be kWaveSizeUnknown.
 LWaveHeader WavePcmHeader(int bytesPerSample, uint8_t channels, int32_t sampleRate, uint32_t dataBytes);

@@ -44,8 +44,7 @@ private:
 // Whether a converted file is complete: what a full disk refused at the very end shows only here.
 bool IsComplete(const LPath& path, int32_t frames) {
     LWaveInfo info;
-    if (!LWaveFile::ReadInfo(path, info) || info.isStreaming) return false;
-    return !info.IsPcm() || info.Frames() == frames;
+    return LWaveFile::ReadInfo(path, info) && !info.isStreaming && info.Holds(frames);
 }
 
 }  // namespace

@@ -100,7 +100,7 @@ TEST(PcmSink, HandsRecordingsToTheDiskInTime) {
     EXPECT_EQ(BorrowedStream::flushes, 3);
 }
 
-TEST(WaveFileSink, ChoosesTheSampleSizeAndTakesPcmFormatsOnly) {
+TEST(WaveFileSink, ChoosesTheSampleSizeAndRefusesWhatNothingWrites) {
     const ScratchFile file({});
     for (uint32_t bits : {1, 8, 9, 16}) {
         EXPECT_FALSE(LWaveFile::OpenSinkPCM(file.path, static_cast<int>(bits), 1, 8000)->IsError());
@@ -115,9 +115,12 @@ TEST(WaveFileSink, ChoosesTheSampleSizeAndTakesPcmFormatsOnly) {
         log.Has("LWaveFile::OpenSinkPCM BitsPerSample too large - use BUILD_SUPPORT_32BITSAMPLEFORMATS"));
     EXPECT_FALSE(LWaveFile::OpenSinkPCM(file.path, 0, 1, 8000));
     for (const LWaveFileFormat& format :
-         {LWaveFileFormat(FormatRecord(0x31, 1, 8000, 0)), LWaveFileFormat::Pcm(16, 256, 8000),
-          LWaveFileFormat::Pcm(24, 1, 8000)})
+         {LWaveFileFormat::Pcm(16, 256, 8000), LWaveFileFormat::Pcm(24, 1, 8000)})
         EXPECT_FALSE(LWaveFile::OpenSink(file.path, format));
+    const Bytes before = file.Contents();
+    EXPECT_TRUE(LWaveFile::OpenSink(file.path, LWaveFileFormat(FormatRecord(0x7777, 1, 8000, 8)))->IsError());
+    EXPECT_TRUE(log.Has("LSNKACMFile::LSNKACMFile acmStreamOpen ERROR"));
+    EXPECT_EQ(file.Contents(), before) << "replaced only by what can be written";
 }
 
 TEST(DeferredSink, LeavesTheFileAloneUntilAudioArrives) {

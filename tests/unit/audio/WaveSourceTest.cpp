@@ -94,7 +94,6 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
         {"channels or sample rate out of range",
          {withFormat(1, 0, 8000, 16), withFormat(1, 256, 8000, 16), withFormat(1, 1, 196001, 16),
           withFormat(1, 1, 0, 16)}},
-        {"no codec for this format", {withFormat(1, 1, 8000, 24), withFormat(0x31, 1, 8000, 0)}},
     };
     for (const auto& [reason, files] : cases) {
         for (const Bytes& bytes : files) {
@@ -104,6 +103,9 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
         }
     }
     TraceLog log;
+    LSoundSource noCodec = OpenBytes(withFormat(0x7777, 2, 8000, 8));
+    EXPECT_TRUE(noCodec->IsError() && noCodec->GetSampleRate() == 11025) << "the null source";
+    EXPECT_EQ(log.All(), "LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR\n");
     EXPECT_TRUE(LWaveFile::OpenSource(LPath("no/such/file.wav"))->IsError());
     EXPECT_TRUE(log.Has("LWaveFile::OpenSource Unable to Open File:"));
 }
@@ -147,10 +149,14 @@ TEST(WaveInfo, TellsLayoutAndLength) {
         {"compressed",
          WaveFile(Chunk("fmt ", Hex("3100 0100 401F0000 5906 0000 4100 0000 0200 4001")) +
                   Chunk("data", Bytes(1625))),
-         1000, false, false},
+         1000, false, true},
+        {"compressed with a wrong byte rate",
+         WaveFile(Chunk("fmt ", Hex("1100 0100 401F0000 01000000 0001 0400 0200 F901")) +
+                  Chunk("data", Bytes(256 * 16))),
+         1010, false, true},
         {"compressed without a byte rate",
          WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + Chunk("data", Bytes(800))), 100, false,
-         false},
+         true},
     };
     for (const auto& c : kCases) {
         LMemoryFile file(c.bytes);

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "audio/LAcm.h"
+
+// A codec that does not exist, for tests of what files do through one: simple enough to predict, and it
+// misbehaves as it is told. Between 16-bit PCM and any other tag. A block is a byte that counts groups, then one
+// byte per group of samples, their first one's upper half; how many samples a group has follows from the
+// block's frames: 320 of GSM 6.10 (tag 0x31), else 8.
+struct StandInCodec {
+    static constexpr uint16_t kTag = 0x7F01;
+    static constexpr int32_t kBlockFrames = 8;
+
+    enum class Fault {
+        None,
+        NoCodec,
+        OnlyNonRealTime,
+        NoHandle,
+        NoSize,
+        AbsurdSize,
+        NoPrepare,
+        NoClose,
+        Fails,
+        YieldsNothing,
+        YieldsAndConsumesNothing,
+        ConsumesNothing,  // and yields as if it had, again and again
+        ConsumesTooMuch,  // says so
+        YieldsTooMuch,    // says so
+        OneBlockAtATime,
+        HoldsBackABlock,      // until the end flag
+        LeavesPartialBlocks,  // also at the end
+        OddBytes,             // yields half a sample more than whole frames
+    };
+    static constexpr int kFaults = static_cast<int>(Fault::OddBytes) + 1;
+    static inline Fault fault = Fault::None;
+    static inline int failAfter = 0;  // conversions until the fault shows
+    static inline int conversions = 0;
+    static inline int restarts = 0;
+
+    // An LAcmOpener.
+    static bool Open(const LWaveFileFormat& from, const LWaveFileFormat& to, LAcmTiming timing,
+                     std::unique_ptr<LAcmConversion>& conversion);
+    // A format of its own: extra bytes 1, 2, 3.
+    static LWaveFileFormat Format(uint16_t channels = 1, uint32_t sampleRate = 8000);
+};

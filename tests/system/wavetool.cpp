@@ -1,0 +1,124 @@
+// wavetool.exe: WAV files through the product's own sources and sinks. Traces go to standard error.
+//   decode <in> <out>                 any WAV file into 16-bit PCM; the length that was told before
+//   seek <in> <out> <frame>...        what is read after each seek, up to two blocks, one after the other
+//   encode <in> <out> <record>        into the format of a record (hexadecimal)
+//   rewrite <file>                    into the layout that recordings continue on
+//   info <in>                         what the head tells: tag, channels, rate, frames, milliseconds
+//   query <record>                    whether a codec makes that format
+//   choose <channels> <record>        the platform's format chooser; the record that was chosen
+
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "audio/LPRSourceToSink.h"
+#include "audio/LRewriteWave.h"
+#include "audio/LWaveFile.h"
+#include "base/LTrace.h"
+
+namespace {
+
+using Arguments = std::vector<const char*>;
+
+struct Context final : ProcessContext {
+    bool CancelRequested() override { return false; }
+    void SetProgress(double) override {}
+    void SetStatus(std::string_view) override {}
+    void SetError(std::string_view text) override { LTrace("error:", text); }
+};
+
+void TraceToStderr(std::string_view line, std::string_view detail) {
+    std::fprintf(stderr, "%s %s\n", std::string(line).c_str(), std::string(detail).c_str());
+}
+
+LWaveFileFormat Record(const char* hex) {
+    std::vector<uint8_t> bytes;
+    for (; hex[0] && hex[1]; hex += 2)
+        bytes.push_back(static_cast<uint8_t>(std::strtoul(std::string(hex, 2).c_str(), nullptr, 16)));
+    return LWaveFileFormat(bytes);
+}
+
+bool Run(LProcess&& process) {
+    Context context;
+    return process.Process(context) == ProcessResult::Done;
+}
+
+LSoundSink SinkLike(const LSoundSource& source, const char* path) {
+    return LWaveFile::OpenSinkPCM(LPath(path), 16, source->GetChannels(), source->GetSampleRate());
+}
+
+bool Decode(const Arguments& arguments) {
+    const LSoundSource source = LWaveFile::OpenSource(LPath(arguments[0]));
+    std::printf("%ld\n", static_cast<long>(source->GetLength()));
+    return !source->IsError() && Run(LPRSourceToSink(source, SinkLike(source, arguments[1])));
+}
+
+bool Seek(const Arguments& arguments) {
+    const LSoundSource source = LWaveFile::OpenSource(LPath(arguments[0]));
+    if (source->IsError()) return false;
+    const LSoundSink sink = SinkLike(source, arguments[1]);
+    std::vector<int32_t> block(size_t{kBlockFrames} * source->GetChannels());
+    for (size_t i = 2; i < arguments.size(); ++i) {
+        source->Seek(std::atoi(arguments[i]));
+        for (int piece = 0; piece < 2; ++piece) {
+            source->Read(block.data(), kBlockFrames);
+            sink->Write(block.data(), kBlockFrames);
+        }
+    }
+    return !sink->IsError();
+}
+
+bool Encode(const Arguments& arguments) {
+    const LSoundSource source = LWaveFile::OpenSource(LPath(arguments[0]));
+    const LSoundSink sink = LWaveFile::OpenSink(LPath(arguments[1]), Record(arguments[2]));
+    return sink && Run(LPRSourceToSink(source, sink));
+}
+
+bool Rewrite(const Arguments& arguments) {
+    return Run(LRewriteWave(LPath(arguments[0])));
+}
+
+bool Info(const Arguments& arguments) {
+    LWaveInfo info;
+    if (!LWaveFile::ReadInfo(LPath(arguments[0]), info)) return false;
+    std::printf("%u %u %lu %ld %ld\n", info.format.Tag(), info.format.Channels(),
+                static_cast<unsigned long>(info.format.SampleRate()), static_cast<long>(info.Frames()),
+                static_cast<long>(info.LengthMs()));
+    return true;
+}
+
+bool Query(const Arguments& arguments) {
+    return Record(arguments[0]).TestSupportedRecord();
+}
+
+bool Choose(const Arguments& arguments) {
+    LWaveFileFormat format = Record(arguments[1]);
+    if (!format.ChooseFormat(static_cast<uint16_t>(std::atoi(arguments[0])))) return false;
+    for (const uint8_t byte : format.Record()) std::printf("%02x", byte);
+    std::puts("");
+    return true;
+}
+
+constexpr struct {
+    const char* name;
+    size_t arguments;
+    bool (*run)(const Arguments& arguments);
+} kCommands[] = {
+    {"choose", 2, Choose}, {"decode", 2, Decode},   {"encode", 3, Encode}, {"info", 1, Info},
+    {"query", 1, Query},   {"rewrite", 1, Rewrite}, {"seek", 3, Seek},
+};
+
+}  // namespace
+
+int main(int count, char** values) {
+    LSetTraceSink(TraceToStderr);
+    const Arguments arguments(values + (count > 1 ? 2 : 1), values + count);
+    for (const auto& command : kCommands) {
+        if (count > 1 && std::string_view(values[1]) == command.name && arguments.size() >= command.arguments)
+            return command.run(arguments) ? 0 : 1;
+    }
+    return 2;
+}
