@@ -1,9 +1,12 @@
 #include "audio/LSRCPCMFile.h"
 
 #include <algorithm>
+#include <array>
 
 #include "audio/LKernels.h"
+#include "audio/LWaveHeader.h"
 #include "base/LArith.h"
+#include "base/LBytes.h"
 #include "base/LTrace.h"
 
 LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWaveInfo& info,
@@ -15,21 +18,52 @@ LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWav
       m_bytesPerFrame(GetChannels() * bytesPerSample),
       m_block(static_cast<size_t>(kBlockFrames) * static_cast<size_t>(m_bytesPerFrame)) {
     if (info.isStreaming) LTrace("LSRCPCMFileBase::LSRCPCMFileBase Wav File Is Streaming");
-    m_length = Saturate(info.dataBytes / m_bytesPerFrame);
+    m_length = FramesIn(info.dataBytes);
+    m_growing = info.isStreaming && m_stream->IsBeingWritten();
     LSRCPCMFileBase::Seek(0);
+}
+
+int32_t LSRCPCMFileBase::FramesIn(int64_t dataBytes) const {
+    return Saturate(std::max<int64_t>(dataBytes, 0) / m_bytesPerFrame);
+}
+
+int32_t LSRCPCMFileBase::GetLength() const {
+    return m_growing ? FramesIn(m_stream->Size() - m_dataStart) : m_length;
+}
+
+bool LSRCPCMFileBase::IsGrowing() const {
+    if (!m_growing) return false;
+    // Asked before the header: the recorder may finish between the two questions.
+    const bool isBeingWritten = m_stream->IsBeingWritten();
+    const uint32_t dataBytes = DataBytesInHeader();
+    if (isBeingWritten && dataBytes == kWaveSizeUnknown) return true;
+    m_length = FramesIn(std::min<int64_t>(dataBytes, m_stream->Size() - m_dataStart));
+    m_growing = false;
+    return false;
+}
+
+uint32_t LSRCPCMFileBase::DataBytesInHeader() const {
+    std::array<uint8_t, 4> bytes;
+    const int64_t place = m_stream->Position();
+    const bool isRead = m_stream->Seek(m_dataStart - 4) && m_stream->ReadExact(bytes);
+    m_stream->Seek(place);
+    return isRead ? LByteReader(bytes).U32() : kWaveSizeUnknown;
 }
 
 void LSRCPCMFileBase::Read(int32_t* samples, int32_t frames) {
     const int32_t first = m_position;
     m_position = Saturate(int64_t{first} + frames);
     const int32_t before = first < 0 ? static_cast<int32_t>(std::min(-int64_t{first}, int64_t{frames})) : 0;
-    const int32_t present = Clamp(m_length - std::max(first, 0), 0, frames - before);
+    const int32_t present = Clamp(GetLength() - std::max(first, 0), 0, frames - before);
 
     const size_t channels = GetChannels();
     const auto values = [channels](int32_t count) { return static_cast<size_t>(count) * channels; };
     std::fill_n(samples, values(before), 0);
     if (present > 0) ReadFrames(samples + values(before), present, std::max(first, 0));
-    std::fill_n(samples + values(before + present), values(frames - before - present), 0);
+    const int32_t missing = frames - before - present;
+    std::fill_n(samples + values(before + present), values(missing), 0);
+    // What grows later is read at its own place.
+    if (missing > 0 && m_growing) m_stream->Seek(m_dataStart + int64_t{m_position} * m_bytesPerFrame);
 }
 
 void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t firstFrame) {
@@ -47,7 +81,7 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
 
 void LSRCPCMFileBase::Seek(int32_t frame) {
     m_position = frame;
-    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, m_length)} * m_bytesPerFrame))
+    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, GetLength())} * m_bytesPerFrame))
         LTrace("LSRCPCMFileBase::Seek unable to move");
 }
 

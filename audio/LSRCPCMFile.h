@@ -7,14 +7,17 @@
 #include "audio/LWaveFile.h"
 #include "base/LStream.h"
 
-// The PCM samples of a WAV file as a source. The length is that of the data present when the source is built.
+// The PCM samples of a WAV file as a source. The length is that of the data present when the source is built; of
+// a file that is being recorded it is that of the data present now, until the recorder has finished it.
 // Seek keeps a position below 0 as it is: what is read before frame 0 is silence (pre-roll for a filter).
 class LSRCPCMFileBase : public LSoundSourceBase {
 public:
     void Read(int32_t* samples, int32_t frames) override;
     int32_t GetPosition() const override { return m_position; }
-    int32_t GetLength() const override { return m_length; }
+    int32_t GetLength() const override;
     void Seek(int32_t frame) override;
+    // Asks the file: not for every sample.
+    bool IsGrowing() const override;
 
 protected:
     // info is what LWaveFile::ReadInfo told of the stream.
@@ -23,11 +26,15 @@ protected:
 private:
     virtual void Convert(const uint8_t* bytes, int32_t* samples, size_t count) const = 0;
     void ReadFrames(int32_t* samples, int32_t frames, int32_t firstFrame);
+    int32_t FramesIn(int64_t dataBytes) const;
+    uint32_t DataBytesInHeader() const;
 
     std::unique_ptr<LReadStream> m_stream;
     int64_t m_dataStart;
     int32_t m_position = 0;
-    int32_t m_length = 0;
+    // Settled by the question that finds the file finished.
+    mutable int32_t m_length = 0;
+    mutable bool m_growing = false;
     int32_t m_bytesPerFrame;
     std::vector<uint8_t> m_block;
 };

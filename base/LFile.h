@@ -34,6 +34,8 @@ public:
     bool Seek(int64_t position) override;
     int64_t Position() const override;
     int64_t Size() const override;
+    // Of a file that was opened to be read, and only on the product's platform; elsewhere always false.
+    bool IsBeingWritten() const override;
     size_t Write(std::span<const uint8_t> bytes) override;
     bool SetEnd() override;
     bool Flush() override;

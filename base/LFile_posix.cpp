@@ -108,6 +108,10 @@ int64_t LFile::Size() const {
     return m_impl && fstat(m_impl->file.Get(), &info) == 0 ? info.st_size : 0;
 }
 
+bool LFile::IsBeingWritten() const {
+    return false;
+}
+
 bool LFile::SetEnd() {
     return m_impl && ftruncate(m_impl->file.Get(), Position()) == 0;
 }

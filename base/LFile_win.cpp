@@ -82,6 +82,7 @@ DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
 
 struct LFile::Impl {
     LOwned<FileTraits> file;
+    LPath path;  // of a file that is only read
 };
 
 LFile::LFile() = default;
@@ -89,6 +90,7 @@ LFile::LFile(const LPath& path, Open how) {
     if (const HANDLE handle = OpenFile(path, how); handle != INVALID_HANDLE_VALUE) {
         m_impl = std::make_unique<Impl>();
         m_impl->file.Reset(handle);
+        if (how == Open::Read) m_impl->path = path;
     }
 }
 LFile::~LFile() = default;
@@ -150,6 +152,15 @@ int64_t LFile::Size() const {
     const DWORD low = GetFileSize(m_impl->file.Get(), &high);
     if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return 0;
     return static_cast<int64_t>(Join(high, low));
+}
+
+// To open it once more without allowing writers fails while there is one. When there is none, the file is held
+// against writers for that moment.
+bool LFile::IsBeingWritten() const {
+    if (!m_impl || m_impl->path.Empty()) return false;
+    const LOwned<FileTraits> again(CreateFileA(m_impl->path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return !again && GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
 bool LFile::SetEnd() {

@@ -18,6 +18,8 @@ public:
     virtual int64_t Position() const = 0;
     // The size now: a file that another stream is writing grows.
     virtual int64_t Size() const = 0;
+    // Whether somebody else has the stream open for writing, as far as that can be told.
+    virtual bool IsBeingWritten() const { return false; }
 
     // True when the whole buffer was read.
     bool ReadExact(std::span<uint8_t> buffer) { return Read(buffer) == buffer.size(); }

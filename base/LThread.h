@@ -79,6 +79,8 @@ public:
     bool Stop(uint32_t timeoutMs = kWaitForever);
     bool WaitForEnd(uint32_t timeoutMs);
     bool IsRunning() const;
+    // Does nothing while no thread runs.
+    void SetPriority(int priority);
 
     bool StopRequested() const { return m_stop.IsSignalled(); }
 

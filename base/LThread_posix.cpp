@@ -159,4 +159,5 @@ bool LThread::IsRunning() const {
     return m_impl->started && !m_impl->ended.IsSignalled();
 }
 
+void LThread::SetPriority(int) {}
 void LThread::SetOwnPriority(int) {}

@@ -104,6 +104,10 @@ bool LThread::IsRunning() const {
     return m_impl->thread && WaitForSingleObject(m_impl->thread.Get(), 0) == WAIT_TIMEOUT;
 }
 
+void LThread::SetPriority(int priority) {
+    if (m_impl->thread) SetThreadPriority(m_impl->thread.Get(), priority);
+}
+
 void LThread::SetOwnPriority(int priority) {
     SetThreadPriority(GetCurrentThread(), priority);
 }

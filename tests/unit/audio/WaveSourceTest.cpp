@@ -208,3 +208,74 @@ TEST(RewriteWave, LeavesTheOldFileWhenItHasNothingToDoOrDoesNotFinish) {
     const Bytes foreign = WaveFile(kFmt16 + kData + Chunk("LIST", {}));
     EXPECT_EQ(Rewritten(foreign, ProcessResult::Stopped, 0), foreign);
 }
+
+namespace {
+
+// A file that a recorder works on while a source reads it.
+struct Recording {
+    LMemoryFile file;
+    bool isBeingWritten = true;
+};
+
+class RecordingStream final : public LReadStream {
+public:
+    explicit RecordingStream(Recording& recording) : m_recording(recording) {}
+    size_t Read(std::span<uint8_t> buffer) override {
+        m_recording.file.Seek(m_position);
+        const size_t count = m_recording.file.Read(buffer);
+        m_position += static_cast<int64_t>(count);
+        return count;
+    }
+    bool Seek(int64_t position) override {
+        m_position = position;
+        return true;
+    }
+    int64_t Position() const override { return m_position; }
+    int64_t Size() const override { return m_recording.file.Size(); }
+    bool IsBeingWritten() const override { return m_recording.isBeingWritten; }
+
+private:
+    Recording& m_recording;
+    int64_t m_position = 0;
+};
+
+}  // namespace
+
+TEST(GrowingFile, IsFollowedUntilItsRecorderHasFinishedIt) {
+    enum class Finish { Header, Crash, HeaderOfLess };
+    for (const Finish finish : {Finish::Header, Finish::Crash, Finish::HeaderOfLess}) {
+        Recording recording;
+        const auto append = [&](const Bytes& bytes) {
+            recording.file.Seek(recording.file.Size());
+            EXPECT_TRUE(recording.file.WriteAll(bytes));
+        };
+        append(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100 0200"));
+        LSoundSource source = LWaveFile::OpenSource(std::make_unique<RecordingStream>(recording));
+        EXPECT_TRUE(source->IsGrowing());
+        EXPECT_EQ(source->GetLength(), 2);
+        Samples samples(3);
+        source->Read(samples.data(), 3);
+        EXPECT_EQ(samples, (Samples{16, 32, 0})) << "silence in place of what comes later";
+        append(Hex("0300 0400 0500 06"));
+        EXPECT_EQ(source->GetLength(), 5) << "whole frames";
+        source->Read(samples.data(), 2);
+        EXPECT_EQ(samples[0], 64) << "each sample in its own place";
+        EXPECT_EQ(samples[1], 80);
+        EXPECT_TRUE(source->IsGrowing());
+
+        recording.isBeingWritten = finish == Finish::HeaderOfLess;
+        if (finish != Finish::Crash) {
+            recording.file.Seek(42);
+            EXPECT_TRUE(recording.file.WriteAll(Little(finish == Finish::Header ? 10 : 6)));
+        }
+        EXPECT_FALSE(source->IsGrowing());
+        append(Hex("0700 0800"));
+        EXPECT_EQ(source->GetLength(), finish == Finish::HeaderOfLess ? 3 : 5) << "that was final";
+    }
+    // Nobody writes it: left over by a crash.
+    Recording leftOver;
+    leftOver.isBeingWritten = false;
+    EXPECT_TRUE(
+        leftOver.file.WriteAll(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100")));
+    EXPECT_FALSE(LWaveFile::OpenSource(std::make_unique<RecordingStream>(leftOver))->IsGrowing());
+}

@@ -1,0 +1,319 @@
+#include "audio/LSoundPlayer_win.h"
+
+#include <algorithm>
+
+#include "audio/LDecibel.h"
+#include "base/LArith.h"
+#include "base/LTrace.h"
+
+static constexpr char kWindowClass[] = "LWSoundPlayer";
+static constexpr UINT kNotifyMessage = WM_USER;
+static constexpr uint32_t kLookMs = 150;
+
+using NextStep = PlayQueue::Step;
+
+// --- The owner's side ---------------------------------------------------------------------------------------
+
+LSoundPlayer::LSoundPlayer(LSoundPlayerNotify& notify)
+    : m_notify(notify), m_window(CreateHiddenWindow(this)) {
+    ClearLevels();
+}
+
+LSoundPlayer::~LSoundPlayer() {
+    Stop();
+}
+
+HWND LSoundPlayer::CreateHiddenWindow(LSoundPlayer* owner) {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = kWindowClass;
+    RegisterClassA(&windowClass);  // fails harmlessly for every player but the first
+    HWND window = CreateWindowExA(0, kWindowClass, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                  windowClass.hInstance, nullptr);
+    if (window) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(owner));
+    return window;
+}
+
+LRESULT CALLBACK LSoundPlayer::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* owner = reinterpret_cast<LSoundPlayer*>(GetWindowLongA(window, GWL_USERDATA));
+    if (message != kNotifyMessage || !owner) return DefWindowProcA(window, message, wParam, lParam);
+    owner->EvNotify();
+    return 0;
+}
+
+void LSoundPlayer::EvNotify() {
+    if (m_playing && m_positionChanged.exchange(false)) {
+        m_notify.OnPlayPosition(m_position);
+        if (m_playing) m_notify.OnPlayLevel();
+    }
+    if (!m_playing || !m_stopNotify.exchange(false)) return;
+    LTrace("LSoundPlayer::Notify() bNotifyStop");
+    const Ending ending = m_endReason;
+    Stop();
+    m_ending = ending;
+    m_notify.OnPlayStopped();  // the owner may have destroyed us
+}
+
+void LSoundPlayer::Post() {
+    PostMessageA(m_window.Get(), kNotifyMessage, 0, 0);
+}
+
+bool LSoundPlayer::Start(const LSoundSource& source) {
+    Stop();
+    if (!m_window) {
+        LTrace("LSoundPlayer::Start Window Not Created Error");
+        return false;
+    }
+    if (!m_material.Open(source, m_percent) || !OpenDevice() || !LThread::Start(kThreadNormal)) {
+        m_device.Close();
+        m_material.Close();
+        return false;
+    }
+    m_playing = true;
+    m_notify.OnPlayPosition(m_position);
+    return true;
+}
+
+bool LSoundPlayer::OpenDevice() {
+    const LSoundSourceBase& top = m_material.Top();
+    if (!m_device.Open(m_deviceId, top.GetChannels(), top.GetSampleRate(), m_material.BufferFrames(),
+                       m_bufferDone.NativeHandle()))
+        return false;
+    m_queue.Start(m_material.BufferFrames());
+    m_levelChannels = top.GetChannels();
+    m_clock.Reset(top.GetSampleRate());
+    m_resetFrame = top.GetPosition();
+    SetHeard(m_resetFrame);
+    m_stopNotify = m_positionChanged = false;
+    return true;
+}
+
+void LSoundPlayer::Stop() {
+    if (!m_playing) return;
+    m_playing = false;
+    {
+        LLock lock(m_section);
+        SetHeard(HeardFrame());
+        RequestStop();
+    }
+    LThread::Stop();
+    m_device.Close();
+    m_material.Close();
+    m_stopNotify = m_positionChanged = false;
+    m_ending = Ending::Stopped;
+    ClearLevels();
+}
+
+void LSoundPlayer::ClearLevels() {
+    for (auto& level : m_levels) level = kSilenceDb;
+}
+
+void LSoundPlayer::Play() {
+    if (!m_playing || !m_queue.IsPaused()) return;
+    LLock lock(m_section);
+    m_queue.Play();
+    if (m_queue.StartsNow()) Restart();
+    m_bufferDone.Signal();  // a thread that found nothing to do looks again
+}
+
+void LSoundPlayer::Pause() {
+    if (!m_playing || m_queue.IsPaused()) return;
+    {
+        LLock lock(m_section);
+        m_device.Pause();
+        m_clock.Hold(timeGetTime());
+        m_queue.Pause();
+        SetHeard(HeardFrame());
+    }
+    m_notify.OnPlayPosition(m_position);
+}
+
+void LSoundPlayer::Seek(int32_t frame) {
+    if (!m_playing) return;
+    {
+        LLock lock(m_section);
+        m_material.Seek(frame);
+        Jump(0);
+    }
+    m_notify.OnPlayPosition(m_position);
+    if (IsCueing()) m_notify.OnPlayLevel();
+}
+
+void LSoundPlayer::Cue(bool on) {
+    if (!m_playing) {
+        if (on) CueBuffer();
+        return;
+    }
+    if (on == m_queue.IsCueing()) return;
+    {
+        LLock lock(m_section);
+        m_material.Seek(m_material.ToSourceFrame(HeardFrame()));
+        m_queue.SetCueing(on);
+        if (!Jump(0)) LTrace("LSoundPlayer::Cue waveOutReset ERROR");
+    }
+    m_notify.OnPlayPosition(m_position);
+    if (on) m_notify.OnPlayLevel();
+}
+
+void LSoundPlayer::SetSpeed(int32_t percent) {
+    const int32_t before = std::exchange(m_percent, percent);
+    if (!m_playing || percent == before) return;
+    {
+        LLock lock(m_section);
+        const int32_t heard = HeardFrame();
+        if (!m_material.SetSpeed(percent, m_material.ToSourceFrame(heard))) {
+            EndBecause(Ending::DeviceLost);
+            return;
+        }
+        Jump(0);
+    }
+    m_notify.OnPlayPosition(m_position);
+}
+
+bool LSoundPlayer::GetCueGraph(uint8_t* graph, int32_t spanMs) {
+    if (!graph) {
+        LTrace("LSoundPlayer::GetCueGraph Buffer == NULL");
+        return false;
+    }
+    const std::span<uint8_t, kCueGraphBytes> bars(graph, kCueGraphBytes);
+    std::ranges::fill(bars, uint8_t{0});
+    if (!IsCueing()) return true;
+    LLock lock(m_section);
+    m_material.ReadCueGraph(spanMs, bars);
+    return true;
+}
+
+// --- What both sides do, inside the critical section --------------------------------------------------------
+
+// The frame of the material that is heard now, as exactly as the device tells.
+int32_t LSoundPlayer::HeardFrame() {
+    int32_t played = 0;
+    if (m_queue.Depth() == 0 || m_queue.IsCueing() || !m_device.GetPlayed(played)) return m_heardFrame;
+    const int32_t heard = m_clock.Heard(played, timeGetTime());
+    return Clamp(Saturate(int64_t{m_resetFrame} + heard), m_resetFrame,
+                 std::max(m_material.Top().GetPosition(), m_resetFrame));
+}
+
+bool LSoundPlayer::Reset() {
+    m_clock.Reset(m_material.Top().GetSampleRate());
+    return m_device.Reset();
+}
+
+void LSoundPlayer::Restart() {
+    m_device.Restart();
+    m_clock.Run(timeGetTime());
+}
+
+void LSoundPlayer::SetHeard(int32_t frame) {
+    m_heardFrame = frame;
+    m_position = m_material.ToSourceFrame(frame);
+}
+
+// Goes on where the material stands now, at once: what is heard first is read before the device is reset.
+bool LSoundPlayer::Jump(int32_t skipFrames) {
+    m_queue.Empty();
+    m_resetFrame = m_material.Top().GetPosition();
+    const size_t ahead = m_queue.IsCueing() ? 0 : ReadAhead();
+    const bool isReset = Reset();
+    if (m_queue.IsPaused() || m_queue.IsStartDelayed())
+        m_device.Pause();
+    else
+        m_clock.Run(timeGetTime());
+    SetHeard(m_resetFrame);
+    for (size_t i = 0; i < ahead; ++i) {
+        if (m_device.Write(m_queue.Next(), m_ahead[i], i == 0 ? skipFrames : 0)) m_queue.Queued();
+    }
+    if (m_queue.IsCueing()) CueBuffer();
+    SetPriority(kThreadLowest);
+    m_stopNotify = m_positionChanged = false;
+    m_bufferDone.Signal();
+    return isReset;
+}
+
+size_t LSoundPlayer::ReadAhead() {
+    for (size_t i = 0; i < m_ahead.size(); ++i) {
+        const int32_t frames = m_queue.FramesToTake(m_material.Top());
+        if (frames == 0) return i;
+        m_material.Read(frames, m_ahead[i]);
+    }
+    return m_ahead.size();
+}
+
+bool LSoundPlayer::CueBuffer() {
+    if (!m_playing) {
+        LTrace("LSoundPlayer::CueBuffer() called when not playing ERROR");
+        return false;
+    }
+    m_material.ReadCue(m_block);
+    TakeLevels(m_block);
+    return m_device.WriteLoop(0, m_block);
+}
+
+void LSoundPlayer::TakeLevels(const PlayBlock& block) {
+    for (size_t i = 0; i < block.levels.size(); ++i) m_levels[i] = block.levels[i];
+}
+
+void LSoundPlayer::EndBecause(Ending ending) {
+    m_queue.End();
+    m_endReason = ending;
+    m_stopNotify = true;
+    Post();
+}
+
+// --- The thread ---------------------------------------------------------------------------------------------
+
+void LSoundPlayer::ThreadFunction() {
+    while (!StopRequested()) {
+        m_bufferDone.Reset();
+        if (!Step()) m_bufferDone.WaitEither(StopEvent(), kLookMs);
+    }
+}
+
+// One look at the ring; false when the next one can wait for the device.
+bool LSoundPlayer::Step() {
+    LLock lock(m_section);
+    bool goOn = true;
+    switch (m_queue.Look(m_device.Buffer(m_queue.Oldest()).IsBack(), m_material.Top())) {
+        case NextStep::TakeBack:
+            TakeBack();
+            break;
+        case NextStep::Refill:
+            goOn = Refill();
+            break;
+        case NextStep::Wait:
+            goOn = false;
+            if (!m_queue.TakesOff()) break;
+            LTrace("Takeoff-complete lock thread to high priority");
+            SetOwnPriority(kThreadTimeCritical);
+            break;
+        case NextStep::End:
+            EndBecause(Ending::AtEnd);
+            return false;
+        case NextStep::DeviceLost:
+            EndBecause(Ending::DeviceLost);
+            return false;
+    }
+    if (m_queue.StartsNow()) Restart();
+    return goOn;
+}
+
+void LSoundPlayer::TakeBack() {
+    const LSoundPlayerWaveHeader& buffer = m_device.Buffer(m_queue.Oldest());
+    SetHeard(std::max(buffer.EndFrame(), m_heardFrame));
+    for (uint8_t i = 0; i < buffer.Channels(); ++i) m_levels[i] = buffer.LevelDb(i);
+    m_queue.TookBack();
+    if (m_clock.IsLearning(timeGetTime())) HeardFrame();
+    m_positionChanged = true;
+    Post();
+}
+
+bool LSoundPlayer::Refill() {
+    m_material.Read(m_queue.FramesToTake(), m_block);
+    if (!m_device.Write(m_queue.Next(), m_block)) {
+        EndBecause(Ending::DeviceLost);
+        return false;
+    }
+    m_queue.Queued();
+    return true;
+}

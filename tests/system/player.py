@@ -1,0 +1,136 @@
+"""Runs playtool.exe, and hears what comes out of the rig's speaker."""
+
+import json
+import os
+import queue
+import signal
+import subprocess
+import threading
+import time
+from dataclasses import dataclass
+
+import numpy as np
+
+from corvane import TOOLS, wait_for
+
+HEARD_RATE = 48000
+
+
+@dataclass
+class Line:
+    at: float  # time.monotonic() of its arrival
+    fields: dict
+
+
+class PlayTool:
+    """One playtool.exe: commands with their answers, and the notifications in between."""
+
+    def __init__(self, environment=None):
+        self.process = subprocess.Popen(
+            ["wine", str(TOOLS / "playtool.exe")],
+            stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE,
+            env=environment,
+        )
+        self.answers = queue.Queue()
+        self.lines = []
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        for text in self.process.stdout:
+            line = Line(time.monotonic(), json.loads(text))
+            self.lines.append(line)
+            if "answer" in line.fields:
+                self.answers.put(line)
+
+    def ask(self, *words):
+        """The answer to a command."""
+        self.asked = time.monotonic()
+        self.process.stdin.write((" ".join(map(str, words)) + "\n").encode())
+        self.process.stdin.flush()
+        return self.answers.get(timeout=20).fields
+
+    def do(self, *words):
+        answer = self.ask(*words)
+        assert answer["ok"], answer
+        return answer
+
+    def events(self, kind, value=None):
+        """What was told of a kind: positions and levels as their numbers."""
+        found = [x for x in list(self.lines) if x.fields.get("event") == kind]
+        return [x.fields[value] for x in found] if value else found
+
+    def traces(self):
+        return [x.fields["trace"] for x in list(self.lines) if "trace" in x.fields]
+
+    def wait_stopped(self, seconds=15):
+        """Waits for the next end of a playback and forgets it; returns its reason."""
+        (stopped,) = wait_for(lambda: self.events("stopped")[-1:], "the end of the playback", seconds)
+        self.lines.remove(stopped)
+        return stopped.fields["ending"]
+
+    def load(self, path):
+        self.lines.clear()
+        return self.do("open", windows_file(path))
+
+    def start(self, path):
+        answer = self.load(path)
+        self.do("start")
+        return answer
+
+    def close(self):
+        self.process.stdin.close()
+        try:
+            self.process.wait(10)
+        except subprocess.TimeoutExpired:
+            os.kill(self.process.pid, signal.SIGKILL)
+            raise
+
+
+def windows_file(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class Heard:
+    """What the speaker plays while this is open, as 16-bit mono samples."""
+
+    def __init__(self):
+        self.parec = subprocess.Popen(
+            ["parec", "--device=speaker.monitor", "--format=s16le", "--channels=1", f"--rate={HEARD_RATE}"]
+            + ["--latency-msec=20", "--raw"],
+            stdout=subprocess.PIPE,
+        )
+        self.chunks = []
+        self.count = 0
+        self.begun = None  # when the first sample was heard
+        self.reader = threading.Thread(target=self._read, daemon=True)
+        self.reader.start()
+
+    def __enter__(self):
+        wait_for(lambda: self.count, "the speaker's monitor")
+        return self
+
+    def _read(self):
+        while data := os.read(self.parec.stdout.fileno(), 65536):
+            self.chunks.append(data)
+            self.count += len(data) // 2
+            # The chunk that came soonest after its sound tells the time best.
+            begun = time.monotonic() - self.count / HEARD_RATE
+            self.begun = begun if self.begun is None else min(begun, self.begun)
+
+    def __exit__(self, *_):
+        time.sleep(0.15)  # what is on its way
+        self.parec.terminate()
+        self.parec.wait()
+        self.reader.join()
+        data = b"".join(self.chunks)
+        self.samples = np.frombuffer(data[: len(data) // 2 * 2], "<i2").astype(float)
+
+    def sound(self, floor=8):
+        """From the first to the last sample above the floor: start index, samples."""
+        loud = np.flatnonzero(np.abs(self.samples) > floor)
+        assert len(loud), "nothing was heard"
+        return loud[0], self.samples[loud[0] : loud[-1] + 1]
+
+    def first_sound_after(self, moment):
+        return self.begun + self.sound()[0] / HEARD_RATE - moment
