@@ -16,7 +16,7 @@ struct LGainRamp {
 // 16-bit scale. Each phase has two halves of `half` (8 or 32) coefficients; the first half applies to the
 // history from frame 1 on, the second from frame half - 1 on.
 struct LSincRows {
-    const int16_t* rows;
+    const int16_t* rows;  // aligned to 16 bytes
     uint32_t half;
     uint32_t phases;
     uint32_t step;

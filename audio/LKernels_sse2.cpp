@@ -152,10 +152,14 @@ void Narrow(const int32_t* samples, int16_t* narrowed, size_t count) {
 // first, second, first, second.
 template <size_t kHalf>
 __m128i SumHalves(const int16_t* history, const int16_t* row) {
-    __m128i first = _mm_setzero_si128(), second = first;
-    for (size_t i = 0; i < kHalf; i += 8) {
-        first = _mm_add_epi32(first, _mm_madd_epi16(Load(history + 1 + i), Load(row + i)));
-        second = _mm_add_epi32(second, _mm_madd_epi16(Load(history + kHalf - 1 + i), Load(row + kHalf + i)));
+    const auto product = [](const int16_t* samples, const int16_t* coefficients) {
+        return _mm_madd_epi16(Load(samples), _mm_load_si128(reinterpret_cast<const __m128i*>(coefficients)));
+    };
+    __m128i first = product(history + 1, row), second = product(history + kHalf - 1, row + kHalf);
+#pragma GCC unroll 4
+    for (size_t i = 8; i < kHalf; i += 8) {
+        first = _mm_add_epi32(first, product(history + 1 + i, row + i));
+        second = _mm_add_epi32(second, product(history + kHalf - 1 + i, row + kHalf + i));
     }
     return _mm_add_epi32(_mm_unpacklo_epi32(first, second), _mm_unpackhi_epi32(first, second));
 }
@@ -187,9 +191,10 @@ void InterpolateBy(const LSincRows& rows, uint32_t phase, const int16_t* history
     const auto next = [&] {
         const __m128i sums = SumHalves<kHalf>(history + at, rows.rows + size_t{phase} * (2 * kHalf));
         phase += part;
-        const bool carries = phase >= rows.phases;
-        at += whole + (carries ? 1 : 0);
-        if (carries) phase -= rows.phases;
+        // Without a jump, which the processor would often foretell wrongly.
+        const uint32_t less = phase - rows.phases, carries = (less >> 31) ^ 1;
+        at += whole + carries;
+        phase = less + (rows.phases & (carries - 1));
         return sums;
     };
     for (; count >= 4; count -= 4, out += 4 * stride) {

@@ -56,5 +56,6 @@ private:
     int32_t m_phases = 1;
     int32_t m_step = 1;
     std::vector<int32_t> m_coefficients;  // phase by phase
+    size_t m_firstRow = 0;                // the rows start where they are aligned
     std::vector<int16_t> m_rows;
 };

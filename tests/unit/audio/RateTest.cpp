@@ -135,9 +135,9 @@ TEST(SincFilter, IsASincUnderAKaiserWindowWithAGainOfOneInEachPhase) {
         Rates rates;
         int taps;
         double cutOff, beta;
-    } kCases[] = {{{44100, 8000}, 63, 20.0 / 21 / 5.5125, 5.213393},
+    } kCases[] = {{{44100, 8000}, 63, 20.0 / 21 / 5.5125, 5.248982},
                   {{8000, 44100}, 63, 20.0 / 21, 9.0},
-                  {{22050, 8000}, 15, 0.8 / 2.75625, 3.485978}};
+                  {{22050, 8000}, 15, 0.8 / 2.75625, 3.503155}};
     const auto window = [](double beta, double x) {
         double sum = 0;
         for (int k = 0; k <= 6; ++k)
@@ -351,8 +351,8 @@ static Samples ThroughSink(Rates rates, const Samples& in, size_t piece) {
 TEST(SinkConvertRate, WritesEachSampleAsTheRuleSaysAndAsLongAsTheInput) {
     for (const Rates& rates : kRates) {
         const LSincFilter filter(rates.in, rates.out, 15);
-        const Samples in = Noise(30000, 0x90000);
-        const int64_t frames = (int64_t{30000} * filter.Phases() + filter.Step() - 1) / filter.Step();
+        const Samples in = Noise(20000, 0x90000);
+        const int64_t frames = (int64_t{20000} * filter.Phases() + filter.Step() - 1) / filter.Step();
         const Samples expected = Model(filter, in, 1, 0, static_cast<size_t>(frames));
         for (size_t piece : {8192u, 441u}) EXPECT_EQ(ThroughSink(rates, in, piece), expected) << rates.in;
     }
@@ -365,8 +365,8 @@ TEST(SinkConvertRate, WritesEachSampleAsTheRuleSaysAndAsLongAsTheInput) {
 TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
     for (const Rates& rates : kRates) {
         const LSincFilter filter(rates.in, rates.out, 15);
-        for (int32_t silence : {0, 1, 5, 14, 15, 40, 9000, 50000}) {
-            const Samples speech = Noise(20001, 0x7FFF0), more = Noise(15000, 0x7FFF0, 2);
+        for (int32_t silence : {0, 1, 14, 15, 9000, 25000}) {
+            const Samples speech = Noise(9001, 0x7FFF0), more = Noise(4000, 0x7FFF0, 2);
             Samples joined = speech, taken(50, 77);
             joined.insert(joined.end(), more.begin(), more.end());
             {
@@ -375,18 +375,18 @@ TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
                 const LSoundSink sink = LSinkConvertRateBase::OpenSink(file, rates.in);
                 const int32_t start = sink->GetFrames();
                 EXPECT_EQ(start, filter.ToInput(50));
-                sink->Write(speech.data(), 20001);
+                sink->Write(speech.data(), 9001);
                 for (int32_t i = 0; i < silence; i += 5000)
                     sink->Write(Samples(5000).data(), std::min(silence - i, 5000));
-                sink->Truncate(start + 20001 + silence + 1);  // ignored
-                sink->Truncate(start + 20001);
-                EXPECT_EQ(sink->GetFrames(), start + 20001);
-                sink->Write(more.data(), 15000);
+                sink->Truncate(start + 9001 + silence + 1);  // ignored
+                sink->Truncate(start + 9001);
+                EXPECT_EQ(sink->GetFrames(), start + 9001);
+                sink->Write(more.data(), 4000);
             }
-            const int32_t frames = filter.OutputsBefore(35001);
+            const int32_t frames = filter.OutputsBefore(13001);
             ASSERT_EQ(taken.size(), static_cast<size_t>(frames) + 50) << rates.in << " " << silence;
             for (int32_t i = 0; i < frames; ++i) {
-                const bool nearCut = std::abs(filter.ToInput(i) - 20001) <= 8;
+                const bool nearCut = std::abs(filter.ToInput(i) - 9001) <= 8;
                 if (nearCut && silence > 0) continue;
                 ASSERT_EQ(taken[static_cast<size_t>(i) + 50], ModelSample(filter, joined, 1, 0, i))
                     << rates.in << " " << silence << " at " << i;
