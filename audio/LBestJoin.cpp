@@ -5,8 +5,8 @@
 
 namespace {
 
-// Enough for what speech needs to be matched by.
-constexpr int32_t kCoarseRate = 8000;
+// The strong harmonics of speech, by which it is matched, lie below 2 kHz.
+constexpr int32_t kCoarseRate = 4000;
 
 // Samples of so many bits and a sign give sums of products that fit 32 bits over 500 terms.
 constexpr int kSampleBits = 11;
