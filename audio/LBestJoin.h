@@ -17,15 +17,12 @@ public:
     int32_t Find(const int32_t* expected, const int32_t* window);
 
 private:
-    using Wave = std::vector<int16_t>;
-    static int32_t Best(const Wave& expected, const Wave& window, int32_t first, int32_t last, int32_t start,
-                        int32_t stride);
     uint32_t Mix(const int32_t* samples, std::vector<int32_t>& mixed, uint32_t peak) const;
 
     const int32_t m_stride;  // frames that the coarse look takes as one
     const int32_t m_channels;
     const int32_t m_reach;
     std::vector<int32_t> m_mixedExpected, m_mixedWindow;  // all channels together
-    Wave m_expected, m_window;
-    Wave m_coarseExpected, m_coarseWindow;
+    std::vector<int16_t> m_expected, m_window;            // of full size
+    std::vector<int16_t> m_coarseExpected, m_coarseWindow;
 };
