@@ -114,8 +114,8 @@ int64_t LSpeedSource::NextStart() {
     if (!IsGrowing()) {
         const int32_t sourceLength = m_source->GetLength();
         const int64_t left = int64_t{FromSourceFrame(sourceLength, m_percent)} - m_position;
-        if (left <= 2 * m_hop) {
-            const int64_t last = Clamp(sourceLength - left, place - m_reach, place + 2 * m_hop);
+        if (left <= int64_t{2} * m_hop) {
+            const int64_t last = Clamp(sourceLength - left, place - m_reach, place + int64_t{2} * m_hop);
             Fill(place - m_reach, last + m_hop + m_fade.Frames());
             return last;
         }
