@@ -4,7 +4,7 @@
 
 namespace {
 
-enum class Needs { Nothing, Selection, OneSelected, Running, NotBuilt };
+enum class Needs { Nothing, Selection, OneSelected, Audio, Running, NotBuilt };
 
 struct CommandNeeds {
     int first;
@@ -15,10 +15,10 @@ struct CommandNeeds {
 // In the order of the numbers; what is not listed can always be given.
 constexpr CommandNeeds kNeeds[] = {
     {IDC_SEND, IDC_SEND, Needs::Selection},
-    {IDC_PLAY, IDC_PLAY, Needs::NotBuilt},
+    {IDC_PLAY, IDC_PLAY, Needs::Audio},
     {IDC_STOP, IDC_STOP, Needs::Running},
     {IDC_GOTOSTART, IDC_GOTOSTART, Needs::Selection},
-    {IDC_REWIND, IDC_FASTFORWARD, Needs::NotBuilt},
+    {IDC_REWIND, IDC_FASTFORWARD, Needs::Audio},
     {IDC_GOTOEND, IDC_GOTOEND, Needs::Selection},
     {IDC_DOCK, IDC_DOCK, Needs::NotBuilt},
     {CM_SENDFILE, CM_SENDFILE_TO, Needs::Selection},
@@ -29,11 +29,11 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_LOGON, CM_LOGON, Needs::NotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, Needs::Selection},
     {CM_LOADFILE, CM_LOADSENDFILE, Needs::NotBuilt},
-    {CM_PLAY, CM_PLAY, Needs::NotBuilt},
+    {CM_PLAY, CM_PLAY, Needs::Audio},
     {CM_STOP, CM_STOP, Needs::Running},
-    {CM_PLAY_SLOW, CM_PLAY_FAST, Needs::NotBuilt},
+    {CM_PLAY_SLOW, CM_PLAY_FAST, Needs::Audio},
     {CM_GOTOSTART, CM_GOTOSTART, Needs::Selection},
-    {CM_REWIND, CM_FASTFORWARD, Needs::NotBuilt},
+    {CM_REWIND, CM_FASTFORWARD, Needs::Audio},
     {CM_GOTOEND, CM_GOTOEND, Needs::Selection},
     {CM_RECORD_INSERT, CM_RECORD_INSERT, Needs::NotBuilt},
     {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, Needs::NotBuilt},
@@ -49,6 +49,8 @@ bool IsMet(Needs needs, const CommandSituation& situation) {
             return situation.selectedRows > 0;
         case Needs::OneSelected:
             return situation.selectedRows == 1;
+        case Needs::Audio:
+            return situation.hasAudio || situation.isRecording;
         case Needs::Running:
             return situation.isRecording || situation.isPlaying;
         case Needs::NotBuilt:

@@ -5,8 +5,9 @@
 // What decides which commands can be given.
 struct CommandSituation {
     int selectedRows = 0;
+    bool hasAudio = false;  // in the current dictation
     bool isRecording = false;
-    bool isPlaying = false;
+    bool isPlaying = false;  // or winding
 };
 
 // Whether a menu command or a button (by its number) can be given now. The menu, the buttons and the

@@ -8,6 +8,7 @@ constexpr int kMargin = 4;  // dialog units, as all numbers below
 constexpr int kGap = 2;
 constexpr int kTransportHeight = 19;
 constexpr int kLineHeight = 8;
+constexpr int kTitleHeight = 10;       // of the larger letters, with what hangs below the line
 constexpr int kLeastNotesHeight = 20;  // two lines
 
 // Hands out places in dialog units, turning them into pixels.
@@ -64,8 +65,8 @@ void LayoutCompact(Placer& placer, int width) {
     placer.Put(IDC_DOCK, kMargin + 64, y, 30, 13);
     PutMeters(placer, kMargin + 100, y + 2, inner - 100);
     y += 17;
-    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 64, kLineHeight);
-    placer.Put(IDC_POSITION, kMargin + inner - 62, y, 62, kLineHeight);
+    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 64, kTitleHeight);
+    placer.Put(IDC_POSITION, kMargin + inner - 62, y, 62, kTitleHeight);
     y += 12;
     placer.Put(IDC_LOGGEDON, kMargin, y, inner - 54, kLineHeight);
     placer.Put(IDC_SENDPROGRESS, kMargin + inner - 52, y, 52, kLineHeight);
@@ -83,10 +84,10 @@ void LayoutFull(Placer& placer, int width, int height) {
     placer.Put(IDC_DOCK, afterTransport + 2 * (button + kGap), kMargin, button, kTransportHeight);
 
     int y = kMargin + kTransportHeight + 3;
-    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 148, kLineHeight);
-    placer.Put(IDC_POSITION, kMargin + inner - 146, y, 66, kLineHeight);
+    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 148, kTitleHeight);
+    placer.Put(IDC_POSITION, kMargin + inner - 146, y, 66, kTitleHeight);
     PutMeters(placer, kMargin + inner - 74, y, 74);
-    y += kLineHeight + 4;
+    y += kTitleHeight + 2;
 
     const int infoY = height - 2 - kLineHeight;
     const int sendY = infoY - kLineHeight - 1;

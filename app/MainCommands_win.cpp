@@ -31,6 +31,7 @@ class AboutDialog final : public LDialog {};
 const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_NEW, IDC_NEW, &MainDialog::CmNewFile},
     {IDC_SEND, IDC_SEND, &MainDialog::CmSendFile},
+    {IDC_PLAY, IDC_PLAY, &MainDialog::CmPlay},
     {IDC_RECORD, IDC_RECORD, &MainDialog::CmRecord},
     {IDC_STOP, IDC_STOP, &MainDialog::CmStop},
     {IDC_GOTOSTART, IDC_GOTOSTART, &MainDialog::CmGoToStart},
@@ -43,8 +44,11 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, &MainDialog::CmSetPriority},
     {CM_EXIT, CM_EXIT, &MainDialog::CmExit},
     {CM_RECORD, CM_RECORD, &MainDialog::CmRecord},
+    {CM_PLAY, CM_PLAY, &MainDialog::CmPlay},
     {CM_STOP, CM_STOP, &MainDialog::CmStop},
+    {CM_PLAY_SLOW, CM_PLAY_FAST, &MainDialog::CmPlaySpeed},
     {CM_GOTOSTART, CM_GOTOSTART, &MainDialog::CmGoToStart},
+    {CM_REWIND, CM_FASTFORWARD, &MainDialog::CmWind},
     {CM_GOTOEND, CM_GOTOEND, &MainDialog::CmGoToEnd},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, &MainDialog::CmFileRecordMode},
     {CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END, &MainDialog::CmRecordMode},
@@ -189,6 +193,32 @@ void MainDialog::ApplyRecordMode() {
     CheckMenuRadioItem(GetMenu(Window()), CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
                        static_cast<UINT>(CM_RECORDMODE_OVERWRITE + static_cast<int>(DefaultRecordMode())),
                        MF_BYCOMMAND);
+}
+
+// ---- Playing and winding ---------------------------------------------------------------------------------
+
+void MainDialog::CmPlay(int) {
+    m_transport.Play();
+}
+
+void MainDialog::CmPlaySpeed(int command) {
+    m_transport.PlayAt(static_cast<PlaySpeed>(command - CM_PLAY_SLOW));
+    ShowPlaySpeed();
+}
+
+void MainDialog::ShowPlaySpeed() {
+    const PlaySpeed speed = ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed));
+    CheckMenuRadioItem(GetMenu(Window()), CM_PLAY_SLOW, CM_PLAY_FAST,
+                       static_cast<UINT>(CM_PLAY_SLOW + static_cast<int>(speed)), MF_BYCOMMAND);
+}
+
+// From the menu, which cannot be held: the same command again, or Stop, ends it.
+void MainDialog::CmWind(int command) {
+    const WindDirection direction = command == CM_REWIND ? WindDirection::Back : WindDirection::Forward;
+    if (m_transport.IsWinding(direction))
+        m_transport.EndWinding();
+    else
+        m_transport.BeginWinding(direction);
 }
 
 void MainDialog::CmStop(int) {

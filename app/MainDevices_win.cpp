@@ -1,6 +1,7 @@
 // Commands that come without a menu: command indexes of devices, buttons of the dictation microphone, and
 // requests of other programs.
 
+#include "app/HoldButton_win.h"
 #include "app/MainDialog_win.h"
 #include "base/LPath.h"
 #include "base/LTime.h"
@@ -11,21 +12,21 @@
 
 // In the order of the indexes.
 const MainDialog::IndexEntry MainDialog::kIndexes[] = {
-    {CI_NONE, &MainDialog::PressNothing, false},
-    {CI_OPEN, &MainDialog::PressOpen, false},
-    {CI_MINIMIZE, &MainDialog::PressMinimize, false},
-    {CI_RECORD, &MainDialog::PressRecord, true},
-    {CI_PLAY, &MainDialog::PressNotBuilt, true},
-    {CI_GOTOSTART, &MainDialog::PressGoTo, false},
-    {CI_GOTOEND, &MainDialog::PressGoTo, false},
-    {CI_REWIND, &MainDialog::PressNotBuilt, false},
-    {CI_FASTFORWARD, &MainDialog::PressNotBuilt, false},
-    {CI_NEW, &MainDialog::PressNew, false},
-    {CI_SEND, &MainDialog::PressSend, false},
-    {CI_SENDHIGH, &MainDialog::PressSend, false},
-    {CI_RECORD_OVERWRITE, &MainDialog::PressRecord, true},
-    {CI_RECORD_INSERT, &MainDialog::PressRecord, true},
-    {CI_RECORD_END, &MainDialog::PressRecord, true},
+    {CI_NONE, &MainDialog::PressNothing, IndexEntry::Release::Nothing},
+    {CI_OPEN, &MainDialog::PressOpen, IndexEntry::Release::Nothing},
+    {CI_MINIMIZE, &MainDialog::PressMinimize, IndexEntry::Release::Nothing},
+    {CI_RECORD, &MainDialog::PressRecord, IndexEntry::Release::HoldRule},
+    {CI_PLAY, &MainDialog::PressPlay, IndexEntry::Release::HoldRule},
+    {CI_GOTOSTART, &MainDialog::PressGoTo, IndexEntry::Release::Nothing},
+    {CI_GOTOEND, &MainDialog::PressGoTo, IndexEntry::Release::Nothing},
+    {CI_REWIND, &MainDialog::PressWind, IndexEntry::Release::Button},
+    {CI_FASTFORWARD, &MainDialog::PressWind, IndexEntry::Release::Button},
+    {CI_NEW, &MainDialog::PressNew, IndexEntry::Release::Nothing},
+    {CI_SEND, &MainDialog::PressSend, IndexEntry::Release::Nothing},
+    {CI_SENDHIGH, &MainDialog::PressSend, IndexEntry::Release::Nothing},
+    {CI_RECORD_OVERWRITE, &MainDialog::PressRecord, IndexEntry::Release::HoldRule},
+    {CI_RECORD_INSERT, &MainDialog::PressRecord, IndexEntry::Release::HoldRule},
+    {CI_RECORD_END, &MainDialog::PressRecord, IndexEntry::Release::HoldRule},
 };
 
 const MainDialog::IndexEntry* MainDialog::FindIndex(int index) {
@@ -38,20 +39,19 @@ const MainDialog::IndexEntry* MainDialog::FindIndex(int index) {
 bool MainDialog::CommandPress(int index) {
     const IndexEntry* entry = FindIndex(index);
     if (entry == nullptr || !BeginCommand() || !(this->*entry->press)(index)) return false;
-    if (entry->hasHoldRule) m_hold.Press(LTickMs());
+    if (entry->release == IndexEntry::Release::HoldRule) m_hold.Press(LTickMs());
     return true;
 }
 
 void MainDialog::CommandRelease(int index, uint32_t holdLimitMs) {
     const IndexEntry* entry = FindIndex(index);
-    if (entry != nullptr && entry->hasHoldRule && m_hold.ReleaseStops(LTickMs(), holdLimitMs))
+    if (entry == nullptr) return;
+    if (entry->release == IndexEntry::Release::Button) ReleaseHoldButton(WindButton(index));
+    if (entry->release == IndexEntry::Release::HoldRule && m_hold.ReleaseStops(LTickMs(), holdLimitMs))
         FinishRunning();
 }
 
 bool MainDialog::PressNothing(int) {
-    return false;
-}
-bool MainDialog::PressNotBuilt(int) {
     return false;
 }
 
@@ -72,6 +72,18 @@ bool MainDialog::PressRecord(int index) {
     const RecordMode mode =
         index == CI_RECORD ? DefaultRecordMode() : static_cast<RecordMode>(index - CI_RECORD_OVERWRITE);
     return m_transport.Record(mode);
+}
+
+bool MainDialog::PressPlay(int) {
+    return m_transport.Play();
+}
+
+HWND MainDialog::WindButton(int index) const {
+    return Item(index == CI_REWIND ? IDC_REWIND : IDC_FASTFORWARD);
+}
+
+bool MainDialog::PressWind(int index) {
+    return PressHoldButton(WindButton(index));
 }
 
 bool MainDialog::PressGoTo(int index) {
@@ -144,7 +156,8 @@ bool MainDialog::EvMicButton(WPARAM wParam, LPARAM, LRESULT& result) {
                 if (!m_transport.IsRecording()) CommandPress(button.index);
                 break;
             case MicAction::ReleaseWhilePlaying:
-                break;  // nothing plays
+                if (m_transport.IsPlaying()) CommandRelease(button.index, kHoldLimitMs);
+                break;
             case MicAction::RecordPress:
                 m_micRecordHeld = true;
                 CommandPress(button.index);
@@ -238,10 +251,11 @@ LRESULT MainDialog::ApiAppendNotes(LPARAM argument) {
     return 0;
 }
 
-// 0 stopped, 1 recording, 2 waiting for the speaker's voice.
+// 0 stopped, 1 recording, 2 waiting for the speaker's voice, 3 playing, 4 winding.
 LRESULT MainDialog::ApiStatus(LPARAM) {
-    if (!m_transport.IsRecording()) return 0;
-    return m_transport.IsWaiting() ? 2 : 1;
+    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? 2 : 1;
+    if (m_transport.IsPlaying()) return 3;
+    return m_transport.IsWinding() ? 4 : 0;
 }
 
 LRESULT MainDialog::ApiNumber(LPARAM) {

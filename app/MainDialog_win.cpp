@@ -8,6 +8,7 @@
 
 #include "app/CommandState.h"
 #include "app/ControlNames.h"
+#include "app/HoldButton_win.h"
 #include "app/IntroductionPages_win.h"
 #include "app/TransportButton_win.h"
 #include "audio/LDBDisplay_win.h"
@@ -34,6 +35,7 @@ constexpr int kPositionFontHeight = 15;  // pixels
 const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_MOVE, &MainDialog::EvMove},
     {WM_SIZE, &MainDialog::EvSize},
+    {WM_ACTIVATE, &MainDialog::EvActivate},
     {WM_CLOSE, &MainDialog::EvClose},
     {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
     {WM_ENDSESSION, &MainDialog::EvEndSession},
@@ -48,9 +50,10 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
     {WM_APICOMMAND, &MainDialog::EvAPICommand},
-    {WM_RECORDINGTROUBLE, &MainDialog::EvRecordingTrouble},
+    {WM_TRANSPORTTROUBLE, &MainDialog::EvTransportTrouble},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
+    {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
 };
 
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
@@ -75,7 +78,8 @@ bool MainDialog::InitDialog() {
     _putenv("TZ=GMT0");  // dates are kept and shown without a time-zone shift
     _tzset();
     LoadIcons();
-    ShowRecording(false);
+    ShowIcon(IDI_CORVANE);
+    for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));
     SetPositionFont();
     m_accelerators = LoadAcceleratorsA(LInstance(), MAKEINTRESOURCEA(IDA_MAIN));
     m_layout.Attach(Window());
@@ -87,6 +91,7 @@ bool MainDialog::InitDialog() {
     RecoverLeftovers();
     m_list.SetupFilesList(m_state.user.currentFolder);
     ApplyRecordMode();
+    ShowPlaySpeed();
     InitToolTips();
     SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
     StartSending();
@@ -165,7 +170,7 @@ void MainDialog::DestroyDialog() {
 }
 
 bool MainDialog::PreTranslateMessage(MSG& message) {
-    if (m_introduction.PreTranslateMessage(message)) return true;
+    if (m_introduction.PreTranslateMessage(message) || WindByKey(message)) return true;
     const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     if (!isKey || m_accelerators == nullptr) return false;
     if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
@@ -179,6 +184,22 @@ bool MainDialog::PreTranslateMessage(MSG& message) {
             if (message.wParam == key) return false;
     }
     return TranslateAcceleratorA(Window(), m_accelerators, &message) != 0;
+}
+
+// A key that winds does so while it is held.
+bool MainDialog::WindByKey(const MSG& message) {
+    const bool isDown = message.message == WM_KEYDOWN;
+    if (!isDown && message.message != WM_KEYUP) return false;
+    if (message.wParam != VK_F7 && message.wParam != VK_F8) return false;
+    if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
+    if (isDown && m_windKey == 0 && BeginCommand()) {
+        m_windKey = message.wParam;
+        m_transport.BeginWinding(message.wParam == VK_F7 ? WindDirection::Back : WindDirection::Forward);
+    } else if (!isDown && m_windKey == message.wParam) {
+        m_windKey = 0;
+        m_transport.EndWinding();
+    }
+    return true;
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
@@ -261,8 +282,8 @@ void MainDialog::ShowPopup(int resource, POINT at) {
 bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
     if (item.CtlType != ODT_BUTTON) return false;
-    const bool isRecord = item.CtlID == IDC_RECORD;
-    DrawTransportButton(item, isRecord && m_transport.IsRecording(), isRecord && m_showsInsert);
+    const int control = static_cast<int>(item.CtlID);
+    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
     result = TRUE;
     return true;
 }
@@ -270,6 +291,21 @@ bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
 bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
     m_layout.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
     result = 0;
+    return true;
+}
+
+bool MainDialog::EvActivate(WPARAM wParam, LPARAM, LRESULT&) {
+    // The key that is held comes up in another window, unseen.
+    if (LOWORD(wParam) == WA_INACTIVE && std::exchange(m_windKey, 0) != 0) m_transport.EndWinding();
+    return false;
+}
+
+bool MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    result = 0;
+    if (lParam == 0)
+        m_transport.EndWinding();
+    else if (BeginCommand())
+        m_transport.BeginWinding(wParam == IDC_REWIND ? WindDirection::Back : WindDirection::Forward);
     return true;
 }
 
@@ -336,7 +372,7 @@ void MainDialog::ApplyRowChanges() {
     ShowPosition();
 }
 
-bool MainDialog::EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result) {
+bool MainDialog::EvTransportTrouble(WPARAM, LPARAM, LRESULT& result) {
     result = 0;
     const std::string text = std::exchange(m_trouble, {});
     if (!text.empty()) LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
@@ -374,7 +410,8 @@ void MainDialog::EvTimerSaveNotes() {
 // ---- What the window shows -------------------------------------------------------------------------------
 
 CommandSituation MainDialog::Situation() const {
-    return {m_list.SelectedCount(), m_transport.IsRecording(), false};
+    return {m_list.SelectedCount(), m_list.Current() && m_transport.LengthMs() > 0, m_transport.IsRecording(),
+            m_transport.IsRunning() && !m_transport.IsRecording()};
 }
 
 void MainDialog::EnableCommands(HMENU menu) const {
@@ -402,11 +439,34 @@ void MainDialog::ShowSituation() {
     ShowPosition();
 }
 
-void MainDialog::ShowRecording(bool isRecording) {
-    const LIcon(&icons)[2] = m_icons[isRecording ? 1 : 0];
+// Whether a transport button stays pressed, since what it began goes on.
+bool MainDialog::IsHeld(int control) const {
+    switch (control) {
+        case IDC_RECORD:
+            return m_transport.IsRecording();
+        case IDC_PLAY:
+            return m_transport.IsPlaying();
+        case IDC_REWIND:
+            return m_transport.IsWinding(WindDirection::Back);
+        case IDC_FASTFORWARD:
+            return m_transport.IsWinding(WindDirection::Forward);
+        default:
+            return false;
+    }
+}
+
+void MainDialog::ShowIcon(int resource) {
+    const LIcon(&icons)[2] = m_icons[resource == IDI_RECORDING ? 1 : 0];
     SendMessageA(Window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icons[0].Get()));
     SendMessageA(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icons[1].Get()));
-    InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
+}
+
+// What runs, in front of the dictation's name.
+const char* MainDialog::Doing() const {
+    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
+    if (m_transport.IsPlaying()) return "Playing: ";
+    if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
+    return m_transport.IsWinding() ? "Winding: " : "";
 }
 
 void MainDialog::ShowPosition() {
@@ -415,10 +475,7 @@ void MainDialog::ShowPosition() {
         LSetWindowText(Item(IDC_POSITION), "");
         return;
     }
-    const char* doing = !m_transport.IsRecording() ? ""
-                        : m_transport.IsWaiting()  ? "Listening: "
-                                                   : "Recording: ";
-    LSetWindowText(Item(IDC_DICTATIONNAME), doing + m_list.CurrentName());
+    LSetWindowText(Item(IDC_DICTATIONNAME), Doing() + m_list.CurrentName());
     const int32_t position = m_transport.PositionMs();
     const int32_t length = std::max(position, m_transport.LengthMs());
     LSetWindowText(Item(IDC_POSITION), FormatDuration(position) + " / " + FormatDuration(length));
@@ -445,7 +502,7 @@ void MainDialog::SelectionMoved() {
 }
 
 void MainDialog::PlayFromStart() {
-    FinishRunning();
+    if (BeginCommand()) m_transport.PlayFromStart();
 }
 
 void MainDialog::BeforeRename() {
@@ -464,17 +521,21 @@ std::optional<DictationFiles> MainDialog::DictationToRecord() {
     return m_list.Current();
 }
 
-void MainDialog::RecordingStarted(const DictationFiles&) {
-    ShowRecording(true);
+void MainDialog::ActivityChanged() {
+    if (!IsOpen()) return;
+    if (m_transport.IsRecording() != m_showsRecordingIcon) {
+        m_showsRecordingIcon = m_transport.IsRecording();
+        ShowIcon(m_showsRecordingIcon ? IDI_RECORDING : IDI_CORVANE);
+    }
+    for (int control : {IDC_RECORD, IDC_PLAY, IDC_REWIND, IDC_FASTFORWARD})
+        InvalidateRect(Item(control), nullptr, FALSE);
+    for (int control : {IDC_LEVEL_LEFT, IDC_LEVEL_RIGHT})
+        EnableWindow(Item(control), m_transport.IsRunning());
     ShowSituation();
 }
 
 void MainDialog::RecordingStopped(const DictationFiles& files) {
-    if (!IsOpen()) return;
-    ShowRecording(false);
-    LevelChanged(Settings::kSilenceDb, Settings::kSilenceDb);
-    PostRowChanged(files);
-    ShowSituation();
+    if (IsOpen()) PostRowChanged(files);
 }
 
 void MainDialog::ShowFocus() {
@@ -486,10 +547,10 @@ void MainDialog::LevelChanged(int8_t leftDb, int8_t rightDb) {
     LDBDisplaySetLevel(Item(IDC_LEVEL_RIGHT), rightDb);
 }
 
-void MainDialog::RecordingTrouble(const std::string& text) {
+void MainDialog::TransportTrouble(const std::string& text) {
     // The recording may be ending inside another command; the message waits until that has run.
     m_trouble = text;
-    PostMessageA(Window(), WM_RECORDINGTROUBLE, 0, 0);
+    PostMessageA(Window(), WM_TRANSPORTTROUBLE, 0, 0);
 }
 
 void MainDialog::PostSendProgress() {

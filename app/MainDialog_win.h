@@ -62,7 +62,7 @@ private:
     struct IndexEntry {
         int index;
         bool (MainDialog::*press)(int index);
-        bool hasHoldRule;
+        enum class Release { Nothing, HoldRule, Button } release;
     };
     struct ApiEntry {
         WPARAM command;
@@ -88,6 +88,7 @@ private:
 
     // Messages
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    bool EvActivate(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvClose(WPARAM, LPARAM, LRESULT& result);
     bool EvCommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
@@ -96,11 +97,12 @@ private:
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);
+    bool EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvMove(WPARAM, LPARAM, LRESULT& result);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
-    bool EvRecordingTrouble(WPARAM, LPARAM, LRESULT& result);
+    bool EvTransportTrouble(WPARAM, LPARAM, LRESULT& result);
     bool EvRowChanged(WPARAM, LPARAM, LRESULT& result);
     bool EvSelectionMoved(WPARAM, LPARAM, LRESULT& result);
     bool EvSendProgress(WPARAM, LPARAM, LRESULT& result);
@@ -123,7 +125,10 @@ private:
     void CmRecord(int command);
     void CmFileRecordMode(int command);
     void CmRecordMode(int command);
+    void CmPlay(int command);
+    void CmPlaySpeed(int command);
     void CmStop(int command);
+    void CmWind(int command);
     void CmGoToStart(int command);
     void CmGoToEnd(int command);
     void CmView(int command);
@@ -136,10 +141,11 @@ private:
     bool PressOpen(int index);
     bool PressMinimize(int index);
     bool PressRecord(int index);
+    bool PressPlay(int index);
+    bool PressWind(int index);
     bool PressGoTo(int index);
     bool PressNew(int index);
     bool PressSend(int index);
-    bool PressNotBuilt(int index);
 
     // Commands of other programs
     LRESULT ApiPresent(LPARAM argument);
@@ -167,6 +173,9 @@ private:
     void SetPriority(std::string_view priority);
     void OpenWindow();
     void ApplyRecordMode();
+    void ShowPlaySpeed();
+    bool WindByKey(const MSG& message);
+    HWND WindButton(int index) const;
     RecordMode DefaultRecordMode() const;
     void TestHardDrive();
     void DeleteOldFiles();
@@ -176,7 +185,9 @@ private:
     void ApplyRowChanges();
     void ShowFocus();
     void ShowSituation();
-    void ShowRecording(bool isRecording);
+    bool IsHeld(int control) const;
+    const char* Doing() const;
+    void ShowIcon(int resource);
     void ShowPosition();
 
     // DictationList::Owner
@@ -187,11 +198,11 @@ private:
     void AfterRename(int32_t number) override;
     // Transport::Owner
     std::optional<DictationFiles> DictationToRecord() override;
-    void RecordingStarted(const DictationFiles& files) override;
+    void ActivityChanged() override;
     void RecordingStopped(const DictationFiles& files) override;
     void PositionChanged() override { ShowPosition(); }
     void LevelChanged(int8_t leftDb, int8_t rightDb) override;
-    void RecordingTrouble(const std::string& text) override;
+    void TransportTrouble(const std::string& text) override;
     HWND OwnerWindow() const override { return Window(); }
     bool MayGoOn() override;
     // BGSendOwner, called on the send thread
@@ -220,6 +231,8 @@ private:
     bool m_selectionMoved = false;
     bool m_showsInsert = false;  // on the record button
     bool m_micRecordHeld = false;
+    bool m_showsRecordingIcon = false;
+    WPARAM m_windKey = 0;        // held down
     bool m_closeWanted = false;  // asked for while a process ran
     bool m_isClosing = false;
     bool m_sendThreadEnded = true;

@@ -95,14 +95,21 @@ void DrawSign(HDC dc, const Sign& sign, const Scale& scale, COLORREF colour) {
     SelectObject(dc, oldBrush);
 }
 
+COLORREF FaceOf(UINT control) {
+    for (const Sign& sign : kSigns)
+        if (sign.control == static_cast<int>(control)) return sign.colour;
+    return kBlack;
+}
+
 }  // namespace
 
 void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert) {
     const bool isPressed = isHeld || (item.itemState & ODS_SELECTED) != 0;
     const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
     RECT box = item.rcItem;
-    // A held record button is red all over: the glance of a second must not be in doubt.
-    const LBrush face(CreateSolidBrush(isHeld ? kRed : GetSysColor(COLOR_BTNFACE)));
+    // A held button is coloured all over, and only recording is red: the glance of a second must not be in
+    // doubt.
+    const LBrush face(CreateSolidBrush(isHeld ? FaceOf(item.CtlID) : GetSysColor(COLOR_BTNFACE)));
     FillRect(item.hDC, &box, face.Get());
     DrawEdge(item.hDC, &box, isPressed ? EDGE_SUNKEN : EDGE_RAISED, BF_RECT);
     for (const Sign& sign : kSigns) {

@@ -94,9 +94,10 @@
 #define WM_APICOMMAND   32767
 
 // Messages that the main window sends itself
-#define WM_RECORDINGTROUBLE 0x8001
+#define WM_TRANSPORTTROUBLE 0x8001
 #define WM_ROWCHANGED       0x8002
 #define WM_SELECTIONMOVED   0x8003
+#define WM_HOLDBUTTON       0x8004
 
 // Command indexes: what pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0

@@ -123,8 +123,11 @@ class Heard:
         self.parec.terminate()
         self.parec.wait()
         self.reader.join()
-        data = b"".join(self.chunks)
-        self.samples = np.frombuffer(data[: len(data) // 2 * 2], "<i2").astype(float)
+        self.samples = self.so_far()
+
+    def so_far(self):
+        data = b"".join(list(self.chunks))
+        return np.frombuffer(data[: len(data) // 2 * 2], "<i2").astype(float)
 
     def sound(self, floor=8):
         """From the first to the last sample above the floor: start index, samples."""

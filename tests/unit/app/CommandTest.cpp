@@ -51,26 +51,25 @@ TEST(HoldRule, ATapRunsOnUntilTheNextTapAndAHoldEndsWithItsRelease) {
 TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
     static const struct {
         int command;
-        bool onNone, onOne, onTwo, onRecording;
+        bool onNone, onOne, onTwo, onRecording, onPlaying;
     } kCases[] = {
-        {CM_NEWFILE, true, true, true, true},
-        {IDC_NEW, true, true, true, true},
-        {CM_SENDFILE, false, true, true, true},
-        {IDC_SEND, false, true, true, true},
-        {CM_RENAMEFILE, false, true, false, true},
-        {CM_DELETEFILE, false, true, true, true},
-        {CM_PRIORITY_NORMAL, false, true, true, true},
-        {CM_RECORD, true, true, true, true},
-        {CM_STOP, false, false, false, true},
-        {IDC_STOP, false, false, false, true},
-        {CM_GOTOEND, false, true, true, true},
-        {CM_VIEW_COMPACT, true, true, true, true},
-        {CM_EXIT, true, true, true, true},
+        {CM_NEWFILE, true, true, true, true, true},          {IDC_NEW, true, true, true, true, true},
+        {CM_SENDFILE, false, true, true, true, true},        {IDC_SEND, false, true, true, true, true},
+        {CM_RENAMEFILE, false, true, false, true, true},     {CM_DELETEFILE, false, true, true, true, true},
+        {CM_PRIORITY_NORMAL, false, true, true, true, true}, {CM_RECORD, true, true, true, true, true},
+        {CM_PLAY, false, false, false, true, true},          {CM_PLAY_FAST, false, false, false, true, true},
+        {IDC_REWIND, false, false, false, true, true},       {CM_STOP, false, false, false, true, true},
+        {IDC_STOP, false, false, false, true, true},         {CM_GOTOEND, false, true, true, true, true},
+        {CM_VIEW_COMPACT, true, true, true, true, true},     {CM_EXIT, true, true, true, true, true},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(IsCommandEnabled(c.command, {0, false, false}), c.onNone) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {1, false, false}), c.onOne) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {2, false, false}), c.onTwo) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {1, true, false}), c.onRecording) << c.command;
+        EXPECT_EQ(IsCommandEnabled(c.command, {}), c.onNone) << c.command;
+        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1}), c.onOne) << c.command;
+        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 2}), c.onTwo) << c.command;
+        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1, .isRecording = true}), c.onRecording)
+            << c.command;
+        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1, .hasAudio = true, .isPlaying = true}),
+                  c.onPlaying)
+            << c.command;
     }
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/DictationRow.h"
+#include "app/PlayPlan.h"
 #include "app/RecordPlan.h"
 
 static LWaveInfo Existing(uint16_t bits, uint16_t channels, uint32_t rate, int64_t dataBytes) {
@@ -54,4 +55,15 @@ TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
     } kCases[] = {{0, "00:00"},     {499, "00:00"},     {500, "00:01"},
                   {59500, "01:00"}, {3600000, "60:00"}, {36000000, "600:00"}};
     for (const auto& c : kCases) EXPECT_EQ(FormatDuration(c.ms), c.text);
+}
+
+TEST(PlayPlan, BeginsWhereTheUserExpects) {
+    EXPECT_EQ(WindStartMs(5000, WindDirection::Back), 4500);
+    EXPECT_EQ(WindStartMs(499, WindDirection::Back), 0);
+    EXPECT_EQ(WindStartMs(5000, WindDirection::Forward), 5000);
+    EXPECT_EQ(PlayStartMs(4999, 5000), 4999);
+    EXPECT_EQ(PlayStartMs(5000, 5000), 0);
+    EXPECT_EQ(SpeedPercent(ToPlaySpeed(0)), 70);
+    EXPECT_EQ(SpeedPercent(ToPlaySpeed(2)), 150);
+    for (int32_t unknown : {-1, 3}) EXPECT_EQ(SpeedPercent(ToPlaySpeed(unknown)), 100);
 }
