@@ -1,8 +1,6 @@
 // winmm.dll for the tests of the mixer: the card of MixerCard_win.h. As strict as the platform: a call that
 // names a device where a mixer belongs, or whose counts and sizes are not the control's, fails.
 
-#define _WINMM_  // these functions are defined here, not imported
-
 #include "tests/win/mixer/MixerCard_win.h"
 
 #include <windows.h>
@@ -193,7 +191,7 @@ CARD_CALL mixerGetControlDetailsA(HMIXEROBJ object, MIXERCONTROLDETAILS* details
         flags != MIXER_GETCONTROLDETAILSF_LISTTEXT)
         return MMSYSERR_INVALPARAM;
     auto* items = static_cast<MIXERCONTROLDETAILS_LISTTEXTA*>(details->paDetails);
-    for (DWORD i = 0; i < control->items; ++i) {
+    for (size_t i = 0; i < std::size(kPickLines); ++i) {
         items[i] = {};
         items[i].dwParam1 = g_card.faults.picksNothingKnown ? 0 : kPickLines[i];
         CopyName(items[i].szName, LineOf(kPickLines[i]).name);
