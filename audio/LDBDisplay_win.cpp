@@ -56,13 +56,15 @@ public:
         m_channels = levelsDb.size();
         const DWORD now = GetTickCount();
         for (size_t i = 0; i < m_channels; ++i) m_rows[i].meter.SetLevel(levelsDb[i], now);
-        ShowChanges(now);
+        // A timer that runs already, and soon enough, is left to set itself anew when it fires.
+        const uint32_t waitMs = ShowChanges(now);
+        if (waitMs < m_waitMs || waitMs == LMeter::kNever) SetWait(waitMs);
     }
 
     void Tick() {
         const DWORD now = GetTickCount();
         for (Row& row : Rows()) row.meter.Advance(now);
-        ShowChanges(now);
+        SetWait(ShowChanges(now));
     }
 
     void EnabledChanged() {
@@ -79,7 +81,7 @@ public:
         for (size_t i = 0; i < m_channels; ++i) {
             const RECT rowBox = RowBox(box, i);
             if (isEnabled)
-                PaintRow(dc, m_rows[i], rowBox);
+                PaintRow(dc, m_rows[i], rowBox, paint.rcPaint);
             else
                 FillRect(dc, &rowBox, reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1));
         }
@@ -114,15 +116,17 @@ private:
     }
 
     // Each pixel once, and only those that the platform clips to: nothing flickers.
-    void PaintRow(HDC dc, Row& row, const RECT& box) {
+    void PaintRow(HDC dc, Row& row, const RECT& box, const RECT& damaged) {
         row.shown = row.meter.Draw(box.right);
         for (const LMeterPicture::Stretch& stretch : row.shown.stretches) {
-            const RECT part = {stretch.from, box.top, stretch.to, box.bottom};
-            if (stretch.from < stretch.to) FillRect(dc, &part, BrushOf(stretch.colour));
+            const RECT part = {std::max<LONG>(stretch.from, damaged.left), box.top,
+                               std::min<LONG>(stretch.to, damaged.right), box.bottom};
+            if (part.left < part.right) FillRect(dc, &part, BrushOf(stretch.colour));
         }
     }
 
-    void ShowChanges(DWORD now) {
+    // Returns how long what is shown then stays as it is.
+    uint32_t ShowChanges(DWORD now) {
         const bool isEnabled = IsWindowEnabled(m_window);
         RECT box;
         GetClientRect(m_window, &box);
@@ -138,14 +142,15 @@ private:
             row.shown = picture;
             waitMs = std::min(waitMs, row.meter.WaitMs(now));
         }
-        SetWait(waitMs);
+        return waitMs;
     }
 
     void SetWait(uint32_t waitMs) {
-        if (waitMs != LMeter::kNever)
-            SetTimer(m_window, kTimer, waitMs, nullptr);
-        else if (m_waitMs != LMeter::kNever)
+        if (waitMs == m_waitMs) return;
+        if (waitMs == LMeter::kNever)
             KillTimer(m_window, kTimer);
+        else
+            SetTimer(m_window, kTimer, waitMs, nullptr);
         m_waitMs = waitMs;
     }
 
