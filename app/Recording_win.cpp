@@ -18,25 +18,24 @@
 namespace {
 
 constexpr char kNoDevice[] =
-    "Unable to start record device.\n\nThis might mean you do not have a sound card installed or the sound "
-    "card is "
-    "being used by another application. Please check the Hardware Settings.";
+    "Unable to start record device.\n\n"
+    "This might mean you do not have a sound card installed or the sound card is being used by another "
+    "application. Please check the Hardware Settings.";
 constexpr char kCannotOpen[] =
-    "Unable to record onto this dictation.\n\nIts audio file cannot be written. It may be open in another "
-    "program or "
-    "be write-protected. Nothing was changed.";
-constexpr char kCompressed[] =
-    "Unable to record onto this dictation.\n\nIts audio is in a compressed format. Please record into a new "
-    "dictation; nothing was changed.";
+    "Unable to record onto this dictation.\n\n"
+    "Its audio file cannot be written. It may be open in another program or be write-protected. Nothing was "
+    "changed.";
+constexpr char kUnknownFormat[] =
+    "Unable to record onto this dictation.\n\n"
+    "Its audio is in a format that this computer cannot read. Please record into a new dictation. Nothing "
+    "was changed.";
 constexpr char kWriteFailed[] =
-    "The recording was stopped because it could no longer be written. The disk might be full.\n\nEverything "
-    "recorded "
-    "until then is kept. Please make room on the disk before you go on.";
-
+    "The recording was stopped because it could no longer be written. The disk might be full.\n\n"
+    "Everything recorded until then is kept. Please make room on the disk before you go on.";
 constexpr char kDeviceLost[] =
-    "The recording was stopped because the sound device no longer answers.\n\nEverything recorded until then "
-    "is kept. "
-    "Please check that the microphone or sound card is connected before you go on.";
+    "The recording was stopped because the sound device no longer answers.\n\n"
+    "Everything recorded until then is kept. Please check that the microphone or sound card is connected "
+    "before you go on.";
 
 constexpr int32_t kLowestRate = 1000;
 constexpr int32_t kHighestRate = 192000;
@@ -106,8 +105,8 @@ bool Recording::ReadExisting(Target& target) {
         }
         if (!file.IsOpen() || file.Size() == 0) return true;
         if (LWaveInfo found; LWaveFile::ReadInfo(file, found)) {
-            if (!found.IsPcm()) {
-                Trouble(kCompressed);
+            if (!LRewriteWave::CanRead(found)) {
+                Trouble(kUnknownFormat);
                 return false;
             }
             info = found;

@@ -11,16 +11,17 @@
 namespace {
 
 constexpr char kCannotPlay[] =
-    "Unable to play this dictation.\n\nIts audio file cannot be read. It may be open in another program, or "
-    "no "
-    "program on this computer knows its format. Nothing was changed.";
+    "Unable to play this dictation.\n\n"
+    "Its audio file cannot be read. It may be open in another program, or its format is one that this "
+    "computer "
+    "does not know. Nothing was changed.";
 constexpr char kNoDevice[] =
-    "Unable to start playback device.\n\nThis might mean you do not have a sound card installed or the sound "
-    "card is being used by another application. Please check the Hardware Settings.";
+    "Unable to start playback device.\n\n"
+    "This might mean you do not have a sound card installed or the sound card is being used by another "
+    "application. Please check the Hardware Settings.";
 constexpr char kDeviceLost[] =
-    "Playing was stopped because the sound device no longer answers.\n\nPlease check that the speaker or "
-    "sound "
-    "card is connected before you go on.";
+    "Playing was stopped because the sound device no longer answers.\n\n"
+    "Please check that the speaker or sound card is connected before you go on.";
 
 }  // namespace
 

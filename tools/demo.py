@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 """The main job, from microphone to typist, with the real program on the rig: tools/rig tools/demo.py
 
-A spoken sample goes in at the microphone while corvane.exe records; the dictation gets a note and is
-sent to a typist's folder; what arrives there is measured against what was spoken. Leaves its files in
+A spoken sample goes in at the microphone while corvane.exe records; the dictation is played back, gets a
+note and is sent to a typist's folder; what is heard and what arrives there is measured against what was
+spoken. Leaves its files in
 out/, prints each step with its figure, and exits 0 only when everything holds."""
 
 import os
@@ -18,6 +19,7 @@ sys.path.insert(0, str(ROOT / "tests" / "system"))
 import dct  # noqa: E402
 import sound  # noqa: E402
 from corvane import Corvane, Data, WinCtl, wait_for  # noqa: E402
+from player import HEARD_RATE, Heard  # noqa: E402
 
 OUT = ROOT / "out"
 WORDS = (
@@ -25,6 +27,7 @@ WORDS = (
     "The cough has gone. Please see him again in two weeks."
 )
 NOTE = "Urgent: letter to the family doctor"
+API_STATUS, STOPPED, PLAYING = 7, 0, 3
 
 
 class Steps:
@@ -71,6 +74,18 @@ def measure(steps, what, spoken, heard):
         f"{what}: {heard.duration:.2f} s of {spoken.duration:.2f} s spoken, {heard.rate} Hz, {heard.bits} bits, "
         f"envelope correlation {match:.3f}",
     )
+
+
+def play_back(corvane, steps, spoken):
+    corvane.command("CM_GOTOSTART")
+    with Heard() as heard:
+        corvane.command("CM_PLAY")
+        wait_for(lambda: corvane.api(API_STATUS) == PLAYING, "a playing dictation")
+        wait_for(lambda: heard.count > HEARD_RATE * spoken.duration / 2, "half of it", 30)
+        screenshot(corvane, "playing.png")
+        wait_for(lambda: corvane.api(API_STATUS) == STOPPED, "the end of the dictation", 60)
+    audio = sound.Audio(heard.sound()[1] / 32768, HEARD_RATE)
+    measure(steps, "played back", spoken, audio)
 
 
 def add_note(corvane, steps, number):
@@ -122,6 +137,7 @@ def main():
         number = record(corvane, steps, spoken)
         shutil.copy(data.audio(number), OUT / "recording.wav")
         measure(steps, "recorded", spoken, sound.read_wav(data.audio(number)))
+        play_back(corvane, steps, spoken)
         add_note(corvane, steps, number)
         send(corvane, steps, number)
         receive(data, steps, spoken, number)

@@ -3,6 +3,8 @@
 import struct
 import subprocess
 
+import numpy as np
+
 from corvane import pcm_wav, wait_for, write_ini
 from sound import microphone_streams
 
@@ -126,6 +128,23 @@ def test_a_foreign_recording_is_continued_without_changing_a_sample(corvane, dat
     head = data.audio(1).read_bytes()[:46]
     assert struct.unpack("<I", head[42:])[0] == len(samples(data, 1))
     assert samples(data, 1).startswith(sound)
+
+
+def test_a_compressed_recording_is_continued_as_it_sounds(corvane, data, tmp_path):
+    record_every_sound(data)
+    tone = tmp_path / "tone.wav"
+    sine = ["synth", "3", "sine", "440", "gain", "-6"]
+    subprocess.run(["sox", "-n", "-r", "8000", "-c", "1", "-e", "gsm-full-rate", tone, *sine], check=True)
+    data.add_dictation(1, tone.read_bytes())
+    program = corvane()
+    record_a_second(program, 1, "CM_RECORD_END")
+    head = data.audio(1).read_bytes()[:46]
+    assert struct.unpack("<HHI", head[20:28]) == (1, 1, 8000) and struct.unpack("<H", head[34:36])[0] == 16
+    sound = np.frombuffer(samples(data, 1), "<i2").astype(float)
+    assert len(sound) > 4 * SECOND - 400
+    pitch = np.abs(np.fft.rfft(sound[SECOND // 2 : SECOND // 2 + SECOND])).argmax()
+    assert pitch == 440 and sound[: 3 * SECOND].std() > 8000
+    assert sound[3 * SECOND + 400 :].std() < 100
 
 
 def test_closing_while_a_long_recording_is_prepared_leaves_it_as_it_was(corvane, data):
