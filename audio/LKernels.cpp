@@ -82,6 +82,7 @@ struct HalfSum {
 template <size_t kHalf>
 HalfSum SumHalf(const int16_t* history, const int16_t* row) {
     HalfSum sum{0, 0};
+#pragma GCC unroll 16  // a third of the time in the 32-bit build
     for (size_t i = 0; i < kHalf; i += 2) {
         sum.even += history[i] * row[i];
         sum.odd += history[i + 1] * row[i + 1];

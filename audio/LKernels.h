@@ -19,7 +19,7 @@ struct LSincRows {
     const int16_t* rows;  // aligned to 16 bytes
     uint32_t half;
     uint32_t phases;
-    uint32_t step;
+    uint32_t step;  // above 0
 };
 
 // The loops that every sample passes, in a version for any processor and in one for SSE2. Both give the same

@@ -218,7 +218,7 @@ BENCHMARK_CAPTURE(Speexdsp, up, kUp)->Name(kUpSpeex);
 
 // --- Quality -------------------------------------------------------------------------------------------
 
-// What becomes of a second of a tone at half of full scale: its level and everything else, in decibels.
+// What becomes of a second of a tone at half of full scale, in decibels.
 struct ToneResult {
     double levelDb;  // of the tone, against the input
     double snrDb;    // of the tone against the rest

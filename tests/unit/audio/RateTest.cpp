@@ -173,12 +173,16 @@ TEST(Kernels, InterpolateTheWorstInputOfEachPhaseWithoutOverflow) {
         for (int32_t taps : {15, 63}) {
             const LSincFilter filter(rates.in, rates.out, taps);
             LSincRows rows = filter.Rows();
-            rows.step = 0;  // four times the same sample: a whole vector
+            rows.step = 64 * rows.phases;  // the same phase five times: a whole vector and one more
             for (int32_t phase = 0; phase < filter.Phases(); ++phase) {
                 for (int sign : {1, -1}) {
-                    std::vector<int16_t> history;
-                    for (int32_t tap = 0; tap < taps; ++tap)
-                        history.push_back(filter.Coefficient(phase, tap) * sign > 0 ? 32767 : -32768);
+                    std::vector<int16_t> history(5 * 64);
+                    for (size_t i = 0; i < history.size(); ++i)
+                        history[i] =
+                            static_cast<int32_t>(i % 64) < taps &&
+                                    filter.Coefficient(phase, static_cast<int32_t>(i % 64)) * sign > 0
+                                ? 32767
+                                : -32768;
                     int64_t halves[2] = {0, 0};
                     const size_t half = rows.half;
                     for (size_t i = 0; i < 2 * half; ++i)
