@@ -4,11 +4,14 @@
 
 #include "audio/LDecibel.h"
 #include "base/LArith.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
 
 static constexpr char kWindowClass[] = "LWSoundPlayer";
 static constexpr UINT kNotifyMessage = WM_USER;
 static constexpr uint32_t kLookMs = 150;
+// How long the silence behind the end may keep the device busy once all sound has been heard.
+static constexpr uint32_t kTailTimeoutMs = 500;
 
 using NextStep = PlayQueue::Step;
 
@@ -81,6 +84,7 @@ bool LSoundPlayer::OpenDevice() {
                        m_bufferDone.NativeHandle()))
         return false;
     m_queue.Start(m_material.BufferFrames());
+    m_atEnd = m_hasTail = false;
     m_levelChannels = top.GetChannels();
     m_clock.Reset(top.GetSampleRate());
     m_resetFrame = top.GetPosition();
@@ -134,7 +138,7 @@ void LSoundPlayer::Seek(int32_t frame) {
     {
         LLock lock(m_section);
         m_material.Seek(frame);
-        Jump(0);
+        Jump();
     }
     m_notify.OnPlayPosition(m_position);
     if (IsCueing()) m_notify.OnPlayLevel();
@@ -150,7 +154,7 @@ void LSoundPlayer::Cue(bool on) {
         LLock lock(m_section);
         m_material.Seek(m_material.ToSourceFrame(HeardFrame()));
         m_queue.SetCueing(on);
-        if (!Jump(0)) LTrace("LSoundPlayer::Cue waveOutReset ERROR");
+        if (!Jump()) LTrace("LSoundPlayer::Cue waveOutReset ERROR");
     }
     m_notify.OnPlayPosition(m_position);
     if (on) m_notify.OnPlayLevel();
@@ -166,7 +170,7 @@ void LSoundPlayer::SetSpeed(int32_t percent) {
             EndBecause(Ending::DeviceLost);
             return;
         }
-        Jump(0);
+        Jump();
     }
     m_notify.OnPlayPosition(m_position);
 }
@@ -211,7 +215,8 @@ void LSoundPlayer::SetHeard(int32_t frame) {
 }
 
 // Goes on where the material stands now, at once: what is heard first is read before the device is reset.
-bool LSoundPlayer::Jump(int32_t skipFrames) {
+bool LSoundPlayer::Jump() {
+    m_atEnd = m_hasTail = false;
     m_queue.Empty();
     m_resetFrame = m_material.Top().GetPosition();
     const size_t ahead = m_queue.IsCueing() ? 0 : ReadAhead();
@@ -222,7 +227,7 @@ bool LSoundPlayer::Jump(int32_t skipFrames) {
         m_clock.Run(timeGetTime());
     SetHeard(m_resetFrame);
     for (size_t i = 0; i < ahead; ++i) {
-        if (m_device.Write(m_queue.Next(), m_ahead[i], i == 0 ? skipFrames : 0)) m_queue.Queued();
+        if (m_device.Write(m_queue.Next(), m_ahead[i])) m_queue.Queued();
     }
     if (m_queue.IsCueing()) CueBuffer();
     SetPriority(kThreadLowest);
@@ -255,6 +260,7 @@ void LSoundPlayer::TakeLevels(const PlayBlock& block) {
 }
 
 void LSoundPlayer::EndBecause(Ending ending) {
+    m_atEnd = false;
     m_queue.End();
     m_endReason = ending;
     m_stopNotify = true;
@@ -283,6 +289,7 @@ bool LSoundPlayer::Step() {
             break;
         case NextStep::Wait:
             goOn = false;
+            if (m_queue.IsAllTaken()) WriteTail();
             if (!m_queue.TakesOff()) break;
             LTrace("Takeoff-complete lock thread to high priority");
             SetOwnPriority(kThreadTimeCritical);
@@ -295,7 +302,24 @@ bool LSoundPlayer::Step() {
             return false;
     }
     if (m_queue.StartsNow()) Restart();
+    if (m_atEnd && IsTailHeard()) EndBecause(Ending::AtEnd);
     return goOn;
+}
+
+// What the device returns may still be on its way to the ear, through a driver and a sound server that deliver
+// in blocks. A buffer of silence behind the last sound sees to it that no part of that is left in there.
+void LSoundPlayer::WriteTail() {
+    if (m_hasTail || m_queue.Depth() == PlayQueue::kBuffers) return;
+    m_block.samples.assign(static_cast<size_t>(m_material.BufferFrames()) * m_levelChannels, 0);
+    m_block.endFrame = LSoundPlayerWaveHeader::kNoAudio;
+    m_tailIndex = m_queue.Next();
+    m_hasTail = m_device.Write(m_tailIndex, m_block);
+}
+
+bool LSoundPlayer::IsTailHeard() const {
+    const uint32_t sinceMs = LTickMs() - m_atEndMs;
+    const bool isBack = !m_hasTail || m_device.Buffer(m_tailIndex).IsBack() || sinceMs > kTailTimeoutMs;
+    return isBack && sinceMs >= m_clock.LeadMs();
 }
 
 void LSoundPlayer::TakeBack() {

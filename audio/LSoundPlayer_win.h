@@ -99,6 +99,8 @@ private:
     bool Step();
     void TakeBack();
     bool Refill();
+    void WriteTail();
+    bool IsTailHeard() const;
     void EndBecause(Ending ending);
 
     int32_t HeardFrame();
@@ -106,7 +108,7 @@ private:
     void Restart();
     void SetHeard(int32_t frame);
     size_t ReadAhead();
-    bool Jump(int32_t skipFrames);
+    bool Jump();
     bool CueBuffer();
     void TakeLevels(const PlayBlock& block);
 
@@ -125,6 +127,10 @@ private:
     PlayMaterial m_material;
     PlayQueue m_queue;  // paused and cueing change on the owner's thread only, which reads them without
     PlayClock m_clock;
+    bool m_hasTail = false;  // silence has been queued behind the last sound
+    size_t m_tailIndex = 0;
+    bool m_atEnd = false;  // all sound is back, since
+    uint32_t m_atEndMs = 0;
     PlayBlock m_block;
     std::array<PlayBlock, kAheadBlocks> m_ahead;
     int32_t m_heardFrame = 0;  // of the material: the end of the last buffer that came back

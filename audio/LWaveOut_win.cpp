@@ -5,7 +5,7 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
-static constexpr uint32_t kReleaseTimeoutMs = 1000;
+static constexpr uint32_t kReleaseTimeoutMs = 500;
 static constexpr uint32_t kReleaseRetryMs = 50;
 static constexpr DWORD kLoopForever = 0x7FFFFFFF;
 
@@ -42,11 +42,9 @@ bool LSoundPlayerWaveHeader::Destroy(HWAVEOUT device, uint32_t deadlineMs) {
     return true;
 }
 
-bool LSoundPlayerWaveHeader::Write(HWAVEOUT device, const PlayBlock& block, int32_t skipFrames, DWORD loops) {
-    const auto samples =
-        std::span(block.samples).subspan(static_cast<size_t>(skipFrames) * block.levels.size());
-    const DWORD bytes = std::min(m_bytes, static_cast<DWORD>(samples.size_bytes()));
-    CopyMemory(m_header.lpData, samples.data(), bytes);
+bool LSoundPlayerWaveHeader::Write(HWAVEOUT device, const PlayBlock& block, DWORD loops) {
+    const DWORD bytes = std::min(m_bytes, static_cast<DWORD>(block.samples.size() * sizeof(int16_t)));
+    CopyMemory(m_header.lpData, block.samples.data(), bytes);
     m_header.dwBufferLength = bytes;
     m_header.dwFlags &= ~static_cast<DWORD>(WHDR_DONE | WHDR_BEGINLOOP | WHDR_ENDLOOP);
     if (loops > 1) m_header.dwFlags |= WHDR_BEGINLOOP | WHDR_ENDLOOP;
@@ -111,10 +109,10 @@ void LWaveOut::Close() {
     if (m_ring) {
         Reset();
         const uint32_t deadlineMs = LTickMs() + kReleaseTimeoutMs;
-        bool allFree = true;
-        for (LSoundPlayerWaveHeader& header : m_ring->headers)
-            allFree = header.Destroy(m_device.Get(), deadlineMs) && allFree;
-        if (!allFree)
+        const bool areFree = std::ranges::all_of(m_ring->headers, [&](LSoundPlayerWaveHeader& header) {
+            return header.Destroy(m_device.Get(), deadlineMs);
+        });
+        if (!areFree)
             static_cast<void>(m_ring.release());  // the device may still write to it
         else if (m_ring->memory)
             GlobalUnlock(m_ring->memory.Get());
@@ -137,12 +135,12 @@ bool LWaveOut::Reset() {
     return result == MMSYSERR_NOERROR;
 }
 
-bool LWaveOut::Write(size_t index, const PlayBlock& block, int32_t skipFrames) {
-    return m_ring->headers[index].Write(m_device.Get(), block, skipFrames, 1);
+bool LWaveOut::Write(size_t index, const PlayBlock& block) {
+    return m_ring->headers[index].Write(m_device.Get(), block, 1);
 }
 
 bool LWaveOut::WriteLoop(size_t index, const PlayBlock& block) {
-    return m_ring->headers[index].Write(m_device.Get(), block, 0, kLoopForever);
+    return m_ring->headers[index].Write(m_device.Get(), block, kLoopForever);
 }
 
 // Devices may refuse the unit that they are asked for and answer in another one.

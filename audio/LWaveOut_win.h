@@ -25,8 +25,8 @@ public:
     // still belongs to the device.
     bool Destroy(HWAVEOUT device, uint32_t deadlineMs);
 
-    // Hands the block, without its first frames, to the device. loops: how often it is played.
-    bool Write(HWAVEOUT device, const PlayBlock& block, int32_t skipFrames, DWORD loops);
+    // Hands the block to the device. loops: how often it is played.
+    bool Write(HWAVEOUT device, const PlayBlock& block, DWORD loops);
     void SetEmpty() { m_endFrame = kNoAudio; }
     bool IsBack() const;
 
@@ -54,15 +54,15 @@ public:
     // Opens the device, or the platform's default one when it does not open, and prepares the buffers.
     // It is paused. done is signalled for each buffer that comes back.
     bool Open(int32_t device, uint8_t channels, int32_t sampleRate, int32_t bufferFrames, void* done);
-    // Takes the buffers back. A device that keeps them past a second keeps them for good: their memory is
-    // given up rather than freed under it.
+    // Takes the buffers back. A device that keeps them past half a second keeps them for good: their
+    // memory is given up rather than freed under it.
     void Close();
 
     bool Pause();
     bool Restart();
     // Stops the sound and takes all buffers back, empty. A paused device need not be paused any more.
     bool Reset();
-    bool Write(size_t index, const PlayBlock& block, int32_t skipFrames = 0);
+    bool Write(size_t index, const PlayBlock& block);
     // Repeats a block until the next reset.
     bool WriteLoop(size_t index, const PlayBlock& block);
     // The frames heard since the device was opened or reset.

@@ -41,6 +41,8 @@ public:
     void TookBack();
     void Queued();
     size_t Depth() const { return m_queued; }
+    // Nothing follows what is queued.
+    bool IsAllTaken() const { return m_allTaken && !m_growing; }
 
     // The ring is full (or holds all there is) for the first time: the thread may now rise above all others.
     bool TakesOff();
