@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "audio/LSoundPlayer_win.h"
+#include "audio/LSoundRecorder_win.h"
 #include "audio/LWaveFile.h"
 #include "audio/WindSource.h"
 #include "base/LTime.h"
@@ -145,6 +146,16 @@ private:
         m_player.SetSpeed(Number(words, 1));
         return true;
     }
+    // record <file> <rate>: from the microphone, until endrecord
+    bool Record(const Words& words, Json&) {
+        if (words.size() < 3) return false;
+        const LSoundSink sink = LWaveFile::OpenSinkPCM(LPath(words[1]), 16, 1, Number(words, 2));
+        return sink && m_recorder.Start(sink, 0, -128, 0, LSoundRecorder::kRecordAtOnce);
+    }
+    bool EndRecord(const Words&, Json&) {
+        m_recorder.Stop();
+        return true;
+    }
     bool Graph(const Words& words, Json& answer) {
         std::array<uint8_t, LSoundPlayer::kCueGraphBytes> graph;
         if (!m_player.GetCueGraph(graph.data(), Number(words, 1))) return false;
@@ -156,12 +167,22 @@ private:
 
     LSoundSource m_source;
     LSoundPlayer m_player{*this};
+    struct Deaf final : LSoundRecorderNotify {
+        void OnRecording() override {}
+        void OnWaiting() override {}
+        void OnStopped(int32_t) override {}
+        void OnTime(int32_t) override {}
+        void OnLevel() override {}
+    } m_deaf;
+    LSoundRecorder m_recorder{m_deaf};
 };
 
 const Tool::Command Tool::kCommands[] = {
-    {"device", &Tool::Device}, {"open", &Tool::Open}, {"wind", &Tool::Wind},   {"skip", &Tool::Skip},
-    {"start", &Tool::Start},   {"stop", &Tool::Stop}, {"play", &Tool::Play},   {"pause", &Tool::Pause},
-    {"cue", &Tool::Cue},       {"seek", &Tool::Seek}, {"speed", &Tool::Speed}, {"graph", &Tool::Graph},
+    {"device", &Tool::Device}, {"open", &Tool::Open},           {"wind", &Tool::Wind},
+    {"skip", &Tool::Skip},     {"start", &Tool::Start},         {"stop", &Tool::Stop},
+    {"play", &Tool::Play},     {"pause", &Tool::Pause},         {"cue", &Tool::Cue},
+    {"seek", &Tool::Seek},     {"speed", &Tool::Speed},         {"graph", &Tool::Graph},
+    {"record", &Tool::Record}, {"endrecord", &Tool::EndRecord},
 };
 
 bool Tool::Obey(const Words& words) {
