@@ -17,14 +17,12 @@ static constexpr double kStopBand = 1.252;
 // Beyond this the seven terms of the window's series no longer hold the stop band down.
 static constexpr double kMaxBeta = 9.0;
 
-// The modified Bessel function of order 0, by the first seven terms of its power series.
-static double BesselI0(double x) {
-    const double quarter = x * x / 4.0;
-    double term = 1.0, sum = 1.0;
-    for (int k = 1; k <= 6; ++k) {
-        term *= quarter / (k * k);
-        sum += term;
-    }
+// The modified Bessel function of order 0 by the first seven terms of its power series, the sum of
+// (x / 2)^2k / k!^2, of the square of x / 2.
+static double BesselI0OfSquare(double square) {
+    constexpr double kFactors[] = {1.0 / 518400, 1.0 / 14400, 1.0 / 576, 1.0 / 36, 1.0 / 4, 1.0, 1.0};
+    double sum = 0.0;
+    for (double factor : kFactors) sum = sum * square + factor;
     return sum;
 }
 
@@ -83,25 +81,32 @@ static void RoundToUnity(const double* exact, int32_t* rounded, int32_t taps) {
         order[i] = static_cast<uint8_t>(tap);
         missing -= rounded[tap];
     }
-    std::sort(order.begin(), order.begin() + taps,
-              [&lost](uint8_t a, uint8_t b) { return lost[a] != lost[b] ? lost[a] > lost[b] : a < b; });
+    std::nth_element(
+        order.begin(), order.begin() + missing, order.begin() + taps,
+        [&lost](uint8_t a, uint8_t b) { return lost[a] != lost[b] ? lost[a] > lost[b] : a < b; });
     for (int32_t i = 0; i < missing; ++i) ++rounded[order[static_cast<size_t>(i)]];
 }
 
 // The window reaches (taps - 1) / 2 input frames to either side of the output frame. It is open at its ends,
-// so that the first tap is 0 in each phase.
+// so that the first tap is 0 in each phase. From tap to tap the sine's angle grows by the same step, so each
+// sine comes from the one before: a filter of 441 phases has 27783 of them, and they would take longer than a
+// second of sound.
 void LSincFilter::Design(double cutOff, double beta) {
     const int32_t reach = (m_taps - 1) / 2;
+    const double angleStep = std::numbers::pi * cutOff;
+    const double stepSine = std::sin(angleStep), stepCosine = std::cos(angleStep);
     std::array<double, kMostTaps> exact{};
     for (int32_t phase = 0; phase < m_phases; ++phase) {
-        double sum = 0.0;
-        for (int32_t tap = 1; tap < m_taps; ++tap) {
-            const double x = tap - reach - static_cast<double>(phase) / m_phases;
-            const double edge = x / reach;
-            const double angle = std::numbers::pi * cutOff * x;
-            const double sinc = tap == reach && phase == 0 ? 1.0 : std::sin(angle) / angle;
-            const double window = edge < 1.0 ? BesselI0(beta * std::sqrt(1.0 - edge * edge)) : 0.0;
+        double x = 1 - reach - static_cast<double>(phase) / m_phases;
+        double sine = std::sin(angleStep * x), cosine = std::cos(angleStep * x), sum = 0.0;
+        for (int32_t tap = 1; tap < m_taps; ++tap, x += 1.0) {
+            const double inside = 1.0 - x * x / (reach * reach);
+            const double sinc = tap == reach && phase == 0 ? 1.0 : sine / (angleStep * x);
+            const double window = inside > 0.0 ? BesselI0OfSquare(beta * beta / 4.0 * inside) : 0.0;
             sum += exact[static_cast<size_t>(tap)] = sinc * window;
+            const double nextSine = sine * stepCosine + cosine * stepSine;
+            cosine = cosine * stepCosine - sine * stepSine;
+            sine = nextSine;
         }
         for (double& value : exact) value *= kUnity / sum;
         RoundToUnity(exact.data(), &m_coefficients[static_cast<size_t>(phase) * static_cast<size_t>(m_taps)],
