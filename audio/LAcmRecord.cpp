@@ -105,6 +105,10 @@ LWaveFileFormat LAcmRecord(const LWaveFileFormat& format) {
     return codec ? WithTrueBlock(*codec, plain) : plain;
 }
 
+bool LAcmMayConvert(const LWaveFileFormat& record) {
+    return record.BlockAlign() > 0 && !(record.Tag() == kFormatTagPcm && record.Channels() > 2);
+}
+
 int32_t LAcmBlockFrames(const LWaveFileFormat& record) {
     if (record.BlockAlign() == 0) return 0;
     if (FindBlockCodec(record.Tag())) return SamplesPerBlock(record);

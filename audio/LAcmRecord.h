@@ -10,8 +10,12 @@
 // The record that a codec may be given. The extensible tag with a sub-format of the standard family becomes the
 // plain tag; PCM gets whole bytes and a block align and byte rate that fit its other fields; the extra byte
 // count never leads beyond the record; the block codecs of our table get a samples-per-block field that
-// their block holds. Block align 0 marks a record that no codec may be given.
+// their block holds. Block align 0 marks a record that holds no sense.
 LWaveFileFormat LAcmRecord(const LWaveFileFormat& format);
+
+// Whether a codec may be given such a record. PCM of more than two channels may not: there are managers that take
+// it and then treat it as stereo.
+bool LAcmMayConvert(const LWaveFileFormat& record);
 
 // Frames in a block of block align bytes, where the format alone tells: PCM, the G.711 laws, the ADPCM kinds
 // and GSM 6.10. 0 for all others. The record is one of LAcmRecord().

@@ -12,9 +12,8 @@ LAcmStream::~LAcmStream() {
 }
 
 bool LAcmStream::Open(const LWaveFileFormat& from, const LWaveFileFormat& to, LAcmOpener opener) {
-    if (from.BlockAlign() == 0 || to.BlockAlign() == 0) return false;
-    return opener(from, to, LAcmTiming::RealTime, m_conversion) ||
-           opener(from, to, LAcmTiming::NonRealTime, m_conversion);
+    const auto open = [&](LAcmTiming timing) { return opener(from, to, timing, m_conversion); };
+    return open(LAcmTiming::RealTime) || open(LAcmTiming::NonRealTime);
 }
 
 bool LAcmStream::SizeForInput(uint32_t inputBytes) {

@@ -38,7 +38,7 @@ static bool IsComplete(const LPath& path, int64_t frames) {
 bool LRewriteWave::CanRead(const LWaveInfo& info) {
     const LWaveInfo plain = Plain(info);
     return IsDirect(plain) ||
-           (plain.format.BlockAlign() > 0 && LAcmQuery(plain.format, LAcmPcm(plain.format)));
+           (LAcmMayConvert(plain.format) && LAcmQuery(plain.format, LAcmPcm(plain.format)));
 }
 
 ProcessResult LRewriteWave::Process(ProcessContext& context) {

@@ -39,7 +39,7 @@ LSNKACMFile::LSNKACMFile(const LWaveFileFormat& format, const LPath& path, LAcmO
 }
 
 bool LSNKACMFile::OpenCodec(LAcmOpener opener) {
-    if (!m_codec.Open(m_pcm, m_format, opener)) {
+    if (!LAcmMayConvert(m_format) || !m_codec.Open(m_pcm, m_format, opener)) {
         Fail("LSNKACMFile::LSNKACMFile acmStreamOpen ERROR");
     } else if (!m_codec.HasHandle()) {
         Fail("LSNKACMFile::LSNKACMFile acmStreamOpen handle invalid ERROR");

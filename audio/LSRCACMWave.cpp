@@ -37,7 +37,8 @@ LSRCACMWave::~LSRCACMWave() {
 
 // A block that decodes to more than a read's frames gets the room it needs, or it could never be decoded.
 bool LSRCACMWave::OpenCodec(LAcmOpener opener) {
-    if (!m_codec.Open(m_format, LAcmPcm(m_format), opener) || !m_codec.HasHandle()) {
+    if (!LAcmMayConvert(m_format) || !m_codec.Open(m_format, LAcmPcm(m_format), opener) ||
+        !m_codec.HasHandle()) {
         LTrace("LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR");
         return false;
     }

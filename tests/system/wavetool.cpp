@@ -5,12 +5,16 @@
 //   rewrite <file>                    into the layout that recordings continue on
 //   info <in>                         what the head tells: tag, channels, rate, frames, milliseconds
 //   query <record>                    whether a codec makes that format
+//   batch                             commands from the input, one per line, fields divided by tabs; each is
+//                                     answered with a last line "= <exit code>"
 //   choose <channels> <record>        the platform's format chooser; the record that was chosen
 
 #include <windows.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -111,14 +115,32 @@ constexpr struct {
     {"query", 1, Query},   {"rewrite", 1, Rewrite}, {"seek", 3, Seek},
 };
 
+int Obey(const Arguments& words) {
+    const Arguments arguments(words.begin() + 1, words.end());
+    for (const auto& command : kCommands) {
+        if (std::string_view(words[0]) == command.name && arguments.size() >= command.arguments)
+            return command.run(arguments) ? 0 : 1;
+    }
+    return 2;
+}
+
+// Starting a program takes longer than most conversions.
+int Batch() {
+    std::array<char, 4096> line = {};
+    while (std::fgets(line.data(), line.size(), stdin)) {
+        Arguments words;
+        for (char* word = std::strtok(line.data(), "\t\r\n"); word; word = std::strtok(nullptr, "\t\r\n"))
+            words.push_back(word);
+        std::printf("= %d\n", words.empty() ? 2 : Obey(words));
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int count, char** values) {
     LSetTraceSink(TraceToStderr);
-    const Arguments arguments(values + (count > 1 ? 2 : 1), values + count);
-    for (const auto& command : kCommands) {
-        if (count > 1 && std::string_view(values[1]) == command.name && arguments.size() >= command.arguments)
-            return command.run(arguments) ? 0 : 1;
-    }
-    return 2;
+    if (count < 2) return 2;
+    return std::string_view(values[1]) == "batch" ? Batch() : Obey(Arguments(values + 1, values + count));
 }
