@@ -71,13 +71,18 @@ LWaveFileFormat Remake(const LWaveFileFormat& format, uint16_t tag, uint16_t ali
     return LWaveFileFormat(record.View());
 }
 
+// Whether the record is extensible and its sub-format of the family whose identifiers hold plain tags.
+bool IsExtended(const LWaveFileFormat& format) {
+    if (format.Tag() != kTagExtensible || format.ExtraBytes() < kExtensibleExtra) return false;
+    return std::ranges::equal(format.Bytes().subspan(kSubFormatOffset + 2, kStandardFamily.size()),
+                              kStandardFamily);
+}
+
 LWaveFileFormat Plain(const LWaveFileFormat& format) {
     const auto extra = format.Record().subspan(LWaveFileFormat::kFixedSize);
-    if (format.Tag() != kTagExtensible || extra.size() < kExtensibleExtra)
-        return Remake(format, format.Tag(), format.BlockAlign(), extra);
-    const auto subFormat = format.Bytes().subspan(kSubFormatOffset);
-    if (!std::ranges::equal(subFormat.subspan(2, kStandardFamily.size()), kStandardFamily)) return format;
-    return Remake(format, LByteReader(subFormat).U16(), format.BlockAlign(), extra.subspan(kExtensibleExtra));
+    if (!IsExtended(format)) return Remake(format, format.Tag(), format.BlockAlign(), extra);
+    const uint16_t tag = LByteReader(format.Bytes().subspan(kSubFormatOffset)).U16();
+    return Remake(format, tag, format.BlockAlign(), extra.subspan(kExtensibleExtra));
 }
 
 LWaveFileFormat WithTrueBlock(const BlockCodec& codec, const LWaveFileFormat& format) {

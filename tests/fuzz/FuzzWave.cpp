@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
+#include "audio/LAcmRecord.h"
 #include "audio/LWaveFile.h"
 #include "base/LMemoryFile.h"
 
@@ -16,6 +18,16 @@ static void CompareRereading(LSoundSource source, const std::vector<int32_t>& fi
     Require(again == first && source->GetPosition() == frames);
 }
 
+// What a codec is given holds together, whatever stands in the file.
+static void RequireSafeRecord(const LWaveFileFormat& format) {
+    const LWaveFileFormat record = LAcmRecord(format);
+    const std::span<const uint8_t> count = record.Bytes().subspan(16, 2);
+    Require(size_t{count[0]} + size_t{count[1]} * 256 == record.ExtraBytes());
+    Require(LAcmBlockFrames(record) >= 0 && LAcmBlockFrames(record) <= 0xFFFF);
+    if (record.Tag() == kFormatTagPcm && record.BlockAlign() > 0)
+        Require(record.BlockAlign() == record.Channels() * record.BitsPerSample() / 8);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::span<const uint8_t> bytes(data, size);
     LMemoryFile file(bytes);
@@ -26,6 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Require(source->IsError() == !isDirect);
     Require(info.dataStart >= 0 && info.dataBytes >= 0 && info.Frames() >= 0 && info.LengthMs() >= 0);
     Require(!readable || info.dataStart + info.dataBytes <= file.Size());
+    RequireSafeRecord(info.format);
     if (!isDirect) return 0;
 
     Require(source->GetLength() == info.Frames() && source->GetChannels() == info.format.Channels());

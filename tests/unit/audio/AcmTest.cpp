@@ -350,10 +350,13 @@ TEST(AcmRecord, GivesCodecsOnlyRecordsThatHoldTogether) {
         EXPECT_EQ(Bytes(record.Record().begin(), record.Record().end()), Hex(c.expected)) << c.what;
         EXPECT_EQ(LAcmMayConvert(record) ? LAcmBlockFrames(record) : 0, c.blockFrames) << c.what;
     }
-    Bytes endless(1024);
-    std::ranges::copy(Hex("5500 0100 401F0000 D70F0000 0100 0000 FFFF"), endless.begin());
-    const LWaveFileFormat record = LAcmRecord(LWaveFileFormat(endless));
-    EXPECT_EQ(Bytes(record.Bytes().begin() + 16, record.Bytes().begin() + 18), Little(1006, 2));
+    // An extra byte count beyond the record, with and without an unknown sub-format.
+    for (const char* tag : {"5500", "FEFF"}) {
+        Bytes endless(1024);
+        std::ranges::copy(Hex(tag + std::string("0100 401F0000 D70F0000 0100 0000 FFFF")), endless.begin());
+        const LWaveFileFormat record = LAcmRecord(LWaveFileFormat(endless));
+        EXPECT_EQ(Bytes(record.Bytes().begin() + 16, record.Bytes().begin() + 18), Little(1006, 2)) << tag;
+    }
 }
 
 TEST(RewriteWave, DecodesEveryOtherFormatToTheEndOrLeavesItAlone) {

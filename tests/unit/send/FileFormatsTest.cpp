@@ -1,5 +1,7 @@
+#include "audio/LSNKACMFile.h"
 #include "audio/LWaveFile.h"
 #include "store/SendToSettings.h"
+#include "tests/stubs/StandInCodec.h"
 #include "tests/unit/send/SendTest.h"
 
 // The dumps in docs/file-formats.md are what the program writes.
@@ -38,6 +40,10 @@ TEST(FileFormats, AudioFilesAreAsDocumented) {
     const int32_t frames[] = {FromPcm16(1), FromPcm16(-2)};
     LWaveFile::OpenSinkPCM(file.path, 16, 1, 8000)->Write(frames, 2);
     EXPECT_EQ(file.Contents(), Dump("two frames of 16 bits"));
+
+    const LWaveFileFormat gsm(Hex("3100 0100 401F0000 59060000 4100 0000 0200 4001"));
+    LSNKACMFile(gsm, file.path, StandInCodec::Open);
+    EXPECT_EQ(file.Contents(), Dump("a GSM 6.10 file without a frame"));
 }
 
 TEST(FileFormats, RecipientsAreAsDocumented) {
