@@ -62,7 +62,7 @@ std::vector<BenchFigure>& BenchFigures() {
 int main(int argc, char** argv) {
     // Many short runs, of which the shortest counts. Ours and the peer's take turns, so that a busy moment of the
     // machine meets both. The command line may say otherwise.
-    std::string defaults[] = {"--benchmark_repetitions=8", "--benchmark_min_time=0.05",
+    std::string defaults[] = {"--benchmark_repetitions=20", "--benchmark_min_time=0.02",
                               "--benchmark_enable_random_interleaving=true"};
     std::vector<char*> arguments(argv, argv + argc);
     for (std::string& text : defaults) arguments.insert(arguments.begin() + 1, text.data());
