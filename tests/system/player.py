@@ -1,6 +1,5 @@
 """Runs playtool.exe, and hears what comes out of the rig's speaker."""
 
-import functools
 import json
 import os
 import queue
@@ -13,6 +12,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 import numpy as np
+import pytest
 
 from corvane import TOOLS, wait_for
 
@@ -93,23 +93,9 @@ class PlayTool:
             raise
 
 
-def patient(test):
-    """Sound that is measured to the sample suffers when the machine is busy with other things. A fault of ours fails
-    every time."""
-
-    @functools.wraps(test)
-    def run(*arguments, **named):
-        for attempt in range(3):
-            try:
-                return test(*arguments, **named)
-            except AssertionError:
-                if attempt == 2:
-                    raise
-                if tool := named.get("tool"):
-                    tool.do("stop")
-                    tool.do("speed", 100)
-
-    return run
+# Sound that is measured to the sample suffers when the machine is busy with other things. A fault of ours fails every
+# time.
+patient = pytest.mark.flaky(reruns=2)
 
 
 def windows_file(path):

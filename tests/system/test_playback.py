@@ -8,8 +8,10 @@ import numpy as np
 import pytest
 
 from corvane import pcm_wav, wait_for, write_ini
-from player import HEARD_RATE, Heard
+from player import HEARD_RATE, Heard, patient
 from sound import microphone_streams
+
+pytestmark = patient
 
 RATE = 8000
 SECONDS = 20

@@ -19,10 +19,17 @@ LENGTH = 5 * HEARD_RATE
 
 
 @pytest.fixture(scope="module")
-def tool():
+def running_tool():
     tool = PlayTool()
     yield tool
     tool.close()
+
+
+@pytest.fixture
+def tool(running_tool):
+    running_tool.do("stop")
+    running_tool.do("speed", 100)
+    return running_tool
 
 
 @pytest.fixture(scope="module")
