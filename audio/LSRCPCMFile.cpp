@@ -27,7 +27,7 @@ int32_t LSRCPCMFileBase::FramesIn(int64_t dataBytes) const {
     return Saturate(std::max<int64_t>(dataBytes, 0) / m_bytesPerFrame);
 }
 
-int32_t LSRCPCMFileBase::GetLength() const {
+int32_t LSRCPCMFileBase::PresentLength() const {
     return m_growing ? FramesIn(m_stream->Size() - m_dataStart) : m_length;
 }
 
@@ -54,7 +54,7 @@ void LSRCPCMFileBase::Read(int32_t* samples, int32_t frames) {
     const int32_t first = m_position;
     m_position = Saturate(int64_t{first} + frames);
     const int32_t before = first < 0 ? static_cast<int32_t>(std::min(-int64_t{first}, int64_t{frames})) : 0;
-    const int32_t present = Clamp(GetLength() - std::max(first, 0), 0, frames - before);
+    const int32_t present = Clamp(PresentLength() - std::max(first, 0), 0, frames - before);
 
     const size_t channels = GetChannels();
     const auto values = [channels](int32_t count) { return static_cast<size_t>(count) * channels; };
@@ -81,7 +81,7 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
 
 void LSRCPCMFileBase::Seek(int32_t frame) {
     m_position = frame;
-    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, GetLength())} * m_bytesPerFrame))
+    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, PresentLength())} * m_bytesPerFrame))
         LTrace("LSRCPCMFileBase::Seek unable to move");
 }
 

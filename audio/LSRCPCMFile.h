@@ -14,7 +14,7 @@ class LSRCPCMFileBase : public LSoundSourceBase {
 public:
     void Read(int32_t* samples, int32_t frames) override;
     int32_t GetPosition() const override { return m_position; }
-    int32_t GetLength() const override;
+    int32_t GetLength() const override { return PresentLength(); }
     void Seek(int32_t frame) override;
     // Asks the file: not for every sample.
     bool IsGrowing() const override;
@@ -26,6 +26,7 @@ protected:
 private:
     virtual void Convert(const uint8_t* bytes, int32_t* samples, size_t count) const = 0;
     void ReadFrames(int32_t* samples, int32_t frames, int32_t firstFrame);
+    int32_t PresentLength() const;
     int32_t FramesIn(int64_t dataBytes) const;
     uint32_t DataBytesInHeader() const;
 

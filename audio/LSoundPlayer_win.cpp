@@ -10,8 +10,9 @@
 static constexpr char kWindowClass[] = "LWSoundPlayer";
 static constexpr UINT kNotifyMessage = WM_USER;
 static constexpr uint32_t kLookMs = 150;
-// How long the silence behind the end may keep the device busy once all sound has been heard.
-static constexpr uint32_t kTailTimeoutMs = 500;
+// Buffers of silence behind the last sound, and how long they may keep the device busy once it has been heard.
+static constexpr size_t kTailBuffers = 3;
+static constexpr uint32_t kTailTimeoutMs = 1000;
 
 using NextStep = PlayQueue::Step;
 
@@ -84,7 +85,8 @@ bool LSoundPlayer::OpenDevice() {
                        m_bufferDone.NativeHandle()))
         return false;
     m_queue.Start(m_material.BufferFrames());
-    m_atEnd = m_hasTail = false;
+    m_atEnd = false;
+    m_tailBuffers = 0;
     m_levelChannels = top.GetChannels();
     m_clock.Reset(top.GetSampleRate());
     m_resetFrame = top.GetPosition();
@@ -216,7 +218,8 @@ void LSoundPlayer::SetHeard(int32_t frame) {
 
 // Goes on where the material stands now, at once: what is heard first is read before the device is reset.
 bool LSoundPlayer::Jump() {
-    m_atEnd = m_hasTail = false;
+    m_atEnd = false;
+    m_tailBuffers = 0;
     m_queue.Empty();
     m_resetFrame = m_material.Top().GetPosition();
     const size_t ahead = m_queue.IsCueing() ? 0 : ReadAhead();
@@ -289,14 +292,16 @@ bool LSoundPlayer::Step() {
             break;
         case NextStep::Wait:
             goOn = false;
-            if (m_queue.IsAllTaken()) WriteTail();
+            if (m_queue.IsAllTaken() && m_tailBuffers < kTailBuffers) WriteTail();
             if (!m_queue.TakesOff()) break;
             LTrace("Takeoff-complete lock thread to high priority");
             SetOwnPriority(kThreadTimeCritical);
             break;
         case NextStep::End:
-            EndBecause(Ending::AtEnd);
-            return false;
+            m_atEnd = true;
+            m_atEndMs = LTickMs();
+            goOn = false;
+            break;
         case NextStep::DeviceLost:
             EndBecause(Ending::DeviceLost);
             return false;
@@ -307,19 +312,20 @@ bool LSoundPlayer::Step() {
 }
 
 // What the device returns may still be on its way to the ear, through a driver and a sound server that deliver
-// in blocks. A buffer of silence behind the last sound sees to it that no part of that is left in there.
+// in blocks and keep what they have when nothing follows. Silence behind the last sound pushes it through.
 void LSoundPlayer::WriteTail() {
-    if (m_hasTail || m_queue.Depth() == PlayQueue::kBuffers) return;
     m_block.samples.assign(static_cast<size_t>(m_material.BufferFrames()) * m_levelChannels, 0);
     m_block.endFrame = LSoundPlayerWaveHeader::kNoAudio;
-    m_tailIndex = m_queue.Next();
-    m_hasTail = m_device.Write(m_tailIndex, m_block);
+    while (m_tailBuffers < kTailBuffers && m_queue.Depth() + m_tailBuffers < PlayQueue::kBuffers) {
+        m_tailIndex = (m_queue.Next() + m_tailBuffers) % PlayQueue::kBuffers;
+        if (!m_device.Write(m_tailIndex, m_block)) return;
+        ++m_tailBuffers;
+    }
 }
 
 bool LSoundPlayer::IsTailHeard() const {
-    const uint32_t sinceMs = LTickMs() - m_atEndMs;
-    const bool isBack = !m_hasTail || m_device.Buffer(m_tailIndex).IsBack() || sinceMs > kTailTimeoutMs;
-    return isBack && sinceMs >= m_clock.LeadMs();
+    return m_tailBuffers == 0 || m_device.Buffer(m_tailIndex).IsBack() ||
+           LTickMs() - m_atEndMs > kTailTimeoutMs;
 }
 
 void LSoundPlayer::TakeBack() {

@@ -127,9 +127,9 @@ private:
     PlayMaterial m_material;
     PlayQueue m_queue;  // paused and cueing change on the owner's thread only, which reads them without
     PlayClock m_clock;
-    bool m_hasTail = false;  // silence has been queued behind the last sound
-    size_t m_tailIndex = 0;
-    bool m_atEnd = false;  // all sound is back, since
+    size_t m_tailBuffers = 0;  // of silence, queued behind the last sound
+    size_t m_tailIndex = 0;    // the last of them
+    bool m_atEnd = false;      // all sound is back, since
     uint32_t m_atEndMs = 0;
     PlayBlock m_block;
     std::array<PlayBlock, kAheadBlocks> m_ahead;

@@ -27,7 +27,3 @@ int32_t PlayClock::Heard(int32_t played, uint32_t nowMs) {
     }
     return std::max(played - m_lead, 0);
 }
-
-uint32_t PlayClock::LeadMs() const {
-    return static_cast<uint32_t>(int64_t{m_lead} * 1000 / m_sampleRate);
-}

@@ -16,8 +16,6 @@ public:
 
     // played is the device's count since its beginning. Ask now and then while IsLearning.
     int32_t Heard(int32_t played, uint32_t nowMs);
-    // How far the device counts ahead, as far as is known.
-    uint32_t LeadMs() const;
     // True for the first two seconds of running, before the two clocks drift apart.
     bool IsLearning(uint32_t nowMs) const { return RunMs(nowMs) < kLearnMs; }
 
