@@ -57,9 +57,12 @@ int32_t LSRCACMWave::BufferedFrames() const {
     return static_cast<int32_t>(m_codec.Output().size()) / FrameBytes();
 }
 
-// By the byte rate.
+// By the codec's blocks where the format tells how long they are: many a writer puts a byte rate into the file
+// that is several times too high, and what is wound or sought would end at a fraction of the material.
 int64_t LSRCACMWave::FramesOf(int64_t bytes) const {
-    return bytes / m_byteRate * GetSampleRate() + bytes % m_byteRate * GetSampleRate() / m_byteRate;
+    const int64_t unit = m_blockFrames > 0 ? m_blockAlign : m_byteRate;
+    const int64_t frames = m_blockFrames > 0 ? m_blockFrames : GetSampleRate();
+    return bytes / unit * frames + bytes % unit * frames / unit;
 }
 
 void LSRCACMWave::Read(int32_t* samples, int32_t frames) {

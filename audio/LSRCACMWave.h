@@ -8,10 +8,9 @@
 #include "base/LStream.h"
 
 // A WAV file whose data only a codec can read, as a source of 16-bit quality. It decodes as far as it is read,
-// so its length is an estimate from the file's byte rate until the end was reached; while input is left it is
-// beyond the position, however wrong that rate is. Seek goes by the codec's blocks where the format tells
-// how many frames they hold, else by the byte rate; it keeps a position below 0 as it is (silence, as a
-// filter's pre-roll).
+// so its length is an estimate until the end was reached; while input is left it is beyond the position. The
+// estimate and Seek go by the codec's blocks where the format tells how many frames they hold, else by the file's
+// byte rate, however wrong that is. Seek keeps a position below 0 as it is (silence, as a filter's pre-roll).
 // Errors: no codec for the format, or one that refuses to work, sets the error bit. A codec that fails or
 //         stops yielding later on ends the material; IsWhole() tells.
 class LSRCACMWave final : public LSoundSourceBase {

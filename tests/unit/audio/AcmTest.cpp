@@ -228,6 +228,9 @@ TEST(AcmSource, EstimatesTheLengthUntilItKnowsIt) {
         EXPECT_EQ(source->GetLength(), c.afterABlock) << c.byteRate;
     }
     EXPECT_EQ(OpenSource(Encoded({}))->GetLength(), 0);
+    // Where the format tells its blocks, a byte rate four times too high must not hide three quarters.
+    const LWaveFileFormat gsm(Hex("3100 0100 401F0000 64190000 4100 0000 0200 4001"));
+    EXPECT_EQ(OpenSource(Encoded(Ramp(100 * 320), gsm))->GetLength(), 100 * 320);
     LSoundSource huge = OpenSource(WithByteRate(file, 1));
     EXPECT_EQ(huge->GetLength(), 22500 * 8000);
 }
