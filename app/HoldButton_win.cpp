@@ -14,8 +14,9 @@ Holder HolderOf(HWND button) {
     return static_cast<Holder>(reinterpret_cast<ULONG_PTR>(GetPropA(button, kHolderProperty)));
 }
 
+// The last who presses holds it: the release of a device that was unplugged never comes.
 void SetHolder(HWND button, Holder holder) {
-    if (holder == HolderOf(button)) return;
+    if (holder == HolderOf(button) && holder != Holder::Device) return;
     if (holder == Holder::None)
         RemovePropA(button, kHolderProperty);
     else
@@ -30,11 +31,10 @@ void Follow(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
-            if (holder == Holder::None) SetHolder(button, Holder::Hand);
+            SetHolder(button, Holder::Hand);
             break;
         case WM_KEYDOWN:
-            if (wParam == VK_SPACE && (lParam & kWasDown) == 0 && holder == Holder::None)
-                SetHolder(button, Holder::Hand);
+            if (wParam == VK_SPACE && (lParam & kWasDown) == 0) SetHolder(button, Holder::Hand);
             break;
         case WM_KEYUP:
             if (wParam == VK_SPACE && holder == Holder::Hand) SetHolder(button, Holder::None);
@@ -46,7 +46,9 @@ void Follow(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
             if (holder == Holder::Hand) SetHolder(button, Holder::None);
             break;
         case WM_ENABLE:
-            if (wParam == FALSE) SetHolder(button, Holder::None);
+            if (wParam != FALSE) break;
+            SendMessageA(button, BM_SETSTATE, FALSE, 0);  // or it would come back looking pressed
+            SetHolder(button, Holder::None);
             break;
         case WM_DESTROY:
             RemovePropA(button, kHolderProperty);
@@ -74,7 +76,7 @@ void AttachHoldButton(HWND button) {
 // Only shown as pressed: a mouse message would take the keyboard from the notes that are being typed, and the
 // capture, which the next click in another program would end.
 bool PressHoldButton(HWND button) {
-    if (!IsWindowEnabled(button) || HolderOf(button) != Holder::None) return false;
+    if (!IsWindowEnabled(button) || HolderOf(button) == Holder::Hand) return false;
     SendMessageA(button, BM_SETSTATE, TRUE, 0);
     SetHolder(button, Holder::Device);
     return true;

@@ -216,7 +216,7 @@ void MainDialog::ShowPlaySpeed() {
 void MainDialog::CmWind(int command) {
     const WindDirection direction = command == CM_REWIND ? WindDirection::Back : WindDirection::Forward;
     if (m_transport.IsWinding(direction))
-        m_transport.EndWinding();
+        m_transport.EndWinding(direction);
     else
         m_transport.BeginWinding(direction);
 }

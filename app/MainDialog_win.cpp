@@ -27,7 +27,12 @@ constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
-constexpr int kPositionFontHeight = 15;  // pixels
+constexpr int kPositionFontHeight = 15;   // pixels
+constexpr LPARAM kKeyWasDown = 1L << 30;  // of a key message: it repeats
+
+WindDirection DirectionOfKey(WPARAM key) {
+    return key == VK_F7 ? WindDirection::Back : WindDirection::Forward;
+}
 
 }  // namespace
 
@@ -45,6 +50,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_CONTEXTMENU, &MainDialog::EvContextMenu},
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
+    {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},
     {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
@@ -175,15 +181,19 @@ bool MainDialog::PreTranslateMessage(MSG& message) {
     if (!isKey || m_accelerators == nullptr) return false;
     if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
 
-    char className[16] = {};
-    GetClassNameA(message.hwnd, className, sizeof className);
-    if (LEqualNoCase(className, "Edit")) {
-        // In the notes these keys move and edit; a name that is being edited has the keyboard for itself.
-        if (message.hwnd != Item(IDC_NOTES)) return false;
+    if (IsNameEditor(message.hwnd)) return false;
+    if (message.hwnd == Item(IDC_NOTES)) {  // in the notes these keys move and edit
         for (WPARAM key : {VK_HOME, VK_END, VK_INSERT, VK_DELETE})
             if (message.wParam == key) return false;
     }
     return TranslateAcceleratorA(Window(), m_accelerators, &message) != 0;
+}
+
+// A name that is being edited has the keyboard for itself.
+bool MainDialog::IsNameEditor(HWND control) const {
+    char className[16] = {};
+    GetClassNameA(control, className, sizeof className);
+    return LEqualNoCase(className, "Edit") && control != Item(IDC_NOTES);
 }
 
 // A key that winds does so while it is held.
@@ -192,14 +202,18 @@ bool MainDialog::WindByKey(const MSG& message) {
     if (!isDown && message.message != WM_KEYUP) return false;
     if (message.wParam != VK_F7 && message.wParam != VK_F8) return false;
     if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
-    if (isDown && m_windKey == 0 && BeginCommand()) {
+    const bool repeats = isDown && (message.lParam & kKeyWasDown) != 0;
+    if (isDown && !repeats && !IsNameEditor(message.hwnd) && BeginCommand()) {
         m_windKey = message.wParam;
-        m_transport.BeginWinding(message.wParam == VK_F7 ? WindDirection::Back : WindDirection::Forward);
+        m_transport.BeginWinding(DirectionOfKey(m_windKey));
     } else if (!isDown && m_windKey == message.wParam) {
-        m_windKey = 0;
-        m_transport.EndWinding();
+        ReleaseWindKey();
     }
     return true;
+}
+
+void MainDialog::ReleaseWindKey() {
+    if (const WPARAM key = std::exchange(m_windKey, 0)) m_transport.EndWinding(DirectionOfKey(key));
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
@@ -296,20 +310,28 @@ bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
 
 bool MainDialog::EvActivate(WPARAM wParam, LPARAM, LRESULT&) {
     // The key that is held comes up in another window, unseen.
-    if (LOWORD(wParam) == WA_INACTIVE && std::exchange(m_windKey, 0) != 0) m_transport.EndWinding();
+    if (LOWORD(wParam) == WA_INACTIVE) ReleaseWindKey();
+    return false;
+}
+
+// Nor is it seen in the loops that the platform runs while a menu is open or the window is dragged.
+bool MainDialog::EvMenuLoop(WPARAM, LPARAM, LRESULT&) {
+    ReleaseWindKey();
     return false;
 }
 
 bool MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    const WindDirection direction = wParam == IDC_REWIND ? WindDirection::Back : WindDirection::Forward;
     result = 0;
     if (lParam == 0)
-        m_transport.EndWinding();
+        m_transport.EndWinding(direction);
     else if (BeginCommand())
-        m_transport.BeginWinding(wParam == IDC_REWIND ? WindDirection::Back : WindDirection::Forward);
+        m_transport.BeginWinding(direction);
     return true;
 }
 
 bool MainDialog::EvDrag(WPARAM, LPARAM, LRESULT& result) {
+    ReleaseWindKey();
     m_layout.EvDrag(true);
     result = 0;
     return true;
@@ -374,8 +396,8 @@ void MainDialog::ApplyRowChanges() {
 
 bool MainDialog::EvTransportTrouble(WPARAM, LPARAM, LRESULT& result) {
     result = 0;
-    const std::string text = std::exchange(m_trouble, {});
-    if (!text.empty()) LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
+    for (const std::string& text : std::exchange(m_troubles, {}))
+        if (IsOpen()) LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
     return true;
 }
 
@@ -395,8 +417,8 @@ void MainDialog::EvTimerInfoLine() {
 }
 
 void MainDialog::ShowSendError() {
-    // Who records presses Escape to stop; here it would empty the queue. The text waits.
-    if (m_transport.IsRecording() || LProgressDialog::IsAnyRunning()) return;
+    // Who records or plays presses Escape to stop; here it would empty the queue. The text waits.
+    if (m_transport.IsRunning() || LProgressDialog::IsAnyRunning()) return;
     const std::string text = m_queue.TakeError();
     if (text.empty()) return;
     if (LMessageBox(Window(), text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
@@ -432,8 +454,10 @@ void MainDialog::ShowSituation() {
     for (int control : {IDC_NEW, IDC_SEND, IDC_PLAY, IDC_RECORD, IDC_STOP, IDC_GOTOSTART, IDC_REWIND,
                         IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK}) {
         const bool enabled = IsCommandEnabled(control, situation);
-        // The keyboard must not be left with a control that no longer listens.
-        if (!enabled && GetFocus() == Item(control)) SetFocus(Item(IDC_RECORD));
+        // The keyboard must not be left with a control that no longer listens. After Stop the next press of the
+        // space bar plays: it must not record over the place that was just heard.
+        if (!enabled && GetFocus() == Item(control))
+            SetFocus(Item(IsCommandEnabled(IDC_PLAY, situation) ? IDC_PLAY : IDC_RECORD));
         EnableWindow(Item(control), enabled);
     }
     ShowPosition();
@@ -548,8 +572,8 @@ void MainDialog::LevelChanged(int8_t leftDb, int8_t rightDb) {
 }
 
 void MainDialog::TransportTrouble(const std::string& text) {
-    // The recording may be ending inside another command; the message waits until that has run.
-    m_trouble = text;
+    // It may come from inside another command or a mouse click; the message waits until that has run.
+    m_troubles.push_back(text);
     PostMessageA(Window(), WM_TRANSPORTTROUBLE, 0, 0);
 }
 

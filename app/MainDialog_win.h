@@ -98,6 +98,7 @@ private:
     bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvMove(WPARAM, LPARAM, LRESULT& result);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
@@ -174,7 +175,9 @@ private:
     void OpenWindow();
     void ApplyRecordMode();
     void ShowPlaySpeed();
+    bool IsNameEditor(HWND control) const;
     bool WindByKey(const MSG& message);
+    void ReleaseWindKey();
     HWND WindButton(int index) const;
     RecordMode DefaultRecordMode() const;
     void TestHardDrive();
@@ -223,9 +226,9 @@ private:
     HoldRule m_hold;
     LFont m_positionFont;
     std::function<void()> m_onCreated;
-    std::string m_trouble;               // shown once the recording that it ended is finished
-    LIcon m_icons[2][2];                 // [recording][small]
-    std::vector<int32_t> m_changedRows;  // to be made anew when nobody is in the middle of the list
+    std::vector<std::string> m_troubles;  // shown once what they came from is over
+    LIcon m_icons[2][2];                  // [recording][small]
+    std::vector<int32_t> m_changedRows;   // to be made anew when nobody is in the middle of the list
     size_t m_infoText = 0;
     uint32_t m_startTick = 0;
     bool m_selectionMoved = false;

@@ -91,7 +91,8 @@ void Playback::OnPlayLevel() {
 
 void Playback::OnPlayStopped() {
     if (m_activity == Activity::Stopped) return;
-    const bool isDeviceLost = m_player.GetEnding() == LSoundPlayer::Ending::DeviceLost;
+    Ending ending = IsPlaying() ? Ending::PlayedToEnd : Ending::Wound;
+    if (m_player.GetEnding() == LSoundPlayer::Ending::DeviceLost) ending = Ending::DeviceLost;
     Stop();
-    m_owner.PlaybackEnded(isDeviceLost);
+    m_owner.PlaybackEnded(ending);
 }

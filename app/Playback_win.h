@@ -11,14 +11,16 @@
 class Playback final : private LSoundPlayerNotify {
 public:
     enum class Result { Started, NothingToPlay, CannotRead, NoDevice };
+    enum class Ending { PlayedToEnd, Wound, DeviceLost };
 
     class Owner {
     public:
         virtual ~Owner() = default;
         virtual void PlaybackPosition(int32_t positionMs) = 0;
         virtual void PlaybackLevel(int8_t leftDb, int8_t rightDb) = 0;
-        // It ended by itself: the end was heard, or the device no longer answers.
-        virtual void PlaybackEnded(bool isDeviceLost) = 0;
+        // It ended by itself: the end was heard, or the place where winding ends, or the device no longer
+        // answers.
+        virtual void PlaybackEnded(Ending ending) = 0;
     };
 
     // The settings file names the output device and its volume.

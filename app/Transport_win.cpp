@@ -101,10 +101,10 @@ bool Transport::Tell(Playback::Result result) {
         case Playback::Result::NothingToPlay:
             return false;
         case Playback::Result::CannotRead:
-            LMessageBox(m_owner.OwnerWindow(), kCannotPlay, "Error", MB_OK | MB_ICONEXCLAMATION);
+            m_owner.TransportTrouble(kCannotPlay);
             return false;
         case Playback::Result::NoDevice:
-            LMessageBox(m_owner.OwnerWindow(), kNoDevice, "Sound Device Error", MB_OK | MB_ICONEXCLAMATION);
+            m_owner.TransportTrouble(kNoDevice);
             return false;
     }
     return false;
@@ -115,9 +115,13 @@ void Transport::PlaybackPosition(int32_t positionMs) {
     m_owner.PositionChanged();
 }
 
-void Transport::PlaybackEnded(bool isDeviceLost) {
+void Transport::PlaybackEnded(Playback::Ending ending) {
+    // The length of compressed audio may have been an estimate. What was heard to its end is at its end, or the
+    // next Play would find nothing there.
+    if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
+    if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();
-    if (isDeviceLost) m_owner.TransportTrouble(kDeviceLost);
+    if (ending == Playback::Ending::DeviceLost) m_owner.TransportTrouble(kDeviceLost);
 }
 
 // ---- Winding ---------------------------------------------------------------------------------------------
@@ -133,7 +137,8 @@ bool Transport::BeginWinding(WindDirection direction) {
     return true;
 }
 
-void Transport::EndWinding() {
+void Transport::EndWinding(WindDirection direction) {
+    if (IsWinding() && !IsWinding(direction)) return;
     // Winding that has come to an end of the dictation has ended by itself, with the button still held.
     const bool plays = m_playsAfterWinding;
     if (!IsWinding() && !plays) return;

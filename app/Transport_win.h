@@ -23,7 +23,7 @@ public:
         virtual void RecordingStopped(const DictationFiles& files) = 0;
         virtual void PositionChanged() = 0;
         virtual void LevelChanged(int8_t leftDb, int8_t rightDb) = 0;
-        // What the user must know, after what ran has been finished properly.
+        // What the user must know. May come from within a notification or another command: to be shown later.
         virtual void TransportTrouble(const std::string& text) = 0;
         virtual HWND OwnerWindow() const = 0;
         // Long work before a recording is over; false when the window is to close instead.
@@ -42,8 +42,8 @@ public:
     void PlayAt(PlaySpeed speed);
     // Winds until EndWinding. False when there is nothing to wind.
     bool BeginWinding(WindDirection direction);
-    // Goes on playing when playing or recording ran before.
-    void EndWinding();
+    // Goes on playing when playing or recording ran before. Leaves winding in the other direction alone.
+    void EndWinding(WindDirection direction);
     // Stops and finishes whatever runs.
     void Stop();
     // While playing it plays on from there, and after a recording too.
@@ -80,7 +80,7 @@ private:
 
     void PlaybackPosition(int32_t positionMs) override;
     void PlaybackLevel(int8_t leftDb, int8_t rightDb) override { m_owner.LevelChanged(leftDb, rightDb); }
-    void PlaybackEnded(bool isDeviceLost) override;
+    void PlaybackEnded(Playback::Ending ending) override;
 
     const AppState& m_state;
     Owner& m_owner;

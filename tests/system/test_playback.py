@@ -195,3 +195,57 @@ def test_the_play_pedal_plays_while_it_is_held_and_after_a_tap(program):
     program.send(1792, 4)
     program.send(1792, 5)
     wait_status(program, STOPPED)
+
+
+def key(action, name):
+    subprocess.run(["xdotool", action, name], check=True)
+
+
+def middle_of(program, control):
+    left, top, right, bottom = program.control(control)["rect"]
+    subprocess.run(["xdotool", "mousemove", str((left + right) // 2), str((top + bottom) // 2)], check=True)
+
+
+def test_a_winding_key_that_comes_up_in_a_menu_is_not_held_for_ever(program):
+    program.send(1792, 14)
+    wait_status(program, STOPPED)  # at the end
+    program.send(1792, 15)
+    hold_key("F7")
+    wait_status(program, WINDING)
+    key("key", "alt+d")
+    wait_status(program, STOPPED)
+    key("keyup", "F7")
+    key("key", "Escape")
+    key("key", "Escape")
+    hold_key("F7")
+    wait_status(program, WINDING)
+    key("keyup", "F7")
+    wait_status(program, STOPPED)
+
+
+def test_winding_belongs_to_the_button_that_was_pressed_last(program):
+    program.send(1792, 12)
+    program.send(1792, 14)
+    program.send(1792, 13)  # rewind comes up while fast forward is down
+    assert program.api(STATUS) == WINDING
+    program.command("CM_STOP")
+    wait_status(program, STOPPED)
+    # The device is unplugged: its release never comes, and the mouse can still wind.
+    middle_of(program, "IDC_FASTFORWARD")
+    key("mousedown", "1")
+    wait_status(program, WINDING)
+    key("mouseup", "1")
+    wait_status(program, STOPPED)
+
+
+def test_the_space_bar_after_a_click_on_stop_records_nothing(program, data):
+    before = data.audio(1).read_bytes()
+    program.command("CM_PLAY")
+    wait_status(program, PLAYING)
+    middle_of(program, "IDC_STOP")
+    key("click", "1")
+    wait_status(program, STOPPED)
+    key("key", "space")
+    wait_status(program, PLAYING)
+    program.command("CM_STOP")
+    assert data.audio(1).read_bytes() == before
