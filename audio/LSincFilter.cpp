@@ -69,15 +69,18 @@ void LSincFilter::FindRatio(int32_t inputRate, int32_t outputRate) {
 }
 
 // The coefficients of one phase as integers that sum to kUnity: rounded down, and those that lost most of one
-// are rounded up instead. Adding what is missing to one of them would cost 2 dB of quality.
+// are rounded up instead. Adding what is missing to one of them would cost 2 dB of quality. What they lost is
+// compared in steps: two taps at the same distance from the middle lost the same, but for the last bits of
+// their sines, which differ from one processor and build to the next.
 static void RoundToUnity(const double* exact, int32_t* rounded, int32_t taps) {
-    std::array<double, kMostTaps> lost;
+    constexpr double kSteps = 1024.0;
+    std::array<int32_t, kMostTaps> lost;
     std::array<uint8_t, kMostTaps> order;
     int32_t missing = LSincFilter::kUnity;
     for (int32_t tap = 0; tap < taps; ++tap) {
         const size_t i = static_cast<size_t>(tap);
         rounded[tap] = static_cast<int32_t>(std::floor(exact[tap]));
-        lost[i] = exact[tap] - rounded[tap];
+        lost[i] = static_cast<int32_t>((exact[tap] - rounded[tap]) * kSteps);
         order[i] = static_cast<uint8_t>(tap);
         missing -= rounded[tap];
     }
