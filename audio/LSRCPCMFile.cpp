@@ -79,9 +79,11 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
     m_stream->Seek(m_dataStart + (int64_t{firstFrame} + frames) * m_bytesPerFrame);
 }
 
+// Of a growing file the place beyond the end may hold data by the time it is read.
 void LSRCPCMFileBase::Seek(int32_t frame) {
     m_position = frame;
-    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, PresentLength())} * m_bytesPerFrame))
+    const int32_t last = m_growing ? INT32_MAX : m_length;
+    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, last)} * m_bytesPerFrame))
         LTrace("LSRCPCMFileBase::Seek unable to move");
 }
 
