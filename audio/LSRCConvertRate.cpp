@@ -60,15 +60,16 @@ void LSRCConvertRate::Fill(int32_t frames) {
 // What is held from the place of the next output frame on has been read, but is not used yet; of its first
 // frame the phase is.
 int32_t LSRCConvertRate::GetPosition() const {
-    if (IsError()) return m_source->GetPosition();
+    if (IsError()) return 0;
     const int64_t place = int64_t{m_source->GetPosition()} - (m_history->Held() - kReach);
     return m_filter->ToOutput(Saturate(place), m_history->Phase());
 }
 
 int32_t LSRCConvertRate::GetLength() const {
-    if (IsError()) return m_source->GetLength();
-    const int32_t length = m_source->GetLength();
-    return m_filter->ToOutput(IsGrowing() ? std::max(length - kReach, 0) : length);
+    if (IsError()) return 0;  // it delivers nothing, so who reads to the end is there
+    // In this order: what has stopped growing has its final length.
+    const int32_t reach = IsGrowing() ? kReach : 0;
+    return m_filter->ToOutput(std::max(m_source->GetLength() - reach, 0));
 }
 
 // The window's frames are read with the next block: what follows the present end of a growing source must

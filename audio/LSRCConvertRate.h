@@ -15,7 +15,7 @@
 // present end as silence.
 // Input beyond 16-bit full scale is held there; the output may overshoot, hence the doubled level.
 // Errors: the error bit (traced) for a rate below 1, more than two channels, or rates that LSincFilter does
-//         not convert. Such a stage delivers silence.
+//         not convert. Such a stage has no length and delivers silence.
 class LSRCConvertRate final : public LFilterSource {
 public:
     // The source itself when it has that rate or an error, otherwise wrapped at its present position. The
