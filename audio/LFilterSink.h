@@ -4,7 +4,7 @@
 
 // A sink that wraps another one and passes on what it does not change. It counts the frames that it is given,
 // on top of those that the wrapped sink holds already, and has the wrapped sink's channels and error bit; an
-// empty handle sets the error bit.
+// empty handle sets the error bit. A cut goes as far as the wrapped sink cuts: some do not.
 class LFilterSink : public LSoundSinkBase {
 public:
     void Write(const int32_t* samples, int32_t frames) override {
@@ -15,8 +15,10 @@ public:
     }
     void Truncate(int32_t frames) override {
         if (frames > GetFrames()) return;
-        SetFrames(frames < 0 ? 0 : frames);
-        if (m_sink) m_sink->Truncate(GetFrames());
+        if (!m_sink) return;
+        m_sink->Truncate(frames);
+        SetFrames(m_sink->GetFrames());
+        if (m_sink->IsError()) SetError();
     }
 
 protected:

@@ -69,6 +69,7 @@ void LSinkConvertRateBase::PassOn() {
 }
 
 // The next output frame to be made is the one after those made so far, or the first that lies behind the cut.
+// Where the other sink would have to cut and does not, nothing is cut: what is on its way may be speech.
 void LSinkConvertRateBase::Truncate(int32_t frames) {
     if (!m_history || frames > GetFrames()) return;
     const int32_t written = GetFrames() - m_firstFrame;
@@ -76,9 +77,12 @@ void LSinkConvertRateBase::Truncate(int32_t frames) {
     const int32_t passedOn = m_sink->GetFrames() - m_sinkFrames;
     const int32_t behindCut = m_filter->OutputsBefore(kept);
     const int32_t next = std::min(behindCut, passedOn + m_pending);
+    if (next < passedOn) {
+        m_sink->Truncate(m_sinkFrames + next);
+        if (m_sink->IsError()) SetError();
+        if (m_sink->GetFrames() != m_sinkFrames + next) return;
+    }
     m_pending = std::max(next - passedOn, 0);
-    if (next < passedOn) m_sink->Truncate(m_sinkFrames + next);
     m_history->Rewind(written - kept, kept - (m_filter->ToInput(next) - kReach), m_filter->PhaseOf(next));
     SetFrames(m_firstFrame + kept);
-    if (m_sink->IsError()) SetError();
 }

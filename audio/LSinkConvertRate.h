@@ -25,7 +25,7 @@ public:
 
     void Write(const int32_t* samples, int32_t frames) override;
     // Cuts the converted material where the input is cut, also what is still on its way. What the other sink
-    // held before is not cut.
+    // held before is not cut, and neither is anything when that sink does not cut what it was given.
     void Truncate(int32_t frames) override;
 
 private:

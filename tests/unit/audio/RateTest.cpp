@@ -351,6 +351,8 @@ TEST(ConvertRate, DoublesTheLevelAndRefusesWhatItCannotConvert) {
         source->Seek(2);
         const Samples silence = ReadFrames(*source, 5);
         EXPECT_EQ(silence == Samples(silence.size(), 0), c.error);
+        EXPECT_EQ(source->GetPosition() >= source->GetLength(), c.error)
+            << "whoever reads to its end gets there";
     }
     EXPECT_TRUE(LSRCConvertRate::OpenSource(LSoundSource(), 8000)->IsError());
 }
@@ -421,6 +423,33 @@ TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
         sink->Truncate(-1);
     }
     EXPECT_EQ(taken, Samples(50, 77)) << "what was there before is not cut";
+}
+
+// Like a compressed file.
+class UncutSink final : public LSoundSinkBase {
+public:
+    UncutSink(int32_t rate, Samples& taken) : LSoundSinkBase(rate, 1), m_taken(taken) {}
+    void Write(const int32_t* samples, int32_t frames) override {
+        m_taken.insert(m_taken.end(), samples, samples + frames);
+        AddFrames(frames);
+    }
+
+private:
+    Samples& m_taken;
+};
+
+TEST(RecordSpeed, LosesNothingWhereTheTargetCannotBeCut) {
+    for (int32_t rate : {8000, 11025}) {  // with a converter between them, and without
+        Samples taken;
+        LSoundSink sink = LRecordSpeed::OpenSink(200, LSoundSink::Make<UncutSink>(rate, taken));
+        for (int i = 0; i < 4; ++i) {
+            for (int j = 0; j < 4; ++j) sink->Write(Noise(8000, 0x7FFF0).data(), 8000);
+            sink->Truncate(sink->GetFrames() - 30000);
+        }
+        EXPECT_EQ(sink->GetFrames(), 4 * 32000);
+        sink.Reset();
+        EXPECT_EQ(taken.size(), static_cast<size_t>(int64_t{4} * 32000 * rate / 11025 + 1 - rate / 11025));
+    }
 }
 
 TEST(RecordSpeed, StoresFastAudioAtItsNormalSpeed) {
