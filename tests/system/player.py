@@ -31,9 +31,9 @@ class Line:
 class PlayTool:
     """One playtool.exe: commands with their answers, and the notifications in between."""
 
-    def __init__(self, environment=None):
+    def __init__(self, environment=None, command=("wine",)):
         self.process = subprocess.Popen(
-            ["wine", str(TOOLS / "playtool.exe")],
+            [*command, str(TOOLS / "playtool.exe")],
             stdin=subprocess.PIPE,
             stdout=subprocess.PIPE,
             env=environment,
