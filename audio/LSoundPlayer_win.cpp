@@ -98,12 +98,8 @@ bool LSoundPlayer::OpenDevice() {
 void LSoundPlayer::Stop() {
     if (!m_playing) return;
     m_playing = false;
-    {
-        LLock lock(m_section);
-        SetHeard(HeardFrame());
-        RequestStop();
-    }
     LThread::Stop();
+    SetHeard(HeardFrame());
     m_device.Close();
     m_material.Close();
     m_stopNotify = m_positionChanged = false;
@@ -119,6 +115,7 @@ void LSoundPlayer::Play() {
     if (!m_playing || !m_queue.IsPaused()) return;
     LLock lock(m_section);
     m_queue.Play();
+    m_atEndMs = LTickMs();  // what is left of the end takes its time from now
     if (m_queue.StartsNow()) Restart();
     m_bufferDone.Signal();  // a thread that found nothing to do looks again
 }
@@ -197,6 +194,7 @@ int32_t LSoundPlayer::HeardFrame() {
     int32_t played = 0;
     if (m_queue.Depth() == 0 || m_queue.IsCueing() || !m_device.GetPlayed(played)) return m_heardFrame;
     const int32_t heard = m_clock.Heard(played, timeGetTime());
+    if (!m_clock.IsPossible(heard, m_heardFrame - m_resetFrame)) return m_heardFrame;
     return Clamp(Saturate(int64_t{m_resetFrame} + heard), m_resetFrame,
                  std::max(m_material.Top().GetPosition(), m_resetFrame));
 }
@@ -229,12 +227,11 @@ bool LSoundPlayer::Jump() {
     else
         m_clock.Run(timeGetTime());
     SetHeard(m_resetFrame);
-    for (size_t i = 0; i < ahead; ++i) {
-        if (m_device.Write(m_queue.Next(), m_ahead[i])) m_queue.Queued();
-    }
-    if (m_queue.IsCueing()) CueBuffer();
-    SetPriority(kThreadLowest);
     m_stopNotify = m_positionChanged = false;
+    size_t queued = 0;
+    while (queued < ahead && Queue(m_ahead[queued])) ++queued;
+    if (m_queue.IsCueing() && !CueBuffer()) EndBecause(Ending::DeviceLost);
+    SetPriority(kThreadLowest);
     m_bufferDone.Signal();
     return isReset;
 }
@@ -246,6 +243,16 @@ size_t LSoundPlayer::ReadAhead() {
         m_material.Read(frames, m_ahead[i]);
     }
     return m_ahead.size();
+}
+
+// A device that refuses a buffer has ended the playback.
+bool LSoundPlayer::Queue(const PlayBlock& block) {
+    if (!m_device.Write(m_queue.Next(), block)) {
+        EndBecause(Ending::DeviceLost);
+        return false;
+    }
+    m_queue.Queued();
+    return true;
 }
 
 bool LSoundPlayer::CueBuffer() {
@@ -307,7 +314,7 @@ bool LSoundPlayer::Step() {
             return false;
     }
     if (m_queue.StartsNow()) Restart();
-    if (m_atEnd && IsTailHeard()) EndBecause(Ending::AtEnd);
+    if (m_atEnd && !m_queue.IsPaused() && IsTailHeard()) EndBecause(Ending::AtEnd);
     return goOn;
 }
 
@@ -340,10 +347,5 @@ void LSoundPlayer::TakeBack() {
 
 bool LSoundPlayer::Refill() {
     m_material.Read(m_queue.FramesToTake(), m_block);
-    if (!m_device.Write(m_queue.Next(), m_block)) {
-        EndBecause(Ending::DeviceLost);
-        return false;
-    }
-    m_queue.Queued();
-    return true;
+    return Queue(m_block);
 }

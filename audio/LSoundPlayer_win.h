@@ -109,6 +109,7 @@ private:
     void SetHeard(int32_t frame);
     size_t ReadAhead();
     bool Jump();
+    bool Queue(const PlayBlock& block);
     bool CueBuffer();
     void TakeLevels(const PlayBlock& block);
 

@@ -6,9 +6,6 @@
 
 namespace {
 
-constexpr int32_t kSlowestPercent = 50;
-constexpr int32_t kFastestPercent = 200;
-
 // A reach of 8 ms to both sides holds a period of the deepest voice (62 Hz).
 constexpr int32_t kHopMs = 20;
 constexpr int32_t kFadeMs = 10;

@@ -18,9 +18,11 @@ public:
     static constexpr int32_t kSlowPercent = 70;
     static constexpr int32_t kNormalPercent = 100;
     static constexpr int32_t kFastPercent = 150;
+    static constexpr int32_t kSlowestPercent = 50;
+    static constexpr int32_t kFastestPercent = 200;
 
     // The source itself at 100 percent or when it has an error, otherwise wrapped at its present position.
-    // percent is held between 50 and 200.
+    // percent is held between kSlowestPercent and kFastestPercent.
     static LSoundSource OpenSource(const LSoundSource& source, int32_t percent);
 
     // The wrapped source's frame that is heard at a frame of ours, and back: the first frame of ours at which

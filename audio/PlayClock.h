@@ -16,11 +16,17 @@ public:
 
     // played is the device's count since its beginning. Ask now and then while IsLearning.
     int32_t Heard(int32_t played, uint32_t nowMs);
+    // False when a device that has returned buffers of so many frames cannot have been heard so little: its
+    // counter, of bytes or bits in many a driver, has wrapped.
+    bool IsPossible(int32_t heard, int32_t returned) const {
+        return heard >= returned - int64_t{kMostHeldSeconds} * m_sampleRate;
+    }
     // True for the first two seconds of running, before the two clocks drift apart.
     bool IsLearning(uint32_t nowMs) const { return RunMs(nowMs) < kLearnMs; }
 
 private:
     static constexpr uint32_t kLearnMs = 2000;
+    static constexpr int32_t kMostHeldSeconds = 2;  // of sound, between the return of a buffer and the ear
     uint32_t RunMs(uint32_t nowMs) const { return m_ranMs + (m_running ? nowMs - m_sinceMs : 0); }
 
     int32_t m_sampleRate = 1;

@@ -19,8 +19,7 @@ bool PlayMaterial::Open(const LSoundSource& source, int32_t percent) {
         return false;
     }
     m_source = source;
-    m_percent = percent;
-    return Wrap();
+    return Wrap(percent);
 }
 
 void PlayMaterial::Close() {
@@ -28,7 +27,8 @@ void PlayMaterial::Close() {
     m_source.Reset();
 }
 
-bool PlayMaterial::Wrap() {
+bool PlayMaterial::Wrap(int32_t percent) {
+    m_percent = Clamp(percent, LSpeedSource::kSlowestPercent, LSpeedSource::kFastestPercent);
     m_top = LSRCPeakLimit::OpenSource(LSpeedSource::OpenSource(m_source, m_percent), kFullScale16);
     if (!m_top->IsError()) return true;
     LTrace("LSoundPlayer::Start Peak Limit Error");
@@ -36,9 +36,8 @@ bool PlayMaterial::Wrap() {
 }
 
 bool PlayMaterial::SetSpeed(int32_t percent, int32_t sourceFrame) {
-    m_percent = percent;
     m_source->Seek(sourceFrame);
-    return Wrap();
+    return Wrap(percent);
 }
 
 int32_t PlayMaterial::BufferFrames() const {

@@ -20,7 +20,8 @@ class PlayMaterial {
 public:
     static constexpr size_t kGraphBytes = 512;
 
-    // False (traced) when the source cannot be played. percent: 100 is the source's own speed.
+    // False (traced) when the source cannot be played. percent: 100 is the source's own speed; it is held to
+    // what LSpeedSource can do.
     bool Open(const LSoundSource& source, int32_t percent);
     void Close();
 
@@ -46,7 +47,7 @@ public:
     int32_t FromSourceFrame(int32_t sourceFrame) const;
 
 private:
-    bool Wrap();
+    bool Wrap(int32_t percent);
     void ReadSamples(int32_t frames, PlayBlock& block);
     void Convert(int32_t frames, PlayBlock& block) const;
 

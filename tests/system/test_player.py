@@ -134,6 +134,19 @@ def test_pause_loses_nothing_and_tells_where_it_is(tool, noise):
     assert abs(at / HEARD_RATE - stopped) < 0.1, "the position is not where the sound stopped"
 
 
+def test_nothing_ends_while_paused(tool, noise):
+    """Not even when the last sound is back already and only what follows it is awaited."""
+    path = write_wav("short.wav", noise[1][:9600])
+    tool.start(path)
+    tool.do("play")
+    wait_for(lambda: tool.events("position")[-1].fields["frames"] == 9600, "the last sound")
+    tool.do("pause")
+    time.sleep(1.5)
+    assert not tool.events("stopped")
+    tool.do("play")
+    assert tool.wait_stopped() == AT_END
+
+
 @patient
 def test_seek_is_heard_where_asked_without_a_gap(tool, noise):
     path, samples = noise
@@ -299,9 +312,11 @@ def test_a_machine_without_a_device_says_so():
     tool.close()
 
 
-def test_a_device_that_vanishes_ends_the_playback(noise):
-    """Its buffers never come back: after 71 looks of 150 ms the player gives up, and does not hang."""
+@pytest.fixture
+def bereft(noise):
+    """A tool that plays, and whose sound server has just been killed."""
     socket = RIG / "vanishing"
+    socket.unlink(missing_ok=True)
     server = subprocess.Popen(
         ["pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no"]
         + ["-L", f"module-native-protocol-unix socket={socket} auth-anonymous=1"]
@@ -316,12 +331,24 @@ def test_a_device_that_vanishes_ends_the_playback(noise):
     wait_for(lambda: len(tool.events("position")) > 4, "some sound")
     server.kill()
     server.wait()
-    gone = time.monotonic()
-    assert tool.wait_stopped(25) == DEVICE_LOST
-    assert 9 < time.monotonic() - gone < 16
-    assert "iCountFail so stop - buffers are not being returned" in tool.traces()
-    assert not tool.ask("start")["ok"]
+    yield tool
     tool.close()
+
+
+def test_a_device_that_vanishes_ends_the_playback(bereft):
+    """Its buffers never come back: after 71 looks of 150 ms the player gives up, and does not hang."""
+    gone = time.monotonic()
+    assert bereft.wait_stopped(25) == DEVICE_LOST
+    assert 9 < time.monotonic() - gone < 16
+    assert "iCountFail so stop - buffers are not being returned" in bereft.traces()
+    assert not bereft.ask("start")["ok"]
+
+
+@pytest.mark.parametrize("jump", [("cue", 1), ("seek", 4 * LENGTH - 100), ("speed", 150)])
+def test_a_jump_finds_out_that_the_device_has_vanished(bereft, jump):
+    """Even one to the last sound, which is no end that was heard, and a cue, whose buffer never comes back."""
+    bereft.do(*jump)
+    assert bereft.wait_stopped(5) == DEVICE_LOST
 
 
 def thread_seconds(process):

@@ -170,6 +170,8 @@ TEST(PlayClock, FindsOutHowFarTheDeviceCountsAheadOfTheEar) {
     EXPECT_FALSE(clock.IsLearning(0xFFFFFF00 + 2000));
     // After an hour the machine's clock is 300 ms behind the device's; what was learnt holds.
     EXPECT_EQ(clock.Heard(8 * 3600300 + 720, 0xFFFFFF00 + 3600000), 8 * 3600300);
+    EXPECT_TRUE(clock.IsPossible(8 * 3600300, 8 * 3602000)) << "what came back is not all heard";
+    EXPECT_FALSE(clock.IsPossible(800, 8 * 3600300)) << "the device's counter has wrapped";
     clock.Hold(0xFFFFFF00 + 3600000);
     clock.Reset(8000);
     clock.Run(50);
@@ -217,6 +219,21 @@ TEST(PlayMaterial, DeliversBlocksWithPositionAndLevels) {
     EXPECT_EQ(block.levels[1], kSilenceDb);
     EXPECT_GT(block.levels[0], kSilenceDb);
     EXPECT_EQ(material.ToSourceFrame(1050), 1000) << "never beyond the length";
+}
+
+TEST(PlayMaterial, TellsPlacesAtTheSpeedThatIsPlayed) {
+    static const struct {
+        int32_t percent, played;
+    } kCases[] = {{INT32_MIN, 50}, {0, 50}, {70, 70}, {150, 150}, {INT32_MAX, 200}};
+    for (const auto& c : kCases) {
+        PlayMaterial material;
+        ASSERT_TRUE(material.Open(LSoundSource::Make<ArraySource>(8000, uint8_t{1}, Samples(10000)), 100));
+        ASSERT_TRUE(material.SetSpeed(c.percent, 0));
+        EXPECT_EQ(material.ToSourceFrame(1000), 10 * c.played) << c.percent;
+        material.Seek(INT32_MAX);
+        EXPECT_EQ(material.Top().GetPosition(), material.Top().GetLength()) << c.percent;
+        EXPECT_EQ(material.ToSourceFrame(material.Top().GetLength()), 10000) << c.percent;
+    }
 }
 
 TEST(PlayMaterial, LimitsOnlyWhatMayBeTooLoud) {
