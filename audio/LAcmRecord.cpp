@@ -34,6 +34,11 @@ int32_t Gsm610Frames(int32_t align, int32_t channels) {
     return channels == 1 ? align / 65 * 320 : 0;
 }
 
+// One byte per sample.
+bool IsLaw(uint16_t tag) {
+    return tag == kTagALaw || tag == kTagMuLaw;
+}
+
 struct BlockCodec {
     uint16_t tag;
     int32_t (*frames)(int32_t align, int32_t channels);
@@ -96,6 +101,21 @@ LWaveFileFormat WithTrueBlock(const BlockCodec& codec, const LWaveFileFormat& fo
     return Remake(format, format.Tag(), format.BlockAlign(), extra.View());
 }
 
+// Codecs derive buffer sizes from the byte rate: one that is far too low has them divide by zero. The byte rate
+// of GSM 6.10 must be exact, or the codec refuses a file; not every writer rounds down.
+LWaveFileFormat WithTrueByteRate(const LWaveFileFormat& format) {
+    constexpr uint32_t kMostFramesPerByte = 64;
+    const uint64_t rate = format.SampleRate();
+    const bool isCredible = format.AverageBytesPerSecond() > rate / kMostFramesPerByte;
+    if (isCredible && format.Tag() != kTagGsm610) return format;
+    const uint64_t blockFrames = static_cast<uint64_t>(LAcmBlockFrames(format));
+    LByteWriter record;
+    record.Bytes(format.Bytes().first(8));
+    record.U32(static_cast<uint32_t>(blockFrames == 0 ? rate : rate * format.BlockAlign() / blockFrames));
+    record.Bytes(format.Record().subspan(12));
+    return LWaveFileFormat(record.View());
+}
+
 }  // namespace
 
 LWaveFileFormat LAcmRecord(const LWaveFileFormat& format) {
@@ -106,8 +126,11 @@ LWaveFileFormat LAcmRecord(const LWaveFileFormat& format) {
             return Remake(plain, kFormatTagPcm, 0, {});
         return LWaveFileFormat::Pcm(static_cast<uint16_t>(8 * bytes), plain.Channels(), plain.SampleRate());
     }
+    if (IsLaw(plain.Tag()))
+        return WithTrueByteRate(Remake(plain, plain.Tag(), plain.Channels(),
+                                       plain.Record().subspan(LWaveFileFormat::kFixedSize)));
     const BlockCodec* codec = FindBlockCodec(plain.Tag());
-    return codec ? WithTrueBlock(*codec, plain) : plain;
+    return WithTrueByteRate(codec ? WithTrueBlock(*codec, plain) : plain);
 }
 
 bool LAcmMayConvert(const LWaveFileFormat& record) {
@@ -117,15 +140,13 @@ bool LAcmMayConvert(const LWaveFileFormat& record) {
 int32_t LAcmBlockFrames(const LWaveFileFormat& record) {
     if (record.BlockAlign() == 0) return 0;
     if (FindBlockCodec(record.Tag())) return SamplesPerBlock(record);
-    const bool isLaw = record.Tag() == kTagALaw || record.Tag() == kTagMuLaw;
-    if (isLaw && record.Channels() > 0) return record.BlockAlign() / record.Channels();
-    return record.Tag() == kFormatTagPcm ? 1 : 0;
+    return record.Tag() == kFormatTagPcm || IsLaw(record.Tag()) ? 1 : 0;
 }
 
 // GSM 6.10 predicts from what it has decoded. Spoken sound from a wrong start was right to the bit after 600 to
 // 3600 frames.
 int32_t LAcmWarmUpFrames(const LWaveFileFormat& record) {
-    return record.Tag() == kTagGsm610 ? kBlockFrames - LAcmBlockFrames(record) : 0;
+    return record.Tag() == kTagGsm610 ? std::max(kBlockFrames - LAcmBlockFrames(record), 0) : 0;
 }
 
 LWaveFileFormat LAcmPcm(const LWaveFileFormat& format) {

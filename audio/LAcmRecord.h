@@ -10,7 +10,7 @@
 // The record that a codec may be given. The extensible tag with a sub-format of the standard family becomes the
 // plain tag; PCM gets whole bytes and a block align and byte rate that fit its other fields; the extra byte
 // count never leads beyond the record; the block codecs of our table get a samples-per-block field that
-// their block holds. Block align 0 marks a record that holds no sense.
+// their block holds, the G.711 laws their true block align, and all a byte rate that can be. Block align 0 marks a record that holds no sense.
 LWaveFileFormat LAcmRecord(const LWaveFileFormat& format);
 
 // Whether a codec may be given such a record. PCM of more than two channels may not: there are managers that take

@@ -4,8 +4,12 @@
 
 // A block of 8192 frames of 255 channels has 4 MB; a codec that wants more than this for it is out of its mind.
 static constexpr uint32_t kMostBufferBytes = 16u << 20;
-// A codec may hold back material and give it out without being fed, but not for ever.
-static constexpr int kMostUnfedConversions = 64;
+// A codec may hold back material and give it out without being fed, but not for ever. There are decoders that
+// take all the input at once and give out one buffer after the other; nothing says less per byte than speech at
+// 64 frames, and so each piece of input may become as many buffers.
+static constexpr int64_t kUnfedConversions = 64;
+
+LAcmStream::LAcmStream() : m_unfedLeft(kUnfedConversions) {}
 
 LAcmStream::~LAcmStream() {
     Close();
@@ -48,9 +52,9 @@ LAcmStream::Flow LAcmStream::Convert(LAcmConversion::Flag flag) {
 
 LAcmStream::Flow LAcmStream::Settle(const LAcmConversion::Used& used) {
     if (used.input > m_inputUsed || used.output > m_output.size()) return Flow::Failed;
-    if (used.input > 0) m_unfedConversions = 0;
-    if (used.input == 0 && used.output > 0) ++m_unfedConversions;
-    if (m_unfedConversions > kMostUnfedConversions) return Flow::Failed;
+    if (used.input > 0) m_unfedLeft += kUnfedConversions;
+    if (used.input == 0 && used.output > 0) --m_unfedLeft;
+    if (IsEndless()) return Flow::Failed;
     std::copy(m_input.begin() + static_cast<ptrdiff_t>(used.input),
               m_input.begin() + static_cast<ptrdiff_t>(m_inputUsed), m_input.begin());
     m_inputUsed -= used.input;
@@ -61,7 +65,7 @@ LAcmStream::Flow LAcmStream::Settle(const LAcmConversion::Used& used) {
 
 void LAcmStream::Restart() {
     m_inputUsed = m_outputUsed = m_outputTaken = 0;
-    m_unfedConversions = 0;
+    m_unfedLeft = kUnfedConversions;
     if (m_isFresh || !m_conversion) return;
     m_conversion->Restart();
     m_isFresh = true;

@@ -21,6 +21,7 @@ public:
         Failed,
     };
 
+    LAcmStream();
     ~LAcmStream();
 
     // Opens normally and, where that fails, not in real time. True and nevertheless !HasHandle(): see
@@ -46,6 +47,8 @@ public:
         return std::span(m_output).subspan(m_outputTaken, m_outputUsed - m_outputTaken);
     }
     void TakeOutput(size_t bytes) { m_outputTaken += bytes; }
+    // Whether a conversion failed because the codec gives out more than it can have.
+    bool IsEndless() const { return m_unfedLeft < 0; }
 
     // Empties both buffers and the codec.
     void Restart();
@@ -62,7 +65,7 @@ private:
     size_t m_inputUsed = 0;
     size_t m_outputUsed = 0;
     size_t m_outputTaken = 0;
-    int m_unfedConversions = 0;
+    int64_t m_unfedLeft;  // conversions that may yield without being fed
     bool m_isPrepared = false;
     bool m_isFresh = true;  // nothing was converted since the last restart
 };

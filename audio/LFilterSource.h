@@ -10,6 +10,7 @@ public:
     int32_t GetLength() const override { return m_source->GetLength(); }
     void Seek(int32_t frame) override { m_source->Seek(frame); }
     bool IsGrowing() const override { return m_source->IsGrowing(); }
+    bool IsWhole() const override { return m_source->IsWhole(); }
 
 protected:
     LFilterSource(const LSoundSource& source, int32_t sampleRate, uint8_t channels, int32_t level)

@@ -76,8 +76,7 @@ ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
     const int32_t copied = sink->GetFrames();
     sink.Reset();
     if (result != ProcessResult::Done) return result;
-    const bool isWhole = IsDirect(info) || static_cast<LSRCACMWave&>(*source).IsWhole();
-    if (!isWhole || copied < info.Frames() || !IsComplete(m_temporary, copied))
+    if (!source->IsWhole() || copied < info.Frames() || !IsComplete(m_temporary, copied))
         return Fail(context, "LRewriteWave::Process incomplete temporary file", m_temporary);
     source.Reset();
     if (!LFile::Replace(m_temporary, m_path))

@@ -57,10 +57,12 @@ void LSNKACMFile::Begin() {
 }
 
 LSNKACMFile::~LSNKACMFile() {
-    if (!IsError()) Flush();
+    const bool wasGood = !IsError();
+    if (wasGood) Flush();
+    const bool lacksItsEnd = wasGood && IsError();
     if (!m_codec.Unprepare()) LTrace("LSNKACMFile::~LSNKACMFile acmStreamUnprepareHeader ERROR");
     if (!m_codec.Close()) LTrace("LSNKACMFile::~LSNKACMFile acmStreamClose ERROR");
-    if (m_headWritten && !WriteHeader(static_cast<uint32_t>(m_dataBytes)))
+    if (m_headWritten && !lacksItsEnd && !WriteHeader(static_cast<uint32_t>(m_dataBytes)))
         LTrace("LSNKACMFile::~LSNKACMFile unable to write the header");
 }
 
@@ -80,8 +82,7 @@ void LSNKACMFile::Write(const int32_t* samples, int32_t frames) {
         samples += taken;
         left -= taken;
         const Flow flow = Convert(LAcmConversion::Flag::BlockAlign);
-        if (flow == Flow::Idle && m_codec.FreeInput().empty())
-            Fail("LSNKACMFile::Write acmStreamConvert takes nothing");
+        if (flow == Flow::Idle && taken == 0) Fail("LSNKACMFile::Write acmStreamConvert takes nothing");
     }
     if (!IsError()) AddFrames(frames);
 }

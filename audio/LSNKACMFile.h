@@ -15,8 +15,8 @@
 // Units:  GetFrames() counts the frames that were handed to the codec.
 // Errors: a missing codec or file sets the error bit, and so does a Write that the codec or the disk does not
 //         take. What the disk did take is kept, to the last whole block; later Writes do nothing. Head and
-//         data agree whenever the head can be written. What a full disk refuses at the very end shows only
-//         in the file.
+//         data agree whenever the head can be written. A file that lacks only what was to come at the very end
+//         keeps its unknown sizes: nobody can ask the sink any more.
 class LSNKACMFile final : public LSoundSinkBase {
 public:
     LSNKACMFile(const LWaveFileFormat& format, const LPath& path, LAcmOpener opener = LAcmOpen);

@@ -127,7 +127,7 @@ Flow LSRCACMWave::Convert(LAcmConversion::Flag flag) {
 
 void LSRCACMWave::EndAt(int64_t frame) {
     m_end = Saturate(std::max<int64_t>(frame, 0));
-    m_isWhole = Unconsumed() < m_blockAlign;
+    m_isWhole = Unconsumed() < m_blockAlign && !m_codec.IsEndless();
 }
 
 int32_t LSRCACMWave::GetLength() const {

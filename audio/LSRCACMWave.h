@@ -24,9 +24,8 @@ public:
     int32_t GetLength() const override;
     void Seek(int32_t frame) override;
 
-    // Whether everything up to the end was decoded, but for what does not fill a block. False until the end
-    // was reached.
-    bool IsWhole() const { return m_isWhole; }
+    // What does not fill a block is not missed.
+    bool IsWhole() const override { return m_isWhole; }
 
 private:
     bool OpenCodec(LAcmOpener opener);

@@ -27,6 +27,9 @@ public:
     // True while the material may still grow, because it is being recorded. GetLength() is that of now; who
     // reads beyond it gets silence in place of what comes later.
     virtual bool IsGrowing() const { return false; }
+    // Once the end was reached: whether all the material was delivered. False when it ended early, since a codec
+    // failed.
+    virtual bool IsWhole() const { return true; }
 
     int32_t GetSampleRate() const { return m_sampleRate; }
     int32_t GetLevel() const { return m_level; }

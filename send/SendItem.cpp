@@ -121,7 +121,8 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
         ConversionStage stage(m_context, m_label);
         const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);
         if (result == ProcessResult::Stopped) return result;
-        if (result == ProcessResult::Failed || sink->IsError()) return Fail("Its audio cannot be converted.");
+        if (result == ProcessResult::Failed || sink->IsError() || !source->IsWhole())
+            return Fail("Its audio cannot be converted.");
         frames = sink->GetFrames();
     }  // closed here
     if (IsComplete(output, frames)) return ProcessResult::Done;

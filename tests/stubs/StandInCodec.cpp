@@ -18,7 +18,10 @@ public:
     }
 
     uint32_t OutputSize(uint32_t inputBytes) override { return Size((inputBytes / In() + 1) * Out()); }
-    uint32_t InputSize(uint32_t outputBytes) override { return Size(outputBytes / Out() * In()); }
+    uint32_t InputSize(uint32_t outputBytes) override {
+        const uint32_t fold = StandInCodec::fault == Fault::TakesAllAtOnce ? 8 : 1;
+        return Size(outputBytes / Out() * In() * fold);
+    }
 
     bool Prepare(std::span<uint8_t> input, std::span<uint8_t> output) override {
         m_input = input;
@@ -43,6 +46,7 @@ private:
     }
 
     void Good(std::span<const uint8_t> input, Flag flag, Used& used);
+    void All(std::span<const uint8_t> input, Used& used);
     void Block(std::span<const uint8_t> input, std::vector<uint8_t>& block) const;
 
     uint32_t m_channels;
@@ -94,9 +98,24 @@ void Conversion::Good(std::span<const uint8_t> input, Flag flag, Used& used) {
     m_held.clear();
 }
 
+void Conversion::All(std::span<const uint8_t> input, Used& used) {
+    for (; input.size() - used.input >= In(); used.input += In()) {
+        std::vector<uint8_t> block;
+        Block(input.subspan(used.input, In()), block);
+        m_held.insert(m_held.end(), block.begin(), block.end());
+    }
+    const auto end = m_held.begin() + static_cast<ptrdiff_t>(std::min(m_held.size(), m_output.size()));
+    used.output = static_cast<uint32_t>(end - m_held.begin());
+    std::copy(m_held.begin(), end, m_output.begin());
+    m_held.erase(m_held.begin(), end);
+}
+
 bool Conversion::Convert(uint32_t inputBytes, Flag flag, Used& used) {
     used = {};
-    Good(m_input.first(inputBytes), flag, used);
+    if (StandInCodec::fault == Fault::TakesAllAtOnce && !m_encodes)
+        All(m_input.first(inputBytes), used);
+    else
+        Good(m_input.first(inputBytes), flag, used);
     if (StandInCodec::conversions++ < StandInCodec::failAfter) return true;
     const uint32_t room = static_cast<uint32_t>(m_output.size());
     switch (StandInCodec::fault) {
@@ -110,6 +129,9 @@ bool Conversion::Convert(uint32_t inputBytes, Flag flag, Used& used) {
             return true;
         case Fault::ConsumesNothing:
             used = {0, std::min(room, Out())};
+            return true;
+        case Fault::TakesOddBytes:
+            used = {StandInCodec::conversions == StandInCodec::failAfter + 1 ? 1u : 0u, 0};
             return true;
         case Fault::ConsumesTooMuch:
             used.input = inputBytes + 1;

@@ -28,6 +28,8 @@ struct StandInCodec {
         OneBlockAtATime,
         HoldsBackABlock,      // until the end flag
         LeavesPartialBlocks,  // also at the end
+        TakesOddBytes,        // one, and then nothing
+        TakesAllAtOnce,       // when decoding, and gives it out buffer by buffer
         OddBytes,             // yields half a sample more than whole frames
     };
     static constexpr int kFaults = static_cast<int>(Fault::OddBytes) + 1;
