@@ -8,7 +8,6 @@
 #include "base/LTrace.h"
 
 static constexpr char kWindowClass[] = "LWSoundPlayer";
-static constexpr UINT kNotifyMessage = WM_USER;
 static constexpr uint32_t kLookMs = 150;
 // Buffers of silence behind the last sound, and how long they may keep the device busy once it has been heard.
 static constexpr size_t kTailBuffers = 3;
@@ -18,32 +17,12 @@ using NextStep = PlayQueue::Step;
 
 // --- The owner's side ---------------------------------------------------------------------------------------
 
-LSoundPlayer::LSoundPlayer(LSoundPlayerNotify& notify)
-    : m_notify(notify), m_window(CreateHiddenWindow(this)) {
+LSoundPlayer::LSoundPlayer(LSoundPlayerNotify& notify) : m_notify(notify), m_window(kWindowClass, *this) {
     ClearLevels();
 }
 
 LSoundPlayer::~LSoundPlayer() {
     Stop();
-}
-
-HWND LSoundPlayer::CreateHiddenWindow(LSoundPlayer* owner) {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = WindowProc;
-    windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = kWindowClass;
-    RegisterClassA(&windowClass);  // fails harmlessly for every player but the first
-    HWND window = CreateWindowExA(0, kWindowClass, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  windowClass.hInstance, nullptr);
-    if (window) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(owner));
-    return window;
-}
-
-LRESULT CALLBACK LSoundPlayer::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* owner = reinterpret_cast<LSoundPlayer*>(GetWindowLongA(window, GWL_USERDATA));
-    if (message != kNotifyMessage || !owner) return DefWindowProcA(window, message, wParam, lParam);
-    owner->EvNotify();
-    return 0;
 }
 
 void LSoundPlayer::EvNotify() {
@@ -57,10 +36,6 @@ void LSoundPlayer::EvNotify() {
     Stop();
     m_ending = ending;
     m_notify.OnPlayStopped();  // the owner may have destroyed us
-}
-
-void LSoundPlayer::Post() {
-    PostMessageA(m_window.Get(), kNotifyMessage, 0, 0);
 }
 
 bool LSoundPlayer::Start(const LSoundSource& source) {
@@ -274,7 +249,7 @@ void LSoundPlayer::EndBecause(Ending ending) {
     m_queue.End();
     m_endReason = ending;
     m_stopNotify = true;
-    Post();
+    m_window.Post();
 }
 
 // --- The thread ---------------------------------------------------------------------------------------------
@@ -342,7 +317,7 @@ void LSoundPlayer::TakeBack() {
     m_queue.TookBack();
     if (m_clock.IsLearning(timeGetTime())) HeardFrame();
     m_positionChanged = true;
-    Post();
+    m_window.Post();
 }
 
 bool LSoundPlayer::Refill() {

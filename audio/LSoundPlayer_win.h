@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "audio/LNotifyWindow_win.h"
 #include "audio/LSoundSource.h"
 #include "audio/LWaveOut_win.h"
 #include "audio/PlayClock.h"
@@ -31,7 +32,7 @@ public:
 // that playback survives a busy machine.
 // Thread: the owner's, which dispatches messages: notifications come through a hidden window. The source
 //         belongs to the player from Start() to Stop() or OnPlayStopped().
-class LSoundPlayer final : private LThread {
+class LSoundPlayer final : private LThread, private LNotifyWindow::Owner {
 public:
     static constexpr size_t kCueGraphBytes = PlayMaterial::kGraphBytes;
     // What ended the playback.
@@ -82,16 +83,7 @@ private:
     // What stands ready before the device is reset for a jump: half a second.
     static constexpr size_t kAheadBlocks = 5;
 
-    struct WindowTraits {
-        using Type = HWND;
-        static Type None() { return nullptr; }
-        static void Close(Type h) { DestroyWindow(h); }
-    };
-
-    static HWND CreateHiddenWindow(LSoundPlayer* owner);
-    static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void EvNotify();
-    void Post();
+    void EvNotify() override;
     bool OpenDevice();
     void ClearLevels();
 
@@ -119,7 +111,7 @@ private:
     bool m_playing = false;
     uint8_t m_levelChannels = 1;
     Ending m_ending = Ending::Stopped;
-    LOwned<WindowTraits> m_window;
+    LNotifyWindow m_window;
     LSignalObject m_bufferDone;
 
     // Guards what follows, while the thread runs.

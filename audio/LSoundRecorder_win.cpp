@@ -5,7 +5,6 @@
 #include "base/LTrace.h"
 
 static constexpr char kWindowClass[] = "LWSoundRecorder";
-static constexpr UINT kNotifyMessage = WM_USER;
 static constexpr uint32_t kStartTimeoutMs = 700;
 static constexpr uint32_t kBufferTimeoutMs = 200;
 static constexpr uint32_t kEndTimeoutMs = 5000;
@@ -19,34 +18,14 @@ static constexpr uint32_t kTailMs = 80;
 using State = VoiceGate::State;
 
 LSoundRecorder::LSoundRecorder(LSoundRecorderNotify& notify, int32_t stoppedValue)
-    : m_notify(notify), m_stoppedValue(stoppedValue), m_window(CreateHiddenWindow(this)) {}
+    : m_notify(notify), m_stoppedValue(stoppedValue), m_window(kWindowClass, *this) {
+    if (!m_window) LTrace("LSoundRecorder::LSoundRecorder CreateWindowEx FAILED");
+}
 
 LSoundRecorder::~LSoundRecorder() {
     Stop();
-    m_window.Reset();
+    m_window.Close();
     LThread::Stop(kEndTimeoutMs);
-}
-
-HWND LSoundRecorder::CreateHiddenWindow(LSoundRecorder* owner) {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = WindowProc;
-    windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = kWindowClass;
-    RegisterClassA(&windowClass);  // fails harmlessly for every recorder but the first
-    HWND window = CreateWindowExA(0, kWindowClass, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  windowClass.hInstance, nullptr);
-    if (!window)
-        LTrace("LSoundRecorder::CreateHiddenWindow CreateWindowEx FAILED");
-    else
-        SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(owner));
-    return window;
-}
-
-LRESULT CALLBACK LSoundRecorder::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* owner = reinterpret_cast<LSoundRecorder*>(GetWindowLongA(window, GWL_USERDATA));
-    if (message != kNotifyMessage || !owner) return DefWindowProcA(window, message, wParam, lParam);
-    owner->EvNotify();
-    return 0;
 }
 
 void LSoundRecorder::EvNotify() {
@@ -224,11 +203,11 @@ void LSoundRecorder::Publish() {
     m_lastLoudMs = m_gate.LastLoudMs();
     if (m_state.exchange(m_gate.GetState()) != m_gate.GetState()) m_stateChanged = true;
     m_levelChanged = true;
-    PostMessageA(m_window.Get(), kNotifyMessage, 0, 0);
+    m_window.Post();
 }
 
 void LSoundRecorder::EndBecause(Ending ending) {
     m_ending = ending;
     m_stopRequested = true;
-    PostMessageA(m_window.Get(), kNotifyMessage, 0, 0);
+    m_window.Post();
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "audio/LNotifyWindow_win.h"
 #include "audio/LSoundSink.h"
 #include "audio/LWaveIn_win.h"
 #include "audio/VoiceGate.h"
@@ -27,7 +28,7 @@ protected:
 // Units:  times are milliseconds of the sink's material, what it held at the start included.
 // Thread: that of the owner, which must dispatch messages: notifications come through a hidden window. The
 //         sink belongs to the recorder from Start() until OnStopped().
-class LSoundRecorder final : private LThread {
+class LSoundRecorder final : private LThread, private LNotifyWindow::Owner {
 public:
     enum Flags : uint32_t {
         kArmOnly = 1,       // prepare everything, but start the device only with Restart()
@@ -68,15 +69,7 @@ public:
     Ending GetEnding() const { return m_ending.load(); }
 
 private:
-    struct WindowTraits {
-        using Type = HWND;
-        static Type None() { return nullptr; }
-        static void Close(Type h) { DestroyWindow(h); }
-    };
-
-    static HWND CreateHiddenWindow(LSoundRecorder* owner);
-    static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void EvNotify();
+    void EvNotify() override;
     bool WaitUntilStarted(const char* lateTrace);
     void Release();
 
@@ -93,7 +86,7 @@ private:
     LSoundRecorderNotify& m_notify;
     const int32_t m_stoppedValue;
     int32_t m_device = -1;
-    LOwned<WindowTraits> m_window;
+    LNotifyWindow m_window;
     LSoundSink m_sink;
     bool m_active = false;
     uint8_t m_levelChannels = 1;

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <span>
 
+#include "audio/LGlobalMemory_win.h"
 #include "base/LOwned.h"
 
 // A wave-in device and the ring of buffers that it fills, 16-bit PCM. The buffers hold three seconds: so long
@@ -45,17 +46,12 @@ private:
         static Type None() { return nullptr; }
         static void Close(Type h);
     };
-    struct MemoryTraits {
-        using Type = HGLOBAL;
-        static Type None() { return nullptr; }
-        static void Close(Type h) { GlobalFree(h); }
-    };
 
     bool Lock();
     void Release();
 
     LOwned<DeviceTraits> m_device;
-    LOwned<MemoryTraits> m_memory;
+    LGlobalMemory m_memory;
     DWORD m_bufferBytes = 0;
     std::array<WAVEHDR, kBuffers> m_headers{};
 };

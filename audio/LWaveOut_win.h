@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "audio/LGlobalMemory_win.h"
 #include "audio/PlayMaterial.h"
 #include "audio/PlayQueue.h"
 #include "base/LOwned.h"
@@ -76,15 +77,10 @@ private:
         static Type None() { return nullptr; }
         static void Close(Type h);
     };
-    struct MemoryTraits {
-        using Type = HGLOBAL;
-        static Type None() { return nullptr; }
-        static void Close(Type h) { GlobalFree(h); }
-    };
     // What the device writes to and reads from while it holds a buffer.
     struct Ring {
         std::array<LSoundPlayerWaveHeader, PlayQueue::kBuffers> headers;
-        LOwned<MemoryTraits> memory;
+        LGlobalMemory memory;
     };
 
     bool OpenDevice(int32_t device, void* done);
