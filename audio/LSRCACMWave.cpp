@@ -69,16 +69,19 @@ void LSRCACMWave::Read(int32_t* samples, int32_t frames) {
     const int32_t first = m_position;
     m_position = Saturate(int64_t{first} + frames);
     int32_t done = first < 0 ? static_cast<int32_t>(std::min(-int64_t{first}, int64_t{frames})) : 0;
-    std::fill_n(samples, done * GetChannels(), 0);
+    const auto values = [channels = size_t{GetChannels()}](int32_t count) {
+        return static_cast<size_t>(count) * channels;
+    };
+    std::fill_n(samples, values(done), 0);
     while (done < frames) {
-        done += Take(samples + done * GetChannels(), frames - done);
+        done += Take(samples + values(done), frames - done);
         if (done == frames || m_end >= 0) break;
         if (!Decode()) {
             LTrace("LSRCACMWave::Read End Reached");
             EndAt(int64_t{first} + done);
         }
     }
-    std::fill_n(samples + done * GetChannels(), (frames - done) * GetChannels(), 0);
+    std::fill_n(samples + values(done), values(frames - done), 0);
 }
 
 // Moves decoded frames to the reader; what the codec leaves of half a frame at the end is dropped.
