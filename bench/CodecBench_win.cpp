@@ -19,6 +19,7 @@
 #include "audio/LSRCACMWave.h"
 #include "base/LMemoryFile.h"
 #include "bench/Ratios.h"
+#include "tests/unit/BorrowedStream.h"
 
 // Compressing and decompressing an hour through our sink and source, against a bare loop around the platform's codec
 // with the same blocks. Both write into and read from memory, so that the disk does not blur the difference.
@@ -55,24 +56,8 @@ std::vector<int32_t> Block20() {
     return samples;
 }
 
-// A stream on a memory file that outlives it.
-class Borrowed final : public LStream {
-public:
-    explicit Borrowed(LMemoryFile& file) : m_file(file) {}
-    size_t Read(std::span<uint8_t> buffer) override { return m_file.Read(buffer); }
-    bool Seek(int64_t position) override { return m_file.Seek(position); }
-    int64_t Position() const override { return m_file.Position(); }
-    int64_t Size() const override { return m_file.Size(); }
-    size_t Write(std::span<const uint8_t> bytes) override { return m_file.Write(bytes); }
-    bool SetEnd() override { return m_file.SetEnd(); }
-    bool Flush() override { return true; }
-
-private:
-    LMemoryFile& m_file;
-};
-
 void Compress(LMemoryFile& file, const LWaveFileFormat& format, const std::vector<int32_t>& block) {
-    LSNKACMFile sink(format, std::make_unique<Borrowed>(file));
+    LSNKACMFile sink(format, Borrow(file));
     for (int32_t left = kHourFrames; left > 0; left -= kBlockFrames)
         sink.Write(block.data(), std::min(left, kBlockFrames));
 }
@@ -172,7 +157,7 @@ void DecompressOurs(benchmark::State& state, const LWaveFileFormat& format) {
     LWaveFile::ReadInfo(file, info);
     for (auto _ : state) {
         file.Seek(0);
-        LSRCACMWave source(std::make_unique<Borrowed>(file), info);
+        LSRCACMWave source(Borrow(file), info);
         while (source.GetPosition() < source.GetLength()) source.Read(block.data(), kBlockFrames);
         if (source.GetLength() < kHourFrames) state.SkipWithError("not the whole hour");
     }
@@ -206,7 +191,7 @@ void SeekOurs(benchmark::State& state, const LWaveFileFormat& format) {
     LWaveFile::ReadInfo(file, info);
     int32_t place = 0;
     for (auto _ : state) {
-        LSRCACMWave source(std::make_unique<Borrowed>(file), info);
+        LSRCACMWave source(Borrow(file), info);
         place = (place + 7 * kRate * 600 + 1) % kHourFrames;
         source.Seek(place);
         source.Read(block.data(), kRate / 10);

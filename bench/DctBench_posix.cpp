@@ -10,6 +10,7 @@
 #include "audio/LWaveFile.h"
 #include "base/LFile.h"
 #include "bench/Ratios.h"
+#include "bench/Silent.h"
 #include "send/SendItem.h"
 #include "store/SettingsKeys.h"
 
@@ -28,14 +29,6 @@ const BenchRatio kRatios[] = {
 constexpr int32_t kRate = 8000;
 constexpr int32_t kHourFrames = 3600 * kRate;
 constexpr double kTwoPi = 6.283185307179586;
-
-class Silent final : public ProcessContext {
-public:
-    bool CancelRequested() override { return false; }
-    void SetProgress(double) override {}
-    void SetStatus(std::string_view) override {}
-    void SetError(std::string_view) override {}
-};
 
 // Voiced syllables of changing pitch, four in a second, with a breath every few seconds and some hiss.
 int32_t SpeechLike(int32_t frame) {

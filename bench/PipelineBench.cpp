@@ -15,6 +15,7 @@
 #include "audio/LWaveHeader.h"
 #include "base/LFile.h"
 #include "bench/Ratios.h"
+#include "bench/Silent.h"
 
 namespace {
 
@@ -87,14 +88,6 @@ public:
 
 private:
     TemporaryFile m_file;
-};
-
-class Silent final : public ProcessContext {
-public:
-    bool CancelRequested() override { return false; }
-    void SetProgress(double) override {}
-    void SetStatus(std::string_view) override {}
-    void SetError(std::string_view) override {}
 };
 
 // Delivers the same samples again and again, and without end.
