@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "app/AppState.h"
-#include "app/MainDialog_win.h"
 #include "app/StartUpPlan.h"
-#include "audio/LDBDisplay_win.h"
+#include "app/window/MainDialog_win.h"
+#include "audio/device/LDBDisplay_win.h"
 #include "base/LFile.h"
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"

@@ -14,9 +14,9 @@
 #include <memory>
 #include <vector>
 
-#include "audio/LAcmRecord.h"
-#include "audio/LSNKACMFile.h"
-#include "audio/LSRCACMWave.h"
+#include "audio/wave/LAcmRecord.h"
+#include "audio/wave/LSNKACMFile.h"
+#include "audio/wave/LSRCACMWave.h"
 #include "base/LMemoryFile.h"
 #include "bench/Ratios.h"
 #include "tests/unit/BorrowedStream.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "audio/LWaveFile.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LFile.h"
 #include "bench/Ratios.h"
 #include "bench/Silent.h"

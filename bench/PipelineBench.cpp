@@ -8,11 +8,11 @@
 #include <memory>
 #include <vector>
 
-#include "audio/LKernels.h"
-#include "audio/LPRSourceToSink.h"
-#include "audio/LSRCPeakLimit.h"
-#include "audio/LWaveFile.h"
-#include "audio/LWaveHeader.h"
+#include "audio/convert/LPRSourceToSink.h"
+#include "audio/convert/LSRCPeakLimit.h"
+#include "audio/stream/LKernels.h"
+#include "audio/wave/LWaveFile.h"
+#include "audio/wave/LWaveHeader.h"
 #include "base/LFile.h"
 #include "bench/Ratios.h"
 #include "bench/Silent.h"

@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "audio/LSRCConvertRate.h"
+#include "audio/convert/LSRCConvertRate.h"
 #include "bench/Ratios.h"
 
 // Rate conversion of a minute, block by block, from samples of the size that each library likes best; ours

@@ -9,8 +9,8 @@
 #include <cmath>
 #include <vector>
 
-#include "audio/LSpeedSource.h"
-#include "audio/WindSource.h"
+#include "audio/convert/LSpeedSource.h"
+#include "audio/convert/WindSource.h"
 #include "bench/Ratios.h"
 
 namespace {

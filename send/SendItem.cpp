@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "audio/LPRSourceToSink.h"
-#include "audio/LWaveFile.h"
+#include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
 #include "base/LText.h"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "audio/LSoundSink.h"
+#include "audio/stream/LSoundSink.h"
 #include "base/LPath.h"
 #include "base/LProcess.h"
 #include "send/DctWriter.h"

@@ -2,6 +2,7 @@
 
 #include "base/LBytes.h"
 #include "base/LFile.h"
+#include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 
@@ -108,6 +109,13 @@ std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault) {
     text += recipient.method < std::size(addresses) ? *addresses[recipient.method]
                                                     : std::string("undefined method");
     return text + ")";
+}
+
+std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index) {
+    SendToSettings recipient;
+    if (!recipient.Load(RecipientPath(data.folder, user.number, index)))
+        return LFormat("Recipient %d", static_cast<int>(index) + 1);
+    return DescribeRecipient(recipient, DefaultRecipient(user.userFile) == index);
 }
 
 int32_t RecipientCount(const LPath& userFile) {

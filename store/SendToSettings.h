@@ -9,6 +9,7 @@
 #include "base/LPath.h"
 #include "base/LStream.h"
 #include "base/LWaveFileFormat.h"
+#include "store/CurrentUser.h"
 
 // A typist: the way of delivery and the file format. One binary record file for each, "rec%d.dat" in the
 // user's folder, 1964 bytes (docs/file-formats.md).
@@ -50,6 +51,10 @@ LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index);
 
 // "<name> DEFAULT (<address>)", the word only for the default recipient.
 std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
+
+// The same of a user's recipient by its index, what the list of recipients and a sent dictation say of one; a record
+// that cannot be loaded is told by its number.
+std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
 // How many recipients the user has.
 int32_t RecipientCount(const LPath& userFile);

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "audio/LSRCACMWave.h"
+#include "audio/wave/LSRCACMWave.h"
 #include "base/LArith.h"
 #include "base/LBytes.h"
 #include "base/LMemoryFile.h"

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <vector>
 
-#include "audio/LAcmRecord.h"
-#include "audio/LWaveFile.h"
+#include "audio/wave/LAcmRecord.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LMemoryFile.h"
 
 static void Require(bool condition) {

@@ -1,4 +1,4 @@
-#include "audio/LAcm.h"
+#include "audio/wave/LAcm.h"
 
 // A machine without codecs.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audio/LAcm.h"
+#include "audio/wave/LAcm.h"
 
 // A codec that does not exist, for tests of what files do through one: simple enough to predict, and it
 // misbehaves as it is told. Between 16-bit PCM and any other tag. A block is a byte that counts groups, then one

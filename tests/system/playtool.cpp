@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "audio/LSoundPlayer_win.h"
-#include "audio/LSoundRecorder_win.h"
-#include "audio/LWaveFile.h"
-#include "audio/WindSource.h"
+#include "audio/convert/WindSource.h"
+#include "audio/device/LSoundPlayer_win.h"
+#include "audio/device/LSoundRecorder_win.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "tests/system/Json.h"

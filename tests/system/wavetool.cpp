@@ -18,9 +18,9 @@
 #include <string>
 #include <vector>
 
-#include "audio/LPRSourceToSink.h"
-#include "audio/LRewriteWave.h"
-#include "audio/LWaveFile.h"
+#include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LRewriteWave.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LTrace.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <array>
 
-#include "audio/LDBDisplay_win.h"
+#include "audio/device/LDBDisplay_win.h"
 #include "tests/unit/TestKit.h"
 #include "ui/LDBEdit.h"
 

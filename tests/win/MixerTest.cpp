@@ -1,10 +1,10 @@
-#include "audio/LMixer_win.h"
+#include "audio/device/LMixer_win.h"
 
 #include <windows.h>
 
 #include <mmsystem.h>
 
-#include "audio/LDecibel.h"
+#include "audio/stream/LDecibel.h"
 #include "tests/unit/TestKit.h"
 
 // These tests set the mixer of the platform's real default devices. Its source lines have controls that take

@@ -1,10 +1,10 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "audio/LDeferredSink.h"
-#include "audio/LSoundRecorder_win.h"
-#include "audio/LSoundTime.h"
-#include "audio/LWaveFile.h"
+#include "audio/device/LSoundRecorder_win.h"
+#include "audio/stream/LSoundTime.h"
+#include "audio/wave/LDeferredSink.h"
+#include "audio/wave/LWaveFile.h"
 #include "base/LTime.h"
 #include "tests/unit/audio/AudioTest.h"
 

@@ -1,4 +1,4 @@
-#include "audio/LWaveFile.h"
+#include "audio/wave/LWaveFile.h"
 #include "send/SendItem.h"
 #include "tests/unit/send/SendTest.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "audio/LSoundSink.h"
-#include "audio/LSoundSource.h"
+#include "audio/stream/LSoundSink.h"
+#include "audio/stream/LSoundSource.h"
 #include "base/LBytes.h"
 #include "tests/unit/BorrowedStream.h"
 #include "tests/unit/TestKit.h"

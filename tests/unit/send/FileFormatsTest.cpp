@@ -1,5 +1,5 @@
-#include "audio/LSNKACMFile.h"
-#include "audio/LWaveFile.h"
+#include "audio/wave/LSNKACMFile.h"
+#include "audio/wave/LWaveFile.h"
 #include "store/SendToSettings.h"
 #include "tests/stubs/StandInCodec.h"
 #include "tests/unit/send/SendTest.h"

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "audio/LMixer_win.h"
+#include "audio/device/LMixer_win.h"
 #include "tests/unit/TestKit.h"
 #include "tests/win/mixer/MixerCard_win.h"
 

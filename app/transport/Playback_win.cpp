@@ -1,0 +1,98 @@
+#include "app/transport/Playback_win.h"
+
+#include "audio/convert/WindSource.h"
+#include "audio/device/LMixer_win.h"
+#include "audio/stream/LSoundTime.h"
+#include "audio/wave/LWaveFile.h"
+#include "store/SettingsKeys.h"
+
+Playback::Playback(const LPath& settingsFile, Owner& owner)
+    : m_settingsFile(settingsFile), m_owner(owner), m_player(*this) {}
+
+Playback::~Playback() {
+    m_player.Stop();
+}
+
+Playback::Result Playback::OpenSource(const LPath& audio, int32_t positionMs, LSoundSource& source) const {
+    source = LWaveFile::OpenSource(audio);
+    if (source->IsError()) return Result::CannotRead;
+    if (source->GetLength() < 1) return Result::NothingToPlay;
+    source->Seek(MsToFrames(positionMs, source->GetSampleRate()));
+    return Result::Started;
+}
+
+Playback::Result Playback::Play(const LPath& audio, int32_t positionMs, PlaySpeed speed) {
+    Stop();
+    LSoundSource source;
+    const Result opened = OpenSource(audio, positionMs, source);
+    return opened == Result::Started ? Start(source, Activity::Playing, speed) : opened;
+}
+
+Playback::Result Playback::Wind(const LPath& audio, int32_t positionMs, WindDirection direction) {
+    Stop();
+    LSoundSource source;
+    const Result opened = OpenSource(audio, positionMs, source);
+    if (opened != Result::Started) return opened;
+    m_direction = direction;
+    const double sign = direction == WindDirection::Back ? -1.0 : 1.0;
+    return Start(
+        LSoundSource::Make<WindSource>(source, sign * kWindInitialSpeed, sign * kWindFinalSpeed, kWindRampMs),
+        Activity::Winding, PlaySpeed::Normal);
+}
+
+Playback::Result Playback::Start(const LSoundSource& source, Activity activity, PlaySpeed speed) {
+    const int32_t device = Settings::Read(m_settingsFile, SettingsKeys::kSoundOutDevice);
+    LMixer::SetOutVolume(device, Settings::Read(m_settingsFile, SettingsKeys::kSoundOutVolume), 0);
+    m_source = source;
+    m_activity = activity;
+    m_player.SetDevice(device);
+    m_player.SetSpeed(SpeedPercent(speed));
+    if (!m_player.Start(source)) {
+        m_activity = Activity::Stopped;
+        m_source.Reset();
+        return Result::NoDevice;
+    }
+    m_player.Play();
+    return Result::Started;
+}
+
+void Playback::Stop() {
+    if (m_activity == Activity::Stopped) return;
+    m_player.Pause();  // nothing more is heard, and the position is that of the last sound
+    m_owner.PlaybackPosition(PositionMs(m_player.PositionFrames()));
+    m_player.Stop();
+    m_activity = Activity::Stopped;
+    m_source.Reset();
+}
+
+void Playback::Seek(int32_t positionMs) {
+    if (IsPlaying()) m_player.Seek(MsToFrames(positionMs, m_source->GetSampleRate()));
+}
+
+void Playback::SetSpeed(PlaySpeed speed) {
+    if (IsPlaying()) m_player.SetSpeed(SpeedPercent(speed));
+}
+
+int32_t Playback::PositionMs(int32_t frames) const {
+    const int32_t heard =
+        IsWinding() ? static_cast<const WindSource&>(*m_source).ToSourceFrame(frames) : frames;
+    return FramesToMs(heard, m_source->GetSampleRate());
+}
+
+void Playback::OnPlayPosition(int32_t frames) {
+    if (m_activity != Activity::Stopped) m_owner.PlaybackPosition(PositionMs(frames));
+}
+
+void Playback::OnPlayLevel() {
+    if (m_activity == Activity::Stopped) return;
+    const int8_t left = m_player.LevelDb(0);
+    m_owner.PlaybackLevel(left, m_player.GetLevelChannels() > 1 ? m_player.LevelDb(1) : left);
+}
+
+void Playback::OnPlayStopped() {
+    if (m_activity == Activity::Stopped) return;
+    Ending ending = IsPlaying() ? Ending::PlayedToEnd : Ending::Wound;
+    if (m_player.GetEnding() == LSoundPlayer::Ending::DeviceLost) ending = Ending::DeviceLost;
+    Stop();
+    m_owner.PlaybackEnded(ending);
+}

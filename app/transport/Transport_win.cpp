@@ -1,0 +1,190 @@
+#include "app/transport/Transport_win.h"
+
+#include <algorithm>
+
+#include "audio/stream/LDecibel.h"
+#include "audio/wave/LWaveFile.h"
+#include "base/LTrace.h"
+#include "store/SettingsKeys.h"
+#include "ui/LWin.h"
+
+namespace {
+
+constexpr char kCannotPlay[] =
+    "Unable to play this dictation.\n\n"
+    "Its audio file cannot be read. It may be open in another program, or its format is one that this "
+    "computer "
+    "does not know. Nothing was changed.";
+constexpr char kNoDevice[] =
+    "Unable to start playback device.\n\n"
+    "This might mean you do not have a sound card installed or the sound card is being used by another "
+    "application. Please check the Hardware Settings.";
+constexpr char kDeviceLost[] =
+    "Playing was stopped because the sound device no longer answers.\n\n"
+    "Please check that the speaker or sound card is connected before you go on.";
+
+}  // namespace
+
+Transport::Transport(const AppState& state, Owner& owner)
+    : m_state(state), m_owner(owner), m_playback(state.data.settingsFile, *this), m_recording(state, *this) {}
+
+// ---- Recording -------------------------------------------------------------------------------------------
+
+bool Transport::Record(RecordMode mode) {
+    if (IsRecording() || m_isPreparing) {
+        LTrace("Transport::Record called but already recording");
+        return false;
+    }
+    Stop();
+    m_isPreparing = true;
+    const std::optional<DictationFiles> files = m_owner.DictationToRecord();
+    const bool started = files && m_recording.Start(*files, mode, m_positionMs);
+    m_isPreparing = false;
+    if (started) m_owner.ActivityChanged();
+    return started;
+}
+
+void Transport::RecordingPosition(int32_t positionMs) {
+    m_positionMs = positionMs;
+    m_owner.PositionChanged();
+}
+
+void Transport::RecordingEnded(const Recording::Outcome& outcome) {
+    if (m_current && m_current->record == outcome.files.record) {
+        m_lengthMs = outcome.lengthMs;
+        m_positionMs = outcome.positionMs;
+    }
+    FinishActivity();
+    m_owner.RecordingStopped(outcome.files);
+    if (outcome.trouble != nullptr) m_owner.TransportTrouble(outcome.trouble);
+}
+
+// ---- Playing ---------------------------------------------------------------------------------------------
+
+PlaySpeed Transport::StoredSpeed() const {
+    return ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed));
+}
+
+bool Transport::Play() {
+    if (IsPlaying() || m_isPreparing) return false;
+    // After a recording the user hears what was just said.
+    const bool afterRecording = IsRecording();
+    const int32_t recordedFromMs = m_recording.StartMs();
+    Stop();
+    return PlayFrom(PlayStartMs(afterRecording ? recordedFromMs : m_positionMs, m_lengthMs));
+}
+
+bool Transport::PlayFromStart() {
+    Stop();
+    return PlayFrom(0);
+}
+
+void Transport::PlayAt(PlaySpeed speed) {
+    Settings::Write(m_state.data.settingsFile, SettingsKeys::kPlaySpeed, static_cast<int32_t>(speed));
+    if (IsPlaying())
+        m_playback.SetSpeed(speed);
+    else
+        Play();
+}
+
+bool Transport::PlayFrom(int32_t positionMs) {
+    if (!m_current || m_lengthMs < 1 || positionMs >= m_lengthMs) return false;
+    return Tell(m_playback.Play(m_current->audio, positionMs, StoredSpeed()));
+}
+
+// Whether it runs. Tells the owner that it does, or the user why it does not.
+bool Transport::Tell(Playback::Result result) {
+    switch (result) {
+        case Playback::Result::Started:
+            m_owner.ActivityChanged();
+            return true;
+        case Playback::Result::NothingToPlay:
+            return false;
+        case Playback::Result::CannotRead:
+            m_owner.TransportTrouble(kCannotPlay);
+            return false;
+        case Playback::Result::NoDevice:
+            m_owner.TransportTrouble(kNoDevice);
+            return false;
+    }
+    return false;
+}
+
+void Transport::PlaybackPosition(int32_t positionMs) {
+    m_positionMs = std::min(positionMs, m_lengthMs);
+    m_owner.PositionChanged();
+}
+
+void Transport::PlaybackEnded(Playback::Ending ending) {
+    // The length of compressed audio may have been an estimate. What was heard to its end is at its end, or the
+    // next Play would find nothing there.
+    if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
+    if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
+    FinishActivity();
+    if (ending == Playback::Ending::DeviceLost) m_owner.TransportTrouble(kDeviceLost);
+}
+
+// ---- Winding ---------------------------------------------------------------------------------------------
+
+bool Transport::BeginWinding(WindDirection direction) {
+    if (m_isPreparing || IsWinding(direction)) return false;
+    const bool playsAfterwards = IsPlaying() || IsRecording() || (IsWinding() && m_playsAfterWinding);
+    Stop();
+    if (!m_current || m_lengthMs < 1) return false;
+    if (!Tell(m_playback.Wind(m_current->audio, WindStartMs(m_positionMs, direction), direction)))
+        return false;
+    m_playsAfterWinding = playsAfterwards;
+    return true;
+}
+
+void Transport::EndWinding(WindDirection direction) {
+    if (IsWinding() && !IsWinding(direction)) return;
+    // Winding that has come to an end of the dictation has ended by itself, with the button still held.
+    const bool plays = m_playsAfterWinding;
+    if (!IsWinding() && !plays) return;
+    Stop();
+    if (plays) PlayFrom(m_positionMs);
+}
+
+// ---- Position --------------------------------------------------------------------------------------------
+
+void Transport::Stop() {
+    m_playsAfterWinding = false;
+    if (IsPlaying() || IsWinding()) {
+        m_playback.Stop();
+        FinishActivity();
+    }
+    m_recording.Stop();
+}
+
+void Transport::FinishActivity() {
+    m_owner.LevelChanged(kSilenceDb, kSilenceDb);
+    m_owner.ActivityChanged();
+}
+
+void Transport::SetDictation(const std::optional<DictationFiles>& files) {
+    const bool isSame =
+        files.has_value() == m_current.has_value() && (!files || files->record == m_current->record);
+    m_current = files;
+    m_lengthMs = files ? LWaveFile::LengthMs(files->audio) : 0;
+    // A dictation that is chosen anew continues at its end: one press on Record never takes anything away.
+    if (!isSame) m_positionMs = m_lengthMs;
+    m_owner.PositionChanged();
+}
+
+void Transport::GoToStart() {
+    if (IsPlaying()) {
+        m_playback.Seek(0);
+        return;
+    }
+    const bool plays = IsRecording();  // who goes back while dictating wants to hear the dictation
+    Stop();
+    m_positionMs = 0;
+    if (!plays || !PlayFrom(0)) m_owner.PositionChanged();
+}
+
+void Transport::GoToEnd() {
+    Stop();
+    m_positionMs = m_lengthMs;
+    m_owner.PositionChanged();
+}

@@ -1,0 +1,44 @@
+#include "app/window/DateText_win.h"
+
+#include <windows.h>
+
+#include <string_view>
+
+#include "base/LTime.h"
+
+static SYSTEMTIME ToSystemTime(int64_t seconds) {
+    const LCalendar calendar = LToCalendar(seconds);
+    SYSTEMTIME time = {};
+    time.wYear = static_cast<WORD>(calendar.year);
+    time.wMonth = static_cast<WORD>(calendar.month);
+    time.wDay = static_cast<WORD>(calendar.day);
+    time.wDayOfWeek = static_cast<WORD>(calendar.weekday);
+    time.wHour = static_cast<WORD>(calendar.hour);
+    time.wMinute = static_cast<WORD>(calendar.minute);
+    time.wSecond = static_cast<WORD>(calendar.second);
+    return time;
+}
+
+// The locale's short date; a year at its end is cut to two digits, so that the date fits its narrow column.
+static std::string ShortDatePicture() {
+    char picture[80] = {};
+    if (GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, picture, sizeof picture) == 0)
+        return "dd/MM/yy";
+    std::string_view text = picture;
+    if (text.size() > 4 && text.ends_with("yyyy")) text.remove_suffix(2);
+    return std::string(text);
+}
+
+std::string FormatDate(int64_t seconds) {
+    const SYSTEMTIME time = ToSystemTime(seconds);
+    char text[64] = {};
+    GetDateFormatA(LOCALE_USER_DEFAULT, 0, &time, ShortDatePicture().c_str(), text, sizeof text);
+    return text;
+}
+
+std::string FormatTimeOfDay(int64_t seconds) {
+    const SYSTEMTIME time = ToSystemTime(seconds);
+    char text[64] = {};
+    GetTimeFormatA(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, text, sizeof text);
+    return text;
+}

@@ -1,0 +1,28 @@
+#include "app/window/DictationRow.h"
+
+#include "audio/wave/LWaveFile.h"
+#include "base/LArith.h"
+#include "base/LFile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "store/DictationRecord.h"
+#include "store/NotesFile.h"
+
+DictationRow LoadDictationRow(const LPath& record) {
+    DictationRow row;
+    row.files = DictationFiles::OfPath(record);
+    DictationRecord values = DictationRecord::Read(row.files.record);
+    if (LFile::Exists(row.files.record)) RepairRecord(row.files.record, values, LNowSeconds());
+    row.number = values.number.value_or(0);
+    row.name = values.name;
+    row.date = values.date.value_or(0);
+    row.priority = values.priority;
+    row.duration = FormatDuration(LWaveFile::LengthMs(row.files.audio));
+    row.notes = NotesFile::Preview(row.files.notes);
+    return row;
+}
+
+std::string FormatDuration(int32_t lengthMs) {
+    const int seconds = static_cast<int>(lengthMs * 0.001 + 0.5);
+    return LFormat("%.2d:%.2d", seconds / 60, seconds % 60);
+}

@@ -1,0 +1,72 @@
+#include "app/window/SendCommands_win.h"
+
+#include "app/dialogs/ChooseRecipientDialog_win.h"
+#include "audio/wave/LWaveFile.h"
+#include "base/LFile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "store/DictationRecord.h"
+#include "store/MoveToSent.h"
+#include "store/SendToSettings.h"
+#include "store/SettingsKeys.h"
+
+namespace {
+
+constexpr char kNoRecipients[] =
+    "No Typist Recipients have been set up.\n\nPlease open the Recipient Settings Dialog Box using the "
+    "Recipient "
+    "Settings item on the Settings menu and add a New Recipient.";
+constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
+
+// False for a dictation whose recording was begun but never heard a word, too.
+bool HasRecording(const LPath& audio) {
+    LFile file(audio, LFile::Open::Read);
+    if (!file.IsOpen()) return LFile::Exists(audio);
+    LWaveInfo info;
+    return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
+}
+
+void TellNoRecipients(HWND owner) {
+    LMessageBox(owner, kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
+}
+
+void TellNotSent(const DictationFiles& files, const char* reason, HWND owner) {
+    const std::string name = DictationRecord::Read(files.record).name;
+    LMessageBox(owner, LFormat("Unable to send the dictation \"%s\".\n\n%s", name.c_str(), reason), "Error",
+                MB_OK | MB_ICONEXCLAMATION);
+}
+
+}  // namespace
+
+int SendCommands::DefaultRecipient(HWND owner) const {
+    const std::optional<int32_t> index = ::DefaultRecipient(m_state.user.userFile);
+    if (!index) TellNoRecipients(owner);
+    return index.value_or(-1);
+}
+
+int SendCommands::ChooseRecipient(HWND owner) const {
+    // Without a usable default the settings want attention, whichever way is chosen.
+    if (DefaultRecipient(owner) < 0) return -1;
+    return ::ChooseRecipient(m_state, owner);
+}
+
+SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) {
+    if (!HasRecording(files.audio)) {
+        TellNotSent(files, "It has no recording yet. Please record it first.", owner);
+        return Outcome::NothingToSend;
+    }
+    const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
+    const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
+    MoveToSent move(m_state.user, files.record);
+    if (!move.Run(description, LNowSeconds())) {
+        TellNotSent(
+            files,
+            "One of its files may be open in another program, or the disk may be full. It stays in the list.",
+            owner);
+        return Outcome::Failed;
+    }
+    if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
+        return Outcome::Failed;  // the queue says why
+    move.Commit();
+    return Outcome::Queued;
+}

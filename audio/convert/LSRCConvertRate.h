@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "audio/convert/LSincHistory.h"
+#include "audio/stream/LFilterSource.h"
+
+// A filter that changes the sampling rate by windowed-sinc interpolation with 63 taps, mono and stereo. The
+// output is not delayed, and after Seek() it is the same, sample for sample, as without.
+//
+// It reads no further ahead than the filter reaches (31 frames). While the wrapped source is growing, its
+// newest 31 frames are not yet part of the length, so that a reader who stays within it never hears the
+// present end as silence.
+// Input beyond 16-bit full scale is held there; the output may overshoot, hence the doubled level.
+// Errors: the error bit (traced) for a rate below 1, more than two channels, or rates that LSincFilter does
+//         not convert. Such a stage has no length and delivers silence.
+class LSRCConvertRate final : public LFilterSource {
+public:
+    // The source itself when it has that rate or an error, otherwise wrapped at its present position. The
+    // result may have its error bit set: a rate below 1, more than two channels.
+    static LSoundSource OpenSource(const LSoundSource& source, int32_t sampleRate);
+
+    // The way in is OpenSource.
+    LSRCConvertRate(const LSoundSource& source, int32_t sampleRate);
+
+    void Read(int32_t* samples, int32_t frames) override;
+    int32_t GetPosition() const override;
+    int32_t GetLength() const override;
+    void Seek(int32_t frame) override;
+
+private:
+    void Fill(int32_t frames);
+
+    std::optional<LSincFilter> m_filter;  // both unless in error
+    std::optional<LSincHistory> m_history;
+    std::vector<int32_t> m_block;  // as the wrapped source delivers it
+};

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "audio/stream/LFilterSource.h"
+
+// A look-ahead peak limiter: turns the sound down smoothly before a peak arrives, so that nothing louder than
+// the limit leaves it, and up again afterwards. Sound that needs no limiting passes unchanged.
+// Units:  the wrapped source's; the look-ahead shows neither as leading silence nor in position and length.
+// Seek:   starts anew there. The output equals that of an uninterrupted run wherever both leave the sound as
+//         it is; close behind a peak the gain may differ, since what lies before the place is not known.
+// A source that grows is never read beyond its present end in advance, so nothing that comes later turns to
+// silence. With less than the full look-ahead a sudden peak is met by a sudden gain, but never passes.
+class LSRCPeakLimit final : public LFilterSource {
+public:
+    static constexpr int32_t kHighestLimit = 0x3FFFFF;
+
+    // The source itself when its level is at most the limit or it has an error, otherwise wrapped from its
+    // present position on. The limit is held between 0 and kHighestLimit and becomes the level.
+    static LSoundSource OpenSource(const LSoundSource& source, int32_t limit = kFullScale16);
+
+    // The way in is OpenSource.
+    LSRCPeakLimit(const LSoundSource& source, int32_t limit);
+
+    void Read(int32_t* samples, int32_t frames) override;
+    int32_t GetPosition() const override;
+    void Seek(int32_t frame) override;
+
+    // Frames between two decisions about the gain: about 28.6 ms.
+    static int32_t BlockFrames(int32_t sampleRate);
+
+private:
+    struct Block {
+        std::vector<int32_t> samples;
+        int32_t frames;  // present so far; a block is begun when the one before it is full
+        int32_t gain;    // 24 fractional bits
+    };
+
+    void Restart();
+    void NextBlock();
+    bool Fetch(int32_t wantedFrames);
+    void Append(Block& block, int32_t frames);
+    void Aim();
+    void Deliver(int32_t* samples, int32_t frames);
+    int32_t GainFor(uint32_t peak) const;
+    size_t Values(int32_t frames) const { return static_cast<size_t>(frames) * GetChannels(); }
+
+    int32_t m_blockFrames;
+    Block m_blocks[3];
+    Block* m_now = &m_blocks[0];  // is being delivered; then the two after it
+    Block* m_next = &m_blocks[1];
+    Block* m_last = &m_blocks[2];
+    int32_t m_offset = 0;      // frames of it delivered
+    int32_t m_gainBefore = 0;  // of the block before it
+    int32_t m_gain = 0;        // now
+    int32_t m_step = 0;        // for each frame
+};

@@ -1,0 +1,154 @@
+#include "audio/wave/LAcmRecord.h"
+
+#include <algorithm>
+#include <array>
+
+#include "audio/stream/LSample.h"
+#include "base/LArith.h"
+#include "base/LBytes.h"
+
+namespace {
+
+constexpr uint16_t kTagMsAdpcm = 0x0002;
+constexpr uint16_t kTagALaw = 0x0006;
+constexpr uint16_t kTagMuLaw = 0x0007;
+constexpr uint16_t kTagImaAdpcm = 0x0011;
+constexpr uint16_t kTagGsm610 = 0x0031;
+constexpr uint16_t kTagExtensible = 0xFFFE;
+
+// An extensible record's extra bytes: valid bits u16, channel mask u32, sub-format identifier (16 bytes, the
+// first two of which are the plain tag).
+constexpr size_t kSubFormatOffset = LWaveFileFormat::kFixedSize + 6;
+constexpr uint16_t kExtensibleExtra = 22;
+constexpr std::array<uint8_t, 14> kStandardFamily = {0, 0, 0,    0,    0x10, 0,    0x80,
+                                                     0, 0, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+
+// Frames that a block of each codec holds, 0 when the block is too short.
+int32_t MsAdpcmFrames(int32_t align, int32_t channels) {
+    return align <= 7 * channels ? 0 : (align - 7 * channels) * 2 / channels + 2;
+}
+int32_t ImaAdpcmFrames(int32_t align, int32_t channels) {
+    return align <= 4 * channels ? 0 : (align - 4 * channels) / (4 * channels) * 8 + 1;
+}
+int32_t Gsm610Frames(int32_t align, int32_t channels) {
+    return channels == 1 ? align / 65 * 320 : 0;
+}
+
+// One byte per sample.
+bool IsLaw(uint16_t tag) {
+    return tag == kTagALaw || tag == kTagMuLaw;
+}
+
+struct BlockCodec {
+    uint16_t tag;
+    int32_t (*frames)(int32_t align, int32_t channels);
+};
+constexpr BlockCodec kBlockCodecs[] = {
+    {kTagMsAdpcm, MsAdpcmFrames},
+    {kTagImaAdpcm, ImaAdpcmFrames},
+    {kTagGsm610, Gsm610Frames},
+};
+
+const BlockCodec* FindBlockCodec(uint16_t tag) {
+    const auto* found = std::ranges::find(kBlockCodecs, tag, &BlockCodec::tag);
+    return found == std::end(kBlockCodecs) ? nullptr : found;
+}
+
+int32_t MostBlockFrames(const BlockCodec& codec, const LWaveFileFormat& format) {
+    if (format.Channels() == 0) return 0;
+    return std::min(codec.frames(format.BlockAlign(), format.Channels()), 0xFFFF);
+}
+
+uint16_t SamplesPerBlock(const LWaveFileFormat& format) {
+    return format.ExtraBytes() < 2 ? uint16_t{0} : LByteReader(format.Bytes().subspan(18)).U16();
+}
+
+// The record with other values in its variable fields.
+LWaveFileFormat Remake(const LWaveFileFormat& format, uint16_t tag, uint16_t align,
+                       std::span<const uint8_t> extra) {
+    LByteWriter record;
+    record.U16(tag);
+    record.Bytes(format.Bytes().subspan(2, 10));
+    record.U16(align);
+    record.Bytes(format.Bytes().subspan(14, 2));
+    record.U16(static_cast<uint16_t>(extra.size()));
+    record.Bytes(extra);
+    return LWaveFileFormat(record.View());
+}
+
+// Whether the record is extensible and its sub-format of the family whose identifiers hold plain tags.
+bool IsExtended(const LWaveFileFormat& format) {
+    if (format.Tag() != kTagExtensible || format.ExtraBytes() < kExtensibleExtra) return false;
+    return std::ranges::equal(format.Bytes().subspan(kSubFormatOffset + 2, kStandardFamily.size()),
+                              kStandardFamily);
+}
+
+LWaveFileFormat Plain(const LWaveFileFormat& format) {
+    const auto extra = format.Record().subspan(LWaveFileFormat::kFixedSize);
+    if (!IsExtended(format)) return Remake(format, format.Tag(), format.BlockAlign(), extra);
+    const uint16_t tag = LByteReader(format.Bytes().subspan(kSubFormatOffset)).U16();
+    return Remake(format, tag, format.BlockAlign(), extra.subspan(kExtensibleExtra));
+}
+
+LWaveFileFormat WithTrueBlock(const BlockCodec& codec, const LWaveFileFormat& format) {
+    const int32_t most = MostBlockFrames(codec, format);
+    if (most == 0) return Remake(format, format.Tag(), 0, {});
+    const int32_t told = SamplesPerBlock(format);
+    if (told >= 1 && told <= most) return format;
+    LByteWriter extra;
+    extra.U16(static_cast<uint16_t>(most));
+    if (format.ExtraBytes() > 2) extra.Bytes(format.Record().subspan(LWaveFileFormat::kFixedSize + 2));
+    return Remake(format, format.Tag(), format.BlockAlign(), extra.View());
+}
+
+// Codecs derive buffer sizes from the byte rate: one that is far too low has them divide by zero. The byte rate
+// of GSM 6.10 must be exact, or the codec refuses a file; not every writer rounds down.
+LWaveFileFormat WithTrueByteRate(const LWaveFileFormat& format) {
+    constexpr uint32_t kMostFramesPerByte = 64;
+    const uint64_t rate = format.SampleRate();
+    const bool isCredible = format.AverageBytesPerSecond() > rate / kMostFramesPerByte;
+    if (isCredible && format.Tag() != kTagGsm610) return format;
+    const uint64_t blockFrames = static_cast<uint64_t>(LAcmBlockFrames(format));
+    LByteWriter record;
+    record.Bytes(format.Bytes().first(8));
+    record.U32(static_cast<uint32_t>(blockFrames == 0 ? rate : rate * format.BlockAlign() / blockFrames));
+    record.Bytes(format.Record().subspan(12));
+    return LWaveFileFormat(record.View());
+}
+
+}  // namespace
+
+LWaveFileFormat LAcmRecord(const LWaveFileFormat& format) {
+    const LWaveFileFormat plain = Plain(format);
+    if (plain.Tag() == kFormatTagPcm) {
+        const int bytes = (plain.BitsPerSample() + 7) / 8;
+        if (bytes < 1 || bytes > 4 || bytes * plain.Channels() > 0xFFFF)
+            return Remake(plain, kFormatTagPcm, 0, {});
+        return LWaveFileFormat::Pcm(static_cast<uint16_t>(8 * bytes), plain.Channels(), plain.SampleRate());
+    }
+    if (IsLaw(plain.Tag()))
+        return WithTrueByteRate(Remake(plain, plain.Tag(), plain.Channels(),
+                                       plain.Record().subspan(LWaveFileFormat::kFixedSize)));
+    const BlockCodec* codec = FindBlockCodec(plain.Tag());
+    return WithTrueByteRate(codec ? WithTrueBlock(*codec, plain) : plain);
+}
+
+bool LAcmMayConvert(const LWaveFileFormat& record) {
+    return record.BlockAlign() > 0 && !(record.Tag() == kFormatTagPcm && record.Channels() > 2);
+}
+
+int32_t LAcmBlockFrames(const LWaveFileFormat& record) {
+    if (record.BlockAlign() == 0) return 0;
+    if (FindBlockCodec(record.Tag())) return SamplesPerBlock(record);
+    return record.Tag() == kFormatTagPcm || IsLaw(record.Tag()) ? 1 : 0;
+}
+
+// GSM 6.10 predicts from what it has decoded. Spoken sound from a wrong start was right to the bit after 600 to
+// 3600 frames.
+int32_t LAcmWarmUpFrames(const LWaveFileFormat& record) {
+    return record.Tag() == kTagGsm610 ? std::max(kBlockFrames - LAcmBlockFrames(record), 0) : 0;
+}
+
+LWaveFileFormat LAcmPcm(const LWaveFileFormat& format) {
+    return LWaveFileFormat::Pcm(16, std::max<uint16_t>(format.Channels(), 1), format.SampleRate());
+}

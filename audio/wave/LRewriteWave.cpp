@@ -1,0 +1,85 @@
+#include "audio/wave/LRewriteWave.h"
+
+#include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LAcmRecord.h"
+#include "audio/wave/LSNKPCMFile.h"
+#include "audio/wave/LSRCACMWave.h"
+#include "audio/wave/LSRCPCMFile.h"
+#include "base/LFile.h"
+#include "base/LText.h"
+#include "base/LTrace.h"
+
+static ProcessResult Fail(ProcessContext& context, std::string_view trace, const LPath& path) {
+    LTrace(trace, path.View());
+    context.SetError(
+        "The recording could not be made ready for new audio. The disk may be full, or the file may "
+        "be in use by another program.");
+    return ProcessResult::Failed;
+}
+
+// What stands in the file, whatever tag it was given: PCM may come in an extensible record.
+static LWaveInfo Plain(LWaveInfo info) {
+    info.format = LAcmRecord(info.format);
+    return info;
+}
+
+static bool IsDirect(const LWaveInfo& plain) {
+    return plain.IsPcm() && plain.format.BlockAlign() > 0;
+}
+
+// Whether the new file, read again from the disk, is what was to be written. A sink that fails while it
+// closes cannot tell.
+static bool IsComplete(const LPath& path, int64_t frames) {
+    LWaveInfo written;
+    return LWaveFile::ReadInfo(path, written) && written.isOurLayout && !written.isStreaming &&
+           written.Frames() == frames;
+}
+
+bool LRewriteWave::CanRead(const LWaveInfo& info) {
+    const LWaveInfo plain = Plain(info);
+    return IsDirect(plain) ||
+           (LAcmMayConvert(plain.format) && LAcmQuery(plain.format, LAcmPcm(plain.format)));
+}
+
+ProcessResult LRewriteWave::Process(ProcessContext& context) {
+    const ProcessResult result = WriteTemporary(context);
+    if (m_begun && result != ProcessResult::Done && !LFile::Delete(m_temporary))
+        LTrace("LRewriteWave::Process unable to remove temporary file", m_temporary.View());
+    return result;
+}
+
+LSoundSource LRewriteWave::OpenOld(const LWaveInfo& info) const {
+    auto file = std::make_unique<LFile>(m_path, LFile::Open::Read);
+    if (!IsDirect(info)) return LSoundSource::Make<LSRCACMWave>(std::move(file), info, m_opener);
+    if (info.BytesPerSample() == 1) return LSoundSource::Make<LSRCPCMFile8>(std::move(file), info);
+    if (info.BytesPerSample() == 2) return LSoundSource::Make<LSRCPCMFile16>(std::move(file), info);
+    return LSoundSource::Make<LSRCPCMFileWide>(std::move(file), info);
+}
+
+ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
+    LWaveInfo info;
+    if (!LWaveFile::ReadInfo(m_path, info)) return Fail(context, "LRewriteWave::Process no WAV file", m_path);
+    if (!info.NeedsRewrite()) return ProcessResult::Done;
+    if (LEqualNoCase(m_temporary.View(), m_path.View()))
+        return Fail(context, "LRewriteWave::Process no name for the new file", m_path);
+
+    info = Plain(info);
+    LSoundSource source = OpenOld(info);
+    if (source->IsError()) return Fail(context, "LRewriteWave::Process no codec", m_path);
+    m_begun = true;
+    constexpr int32_t kFlushSeconds = 60;  // the new file must be on the disk before the old one goes
+    const int bits = IsDirect(info) && info.BytesPerSample() == 1 ? 8 : 16;
+    LSoundSink sink = LSNKPCMFileBase::Open(m_temporary, 0, bits, source->GetChannels(),
+                                            source->GetSampleRate(), kFlushSeconds);
+    LPRSourceToSink copy(source, sink);
+    const ProcessResult result = copy.Process(context);
+    const int32_t copied = sink->GetFrames();
+    sink.Reset();
+    if (result != ProcessResult::Done) return result;
+    if (!source->IsWhole() || copied < info.Frames() || !IsComplete(m_temporary, copied))
+        return Fail(context, "LRewriteWave::Process incomplete temporary file", m_temporary);
+    source.Reset();
+    if (!LFile::Replace(m_temporary, m_path))
+        return Fail(context, "LRewriteWave::Process unable to replace", m_path);
+    return ProcessResult::Done;
+}

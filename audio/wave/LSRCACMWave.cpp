@@ -1,0 +1,187 @@
+#include "audio/wave/LSRCACMWave.h"
+
+#include <algorithm>
+
+#include "audio/stream/LKernels.h"
+#include "audio/wave/LAcmRecord.h"
+#include "base/LArith.h"
+#include "base/LTrace.h"
+
+using Flow = LAcmStream::Flow;
+
+LSRCACMWave::LSRCACMWave(std::unique_ptr<LReadStream> stream, const LWaveInfo& info, LAcmOpener opener)
+    : LSoundSourceBase(static_cast<int32_t>(info.format.SampleRate()),
+                       static_cast<uint8_t>(info.format.Channels()), kFullScale16),
+      m_stream(std::move(stream)),
+      m_dataStart(info.dataStart),
+      m_dataBytes(info.dataBytes),
+      m_byteRate(info.format.AverageBytesPerSecond()),
+      m_format(LAcmRecord(info.format)),
+      m_blockAlign(std::max<int32_t>(m_format.BlockAlign(), 1)),
+      m_blockFrames(LAcmBlockFrames(m_format)) {
+    if (info.isStreaming) LTrace("LSRCACMWave::LSRCACMWave Wav File Is Streaming");
+    if (m_byteRate == 0) m_byteRate = GetSampleRate();
+    if (!m_stream) LTrace("LSRCACMWave::LSRCACMWave hFile == INVALID_HANDLE_VALUE ERROR");
+    if (!m_stream || !OpenCodec(opener)) {
+        SetError();
+        EndAt(0);
+        return;
+    }
+    GoTo(0);
+}
+
+LSRCACMWave::~LSRCACMWave() {
+    if (!m_codec.Unprepare()) LTrace("LSRCACMWave::~LSRCACMWave acmStreamUnprepareHeader ERROR");
+    if (!m_codec.Close()) LTrace("LSRCACMWave::~LSRCACMWave acmStreamClose ERROR");
+}
+
+// A block that decodes to more than a read's frames gets the room it needs, or it could never be decoded.
+bool LSRCACMWave::OpenCodec(LAcmOpener opener) {
+    if (!LAcmMayConvert(m_format) || !m_codec.Open(m_format, LAcmPcm(m_format), opener) ||
+        !m_codec.HasHandle()) {
+        LTrace("LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR");
+        return false;
+    }
+    const int32_t frames = std::max(kBlockFrames, m_blockFrames);
+    if (!m_codec.SizeForOutput(static_cast<uint32_t>(frames * FrameBytes()),
+                               static_cast<uint32_t>(m_blockAlign))) {
+        LTrace("LSRCACMWave::LSRCACMWave acmStreamSize ERROR");
+        return false;
+    }
+    if (m_codec.Prepare()) return true;
+    LTrace("LSRCACMWave::LSRCACMWave acmStreamPrepareHeader ERROR");
+    return false;
+}
+
+int32_t LSRCACMWave::BufferedFrames() const {
+    return static_cast<int32_t>(m_codec.Output().size()) / FrameBytes();
+}
+
+// By the codec's blocks where the format tells how long they are: many a writer puts a byte rate into the file
+// that is several times too high, and what is wound or sought would end at a fraction of the material.
+int64_t LSRCACMWave::FramesOf(int64_t bytes) const {
+    const int64_t unit = m_blockFrames > 0 ? m_blockAlign : m_byteRate;
+    const int64_t frames = m_blockFrames > 0 ? m_blockFrames : GetSampleRate();
+    return bytes / unit * frames + bytes % unit * frames / unit;
+}
+
+void LSRCACMWave::Read(int32_t* samples, int32_t frames) {
+    const int32_t first = m_position;
+    m_position = Saturate(int64_t{first} + frames);
+    int32_t done = first < 0 ? static_cast<int32_t>(std::min(-int64_t{first}, int64_t{frames})) : 0;
+    const auto values = [channels = size_t{GetChannels()}](int32_t count) {
+        return static_cast<size_t>(count) * channels;
+    };
+    std::fill_n(samples, values(done), 0);
+    while (done < frames) {
+        done += Take(samples + values(done), frames - done);
+        if (done == frames || m_end >= 0) break;
+        if (!Decode()) {
+            LTrace("LSRCACMWave::Read End Reached");
+            EndAt(int64_t{first} + done);
+        }
+    }
+    std::fill_n(samples + values(done), values(frames - done), 0);
+}
+
+// Moves decoded frames to the reader; what the codec leaves of half a frame at the end is dropped.
+int32_t LSRCACMWave::Take(int32_t* samples, int32_t frames) {
+    const int32_t count = std::min(frames, BufferedFrames());
+    Kernels().fromPcm16(m_codec.Output().data(), samples, static_cast<size_t>(count) * GetChannels());
+    m_codec.TakeOutput(static_cast<size_t>(count) * static_cast<size_t>(FrameBytes()));
+    return count;
+}
+
+// The next piece into the output buffer; false when there is none. Ends, since each turn consumes input.
+bool LSRCACMWave::Decode() {
+    for (;;) {
+        TopUp();
+        const bool isFull = m_codec.FreeInput().empty();
+        const Flow flow = m_codec.InputUsed() > 0 ? Convert(LAcmConversion::Flag::BlockAlign) : Flow::Idle;
+        if (flow == Flow::Failed) return false;
+        if (BufferedFrames() > 0) return true;
+        if (flow == Flow::Idle || !isFull) return DecodeEnd();
+    }
+}
+
+bool LSRCACMWave::DecodeEnd() {
+    if (!m_isFed) return false;
+    const bool yielded = Convert(LAcmConversion::Flag::End) == Flow::Yielded && BufferedFrames() > 0;
+    if (!yielded) m_isFed = false;
+    return yielded;
+}
+
+void LSRCACMWave::TopUp() {
+    const auto room = m_codec.FreeInput();
+    const int64_t wanted = std::min<int64_t>(m_dataBytes - m_readBytes, static_cast<int64_t>(room.size()));
+    if (wanted < 1) return;
+    const size_t got = m_stream->Read(room.first(static_cast<size_t>(wanted)));
+    m_codec.AddInput(got);
+    m_readBytes += static_cast<int64_t>(got);
+    if (got > 0) m_isFed = true;
+}
+
+Flow LSRCACMWave::Convert(LAcmConversion::Flag flag) {
+    const bool hadInput = m_codec.InputUsed() > 0;
+    const Flow flow = m_codec.Convert(flag);
+    if (flow == Flow::Failed && hadInput) LTrace("LSRCACMWave::Read acmStreamConvert FAILED");
+    return flow;
+}
+
+void LSRCACMWave::EndAt(int64_t frame) {
+    m_end = Saturate(std::max<int64_t>(frame, 0));
+    m_isWhole = Unconsumed() < m_blockAlign && !m_codec.IsEndless();
+}
+
+int32_t LSRCACMWave::GetLength() const {
+    if (m_end >= 0) return m_end;
+    const int64_t position = std::max(m_position, 0);
+    const int64_t estimate = position + BufferedFrames() + FramesOf(Unconsumed());
+    const bool mayGoOn = m_isFed || Unconsumed() > 0;
+    return Saturate(std::max(estimate, mayGoOn ? position + 1 : position));
+}
+
+int64_t LSRCACMWave::SeekOffset(int32_t frame) const {
+    if (frame < 1) return 0;
+    if (m_blockFrames > 0) return int64_t{frame} / m_blockFrames * m_blockAlign;
+    return int64_t{frame} * m_byteRate / GetSampleRate();
+}
+
+int64_t LSRCACMWave::FrameAt(int64_t offset) const {
+    return m_blockFrames > 0 ? offset / m_blockAlign * m_blockFrames : FramesOf(offset);
+}
+
+void LSRCACMWave::GoTo(int64_t offset) {
+    m_codec.Restart();
+    m_end = -1;
+    m_isWhole = m_isFed = false;
+    m_readBytes = offset;
+    if (!m_stream->Seek(m_dataStart + offset)) LTrace("LSRCACMWave::Seek SetFilePointer FAILED");
+}
+
+void LSRCACMWave::Seek(int32_t frame) {
+    m_position = frame;
+    if (IsError()) return;
+    if (SeekOffset(frame) > m_dataBytes) {
+        GoTo(m_dataBytes);
+        EndAt(FrameAt(m_dataBytes));
+        return;
+    }
+    const int64_t offset =
+        SeekOffset(std::max(frame, 0) - LAcmWarmUpFrames(m_format)) / m_blockAlign * m_blockAlign;
+    GoTo(offset);
+    if (frame > 0) Discard(frame - FrameAt(offset));
+}
+
+// Decodes and drops. By the byte rate the distance is a guess, and one beyond a block of frames a wild one.
+void LSRCACMWave::Discard(int64_t frames) {
+    if (m_blockFrames == 0 && frames > kBlockFrames) return;
+    while (frames > 0) {
+        const int64_t count = std::min<int64_t>(frames, BufferedFrames());
+        m_codec.TakeOutput(static_cast<size_t>(count * FrameBytes()));
+        frames -= count;
+        if (frames == 0 || Decode()) continue;
+        EndAt(m_position - frames);
+        return;
+    }
+}

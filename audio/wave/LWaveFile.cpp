@@ -1,0 +1,216 @@
+#include "audio/wave/LWaveFile.h"
+
+#include <algorithm>
+#include <array>
+
+#include "audio/wave/LAcmRecord.h"
+#include "audio/wave/LSNKACMFile.h"
+#include "audio/wave/LSNKPCMFile.h"
+#include "audio/wave/LSRCACMWave.h"
+#include "audio/wave/LSRCPCMFile.h"
+#include "audio/wave/LWaveHeader.h"
+#include "base/LArith.h"
+#include "base/LBytes.h"
+#include "base/LFile.h"
+#include "base/LTrace.h"
+
+static constexpr uint32_t ChunkId(const char (&name)[5]) {
+    uint32_t id = 0;
+    for (int i = 3; i >= 0; --i) id = id << 8 | static_cast<uint8_t>(name[i]);
+    return id;
+}
+
+static constexpr uint32_t kFmtMin = 14;  // the format record without its bits per sample
+static constexpr uint32_t kFmtMax = 8192;
+static constexpr uint32_t kMaxSampleRate = 196000;
+
+// Walks the chunks of a stream. Chunk sizes count as signed and are rounded up to even, as chunks are padded.
+class WaveChunks {
+public:
+    explicit WaveChunks(LReadStream& stream) : m_stream(stream) {}
+
+    // Moves behind the "RIFF" size "WAVE" of the file. What stands before it is taken for a foreign chunk and
+    // skipped: eight of the twelve bytes that were read are that chunk's header, the other four its first.
+    bool FindRiff() {
+        std::array<uint8_t, 12> head;
+        while (m_stream.ReadExact(head)) {
+            LByteReader in(head);
+            const uint32_t id = in.U32();
+            m_size = in.U32();
+            if (id == ChunkId("RIFF") && in.U32() == ChunkId("WAVE")) return true;
+            if (PaddedSize() < 5) return Fail("LWaveFile::OpenSource chunk too short!");
+            if (!Skip(PaddedSize() - 4)) break;
+        }
+        return Fail("LWaveFile::OpenSource No RIFF WAVE chunk found");
+    }
+
+    // Moves behind the header of the next chunk of that name.
+    bool FindChunk(uint32_t wanted, std::string_view notFound) {
+        std::array<uint8_t, 8> head;
+        while (m_stream.ReadExact(head)) {
+            LByteReader in(head);
+            const uint32_t id = in.U32();
+            m_size = in.U32();
+            if (id == wanted) return true;
+            if (PaddedSize() < 0) return Fail("LWaveFile::OpenSource subchunk too short (< 0)!");
+            if (!Skip(PaddedSize())) break;
+        }
+        return Fail(notFound);
+    }
+
+    bool FindFormat() {
+        return FindRiff() && FindChunk(ChunkId("fmt "), "LWaveFile::OpenSource fmt subchunk not found!");
+    }
+    bool FindData() { return FindChunk(ChunkId("data"), "LWaveFile::OpenSource data subchunk not found!"); }
+
+    // The size of the chunk that was found.
+    uint32_t Size() const { return m_size; }
+
+    static bool Fail(std::string_view trace) {
+        LTrace(trace);
+        return false;
+    }
+
+private:
+    int64_t PaddedSize() const { return RoundUp(int64_t{static_cast<int32_t>(m_size)}, int64_t{2}); }
+    bool Skip(int64_t bytes) { return m_stream.Seek(m_stream.Position() + bytes); }
+
+    LReadStream& m_stream;
+    uint32_t m_size = 0;
+};
+
+static bool ReadFormat(LReadStream& stream, uint32_t size, LWaveFileFormat& format) {
+    if (size < kFmtMin || size > kFmtMax)
+        return WaveChunks::Fail("LWaveFile::OpenSource fmt to short or too long!");
+    std::array<uint8_t, kFmtMax + 1> record;
+    const size_t padded = RoundUp<size_t>(size, 2);
+    const size_t got = stream.Read(std::span(record).first(padded));
+    if (got < size) return WaveChunks::Fail("LWaveFile::OpenSource fmt error!");
+    // Not every writer pads a record of odd length, ours neither: then the next chunk begins at once.
+    if (got > size && record[size] != 0) stream.Seek(stream.Position() - 1);
+    // Without its last field the record has no extra bytes, whatever half of the field there is.
+    const size_t used = size < LWaveFileFormat::kFixedSize ? std::min<size_t>(size, 16) : size;
+    format = LWaveFileFormat(std::span(record).first(std::min(used, LWaveFileFormat::kSize)));
+    return true;
+}
+
+static bool IsUsable(const LWaveFileFormat& format) {
+    if (format.Channels() >= 1 && format.Channels() <= 255 && format.SampleRate() >= 1 &&
+        format.SampleRate() <= kMaxSampleRate)
+        return true;
+    return WaveChunks::Fail("LWaveFile::OpenSource channels or sample rate out of range");
+}
+
+// Compares the head of the file with the one that our sink would have written.
+static bool IsOurLayout(LReadStream& stream, int64_t fileBytes, const LWaveInfo& info) {
+    const int bytesPerSample = info.BytesPerSample();
+    if (!info.IsPcm() || bytesPerSample > 2 || info.dataStart != kWaveHeaderBytes) return false;
+    if (info.dataStart + info.dataBytes != fileBytes) return false;
+    LWaveHeader head;
+    if (!stream.Seek(0) || !stream.ReadExact(head)) return false;
+    const LWaveHeader ours = WavePcmHeader(bytesPerSample, static_cast<uint8_t>(info.format.Channels()),
+                                           static_cast<int32_t>(info.format.SampleRate()), kWaveSizeUnknown);
+    return WaveHeadersAgree(head, ours);
+}
+
+int LWaveInfo::BytesPerSample() const {
+    return std::max(1, (format.BitsPerSample() + 7) / 8);
+}
+
+int64_t LWaveInfo::Frames() const {
+    if (!IsPcm()) {
+        const LWaveFileFormat record = LAcmRecord(format);
+        const int32_t blockFrames = LAcmBlockFrames(record);
+        return blockFrames > 0 ? dataBytes / record.BlockAlign() * blockFrames : 0;
+    }
+    const int64_t frameBytes = int64_t{format.Channels()} * BytesPerSample();
+    return frameBytes > 0 ? dataBytes / frameBytes : 0;
+}
+
+bool LWaveInfo::Holds(int64_t frames) const {
+    if (IsPcm()) return Frames() == frames;
+    const int32_t blockFrames = LAcmBlockFrames(LAcmRecord(format));
+    if (blockFrames > 0) return Frames() + blockFrames > frames;
+    return frames == 0 || dataBytes > 0;
+}
+
+int64_t LWaveInfo::LengthMs() const {
+    const int64_t rate = std::max<int64_t>(format.SampleRate(), 1);
+    if (const int64_t frames = Frames(); IsPcm() || frames > 0) return frames * 1000 / rate;
+    const int64_t byteRate = format.AverageBytesPerSecond();
+    return dataBytes * 1000 / (byteRate > 0 ? byteRate : rate);
+}
+
+bool LWaveFile::ReadInfo(LReadStream& stream, LWaveInfo& info) {
+    info = LWaveInfo();
+    WaveChunks chunks(stream);
+    if (!stream.Seek(0) || !chunks.FindFormat() || !ReadFormat(stream, chunks.Size(), info.format) ||
+        !chunks.FindData() || !IsUsable(info.format))
+        return false;
+    info.dataStart = stream.Position();
+    info.isStreaming = chunks.Size() == kWaveSizeUnknown;
+    const int64_t fileBytes = stream.Size();  // asked once: the file may grow while it is examined
+    const int64_t present = std::max<int64_t>(fileBytes - info.dataStart, 0);
+    info.dataBytes = info.isStreaming ? present : std::min<int64_t>(chunks.Size(), present);
+    info.isOurLayout = IsOurLayout(stream, fileBytes, info);
+    return stream.Seek(info.dataStart);
+}
+
+bool LWaveFile::ReadInfo(const LPath& path, LWaveInfo& info) {
+    LFile file(path, LFile::Open::Read);
+    if (file.IsOpen()) return ReadInfo(file, info);
+    LTrace("LWaveFile::OpenSource Unable to Open File:", path.View());
+    return false;
+}
+
+int32_t LWaveFile::LengthMs(const LPath& path) {
+    LFile file(path, LFile::Open::Read);
+    LWaveInfo info;
+    if (!file.IsOpen() || file.Size() == 0 || !ReadInfo(file, info)) return 0;
+    return Saturate(info.LengthMs());
+}
+
+LSoundSource LWaveFile::OpenSource(const LPath& path) {
+    auto file = std::make_unique<LFile>(path, LFile::Open::Read);
+    if (file->IsOpen()) return OpenSource(std::move(file));
+    LTrace("LWaveFile::OpenSource Unable to Open File:", path.View());
+    return {};
+}
+
+LSoundSource LWaveFile::OpenSource(std::unique_ptr<LReadStream> stream) {
+    LWaveInfo info;
+    if (!ReadInfo(*stream, info)) return {};
+    if (info.IsPcm() && info.BytesPerSample() == 1)
+        return LSoundSource::Make<LSRCPCMFile8>(std::move(stream), info);
+    if (info.IsPcm() && info.BytesPerSample() == 2)
+        return LSoundSource::Make<LSRCPCMFile16>(std::move(stream), info);
+    LSoundSource source = LSoundSource::Make<LSRCACMWave>(std::move(stream), info);
+    return source->IsError() ? LSoundSource() : source;
+}
+
+LSoundSink LWaveFile::OpenSinkPCM(const LPath& path, int bits, uint8_t channels, int32_t sampleRate) {
+    return LSNKPCMFileBase::Open(path, 0, bits, channels, sampleRate);
+}
+
+LSoundSink LWaveFile::OpenSink(const LPath& path, const LWaveFileFormat& format) {
+    if (!IsUsable(format)) return {};
+    if (format.Tag() != kFormatTagPcm) return LSoundSink::Make<LSNKACMFile>(format, path);
+    return OpenSinkPCM(path, format.BitsPerSample(), static_cast<uint8_t>(format.Channels()),
+                       static_cast<int32_t>(format.SampleRate()));
+}
+
+bool LWaveFile::TestPCM(LReadStream& stream) {
+    WaveChunks chunks(stream);
+    if (!stream.Seek(0) || !chunks.FindFormat()) return false;
+    std::array<uint8_t, kFmtMin> record;
+    if (chunks.Size() < kFmtMin || !stream.ReadExact(record))
+        return WaveChunks::Fail("LWaveFile::TestPCM chunk too short");
+    return LWaveFileFormat(record).Tag() == kFormatTagPcm;
+}
+
+bool LWaveFile::TestPCM(const LPath& path) {
+    LFile file(path, LFile::Open::Read);
+    if (file.IsOpen()) return TestPCM(file);
+    LTrace("LWaveFile::TestPCM unable to open file", path.View());
+    return false;
+}

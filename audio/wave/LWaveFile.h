@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "audio/stream/LSoundSink.h"
+#include "audio/stream/LSoundSource.h"
+#include "base/LPath.h"
+#include "base/LStream.h"
+#include "base/LWaveFileFormat.h"
+
+// What a reader learns from the head of a WAV file.
+struct LWaveInfo {
+    LWaveFileFormat format;
+    int64_t dataStart = 0;     // bytes from the start of the file
+    int64_t dataBytes = 0;     // never beyond the end of the file; a streaming file's data run to its end
+    bool isStreaming = false;  // the size fields hold 0xFFFFFFFF: the file is being written, or was cut off
+    // True when the file has exactly the 46-byte head that our sink writes, with nothing after the data.
+    bool isOurLayout = false;
+
+    bool IsPcm() const { return format.Tag() == kFormatTagPcm; }
+    // Whether a recording onto this file must rewrite it first (LRewriteWave).
+    bool NeedsRewrite() const { return !isOurLayout; }
+    // Bytes of one PCM sample: 1 for up to 8 bits, 2 for 9 to 16, and so on.
+    int BytesPerSample() const;
+    // Whole frames, of compressed data those in whole blocks; 0 when the format does not tell.
+    int64_t Frames() const;
+    // Whether so many frames can have become these data: exactly so many of PCM, else, where the format tells,
+    // up to the last block.
+    bool Holds(int64_t frames) const;
+    // Of the whole frames; where the format does not tell them, from the data size and the byte rate.
+    int64_t LengthMs() const;
+};
+
+// Opens WAV files as sources and creates them as sinks.
+class LWaveFile {
+public:
+    // On any failure the null source, never an empty handle. A file that is still being written opens with
+    // the data present now.
+    static LSoundSource OpenSource(const LPath& path);
+    static LSoundSource OpenSource(std::unique_ptr<LReadStream> stream);
+
+    // bits 1 to 8 make an 8-bit file, 9 to 16 a 16-bit file; others give an empty handle. An existing file is
+    // replaced from its start. Test the handle and then its error bit.
+    static LSoundSink OpenSinkPCM(const LPath& path, int bits, uint8_t channels, int32_t sampleRate);
+    // PCM formats as above; for other formats a codec of the machine. Empty or with its error bit set on failure.
+    static LSoundSink OpenSink(const LPath& path, const LWaveFileFormat& format);
+
+    // Whether the file's "fmt " chunk has format tag 1.
+    static bool TestPCM(const LPath& path);
+    static bool TestPCM(LReadStream& stream);
+
+    // The head of a file, false (traced) when it is no WAV file that OpenSource would take. The stream is
+    // left at the start of the data.
+    static bool ReadInfo(LReadStream& stream, LWaveInfo& info);
+    static bool ReadInfo(const LPath& path, LWaveInfo& info);
+
+    // Length in milliseconds; 0 when the file is empty, missing or no WAV file.
+    static int32_t LengthMs(const LPath& path);
+};

@@ -1,0 +1,69 @@
+#include <gtest/gtest.h>
+
+#include "app/transport/PlayPlan.h"
+#include "app/transport/RecordPlan.h"
+#include "app/window/DictationRow.h"
+
+static LWaveInfo Existing(uint16_t bits, uint16_t channels, uint32_t rate, int64_t dataBytes) {
+    LWaveInfo info;
+    info.format = LWaveFileFormat::Pcm(bits, channels, rate);
+    info.dataStart = 46;
+    info.dataBytes = dataBytes;
+    info.isOurLayout = true;
+    return info;
+}
+
+TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
+    static const struct {
+        const char* what;
+        RecordMode mode;
+        int32_t positionMs;
+        int64_t bytes;  // 16 bits, mono, 8000 Hz: 16 bytes to the millisecond
+        int32_t startMs, startFrames;
+    } kCases[] = {
+        {"new dictation", RecordMode::Overwrite, 0, 0, 0, 0},
+        {"append to nothing", RecordMode::Append, 700, 0, 0, 0},
+        {"within the first half second", RecordMode::Overwrite, 500, 160000, 0, 0},
+        {"just after it", RecordMode::Overwrite, 501, 160000, 501, 4008},
+        {"in the middle", RecordMode::Overwrite, 1200, 160000, 1200, 9600},
+        {"append ignores the position", RecordMode::Append, 1200, 160000, 10000, 80000},
+        {"insert takes nothing away", RecordMode::Insert, 1200, 160000, 10000, 80000},
+        {"beyond the end", RecordMode::Overwrite, 99999, 160000, 10000, 80000},
+        {"a negative position", RecordMode::Overwrite, -5, 160000, 0, 0},
+        // 10,000.4 ms: the milliseconds are rounded down, but no frame is cut when appending.
+        {"append keeps the last frames", RecordMode::Append, 0, 160006, 10000, 80003},
+        {"an odd last byte is no frame", RecordMode::Append, 0, 160007, 10000, 80003},
+    };
+    for (const auto& c : kCases) {
+        const RecordStart start = PlanRecording(c.mode, c.positionMs, Existing(16, 1, 8000, c.bytes));
+        EXPECT_EQ(start.positionMs, c.startMs) << c.what;
+        EXPECT_EQ(start.frames, c.startFrames) << c.what;
+    }
+}
+
+TEST(RecordPlan, PositionsBecomeWholeFramesWithoutOverflow) {
+    EXPECT_EQ(PositionToFrames(1001, LWaveFileFormat::Pcm(16, 2, 11025)), 11036);  // 11036.0 of 11036.025
+    EXPECT_EQ(PositionToFrames(1999, LWaveFileFormat::Pcm(8, 1, 11025)), 22038);
+    // Six hours of stereo at 48 kHz pass 2^31 bytes.
+    EXPECT_EQ(PositionToFrames(6 * 3600 * 1000, LWaveFileFormat::Pcm(16, 2, 48000)), 6 * 3600 * 48000);
+}
+
+TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
+    static const struct {
+        int32_t ms;
+        const char* text;
+    } kCases[] = {{0, "00:00"},     {499, "00:00"},     {500, "00:01"},
+                  {59500, "01:00"}, {3600000, "60:00"}, {36000000, "600:00"}};
+    for (const auto& c : kCases) EXPECT_EQ(FormatDuration(c.ms), c.text);
+}
+
+TEST(PlayPlan, BeginsWhereTheUserExpects) {
+    EXPECT_EQ(WindStartMs(5000, WindDirection::Back), 4500);
+    EXPECT_EQ(WindStartMs(499, WindDirection::Back), 0);
+    EXPECT_EQ(WindStartMs(5000, WindDirection::Forward), 5000);
+    EXPECT_EQ(PlayStartMs(4999, 5000), 4999);
+    EXPECT_EQ(PlayStartMs(5000, 5000), 0);
+    EXPECT_EQ(SpeedPercent(ToPlaySpeed(0)), 70);
+    EXPECT_EQ(SpeedPercent(ToPlaySpeed(2)), 150);
+    for (int32_t unknown : {-1, 3}) EXPECT_EQ(SpeedPercent(ToPlaySpeed(unknown)), 100);
+}

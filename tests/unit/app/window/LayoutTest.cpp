@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <set>
+
+#include "app/window/ControlLayout.h"
+#include "app/window/WindowFit.h"
+#include "res/Ids.h"
+
+TEST(WindowFit, PullsTheWindowOntoTheDesktopButNeverToNegativePlaces) {
+    static const struct {
+        ScreenPoint stored, expected;
+        ScreenSize window;
+    } kCases[] = {
+        {{100, 100}, {100, 100}, {420, 300}},
+        {{900, 700}, {604, 468}, {420, 300}},  // off the right and the bottom
+        {{-50, -20}, {0, 0}, {420, 300}},      // a second screen that is gone
+        {{30, 40}, {0, 0}, {1200, 900}},       // larger than the desktop
+        {{2147483647, -2147483647 - 1}, {604, 0}, {420, 300}},
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(FitOnDesktop(c.stored, c.window, {0, 0, 1024, 768}), c.expected)
+            << c.stored.x << ", " << c.stored.y;
+}
+
+TEST(WindowFit, AMaximizedWindowIsNeverTopMost) {
+    EXPECT_TRUE(IsTopMost(ViewMode::Normal, true));
+    EXPECT_FALSE(IsTopMost(ViewMode::Maximized, true));
+    EXPECT_FALSE(IsTopMost(ViewMode::Compact, false));
+    EXPECT_EQ(ToViewMode(99), ViewMode::Normal);
+    EXPECT_EQ(ToViewMode(-1), ViewMode::Normal);
+}
+
+class LayoutTest : public ::testing::Test {
+protected:
+    void Lay(ViewMode view, int width, int height, DialogUnits units = {6, 13}) {
+        LayoutControls(view, {width, height}, units, m_places);
+        m_width = width;
+        m_height = height;
+    }
+    const ControlPlace& Of(int control) const {
+        for (const ControlPlace& place : m_places)
+            if (place.control == control) return place;
+        static const ControlPlace kNone;
+        ADD_FAILURE() << "control " << control << " is not placed";
+        return kNone;
+    }
+    // Everything visible lies in the client area and nothing lies on anything else.
+    void ExpectSound() const {
+        std::set<int> seen;
+        for (const ControlPlace& a : m_places) {
+            EXPECT_TRUE(seen.insert(a.control).second) << a.control << " is placed twice";
+            if (a.IsHidden()) continue;
+            EXPECT_TRUE(a.x >= 0 && a.y >= 0 && a.x + a.width <= m_width && a.y + a.height <= m_height)
+                << a.control << " sticks out";
+            for (const ControlPlace& b : m_places) {
+                const bool apart = a.x + a.width <= b.x || b.x + b.width <= a.x || a.y + a.height <= b.y ||
+                                   b.y + b.height <= a.y;
+                EXPECT_TRUE(&a == &b || b.IsHidden() || apart) << a.control << " lies on " << b.control;
+            }
+        }
+    }
+
+    std::array<ControlPlace, kControlCount> m_places;
+    int m_width = 0;
+    int m_height = 0;
+};
+
+TEST_F(LayoutTest, EveryViewIsSoundAtTheUsualFontSizes) {
+    for (const DialogUnits units : {DialogUnits{6, 13}, DialogUnits{7, 13}, DialogUnits{8, 16}}) {
+        for (const ViewMode view : {ViewMode::Compact, ViewMode::Normal}) {
+            const ScreenSize size = ClientUnits(view);
+            Lay(view, size.width * units.x4 / 4, size.height * units.y8 / 8, units);
+            ExpectSound();
+        }
+        Lay(ViewMode::Maximized, 1016, 700, units);
+        ExpectSound();
+        Lay(ViewMode::Maximized, 640, 440, units);
+        ExpectSound();
+    }
+}
+
+TEST_F(LayoutTest, TheTransportRowIsTheSameInEveryView) {
+    constexpr int kRow[] = {IDC_RECORD, IDC_STOP,        IDC_PLAY,   IDC_GOTOSTART,
+                            IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND};
+    Lay(ViewMode::Compact, 277, 113);
+    const auto compact = m_places;
+    Lay(ViewMode::Maximized, 1016, 700);
+    for (int control : kRow) {
+        for (const ControlPlace& before : compact) {
+            if (before.control != control) continue;
+            const ControlPlace& now = Of(control);
+            EXPECT_TRUE(before.x == now.x && before.y == now.y && before.width == now.width) << control;
+        }
+    }
+}
+
+TEST_F(LayoutTest, TheCompactViewHidesTheListAndTheMaximizedOneGivesItTheRoom) {
+    Lay(ViewMode::Compact, 277, 113);
+    EXPECT_TRUE(Of(IDC_LIST).IsHidden());
+    EXPECT_FALSE(Of(IDC_POSITION).IsHidden());
+    Lay(ViewMode::Maximized, 1016, 700);
+    EXPECT_GT(Of(IDC_LIST).height, 350);
+    EXPECT_GT(Of(IDC_NOTES).height, 100);
+}

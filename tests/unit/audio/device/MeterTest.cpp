@@ -1,0 +1,109 @@
+#include "audio/device/LMeter.h"
+#include "tests/unit/TestKit.h"
+
+using LDB::LDBTablesClass;
+
+// 400 pixels, 100 segments: above -24 dB 12 dB take 25 of them, below it 24 dB. Red begins behind the 88th.
+static constexpr int32_t kWidth = 400;
+static constexpr int8_t kLevels[] = {-127, -30, 10, -3, -127, -127, 12, -20};
+
+// One letter for each segment of the meter, equal ones counted: "G52.48" is 52 green and 48 dark segments.
+static std::string Show(const LMeter& meter) {
+    const LMeterPicture picture = meter.Draw(kWidth);
+    std::string letters, text;
+    for (int32_t x = 0; x < kWidth; x += LMeter::kSegmentPixels) {
+        for (int32_t i = 1; i < LMeter::kSegmentPixels; ++i)
+            EXPECT_EQ(picture.ColourAt(x), picture.ColourAt(x + i)) << "half a segment";
+        letters += ".GR"[static_cast<size_t>(picture.ColourAt(x))];
+    }
+    for (size_t i = 0, next; i < letters.size(); i = next) {
+        next = std::min(letters.find_first_not_of(letters[i], i), letters.size());
+        text += letters[i] + std::to_string(next - i);
+    }
+    return text;
+}
+
+TEST(Meter, ScaleIsMonotonousAndFullAtFullScale) {
+    int32_t before = 0;
+    for (int32_t db = -128; db <= 127; ++db) {
+        const int32_t position = LDB::kTables.Position(static_cast<int8_t>(db));
+        if (db > LDBTablesClass::kLowestDb && db <= kFullScaleDb)
+            EXPECT_GT(position, before) << db;
+        else
+            EXPECT_EQ(position, db <= 0 ? 0 : LDBTablesClass::kScale) << db;
+        before = position;
+    }
+}
+
+TEST(Meter, IsGreenBelowTheMarkedLevelAndRedAboveIt) {
+    static const struct {
+        int8_t db;
+        const char* shown;
+    } kCases[] = {{-127, ".100"}, {-48, ".100"},   {-47, "G1.99"}, {-24, "G25.75"}, {0, "G75.25"},
+                  {6, "G88.12"},  {7, "G88R2.10"}, {12, "G88R12"}, {127, "G88R12"}};
+    for (const auto& c : kCases) {
+        LMeter meter;
+        meter.SetLevel(c.db, 0);
+        EXPECT_EQ(Show(meter), c.shown) << int{c.db};
+    }
+}
+
+TEST(Meter, HoldsThePeakThenLetsItFallAndIsStillWhenAllIsSilent) {
+    // Tick counts wrap in the middle of it.
+    for (const uint32_t begin : {0u, 0u - 1700u}) {
+        LMeter meter;
+        EXPECT_EQ(meter.WaitMs(begin), LMeter::kNever);
+        meter.SetLevel(9, begin);
+        EXPECT_EQ(meter.WaitMs(begin), LMeter::kNever) << "a steady level needs no timer";
+        meter.SetLevel(-127, begin + 1000);
+        meter.Advance(begin + 1500);  // the bar falls 36 dB in a second
+        EXPECT_EQ(Show(meter), "G56.37R1.6");
+        EXPECT_EQ(meter.WaitMs(begin + 1500), LMeter::kStepMs);
+        meter.Advance(begin + 2600);  // the bar has gone; the peak has begun to fall, 24 dB in a second
+        EXPECT_EQ(Show(meter), ".89R1.10");
+        meter.Advance(begin + 3000);
+        EXPECT_EQ(Show(meter), ".68G1.31");
+        uint32_t now = begin + 3000;
+        while (meter.WaitMs(now) != LMeter::kNever && now - begin < 10000)
+            meter.Advance(now += meter.WaitMs(now));
+        EXPECT_EQ(Show(meter), ".100");
+        EXPECT_LT(now - begin, 6000u);
+        meter.Advance(now + 0x90000000u);
+        EXPECT_EQ(Show(meter), ".100") << "what was held long ago does not come back";
+    }
+}
+
+TEST(Meter, SleepsWhileThePeakIsHeld) {
+    LMeter meter;
+    meter.SetLevel(0, 0);
+    meter.SetLevel(-1, 100);
+    meter.Advance(200);
+    EXPECT_EQ(meter.WaitMs(200), LMeter::kHoldMs - 100);
+}
+
+TEST(Meter, RepaintsExactlyWhatChanges) {
+    for (const int32_t width : {0, 3, 60, 398, 400}) {
+        LMeter meter;
+        uint32_t now = 0;
+        std::vector<LMeterColour> screen(static_cast<size_t>(width));
+        LMeterPicture shown = meter.Draw(width);
+        for (const int8_t db : kLevels) {
+            meter.SetLevel(db, now += 700);
+            const LMeterPicture next = meter.Draw(width);
+            LMeterPicture::ForEachChange(shown, next, [&](int32_t from, int32_t to) {
+                for (int32_t x = from; x < to; ++x) {
+                    EXPECT_NE(screen[static_cast<size_t>(x)], next.ColourAt(x)) << "painted for nothing";
+                    screen[static_cast<size_t>(x)] = next.ColourAt(x);
+                }
+            });
+            int32_t end = 0;
+            for (const auto& stretch : next.stretches) {
+                EXPECT_EQ(stretch.from, end) << "a gap, or a pixel painted twice";
+                end = stretch.to;
+            }
+            EXPECT_EQ(end, width);
+            for (int32_t x = 0; x < width; ++x) EXPECT_EQ(screen[static_cast<size_t>(x)], next.ColourAt(x));
+            shown = next;
+        }
+    }
+}

@@ -1,0 +1,282 @@
+#include <numeric>
+
+#include "audio/wave/LRewriteWave.h"
+#include "audio/wave/LWaveFile.h"
+#include "tests/unit/audio/AudioTest.h"
+
+static const Bytes kFmt16 = PcmFormat(16);
+static const Bytes kFrames = Hex("0100 0200 0300");
+static const Bytes kData = Chunk("data", kFrames);
+static const Bytes kOpenData = Text("data") + Little(0xFFFFFFFF);
+
+static LSoundSource OpenBytes(const Bytes& bytes) {
+    return LWaveFile::OpenSource(std::make_unique<LMemoryFile>(bytes));
+}
+
+static Samples ReadAll(LSoundSource source, int32_t frames) {
+    Samples samples(static_cast<size_t>(frames) * source->GetChannels(), 99);
+    source->Read(samples.data(), frames);
+    return samples;
+}
+
+TEST(WaveSource, ReadsSamplesAndThenSilence) {
+    LSoundSource mono = OpenBytes(Wave16(Hex("0100 FFFF 0080")));
+    EXPECT_EQ(mono->GetLevel(), 0x7FFF0);
+    EXPECT_EQ(ReadAll(mono, 2), (Samples{16, -16}));
+    EXPECT_EQ(ReadAll(mono, 3), (Samples{-524288, 0, 0}));
+    EXPECT_EQ(mono->GetPosition(), 5);
+
+    LSoundSource stereo =
+        OpenBytes(WaveFile(PcmFormat(8, 18, 2, 11025) + Chunk("data", Hex("00 80 FF 81 77"))));
+    EXPECT_EQ(stereo->GetSampleRate(), 11025);
+    EXPECT_EQ(stereo->GetLength(), 2) << "half a frame does not count";
+    EXPECT_EQ(ReadAll(stereo, 3), (Samples{-524288, 0, 0x7F000, 4096, 0, 0}));
+}
+
+TEST(WaveSource, SeeksWithSilenceBeforeTheStart) {
+    LSoundSource source = OpenBytes(WaveFile(kFmt16 + kData + Chunk("LIST", Bytes(20, 0x77))));
+    static const struct {
+        int32_t to;
+        Samples read;
+    } kCases[] = {
+        {1, {32, 48, 0, 0, 0, 0, 0}}, {0, {16, 32, 48, 0, 0, 0, 0}}, {-2, {0, 0, 16, 32, 48, 0, 0}},
+        {-9, {0, 0, 0, 0, 0, 0, 0}},  {3, {0, 0, 0, 0, 0, 0, 0}},    {99, {0, 0, 0, 0, 0, 0, 0}},
+    };
+    for (const auto& c : kCases) {
+        source->Seek(c.to);
+        EXPECT_EQ(ReadAll(source, 7), c.read) << c.to;
+        EXPECT_EQ(source->GetPosition(), c.to + 7);
+    }
+    source->Seek(INT32_MAX);
+    ReadAll(source, 4);
+    EXPECT_EQ(source->GetPosition(), INT32_MAX);
+}
+
+TEST(WaveSource, FindsTheDataInEveryValidFile) {
+    const Bytes list = Chunk("LIST", Hex("01 02 03"));  // odd: padded
+    const std::pair<const char*, Bytes> cases[] = {
+        {"16-byte fmt", WaveFile(PcmFormat(16, 16) + kData)},
+        {"fmt with half of the last field", WaveFile(PcmFormat(16, 17) + kData)},
+        {"fmt with extra bytes", WaveFile(PcmFormat(16, 40) + kData)},
+        {"longest fmt", WaveFile(PcmFormat(16, 8192) + kData)},
+        {"12 bits", WaveFile(PcmFormat(12) + kData)},
+        {"chunks around", WaveFile(list + kFmt16 + list + kData + list)},
+        {"a foreign chunk in front", Chunk("ABCD", Bytes(6)) + WaveFile(kFmt16 + kData)},
+        {"still being written", WaveFile(kFmt16 + kOpenData + kFrames)},
+        {"cut off in a frame", WaveFile(kFmt16 + kOpenData + kFrames + Hex("44"))},
+        {"shorter than it says", WaveFile(kFmt16 + Text("data") + Little(0x7FFFFFFF) + kFrames)},
+    };
+    for (const auto& [what, bytes] : cases) {
+        LSoundSource source = OpenBytes(bytes);
+        EXPECT_FALSE(source->IsError()) << what;
+        EXPECT_EQ(source->GetLength(), 3) << what;
+        EXPECT_EQ(ReadAll(source, 4), (Samples{16, 32, 48, 0})) << what;
+    }
+}
+
+TEST(WaveSource, SaysWhyItRefusesAFile) {
+    const Bytes negative = Text("LIST") + Little(0x80000000);
+    const auto withFormat = [](uint32_t tag, uint32_t channels, uint32_t rate, uint32_t bits) {
+        return WaveFile(Chunk("fmt ", FormatRecord(tag, channels, rate, bits)) + kData);
+    };
+    const std::pair<const char*, std::vector<Bytes>> cases[] = {
+        {"No RIFF WAVE chunk found",
+         {{}, Chunk("ABCD", Bytes(100)), Text("RIFF") + Little(100) + Text("AVI ") + Bytes(99)}},
+        {"chunk too short!",
+         {Chunk("ABCD", Bytes(4)) + WaveFile(kFmt16 + kData), Text("ABCD") + Little(0xFFFFFFFF) + Bytes(99)}},
+        {"fmt subchunk not found!", {WaveFile({}), WaveFile(Chunk("LIST", Bytes(2)))}},
+        {"subchunk too short (< 0)!",
+         {WaveFile(negative + kFmt16 + kData), WaveFile(kFmt16 + negative + kData)}},
+        {"fmt to short or too long!",
+         {WaveFile(PcmFormat(16, 13) + kData), WaveFile(PcmFormat(16, 8193) + kData)}},
+        {"fmt error!", {WaveFile(Text("fmt ") + Little(18) + Bytes(17))}},
+        {"data subchunk not found!", {WaveFile(kFmt16), WaveFile(kData + kFmt16)}},
+        {"channels or sample rate out of range",
+         {withFormat(1, 0, 8000, 16), withFormat(1, 256, 8000, 16), withFormat(1, 1, 196001, 16),
+          withFormat(1, 1, 0, 16)}},
+    };
+    for (const auto& [reason, files] : cases) {
+        for (const Bytes& bytes : files) {
+            TraceLog log;
+            EXPECT_TRUE(OpenBytes(bytes)->IsError()) << reason;
+            EXPECT_EQ(log.All(), std::string("LWaveFile::OpenSource ") + reason + "\n");
+        }
+    }
+    TraceLog log;
+    LSoundSource noCodec = OpenBytes(withFormat(0x7777, 2, 8000, 8));
+    EXPECT_TRUE(noCodec->IsError() && noCodec->GetSampleRate() == 11025) << "the null source";
+    EXPECT_EQ(log.All(), "LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR\n");
+    EXPECT_TRUE(LWaveFile::OpenSource(LPath("no/such/file.wav"))->IsError());
+    EXPECT_TRUE(log.Has("LWaveFile::OpenSource Unable to Open File:"));
+}
+
+TEST(WaveSource, PlaysARecordingWhileItGrowsAndWhenItIsCut) {
+    const ScratchFile file({});
+    Samples block(kBlockFrames);
+    std::iota(block.begin(), block.end(), 0);
+    LSoundSink sink = LWaveFile::OpenSinkPCM(file.path, 16, 1, 8000);
+    sink->Write(block.data(), kBlockFrames);
+
+    TraceLog log;
+    LSoundSource source = LWaveFile::OpenSource(file.path);
+    EXPECT_TRUE(log.Has("LSRCPCMFileBase::LSRCPCMFileBase Wav File Is Streaming"));
+    ASSERT_EQ(source->GetLength(), kBlockFrames);
+    // Voice activation takes silence back, then the speaker goes on.
+    sink->Truncate(10);
+    Samples cut(100);
+    cut[8] = cut[9] = 16;
+    EXPECT_EQ(ReadAll(source, 100), cut);
+    sink->Write(block.data(), kBlockFrames - 10);
+    EXPECT_EQ(ReadAll(source, 1)[0], FromPcm16(ToPcm16(90))) << "in step with its position";
+    sink.Reset();
+    EXPECT_EQ(LWaveFile::OpenSource(file.path)->GetLength(), kBlockFrames);
+}
+
+TEST(WaveInfo, TellsLayoutAndLength) {
+    static const struct {
+        const char* what;
+        Bytes bytes;
+        int64_t lengthMs;
+        bool streaming, rewrite;
+    } kCases[] = {
+        {"ours", Wave16(Bytes(16000)), 1000, false, false},
+        {"ours, left by a crash", WaveFile(kFmt16 + kOpenData + Bytes(16003)), 1000, true, false},
+        {"8 bits", WaveFile(PcmFormat(8) + Chunk("data", Bytes(12000))), 1500, false, false},
+        {"a padded odd chunk", WaveFile(PcmFormat(8) + Chunk("data", Bytes(11999))), 1499, false, true},
+        {"44-byte head", WaveFile(PcmFormat(16, 16) + kData), 0, false, true},
+        {"a chunk behind", WaveFile(kFmt16 + kData + Chunk("LIST", Bytes(4))), 0, false, true},
+        {"24 bits", WaveFile(PcmFormat(24) + Chunk("data", Bytes(2400))), 100, false, true},
+        {"compressed",
+         WaveFile(Chunk("fmt ", Hex("3100 0100 401F0000 5906 0000 4100 0000 0200 4001")) +
+                  Chunk("data", Bytes(1625))),
+         1000, false, true},
+        {"compressed with a wrong byte rate",
+         WaveFile(Chunk("fmt ", Hex("1100 0100 401F0000 01000000 0001 0400 0200 F901")) +
+                  Chunk("data", Bytes(256 * 16))),
+         1010, false, true},
+        {"compressed without a byte rate",
+         WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + Chunk("data", Bytes(800))), 100, false,
+         true},
+    };
+    for (const auto& c : kCases) {
+        LMemoryFile file(c.bytes);
+        LWaveInfo info;
+        ASSERT_TRUE(LWaveFile::ReadInfo(file, info)) << c.what;
+        EXPECT_EQ(info.LengthMs(), c.lengthMs) << c.what;
+        EXPECT_EQ(info.isStreaming, c.streaming) << c.what;
+        EXPECT_EQ(info.NeedsRewrite(), c.rewrite) << c.what;
+    }
+}
+
+// Rewrites a file made of these bytes and returns what it holds then.
+static Bytes Rewritten(const Bytes& before, ProcessResult expected, int cancelAfter = -1) {
+    const ScratchFile file(before);
+    NotingContext context;
+    context.cancelAfter = cancelAfter;
+    EXPECT_EQ(LRewriteWave(file.path).Process(context), expected);
+    EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u) << "nothing is left beside it";
+    EXPECT_EQ(context.errors.empty(), expected != ProcessResult::Failed);
+    return file.Contents();
+}
+
+TEST(RewriteWave, BringsEveryPcmFileIntoOurLayout) {
+    const Bytes list = Chunk("LIST", Bytes(5));
+    const Bytes fmt8Stereo = PcmFormat(8, 18, 2, 11025);
+    Bytes samples(65536 * 2);
+    for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i % 2 ? i >> 9 : i >> 1);
+    const std::pair<Bytes, Bytes> cases[] = {
+        {WaveFile(PcmFormat(16, 16) + kData), Wave16(kFrames)},
+        {WaveFile(PcmFormat(16, 16) + Chunk("data", samples)), Wave16(samples)},
+        {WaveFile(list + kFmt16 + list + kOpenData + kFrames), Wave16(kFrames)},
+        {WaveFile(PcmFormat(12) + kData), Wave16(kFrames)},
+        {WaveFile(fmt8Stereo + list + Chunk("data", Hex("00 FF 80 7F"))),
+         WaveFile(fmt8Stereo + Chunk("data", Hex("00 FF 80 7F")))},
+        // 24 and 32 bits round to the nearest, the top of the range holds.
+        {WaveFile(PcmFormat(24) + Chunk("data", Hex("7F0001 800001 FFFF7F 000080 7FFF7F 80FF00"))),
+         Wave16(Hex("0001 0101 FF7F 0080 FF7F 0001"))},
+        {WaveFile(PcmFormat(32) + Chunk("data", Hex("FF7F0100 00800100 FFFFFF7F 00000080"))),
+         Wave16(Hex("0100 0200 FF7F 0080"))},
+    };
+    for (const auto& [before, after] : cases) EXPECT_EQ(Rewritten(before, ProcessResult::Done), after);
+}
+
+TEST(RewriteWave, LeavesTheOldFileWhenItHasNothingToDoOrDoesNotFinish) {
+    const Bytes ours = WaveFile(kFmt16 + kOpenData + kFrames);
+    EXPECT_EQ(Rewritten(ours, ProcessResult::Done), ours);
+    const Bytes compressed = WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + kData);
+    EXPECT_EQ(Rewritten(compressed, ProcessResult::Failed), compressed);
+    const Bytes foreign = WaveFile(kFmt16 + kData + Chunk("LIST", {}));
+    EXPECT_EQ(Rewritten(foreign, ProcessResult::Stopped, 0), foreign);
+}
+
+namespace {
+
+// A file that a recorder works on while a source reads it.
+struct Recording {
+    LMemoryFile file;
+    bool isBeingWritten = true;
+};
+
+class RecordingStream final : public LReadStream {
+public:
+    explicit RecordingStream(Recording& recording) : m_recording(recording) {}
+    size_t Read(std::span<uint8_t> buffer) override {
+        m_recording.file.Seek(m_position);
+        const size_t count = m_recording.file.Read(buffer);
+        m_position += static_cast<int64_t>(count);
+        return count;
+    }
+    bool Seek(int64_t position) override {
+        m_position = position;
+        return true;
+    }
+    int64_t Position() const override { return m_position; }
+    int64_t Size() const override { return m_recording.file.Size(); }
+    bool IsBeingWritten() const override { return m_recording.isBeingWritten; }
+
+private:
+    Recording& m_recording;
+    int64_t m_position = 0;
+};
+
+}  // namespace
+
+TEST(GrowingFile, IsFollowedUntilItsRecorderHasFinishedIt) {
+    enum class Finish { Header, Crash, HeaderOfLess };
+    for (const Finish finish : {Finish::Header, Finish::Crash, Finish::HeaderOfLess}) {
+        Recording recording;
+        const auto append = [&](const Bytes& bytes) {
+            recording.file.Seek(recording.file.Size());
+            EXPECT_TRUE(recording.file.WriteAll(bytes));
+        };
+        append(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100 0200"));
+        LSoundSource source = LWaveFile::OpenSource(std::make_unique<RecordingStream>(recording));
+        EXPECT_TRUE(source->IsGrowing());
+        EXPECT_EQ(source->GetLength(), 2);
+        Samples samples(3);
+        source->Read(samples.data(), 3);
+        EXPECT_EQ(samples, (Samples{16, 32, 0})) << "silence in place of what comes later";
+        if (finish == Finish::Crash) source->Seek(3);  // beyond its end, where it is already
+        append(Hex("0300 0400 0500 06"));
+        EXPECT_EQ(source->GetLength(), 5) << "whole frames";
+        source->Read(samples.data(), 2);
+        EXPECT_EQ(samples[0], 64) << "each sample in its own place";
+        EXPECT_EQ(samples[1], 80);
+        EXPECT_TRUE(source->IsGrowing());
+
+        recording.isBeingWritten = finish == Finish::HeaderOfLess;
+        if (finish != Finish::Crash) {
+            recording.file.Seek(42);
+            EXPECT_TRUE(recording.file.WriteAll(Little(finish == Finish::Header ? 10 : 6)));
+        }
+        EXPECT_FALSE(source->IsGrowing());
+        append(Hex("0700 0800"));
+        EXPECT_EQ(source->GetLength(), finish == Finish::HeaderOfLess ? 3 : 5) << "that was final";
+    }
+    // Nobody writes it: left over by a crash.
+    Recording leftOver;
+    leftOver.isBeingWritten = false;
+    EXPECT_TRUE(
+        leftOver.file.WriteAll(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100")));
+    EXPECT_FALSE(LWaveFile::OpenSource(std::make_unique<RecordingStream>(leftOver))->IsGrowing());
+}
