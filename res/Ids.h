@@ -94,10 +94,10 @@
 #define WM_APICOMMAND   32767
 
 // Messages that the main window sends itself
-#define WM_TRANSPORTTROUBLE 0x8001
-#define WM_ROWCHANGED       0x8002
-#define WM_SELECTIONMOVED   0x8003
-#define WM_HOLDBUTTON       0x8004
+#define WM_SHOWLATER      0x8001
+#define WM_ROWCHANGED     0x8002
+#define WM_SELECTIONMOVED 0x8003
+#define WM_HOLDBUTTON     0x8004
 
 // Command indexes: what pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0
@@ -129,5 +129,4 @@
 #define IDM_MAIN       200
 #define IDM_DICTATION  201
 #define IDM_INFO       202
-#define IDA_MAIN       210
 #define IDW_RECORDTONE 300

@@ -50,8 +50,8 @@ std::vector<LPath> ListRecords(const LPath& folder) {
     return records;
 }
 
-void SetPriority(const LPath& record, std::string_view priority) {
-    Settings::Write(record, RecordKeys::kPriority, priority);
+bool SetPriority(const LPath& record, std::string_view priority) {
+    return Settings::Write(record, RecordKeys::kPriority, priority);
 }
 
 constexpr char kSetAsideExtension[] = ".bad%d";

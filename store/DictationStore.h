@@ -32,8 +32,8 @@ std::optional<NewDictation> CreateDictation(const CurrentUser& user, int64_t now
 // The paths of all record files of a folder, in the order in which the file system yields them.
 std::vector<LPath> ListRecords(const LPath& folder);
 
-// "High", "Normal" or "Low".
-void SetPriority(const LPath& record, std::string_view priority);
+// "High", "Normal" or "Low". False when the record does not take it.
+bool SetPriority(const LPath& record, std::string_view priority);
 
 // Moves a file that stands under the audio's name but holds no audio out of the way of a recording, since it
 // may be all that is left of one ("00000012.bad1"). The new path, empty when it could not be moved.

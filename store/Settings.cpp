@@ -44,8 +44,8 @@ std::string ReadText(const LPath& file, std::string_view section, std::string_vi
     return LProfile::Read(file, section, key, defaultText);
 }
 
-void WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text) {
-    LProfile::Write(file, section, key, text);
+bool WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text) {
+    return LProfile::Write(file, section, key, text);
 }
 
 int32_t ParseTime(std::string_view text) {

@@ -8,7 +8,7 @@
 #include "base/LPath.h"
 
 // Typed accessors to INI-style settings files. Nothing is cached: each call asks the file.
-// Errors: a read of what is missing yields the default; a failed write is ignored.
+// Errors: a read of what is missing yields the default; a failed write of a text returns false, others are ignored.
 // Thread: any.
 namespace Settings {
 
@@ -37,7 +37,7 @@ bool ReadBool(const LPath& file, std::string_view section, std::string_view key,
 void WriteBool(const LPath& file, std::string_view section, std::string_view key, bool value);
 std::string ReadText(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view defaultText);
-void WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text);
+bool WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text);
 // "hh:mm:ss"; what exceeds 86400 seconds is reduced modulo 86400.
 int32_t ReadTime(const LPath& file, std::string_view section, std::string_view key, int32_t defaultSeconds);
 void WriteTime(const LPath& file, std::string_view section, std::string_view key, int32_t seconds);
@@ -66,8 +66,8 @@ inline void Write(const LPath& file, const IntKey& k, int32_t value) {
 inline void Write(const LPath& file, const BoolKey& k, bool value) {
     WriteBool(file, k.section, k.key, value);
 }
-inline void Write(const LPath& file, const TextKey& k, std::string_view text) {
-    WriteText(file, k.section, k.key, text);
+inline bool Write(const LPath& file, const TextKey& k, std::string_view text) {
+    return WriteText(file, k.section, k.key, text);
 }
 inline void Write(const LPath& file, const LevelKey& k, int8_t levelDb) {
     WriteLevel(file, k.section, k.key, levelDb);

@@ -48,8 +48,8 @@ private:
 
 }  // namespace
 
-int ChooseRecipient(const AppState& state, HWND owner) {
+int ChooseRecipient(const AppState& state, LModalRunner& runner) {
     ChooseRecipientDialog dialog(state);
-    dialog.RunModal(IDD_CHOOSE, owner);
+    runner.RunModal(dialog, IDD_CHOOSE, LModalRunner::WhatRuns::Stops);
     return dialog.Chosen();
 }

@@ -12,7 +12,6 @@
 #include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
 #include "store/SoundInput.h"
-#include "ui/LProgressDialog.h"
 
 namespace {
 
@@ -61,8 +60,8 @@ public:
 
 }  // namespace
 
-Recording::Recording(const AppState& state, Owner& owner)
-    : m_state(state), m_owner(owner), m_recorder(*this) {}
+Recording::Recording(const AppState& state, LModalRunner& runner, Owner& owner)
+    : m_state(state), m_runner(runner), m_owner(owner), m_recorder(*this) {}
 
 Recording::~Recording() {
     Stop();
@@ -99,13 +98,13 @@ bool Recording::ReadExisting(Target& target) {
     {
         LFile file(audio, LFile::Open::Read);
         if (!file.IsOpen() && LFile::Exists(audio)) {
-            Trouble(kCannotOpen);
+            m_runner.Tell(kCannotOpen);
             return false;
         }
         if (!file.IsOpen() || file.Size() == 0) return true;
         if (LWaveInfo found; LWaveFile::ReadInfo(file, found)) {
             if (!LRewriteWave::CanRead(found)) {
-                Trouble(kUnknownFormat);
+                m_runner.Tell(kUnknownFormat);
                 return false;
             }
             info = found;
@@ -114,16 +113,16 @@ bool Recording::ReadExisting(Target& target) {
     }
     target.setAside = SetAsideAudio(target.files);
     if (!target.setAside.Empty()) return true;
-    Trouble(kCannotOpen);
+    m_runner.Tell(kCannotOpen);
     return false;
 }
 
 bool Recording::Rewrite(Target& target) {
     LRewriteWave rewrite(target.files.audio);
-    const ProcessResult result = LProgressDialog::Run(rewrite, m_owner.OwnerWindow(), "Preparing Dictation");
-    if (!m_owner.MayGoOn() || result != ProcessResult::Done) return false;
+    const ProcessResult result = m_runner.RunProcess(rewrite, "Preparing Dictation");
+    if (!m_runner.MayGoOn() || result != ProcessResult::Done) return false;
     if (LWaveFile::ReadInfo(target.files.audio, target.info)) return true;
-    Trouble(kCannotOpen);
+    m_runner.Tell(kCannotOpen);
     return false;
 }
 
@@ -134,7 +133,7 @@ bool Recording::OpenSink(const Target& target) {
                                  static_cast<int32_t>(format.SampleRate()));
     if (m_sink && !m_sink->IsError()) return true;
     m_sink.Reset();
-    Trouble(kCannotOpen);
+    m_runner.Tell(kCannotOpen);
     return false;
 }
 
@@ -153,7 +152,7 @@ bool Recording::StartRecorder() {
         m_isWaiting = false;
         m_sink.Reset();
         PutBackSetAside();
-        LMessageBox(m_owner.OwnerWindow(), kNoDevice, "Sound Device Error", MB_OK | MB_ICONEXCLAMATION);
+        m_runner.Box(kNoDevice, "Sound Device Error", MB_OK | MB_ICONEXCLAMATION);
         return false;
     }
     return true;
@@ -167,10 +166,6 @@ void Recording::PutBackSetAside() {
 
 void Recording::Stop() {
     m_recorder.Stop();
-}
-
-void Recording::Trouble(const char* text) {
-    LMessageBox(m_owner.OwnerWindow(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
 void Recording::OnRecording() {

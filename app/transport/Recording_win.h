@@ -7,6 +7,7 @@
 #include "app/transport/RecordPlan.h"
 #include "audio/device/LSoundRecorder_win.h"
 #include "store/DictationFiles.h"
+#include "ui/LModalRunner.h"
 
 // Records into one dictation: makes its file ready, opens the input, runs the recorder.
 // Units: milliseconds of the dictation. Thread: the window thread.
@@ -28,12 +29,9 @@ public:
         // Voice activation began or ended to wait.
         virtual void RecordingWaits(bool isWaiting) = 0;
         virtual void RecordingEnded(const Outcome& outcome) = 0;
-        virtual HWND OwnerWindow() const = 0;
-        // Long work before a recording is over; false when the window is to close instead.
-        virtual bool MayGoOn() = 0;
     };
 
-    Recording(const AppState& state, Owner& owner);
+    Recording(const AppState& state, LModalRunner& runner, Owner& owner);
     ~Recording();
 
     // From a position of the dictation. False after the user was told why not.
@@ -63,7 +61,6 @@ private:
     bool OpenSink(const Target& target);
     bool StartRecorder();
     void PutBackSetAside();
-    void Trouble(const char* text);
 
     void OnRecording() override;
     void OnWaiting() override;
@@ -72,6 +69,7 @@ private:
     void OnLevel() override;
 
     const AppState& m_state;
+    LModalRunner& m_runner;
     Owner& m_owner;
     LSoundRecorder m_recorder;
     // Of the running recording. The recorder's thread writes to the sink; we hold it to see afterwards what

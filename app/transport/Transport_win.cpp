@@ -25,22 +25,36 @@ constexpr char kDeviceLost[] =
 
 }  // namespace
 
-Transport::Transport(const AppState& state, Owner& owner)
-    : m_state(state), m_owner(owner), m_playback(state.data.settingsFile, *this), m_recording(state, *this) {}
+Transport::Transport(const AppState& state, const CurrentDictation& current, LModalRunner& runner,
+                     Owner& owner)
+    : m_state(state),
+      m_current(current),
+      m_runner(runner),
+      m_owner(owner),
+      m_playback(state.data.settingsFile, *this),
+      m_recording(state, runner, *this) {}
 
 // ---- Recording -------------------------------------------------------------------------------------------
 
 bool Transport::Record(RecordMode mode) {
-    if (IsRecording() || m_isPreparing) {
+    if (IsRecording() || m_isStarting) {
         LTrace("Transport::Record called but already recording");
         return false;
     }
-    Stop();
+    m_isStarting = true;
+    const bool hasDictation = Stop() && m_owner.HaveDictation() && m_current && m_runner.MayGoOn();
+    const bool started = hasDictation && Start(mode);
+    m_isStarting = false;
+    return started;
+}
+
+bool Transport::Start(RecordMode mode) {
     m_isPreparing = true;
-    const std::optional<DictationFiles> files = m_owner.DictationToRecord();
-    const bool started = files && m_recording.Start(*files, mode, m_positionMs);
+    m_stopAsked = false;
+    const bool started = m_recording.Start(*m_current.Files(), mode, m_positionMs);
     m_isPreparing = false;
     if (started) m_owner.ActivityChanged();
+    if (started && m_stopAsked) Stop();
     return started;
 }
 
@@ -50,13 +64,13 @@ void Transport::RecordingPosition(int32_t positionMs) {
 }
 
 void Transport::RecordingEnded(const Recording::Outcome& outcome) {
-    if (m_current && m_current->record == outcome.files.record) {
+    if (m_current.Is(outcome.files)) {
         m_lengthMs = outcome.lengthMs;
         m_positionMs = outcome.positionMs;
     }
     FinishActivity();
     m_owner.RecordingStopped(outcome.files);
-    if (outcome.trouble != nullptr) m_owner.TransportTrouble(outcome.trouble);
+    if (outcome.trouble != nullptr) m_runner.TellLater(outcome.trouble);
 }
 
 // ---- Playing ---------------------------------------------------------------------------------------------
@@ -66,30 +80,27 @@ PlaySpeed Transport::StoredSpeed() const {
 }
 
 bool Transport::Play() {
-    if (IsPlaying() || m_isPreparing) return false;
+    if (IsPlaying() || m_isStarting) return false;
     // After a recording the user hears what was just said.
     const bool afterRecording = IsRecording();
     const int32_t recordedFromMs = m_recording.StartMs();
-    Stop();
-    return PlayFrom(PlayStartMs(afterRecording ? recordedFromMs : m_positionMs, m_lengthMs));
+    return Stop() && PlayFrom(PlayStartMs(afterRecording ? recordedFromMs : m_positionMs, m_lengthMs));
 }
 
 bool Transport::PlayFromStart() {
-    Stop();
-    return PlayFrom(0);
+    return !m_isStarting && Stop() && PlayFrom(0);
 }
 
-void Transport::PlayAt(PlaySpeed speed) {
+bool Transport::PlayAt(PlaySpeed speed) {
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kPlaySpeed, static_cast<int32_t>(speed));
-    if (IsPlaying())
-        m_playback.SetSpeed(speed);
-    else
-        Play();
+    if (!IsPlaying()) return Play();
+    m_playback.SetSpeed(speed);
+    return true;
 }
 
 bool Transport::PlayFrom(int32_t positionMs) {
     if (!m_current || m_lengthMs < 1 || positionMs >= m_lengthMs) return false;
-    return Tell(m_playback.Play(m_current->audio, positionMs, StoredSpeed()));
+    return Tell(m_playback.Play(m_current.Files()->audio, positionMs, StoredSpeed()));
 }
 
 // Whether it runs. Tells the owner that it does, or the user why it does not.
@@ -101,10 +112,10 @@ bool Transport::Tell(Playback::Result result) {
         case Playback::Result::NothingToPlay:
             return false;
         case Playback::Result::CannotRead:
-            m_owner.TransportTrouble(kCannotPlay);
+            m_runner.TellLater(kCannotPlay);
             return false;
         case Playback::Result::NoDevice:
-            m_owner.TransportTrouble(kNoDevice);
+            m_runner.TellLater(kNoDevice);
             return false;
     }
     return false;
@@ -121,17 +132,16 @@ void Transport::PlaybackEnded(Playback::Ending ending) {
     if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
     if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();
-    if (ending == Playback::Ending::DeviceLost) m_owner.TransportTrouble(kDeviceLost);
+    if (ending == Playback::Ending::DeviceLost) m_runner.TellLater(kDeviceLost);
 }
 
 // ---- Winding ---------------------------------------------------------------------------------------------
 
 bool Transport::BeginWinding(WindDirection direction) {
-    if (m_isPreparing || IsWinding(direction)) return false;
+    if (m_isStarting || IsWinding(direction)) return false;
     const bool playsAfterwards = IsPlaying() || IsRecording() || (IsWinding() && m_playsAfterWinding);
-    Stop();
-    if (!m_current || m_lengthMs < 1) return false;
-    if (!Tell(m_playback.Wind(m_current->audio, WindStartMs(m_positionMs, direction), direction)))
+    if (!Stop() || !m_current || m_lengthMs < 1) return false;
+    if (!Tell(m_playback.Wind(m_current.Files()->audio, WindStartMs(m_positionMs, direction), direction)))
         return false;
     m_playsAfterWinding = playsAfterwards;
     return true;
@@ -142,19 +152,23 @@ void Transport::EndWinding(WindDirection direction) {
     // Winding that has come to an end of the dictation has ended by itself, with the button still held.
     const bool plays = m_playsAfterWinding;
     if (!IsWinding() && !plays) return;
-    Stop();
-    if (plays) PlayFrom(m_positionMs);
+    if (Stop() && plays) PlayFrom(m_positionMs);
 }
 
 // ---- Position --------------------------------------------------------------------------------------------
 
-void Transport::Stop() {
+bool Transport::Stop() {
     m_playsAfterWinding = false;
+    if (m_isPreparing) {
+        m_stopAsked = true;
+        LModalRunner::CancelProcess();
+    }
     if (IsPlaying() || IsWinding()) {
         m_playback.Stop();
         FinishActivity();
     }
     m_recording.Stop();
+    return m_runner.MayGoOn();
 }
 
 void Transport::FinishActivity() {
@@ -162,29 +176,32 @@ void Transport::FinishActivity() {
     m_owner.ActivityChanged();
 }
 
-void Transport::SetDictation(const std::optional<DictationFiles>& files) {
-    const bool isSame =
-        files.has_value() == m_current.has_value() && (!files || files->record == m_current->record);
-    m_current = files;
-    m_lengthMs = files ? LWaveFile::LengthMs(files->audio) : 0;
-    // A dictation that is chosen anew continues at its end: one press on Record never takes anything away.
-    if (!isSame) m_positionMs = m_lengthMs;
+// A dictation that is chosen anew continues at its end: one press on Record never takes anything away.
+void Transport::EvDictationChanged() {
+    EvAudioChanged();
+    m_positionMs = m_lengthMs;
+    m_owner.PositionChanged();
+}
+
+void Transport::EvAudioChanged() {
+    m_lengthMs = m_current ? LWaveFile::LengthMs(m_current.Files()->audio) : 0;
     m_owner.PositionChanged();
 }
 
 void Transport::GoToStart() {
+    if (m_isStarting) return;
     if (IsPlaying()) {
         m_playback.Seek(0);
         return;
     }
     const bool plays = IsRecording();  // who goes back while dictating wants to hear the dictation
-    Stop();
+    if (!Stop()) return;
     m_positionMs = 0;
     if (!plays || !PlayFrom(0)) m_owner.PositionChanged();
 }
 
 void Transport::GoToEnd() {
-    Stop();
+    if (m_isStarting || !Stop()) return;
     m_positionMs = m_lengthMs;
     m_owner.PositionChanged();
 }

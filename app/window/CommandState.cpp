@@ -4,65 +4,83 @@
 
 namespace {
 
-enum class Needs { Nothing, Selection, OneSelected, Audio, Running, NotBuilt };
+// Conditions that a situation meets and a command needs.
+using Mask = uint32_t;
+constexpr Mask kList = 1 << 0;  // the list is visible
+constexpr Mask kRows = 1 << 1;  // at least one is selected
+constexpr Mask kOneRow = 1 << 2;
+constexpr Mask kAudio = 1 << 3;  // there is something to hear, or there will be when the recording stops
+constexpr Mask kRunning = 1 << 4;
+constexpr Mask kNoProcess = 1 << 5;
+constexpr Mask kNoQuestion = 1 << 6;
+constexpr Mask kBuilt = 1 << 7;  // no situation meets it
+
+// Who dictates with a pedal need not look at the window: a box that came up there must not cost him his words.
+constexpr Mask kTransport = kNoProcess;
+constexpr Mask kIdle = kNoProcess | kNoQuestion;
 
 struct CommandNeeds {
     int first;
     int last;
-    Needs needs;
+    Mask needs;
 };
 
-// In the order of the numbers; what is not listed can always be given.
+// In the order of the numbers; what is not listed needs that nothing stands before the window.
 constexpr CommandNeeds kNeeds[] = {
-    {IDC_SEND, IDC_SEND, Needs::Selection},
-    {IDC_PLAY, IDC_PLAY, Needs::Audio},
-    {IDC_STOP, IDC_STOP, Needs::Running},
-    {IDC_GOTOSTART, IDC_GOTOSTART, Needs::Selection},
-    {IDC_REWIND, IDC_FASTFORWARD, Needs::Audio},
-    {IDC_GOTOEND, IDC_GOTOEND, Needs::Selection},
-    {IDC_DOCK, IDC_DOCK, Needs::NotBuilt},
-    {CM_SENDFILE, CM_SENDFILE_TO, Needs::Selection},
-    {CM_RENAMEFILE, CM_RENAMEFILE, Needs::OneSelected},
-    {CM_DELETEFILE, CM_DELETEFILE, Needs::Selection},
-    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, Needs::NotBuilt},
-    {CM_VIEWSENT, CM_RECOVER, Needs::NotBuilt},
-    {CM_LOGON, CM_LOGON, Needs::NotBuilt},
-    {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, Needs::Selection},
-    {CM_LOADFILE, CM_LOADSENDFILE, Needs::NotBuilt},
-    {CM_PLAY, CM_PLAY, Needs::Audio},
-    {CM_STOP, CM_STOP, Needs::Running},
-    {CM_PLAY_SLOW, CM_PLAY_FAST, Needs::Audio},
-    {CM_GOTOSTART, CM_GOTOSTART, Needs::Selection},
-    {CM_REWIND, CM_FASTFORWARD, Needs::Audio},
-    {CM_GOTOEND, CM_GOTOEND, Needs::Selection},
-    {CM_RECORD_INSERT, CM_RECORD_INSERT, Needs::NotBuilt},
-    {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, Needs::NotBuilt},
-    {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, Needs::NotBuilt},
-    {CM_HELP, CM_HELP, Needs::NotBuilt},
+    {IDC_SEND, IDC_SEND, kIdle | kRows},
+    {IDC_PLAY, IDC_PLAY, kTransport | kAudio},
+    {IDC_RECORD, IDC_RECORD, kTransport},
+    {IDC_STOP, IDC_STOP, kRunning},
+    {IDC_GOTOSTART, IDC_GOTOSTART, kTransport | kRows},
+    {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
+    {IDC_GOTOEND, IDC_GOTOEND, kTransport | kRows},
+    {IDC_DOCK, IDC_DOCK, kBuilt},
+    {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
+    {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
+    {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
+    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kBuilt},
+    {CM_VIEWSENT, CM_RECOVER, kBuilt},
+    {CM_LOGON, CM_LOGON, kBuilt},
+    {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
+    {CM_LOADFILE, CM_LOADSENDFILE, kBuilt},
+    {CM_EXIT, CM_EXIT, 0},
+    {CM_RECORD, CM_RECORD, kTransport},
+    {CM_PLAY, CM_PLAY, kTransport | kAudio},
+    {CM_STOP, CM_STOP, kRunning},
+    {CM_PLAY_SLOW, CM_PLAY_FAST, kTransport},
+    {CM_GOTOSTART, CM_GOTOSTART, kTransport | kRows},
+    {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
+    {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
+    {CM_RECORD_OVERWRITE, CM_RECORD_OVERWRITE, kTransport},
+    {CM_RECORD_INSERT, CM_RECORD_INSERT, kBuilt},
+    {CM_RECORD_END, CM_RECORD_END, kTransport},
+    {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, kBuilt},
+    {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, kBuilt},
+    {CM_HELP, CM_HELP, kBuilt},
 };
 
-bool IsMet(Needs needs, const CommandSituation& situation) {
-    switch (needs) {
-        case Needs::Nothing:
-            return true;
-        case Needs::Selection:
-            return situation.selectedRows > 0;
-        case Needs::OneSelected:
-            return situation.selectedRows == 1;
-        case Needs::Audio:
-            return situation.hasAudio || situation.isRecording;
-        case Needs::Running:
-            return situation.isRecording || situation.isPlaying;
-        case Needs::NotBuilt:
-            return false;
-    }
-    return false;
+Mask Met(const CommandSituation& situation) {
+    using Standing = CommandSituation::Standing;
+    Mask met = 0;
+    const auto meets = [&met](Mask condition, bool isMet) { met |= isMet ? condition : 0; };
+    meets(kList, situation.view != ViewMode::Compact);
+    meets(kRows, situation.selectedRows > 0);
+    meets(kOneRow, situation.selectedRows == 1);
+    meets(kAudio, situation.hasAudio || situation.isRecording);
+    meets(kRunning, situation.isRunning);
+    meets(kNoProcess, situation.standing != Standing::Process);
+    meets(kNoQuestion, situation.standing != Standing::Question);
+    return met;
+}
+
+Mask NeedsOf(int command) {
+    for (const CommandNeeds& row : kNeeds)
+        if (command >= row.first && command <= row.last) return row.needs;
+    return kIdle;
 }
 
 }  // namespace
 
 bool IsCommandEnabled(int command, const CommandSituation& situation) {
-    for (const CommandNeeds& row : kNeeds)
-        if (command >= row.first && command <= row.last) return IsMet(row.needs, situation);
-    return true;
+    return (NeedsOf(command) & ~Met(situation)) == 0;
 }

@@ -176,9 +176,10 @@ void DictationList::BeginRename() {
     ListView_EditLabel(m_list, index);
 }
 
-void DictationList::Rename(const DictationFiles& files, std::string_view name) {
-    Settings::Write(files.record, RecordKeys::kName, name);
+bool DictationList::Rename(const DictationFiles& files, std::string_view name) {
+    const bool isStored = Settings::Write(files.record, RecordKeys::kName, name);
     UpdateFile(files.record);
+    return isStored;
 }
 
 int DictationList::CurrentIndex() const {
@@ -186,15 +187,24 @@ int DictationList::CurrentIndex() const {
     return focused >= 0 ? focused : ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
 }
 
-std::optional<DictationFiles> DictationList::Current() const {
-    const Entry* entry = EntryAt(CurrentIndex());
+std::optional<DictationFiles> DictationList::FilesAt(int index) const {
+    const Entry* entry = EntryAt(index);
     if (entry == nullptr) return std::nullopt;
     return entry->files;
 }
 
-int32_t DictationList::CurrentNumber() const {
-    const Entry* entry = EntryAt(CurrentIndex());
-    return entry != nullptr ? entry->number : 0;
+std::optional<DictationFiles> DictationList::Focused() const {
+    return FilesAt(ListView_GetNextItem(m_list, -1, LVNI_FOCUSED | LVNI_SELECTED));
+}
+
+std::optional<DictationFiles> DictationList::First() const {
+    return FilesAt(ListView_GetNextItem(m_list, -1, LVNI_SELECTED));
+}
+
+bool DictationList::IsSelected(const DictationFiles& files) const {
+    const Entry* entry = EntryOf(files.record);
+    return entry != nullptr &&
+           ListView_GetItemState(m_list, IndexOfNumber(entry->number), LVIS_SELECTED) != 0;
 }
 
 std::optional<int32_t> DictationList::NumberOf(const LPath& record) const {
@@ -203,10 +213,10 @@ std::optional<int32_t> DictationList::NumberOf(const LPath& record) const {
     return entry->number;
 }
 
-std::string DictationList::CurrentName() const {
+std::string DictationList::NameOf(const LPath& record) const {
     char text[kPathSize] = {};
-    const int index = CurrentIndex();
-    if (index >= 0) ListView_GetItemText(m_list, index, 0, text, sizeof text);
+    if (const Entry* entry = EntryOf(record))
+        ListView_GetItemText(m_list, IndexOfNumber(entry->number), 0, text, sizeof text);
     return text;
 }
 

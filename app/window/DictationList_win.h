@@ -7,13 +7,14 @@
 #include <optional>
 #include <vector>
 
+#include "app/transport/CurrentDictation.h"
 #include "app/window/DictationRow.h"
 #include "ui/LWin.h"
 
 // The rows of the current user's dictations. Each row's item data is the dictation's number; the row acts on
 // the files of its record's file name, also when the number inside the record says otherwise. Thread: the
 // window thread.
-class DictationList {
+class DictationList final : public DictationSelection {
 public:
     class Owner {
     public:
@@ -52,20 +53,19 @@ public:
 
     int Count() const { return ListView_GetItemCount(m_list); }
     int SelectedCount() const { return static_cast<int>(ListView_GetSelectedCount(m_list)); }
-    // The dictation that the transport and the notes work on: the focused row when it is selected, else the
-    // first selected one.
-    std::optional<DictationFiles> Current() const;
-    // Its number, 0 when none is selected.
-    int32_t CurrentNumber() const;
-    std::string CurrentName() const;
+    std::optional<DictationFiles> Focused() const override;
+    std::optional<DictationFiles> First() const override;
+    bool IsSelected(const DictationFiles& files) const override;
+    // The name in a record's row; empty when it has none.
+    std::string NameOf(const LPath& record) const;
     bool HoldsNumber(int32_t number) const { return IndexOfNumber(number) >= 0; }
     // The number under which a record is listed.
     std::optional<int32_t> NumberOf(const LPath& record) const;
     // Taken before a command on several rows begins, since updating a row moves it.
     std::vector<DictationFiles> Selected() const;
 
-    // Renames the current dictation's record and row.
-    void Rename(const DictationFiles& files, std::string_view name);
+    // Renames a dictation's record and row; false when the record does not take it.
+    bool Rename(const DictationFiles& files, std::string_view name);
 
     bool HandleNotify(const NMHDR& header, LRESULT& result);
 
@@ -76,6 +76,7 @@ private:
     };
 
     int CurrentIndex() const;
+    std::optional<DictationFiles> FilesAt(int index) const;
     int IndexOfNumber(int32_t number) const;
     const Entry* EntryAt(int index) const;
     const Entry* EntryOf(const LPath& record) const;

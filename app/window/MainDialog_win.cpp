@@ -2,24 +2,17 @@
 
 #include <windowsx.h>
 
-#include <commctrl.h>
 #include <cstdlib>
 #include <ctime>
 
 #include "app/dialogs/IntroductionPages_win.h"
-#include "app/window/CommandState.h"
-#include "app/window/ControlNames.h"
 #include "app/window/HoldButton_win.h"
-#include "app/window/TransportButton_win.h"
-#include "audio/device/LDBDisplay_win.h"
-#include "audio/stream/LSoundTime.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/Recovery.h"
 #include "store/SettingsKeys.h"
-#include "ui/LProgressDialog.h"
 
 namespace {
 
@@ -27,11 +20,15 @@ constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
-constexpr int kPositionFontHeight = 15;   // pixels
-constexpr LPARAM kKeyWasDown = 1L << 30;  // of a key message: it repeats
+constexpr char kLoseNotes[] =
+    "The notes of \"%.80s\" could not be saved. The disk might be full or write-protected.\n\n"
+    "Do you want to close Corvane and lose what you typed?";
+constexpr const char* kPriorities[] = {"High", "Normal", "Low"};  // in the order of the command numbers
 
-WindDirection DirectionOfKey(WPARAM key) {
-    return key == VK_F7 ? WindDirection::Back : WindDirection::Forward;
+class AboutDialog final : public LDialog {};
+
+WindDirection DirectionOf(int button) {
+    return button == IDC_REWIND || button == CM_REWIND ? WindDirection::Back : WindDirection::Forward;
 }
 
 }  // namespace
@@ -51,12 +48,13 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
     {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},
+    {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
     {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
     {WM_APICOMMAND, &MainDialog::EvAPICommand},
-    {WM_TRANSPORTTROUBLE, &MainDialog::EvTransportTrouble},
+    {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
     {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
@@ -67,11 +65,70 @@ const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
 };
 
+// In the order of the command numbers: first, last, what is done. False when it did nothing.
+const MainDialog::CommandEntry MainDialog::kCommands[] = {
+    {IDC_NEW, IDC_NEW, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
+    {IDC_SEND, IDC_SEND,
+     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
+    {IDC_PLAY, IDC_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
+    {IDC_RECORD, IDC_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
+    {IDC_STOP, IDC_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
+    {IDC_GOTOSTART, IDC_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
+    {IDC_GOTOEND, IDC_GOTOEND, [](MainDialog& d, int) { return d.m_transport.GoToEnd(), true; }},
+    {IDC_INFOLINE, IDC_INFOLINK, [](MainDialog& d, int) { return d.ShowPopup(IDM_INFO), true; }},
+    {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
+    {CM_SENDFILE, CM_SENDFILE,
+     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
+    {CM_SENDFILE_TO, CM_SENDFILE_TO,
+     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Chosen); }},
+    {CM_RENAMEFILE, CM_RENAMEFILE,
+     // The row must not move under the editor.
+     [](MainDialog& d, int) { return d.ApplyRowChanges(), d.m_dictations.BeginRename(); }},
+    {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
+    {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
+     [](MainDialog& d, int command) {
+         return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
+     }},
+    {CM_EXIT, CM_EXIT, [](MainDialog& d, int) { return d.CloseLater(), true; }},
+    {CM_RECORD, CM_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
+    {CM_PLAY, CM_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
+    {CM_STOP, CM_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
+    {CM_PLAY_SLOW, CM_PLAY_FAST,
+     [](MainDialog& d, int command) {
+         return d.SetPlaySpeed(static_cast<PlaySpeed>(command - CM_PLAY_SLOW));
+     }},
+    {CM_GOTOSTART, CM_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
+    {CM_REWIND, CM_FASTFORWARD,
+     // From the menu, which cannot be held: the same command again, or Stop, ends it.
+     [](MainDialog& d, int command) {
+         return d.Wind(DirectionOf(command), !d.m_transport.IsWinding(DirectionOf(command)));
+     }},
+    {CM_GOTOEND, CM_GOTOEND, [](MainDialog& d, int) { return d.m_transport.GoToEnd(), true; }},
+    {CM_RECORD_OVERWRITE, CM_RECORD_END,
+     [](MainDialog& d, int command) {
+         return d.m_transport.Record(static_cast<RecordMode>(command - CM_RECORD_OVERWRITE));
+     }},
+    {CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
+     [](MainDialog& d, int command) {
+         return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
+     }},
+    {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
+     [](MainDialog& d, int command) {
+         return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT));
+     }},
+    {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},
+    {CM_ABOUT, CM_ABOUT, [](MainDialog& d, int) { return d.ShowAbout(); }},
+};
+
 MainDialog::MainDialog(AppState& state)
     : m_state(state),
-      m_transport(state, *this),
-      m_send(state, m_queue),
+      m_transport(state, m_current, m_runner, *this),
+      m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
+      m_devices(*this),
+      m_api(*this),
+      m_keyboard(*this),
       m_layout(state),
+      m_display(m_list, m_transport, m_current),
       m_introduction(kIntroductionPages) {}
 
 MainDialog::~MainDialog() = default;
@@ -83,71 +140,33 @@ bool MainDialog::InitDialog() {
     if (m_onCreated) m_onCreated();
     _putenv("TZ=GMT0");  // dates are kept and shown without a time-zone shift
     _tzset();
-    LoadIcons();
-    ShowIcon(IDI_CORVANE);
+    m_runner.Attach(Window(), WM_SHOWLATER, [this] { m_transport.Stop(); });
     for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));
-    SetPositionFont();
-    m_accelerators = LoadAcceleratorsA(LInstance(), MAKEINTRESOURCEA(IDA_MAIN));
+    m_keyboard.Attach(Window());
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
-    const std::string userName = ShownUserName(m_state.user.details, m_state.user.number);
-    LSetWindowText(Item(IDC_LOGGEDON), LFormat("Logged on as [%s]", userName.c_str()));
-    m_notes.Attach(Item(IDC_NOTES), Window());
+    m_display.Attach(Window(), ShownUserName(m_state.user.details, m_state.user.number));
+    m_notes.Attach(Item(IDC_NOTES), Window(), *this);
     m_list.Attach(Item(IDC_LIST), *this);
     RecoverLeftovers();
     m_list.SetupFilesList(m_state.user.currentFolder);
-    ApplyRecordMode();
-    ShowPlaySpeed();
-    InitToolTips();
+    m_display.ShowRecordMode(DefaultRecordMode());
+    m_display.ShowPlaySpeed(ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed)));
     SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
-    StartSending();
+    m_queue.SetOwner(this);
+    m_queue.StartSending();
     ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
     m_list.ShowCurrent();
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
         m_splash.Show(Window());
-    DeleteOldFiles();
-    TestHardDrive();
+    m_dictations.DeleteOldFiles();
+    m_dictations.TestHardDrive();
     LTrace("MainDialog::InitDialog done, ms:",
            LFormat("%lu", static_cast<unsigned long>(LTickMs() - m_startTick)));
-    if (IsOpen()) ShowFocus();
+    if (IsOpen()) m_display.FocusHome();
     return false;
-}
-
-// Loaded once and owned: shared icons would come in whatever size was asked for first.
-void MainDialog::LoadIcons() {
-    const auto load = [](int resource, int cx, int cy) {
-        return LIcon(static_cast<HICON>(LoadImageA(LInstance(), MAKEINTRESOURCEA(resource), IMAGE_ICON,
-                                                   GetSystemMetrics(cx), GetSystemMetrics(cy), 0)));
-    };
-    for (int i = 0; i < 2; ++i) {
-        m_icons[i][0] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXICON, SM_CYICON);
-        m_icons[i][1] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXSMICON, SM_CYSMICON);
-    }
-}
-
-void MainDialog::SetPositionFont() {
-    LOGFONTA font = {};
-    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Item(IDC_POSITION), WM_GETFONT, 0, 0)), sizeof font,
-               &font);
-    font.lfHeight = kPositionFontHeight;
-    font.lfWidth = 0;
-    font.lfWeight = FW_BOLD;
-    m_positionFont.Reset(CreateFontIndirectA(&font));
-    for (int control : {IDC_POSITION, IDC_DICTATIONNAME})
-        SendMessageA(Item(control), WM_SETFONT, reinterpret_cast<WPARAM>(m_positionFont.Get()), FALSE);
-}
-
-void MainDialog::InitToolTips() {
-    if (!m_toolTips.Create(Window())) return;
-    for (const ControlTip& tip : kControlTips) m_toolTips.Add(tip.control, tip.text);
-}
-
-void MainDialog::StartSending() {
-    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, 100));
-    m_queue.SetOwner(this);
-    m_queue.StartSending();
 }
 
 // What an earlier run left half done is put right before anything is listed or sent.
@@ -160,60 +179,26 @@ void MainDialog::RecoverLeftovers() {
 void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
-    FinishRunning();
-    SaveNotes();  // at once: the end of a session does not wait for the send thread
+    m_transport.Stop();
+    m_notes.Save();  // at once: the end of a session does not wait for the send thread
     DestroyWindow(Window());
 }
 
+// Nothing is called back afterwards: whatever speaks to the window is stopped here, however it came to its end.
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
-    m_toolTips.Close();
+    m_isClosing = true;
+    m_display.Detach();
     m_sendThreadEnded = m_queue.Stop(kSendStopMs);
     m_postTo = nullptr;
-    SaveNotes();
     m_transport.Stop();
+    m_notes.Save();
+    m_runner.Detach();
     m_list.ReleaseFont();
 }
 
 bool MainDialog::PreTranslateMessage(MSG& message) {
-    if (m_introduction.PreTranslateMessage(message) || WindByKey(message)) return true;
-    const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
-    if (!isKey || m_accelerators == nullptr) return false;
-    if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
-
-    if (IsNameEditor(message.hwnd)) return false;
-    if (message.hwnd == Item(IDC_NOTES)) {  // in the notes these keys move and edit
-        for (WPARAM key : {VK_HOME, VK_END, VK_INSERT, VK_DELETE})
-            if (message.wParam == key) return false;
-    }
-    return TranslateAcceleratorA(Window(), m_accelerators, &message) != 0;
-}
-
-// A name that is being edited has the keyboard for itself.
-bool MainDialog::IsNameEditor(HWND control) const {
-    char className[16] = {};
-    GetClassNameA(control, className, sizeof className);
-    return LEqualNoCase(className, "Edit") && control != Item(IDC_NOTES);
-}
-
-// A key that winds does so while it is held.
-bool MainDialog::WindByKey(const MSG& message) {
-    const bool isDown = message.message == WM_KEYDOWN;
-    if (!isDown && message.message != WM_KEYUP) return false;
-    if (message.wParam != VK_F7 && message.wParam != VK_F8) return false;
-    if (message.hwnd != Window() && !IsChild(Window(), message.hwnd)) return false;
-    const bool repeats = isDown && (message.lParam & kKeyWasDown) != 0;
-    if (isDown && !repeats && !IsNameEditor(message.hwnd) && BeginCommand()) {
-        m_windKey = message.wParam;
-        m_transport.BeginWinding(DirectionOfKey(m_windKey));
-    } else if (!isDown && m_windKey == message.wParam) {
-        ReleaseWindKey();
-    }
-    return true;
-}
-
-void MainDialog::ReleaseWindKey() {
-    if (const WPARAM key = std::exchange(m_windKey, 0)) m_transport.EndWinding(DirectionOfKey(key));
+    return m_introduction.PreTranslateMessage(message) || m_keyboard.PreTranslateMessage(message);
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
@@ -226,18 +211,20 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 
 bool MainDialog::EvClose(WPARAM, LPARAM, LRESULT& result) {
     result = 0;
-    if (LProgressDialog::IsAnyRunning()) {
-        m_closeWanted = true;  // as soon as the process has ended
-        LProgressDialog::CancelRunning();
-    } else {
-        CloseWindow();
-    }
+    if (!m_isClosing && m_runner.TakeClose() && MayClose()) CloseWindow();
     return true;
 }
 
-bool MainDialog::MayGoOn() {
-    if (m_closeWanted && IsOpen()) PostMessageA(Window(), WM_CLOSE, 0, 0);
-    return IsOpen() && !m_closeWanted;
+// False when notes would be lost that the user wants to save after all.
+bool MainDialog::MayClose() {
+    m_notes.Save();
+    if (m_notes.Unsaved().Empty()) return true;
+    if (m_runner.What() != LModalRunner::Standing::Nothing)
+        return false;  // the same question, or one before it
+    const std::string name = m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat"));
+    const int answer = m_runner.Box(LFormat(kLoseNotes, name.c_str()), "Notes Not Saved",
+                                    MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    return answer == IDYES && IsOpen();
 }
 
 bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
@@ -248,12 +235,9 @@ bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
 // The session ends, and the process may be ended as soon as this returns.
 bool MainDialog::EvEndSession(WPARAM wParam, LPARAM, LRESULT& result) {
     result = 0;
-    if (wParam != FALSE && LProgressDialog::IsAnyRunning()) {
-        SaveNotes();
-        EvClose(0, 0, result);
-    } else if (wParam != FALSE) {
-        CloseWindow();
-    }
+    if (wParam == FALSE) return true;
+    m_notes.Save();
+    if (m_runner.TakeClose()) CloseWindow();
     return true;
 }
 
@@ -266,8 +250,7 @@ bool MainDialog::EvCommand(WPARAM wParam, LPARAM, LRESULT& result) {
         return true;
     }
     const bool isFromMenuButtonOrKey = notification == 0 || notification == 1;
-    if (isFromMenuButtonOrKey && BeginCommand() && IsCommandEnabled(command, Situation()))
-        RunCommand(command);
+    if (isFromMenuButtonOrKey) Give(command);
     return true;
 }
 
@@ -284,20 +267,10 @@ bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
     return true;
 }
 
-void MainDialog::ShowPopup(int resource, POINT at) {
-    const HMENU menu = LoadMenuA(LInstance(), MAKEINTRESOURCEA(resource));
-    if (menu == nullptr) return;
-    const HMENU popup = GetSubMenu(menu, 0);
-    EnableCommands(popup);
-    TrackPopupMenu(popup, TPM_RIGHTBUTTON, at.x, at.y, 0, Window(), nullptr);
-    DestroyMenu(menu);
-}
-
 bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
     if (item.CtlType != ODT_BUTTON) return false;
-    const int control = static_cast<int>(item.CtlID);
-    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
+    m_display.DrawButton(item);
     result = TRUE;
     return true;
 }
@@ -309,29 +282,40 @@ bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
 }
 
 bool MainDialog::EvActivate(WPARAM wParam, LPARAM, LRESULT&) {
-    // The key that is held comes up in another window, unseen.
-    if (LOWORD(wParam) == WA_INACTIVE) ReleaseWindKey();
+    if (LOWORD(wParam) == WA_INACTIVE) m_keyboard.ReleaseHeld();
     return false;
 }
 
-// Nor is it seen in the loops that the platform runs while a menu is open or the window is dragged.
 bool MainDialog::EvMenuLoop(WPARAM, LPARAM, LRESULT&) {
-    ReleaseWindKey();
+    m_keyboard.ReleaseHeld();
+    m_isMenuOpen = true;
+    return false;
+}
+
+bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
+    m_isMenuOpen = false;
     return false;
 }
 
 bool MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result) {
-    const WindDirection direction = wParam == IDC_REWIND ? WindDirection::Back : WindDirection::Forward;
+    Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
     result = 0;
-    if (lParam == 0)
-        m_transport.EndWinding(direction);
-    else if (BeginCommand())
-        m_transport.BeginWinding(direction);
+    return true;
+}
+
+bool MainDialog::EvMicButton(WPARAM wParam, LPARAM, LRESULT& result) {
+    m_devices.MicButton(LOWORD(wParam));
+    result = 0;
+    return true;
+}
+
+bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    result = m_api.Answer(wParam, lParam);
     return true;
 }
 
 bool MainDialog::EvDrag(WPARAM, LPARAM, LRESULT& result) {
-    ReleaseWindKey();
+    m_keyboard.ReleaseHeld();
     m_layout.EvDrag(true);
     result = 0;
     return true;
@@ -364,20 +348,13 @@ bool MainDialog::EvNotify(WPARAM, LPARAM lParam, LRESULT& result) {
 }
 
 bool MainDialog::EvSendProgress(WPARAM, LPARAM, LRESULT& result) {
-    const int percent = static_cast<int>(m_queue.GetProgress() * 100 + 0.5);
-    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETPOS, static_cast<WPARAM>(percent), 0);
+    m_display.ShowSendProgress(m_queue.GetProgress());
     result = 0;
     return true;
 }
 
-bool MainDialog::BeginCommand() {
-    if (!IsOpen() || m_isClosing || LProgressDialog::IsAnyRunning()) return false;
-    if (m_selectionMoved) FileChanged();
-    return true;
-}
-
 bool MainDialog::EvSelectionMoved(WPARAM, LPARAM, LRESULT& result) {
-    if (m_selectionMoved) FileChanged();
+    if (m_selectionMoved) FollowSelection();
     result = 0;
     return true;
 }
@@ -388,16 +365,9 @@ bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
-void MainDialog::ApplyRowChanges() {
-    if (m_list.IsRenaming()) return;  // AfterRename comes back here
-    for (int32_t number : std::exchange(m_changedRows, {})) m_list.UpdateNumber(number);
-    ShowPosition();
-}
-
-bool MainDialog::EvTransportTrouble(WPARAM, LPARAM, LRESULT& result) {
+bool MainDialog::EvShowLater(WPARAM, LPARAM, LRESULT& result) {
+    m_runner.ShowLater();
     result = 0;
-    for (const std::string& text : std::exchange(m_troubles, {}))
-        if (IsOpen()) LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
     return true;
 }
 
@@ -410,115 +380,155 @@ bool MainDialog::EvTimer(WPARAM wParam, LPARAM, LRESULT& result) {
 }
 
 void MainDialog::EvTimerInfoLine() {
-    LSetWindowText(Item(IDC_INFOLINE), kInfoTexts[m_infoText]);
-    m_infoText = (m_infoText + 1) % std::size(kInfoTexts);
+    m_display.ShowNextInfo();
+    if (!m_notes.Unsaved().Empty()) m_notes.Save();  // the disk may have room again
     ShowSendError();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
+void MainDialog::EvTimerSaveNotes() {
+    m_notes.Save();
+}
+
+// The text waits while anything else takes the keys: who records or plays presses Escape to stop, and in this box it
+// would empty the queue.
 void MainDialog::ShowSendError() {
-    // Who records or plays presses Escape to stop; here it would empty the queue. The text waits.
-    if (m_transport.IsRunning() || LProgressDialog::IsAnyRunning()) return;
+    const bool isBusy = m_transport.IsRunning() || m_isMenuOpen || m_list.IsRenaming();
+    if (isBusy || m_runner.What() != LModalRunner::Standing::Nothing) return;
     const std::string text = m_queue.TakeError();
     if (text.empty()) return;
-    if (LMessageBox(Window(), text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
+    if (m_runner.Box(text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
         m_queue.ClearQueue();
 }
 
-void MainDialog::EvTimerSaveNotes() {
-    SaveNotes();
-}
-
-// ---- What the window shows -------------------------------------------------------------------------------
+// ---- Commands --------------------------------------------------------------------------------------------
 
 CommandSituation MainDialog::Situation() const {
-    return {m_list.SelectedCount(), m_list.Current() && m_transport.LengthMs() > 0, m_transport.IsRecording(),
-            m_transport.IsRunning() && !m_transport.IsRecording()};
+    using Standing = CommandSituation::Standing;
+    const LModalRunner::Standing stands = m_runner.What();
+    return {.view = m_layout.View(),
+            .selectedRows = m_list.SelectedCount(),
+            .hasAudio = m_current && m_transport.LengthMs() > 0,
+            .isRecording = m_transport.IsRecording(),
+            .isRunning = m_transport.IsRunning(),
+            .standing = stands == LModalRunner::Standing::Nothing    ? Standing::Nothing
+                        : stands == LModalRunner::Standing::Question ? Standing::Question
+                                                                     : Standing::Process};
 }
 
-void MainDialog::EnableCommands(HMENU menu) const {
-    const CommandSituation situation = Situation();
-    for (int i = GetMenuItemCount(menu) - 1; i >= 0; --i) {
-        if (const HMENU sub = GetSubMenu(menu, i)) EnableCommands(sub);
-        const UINT command = GetMenuItemID(menu, i);
-        if (command == 0 || command == static_cast<UINT>(-1)) continue;
-        EnableMenuItem(
-            menu, command,
-            MF_BYCOMMAND | (IsCommandEnabled(static_cast<int>(command), situation) ? MF_ENABLED : MF_GRAYED));
+bool MainDialog::Give(int command) {
+    if (!IsOpen() || m_isClosing) return false;
+    if (m_selectionMoved && m_runner.What() != LModalRunner::Standing::Process) FollowSelection();
+    if (!IsOpen() || !IsCommandEnabled(command, Situation())) return false;
+    for (const CommandEntry& entry : kCommands) {
+        if (command < entry.first || command > entry.last) continue;
+        const bool isDone = entry.give(*this, command);
+        if (IsOpen()) m_display.LeaveButton();
+        return isDone;
     }
+    return false;
 }
 
-void MainDialog::ShowSituation() {
-    const CommandSituation situation = Situation();
-    EnableCommands(GetMenu(Window()));
-    for (int control : {IDC_NEW, IDC_SEND, IDC_PLAY, IDC_RECORD, IDC_STOP, IDC_GOTOSTART, IDC_REWIND,
-                        IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK}) {
-        const bool enabled = IsCommandEnabled(control, situation);
-        // The keyboard must not be left with a control that no longer listens. After Stop the next press of the
-        // space bar plays: it must not record over the place that was just heard.
-        if (!enabled && GetFocus() == Item(control))
-            SetFocus(Item(IsCommandEnabled(IDC_PLAY, situation) ? IDC_PLAY : IDC_RECORD));
-        EnableWindow(Item(control), enabled);
+// As a menu's.
+bool MainDialog::MayChange() {
+    if (!IsOpen() || m_isClosing || m_runner.What() != LModalRunner::Standing::Nothing) return false;
+    if (m_selectionMoved) FollowSelection();
+    return IsOpen();
+}
+
+void MainDialog::ShowPopup(int resource) {
+    POINT at;
+    GetCursorPos(&at);
+    ShowPopup(resource, at);
+}
+
+void MainDialog::ShowPopup(int resource, POINT at) {
+    const HMENU menu = LoadMenuA(LInstance(), MAKEINTRESOURCEA(resource));
+    if (menu == nullptr) return;
+    const HMENU popup = GetSubMenu(menu, 0);
+    WindowDisplay::EnableCommands(popup, Situation());
+    TrackPopupMenu(popup, TPM_RIGHTBUTTON, at.x, at.y, 0, Window(), nullptr);
+    DestroyMenu(menu);
+}
+
+bool MainDialog::Wind(WindDirection direction, bool isDown) {
+    if (!isDown) {
+        m_transport.EndWinding(direction);
+        return true;
     }
-    ShowPosition();
+    return IsCommandEnabled(CM_REWIND, Situation()) && m_transport.BeginWinding(direction);
 }
 
-// Whether a transport button stays pressed, since what it began goes on.
-bool MainDialog::IsHeld(int control) const {
-    switch (control) {
-        case IDC_RECORD:
-            return m_transport.IsRecording();
-        case IDC_PLAY:
-            return m_transport.IsPlaying();
-        case IDC_REWIND:
-            return m_transport.IsWinding(WindDirection::Back);
-        case IDC_FASTFORWARD:
-            return m_transport.IsWinding(WindDirection::Forward);
-        default:
-            return false;
-    }
+bool MainDialog::HoldWinding(WindDirection direction, bool isDown) {
+    const HWND button = Item(direction == WindDirection::Back ? IDC_REWIND : IDC_FASTFORWARD);
+    if (isDown) return IsCommandEnabled(IDC_REWIND, Situation()) && PressHoldButton(button);
+    ReleaseHoldButton(button);
+    return true;
 }
 
-void MainDialog::ShowIcon(int resource) {
-    const LIcon(&icons)[2] = m_icons[resource == IDI_RECORDING ? 1 : 0];
-    SendMessageA(Window(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icons[0].Get()));
-    SendMessageA(Window(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icons[1].Get()));
+RecordMode MainDialog::DefaultRecordMode() const {
+    return ToRecordMode(Settings::Read(m_state.user.userFile, UserKeys::kRecordMode));
 }
 
-// What runs, in front of the dictation's name.
-const char* MainDialog::Doing() const {
-    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
-    if (m_transport.IsPlaying()) return "Playing: ";
-    if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
-    return m_transport.IsWinding() ? "Winding: " : "";
+bool MainDialog::SetRecordMode(RecordMode mode) {
+    Settings::Write(m_state.user.userFile, UserKeys::kRecordMode, static_cast<int32_t>(mode));
+    m_display.ShowRecordMode(DefaultRecordMode());
+    return true;
 }
 
-void MainDialog::ShowPosition() {
-    if (!m_list.Current()) {
-        LSetWindowText(Item(IDC_DICTATIONNAME), "No dictation selected");
-        LSetWindowText(Item(IDC_POSITION), "");
-        return;
-    }
-    LSetWindowText(Item(IDC_DICTATIONNAME), Doing() + m_list.CurrentName());
-    const int32_t position = m_transport.PositionMs();
-    const int32_t length = std::max(position, m_transport.LengthMs());
-    LSetWindowText(Item(IDC_POSITION), FormatDuration(position) + " / " + FormatDuration(length));
+bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
+    const bool plays = m_transport.PlayAt(speed);
+    m_display.ShowPlaySpeed(speed);
+    return plays;
 }
 
-// ---- Notifications ---------------------------------------------------------------------------------------
+bool MainDialog::SetView(ViewMode view) {
+    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the editor, which might be seen no more
+    const HWND focus = GetFocus();
+    m_layout.SetView(view);
+    m_display.ShowSituation(Situation());
+    // The keyboard must not go on working on what nobody sees.
+    if (focus != nullptr && IsChild(Window(), focus) && !IsWindowVisible(focus)) m_display.FocusHome();
+    return true;
+}
 
-void MainDialog::FileChanged() {
+bool MainDialog::ShowAbout() {
+    AboutDialog about;
+    m_runner.RunModal(about, IDD_ABOUT, LModalRunner::WhatRuns::GoesOn);
+    return true;
+}
+
+void MainDialog::OpenWindow() {
+    if (IsIconic(Window())) ShowWindow(Window(), SW_RESTORE);
+    SetForegroundWindow(Window());
+}
+
+int MainDialog::Status() const {
+    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? 2 : 1;
+    if (m_transport.IsPlaying()) return 3;
+    return m_transport.IsWinding() ? 4 : 0;
+}
+
+int32_t MainDialog::CurrentNumber() const {
+    return m_current ? m_list.NumberOf(m_current.Files()->record).value_or(0) : 0;
+}
+
+// ---- The current dictation -------------------------------------------------------------------------------
+
+// What runs belongs to the dictation before, and so do the notes in the box.
+void MainDialog::FollowSelection() {
     m_selectionMoved = false;
-    const std::optional<DictationFiles> current = m_list.Current();
-    const LPath notes = current ? current->notes : LPath();
-    if (!(m_notes.File() == notes)) {
-        FinishRunning();
-        SaveNotes();
-        if (notes.Empty() && GetFocus() == Item(IDC_NOTES)) SetFocus(Item(IDC_RECORD));
-        m_notes.Load(notes);
-        m_transport.SetDictation(current);
+    if (!m_current.Is(m_current.Choose(m_list))) {
+        m_transport.Stop();
+        m_notes.Save();
+        if (!IsOpen()) return;
+        m_current.Set(m_current.Choose(m_list));  // the end of what ran may have taken its time
+        const bool wasTyping = GetFocus() == Item(IDC_NOTES);
+        m_notes.Load(m_current ? m_current.Files()->notes : LPath());
+        if (wasTyping && !m_current) m_display.FocusHome();
+        m_transport.EvDictationChanged();
     }
-    ShowSituation();
+    m_display.ShowSituation(Situation());
 }
 
 void MainDialog::SelectionMoved() {
@@ -526,12 +536,13 @@ void MainDialog::SelectionMoved() {
 }
 
 void MainDialog::PlayFromStart() {
-    if (BeginCommand()) m_transport.PlayFromStart();
+    if (m_selectionMoved) FollowSelection();
+    if (IsCommandEnabled(CM_PLAY, Situation())) m_transport.PlayFromStart();
 }
 
 void MainDialog::BeforeRename() {
-    FinishRunning();
-    SaveNotes();
+    m_transport.Stop();
+    m_notes.Save();
 }
 
 void MainDialog::AfterRename(int32_t number) {
@@ -540,41 +551,36 @@ void MainDialog::AfterRename(int32_t number) {
     PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
 }
 
-std::optional<DictationFiles> MainDialog::DictationToRecord() {
-    if (!m_list.Current() && !CreateDictation()) return std::nullopt;
-    return m_list.Current();
+// A list in the middle of a click must not see its row move: it is made anew afterwards.
+void MainDialog::PostRowChanged(const LPath& record) {
+    const std::optional<int32_t> number = m_list.NumberOf(record);
+    if (!number || !IsOpen()) return;
+    m_changedRows.push_back(*number);
+    PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
 }
+
+void MainDialog::ApplyRowChanges() {
+    if (m_list.IsRenaming()) return;  // AfterRename comes back here
+    for (int32_t number : std::exchange(m_changedRows, {})) m_list.UpdateNumber(number);
+    m_display.ShowPosition();
+}
+
+void MainDialog::UnsavedNotesChanged() {
+    if (!IsOpen()) return;
+    const bool isSaved = m_notes.Unsaved().Empty();
+    m_display.ShowUnsaved(isSaved ? "" : m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat")));
+}
+
+// ---- Notifications ---------------------------------------------------------------------------------------
 
 void MainDialog::ActivityChanged() {
     if (!IsOpen()) return;
-    if (m_transport.IsRecording() != m_showsRecordingIcon) {
-        m_showsRecordingIcon = m_transport.IsRecording();
-        ShowIcon(m_showsRecordingIcon ? IDI_RECORDING : IDI_CORVANE);
-    }
-    for (int control : {IDC_RECORD, IDC_PLAY, IDC_REWIND, IDC_FASTFORWARD})
-        InvalidateRect(Item(control), nullptr, FALSE);
-    for (int control : {IDC_LEVEL_LEFT, IDC_LEVEL_RIGHT})
-        EnableWindow(Item(control), m_transport.IsRunning());
-    ShowSituation();
+    m_display.ShowActivity();
+    m_display.ShowSituation(Situation());
 }
 
-void MainDialog::RecordingStopped(const DictationFiles& files) {
-    if (IsOpen()) PostRowChanged(files);
-}
-
-void MainDialog::ShowFocus() {
-    SetFocus(Item(m_layout.View() == ViewMode::Compact ? IDC_RECORD : IDC_LIST));
-}
-
-void MainDialog::LevelChanged(int8_t leftDb, int8_t rightDb) {
-    LDBDisplaySetLevel(Item(IDC_LEVEL_LEFT), leftDb);
-    LDBDisplaySetLevel(Item(IDC_LEVEL_RIGHT), rightDb);
-}
-
-void MainDialog::TransportTrouble(const std::string& text) {
-    // It may come from inside another command or a mouse click; the message waits until that has run.
-    m_troubles.push_back(text);
-    PostMessageA(Window(), WM_TRANSPORTTROUBLE, 0, 0);
+void MainDialog::PositionChanged() {
+    if (IsOpen()) m_display.ShowPosition();
 }
 
 void MainDialog::PostSendProgress() {

@@ -4,34 +4,37 @@
 #include <functional>
 
 #include "app/AppState.h"
-#include "app/transport/HoldRule.h"
+#include "app/transport/CurrentDictation.h"
 #include "app/transport/Transport_win.h"
+#include "app/window/ApiCommands_win.h"
 #include "app/window/CommandState.h"
+#include "app/window/DeviceCommands.h"
+#include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
-#include "app/window/SendCommands_win.h"
+#include "app/window/WindowDisplay_win.h"
 #include "app/window/WindowLayout_win.h"
 #include "send/BGSend.h"
 #include "ui/LDialog.h"
 #include "ui/LIntroduction.h"
+#include "ui/LModalRunner.h"
 #include "ui/LSplash.h"
-#include "ui/LToolTips.h"
 
-// The program's one top-level window. It owns the window, the timers and the dispatch tables; the work lives
-// in the classes it is made of. Every command ends here, on the window thread: menu, button and shortcut by
-// command number, devices by command index through CommandPress and CommandRelease, other programs by
-// EvAPICommand.
+// The program's one top-level window. It owns the window, the timers, the dispatch tables and the order of start and
+// end; the work lives in the classes it is made of. Every command ends here, on the window thread, in Give: from the
+// menu, buttons and keys, from devices (DeviceCommands) and from other programs (ApiCommands).
 class MainDialog final : public LModelessDialog,
                          private DictationList::Owner,
+                         private NotesBox::Owner,
                          private Transport::Owner,
+                         private DeviceCommands::Target,
+                         private ApiCommands::Target,
+                         private Keyboard::Target,
                          private BGSendOwner {
 public:
     explicit MainDialog(AppState& state);
     ~MainDialog() override;
-
-    // Device-independent commands, 0 to 14. True when a press was accepted and wants its release.
-    bool CommandPress(int index);
-    void CommandRelease(int index, uint32_t holdLimitMs);
 
     // Called once, when the window stands.
     void OnCreated(std::function<void()> callback) { m_onCreated = std::move(callback); }
@@ -53,37 +56,21 @@ private:
     struct CommandEntry {
         int first;
         int last;
-        void (MainDialog::*handle)(int command);
+        bool (*give)(MainDialog& dialog, int command);
     };
     struct TimerEntry {
         UINT_PTR timer;
         void (MainDialog::*handle)();
     };
-    struct IndexEntry {
-        int index;
-        bool (MainDialog::*press)(int index);
-        enum class Release { Nothing, HoldRule, Button } release;
-    };
-    struct ApiEntry {
-        WPARAM command;
-        LRESULT (MainDialog::*handle)(LPARAM argument);
-    };
     static const MessageEntry kMessages[];
     static const CommandEntry kCommands[];
     static const TimerEntry kTimers[];
-    static const IndexEntry kIndexes[];
-    static const ApiEntry kApi[];
-    static const IndexEntry* FindIndex(int index);
 
     // Life
     bool InitDialog() override;
     void DestroyDialog() override;
-    void LoadIcons();
-    void SetPositionFont();
-    void ShowPopup(int resource, POINT at);
-    void InitToolTips();
     void RecoverLeftovers();
-    void StartSending();
+    bool MayClose();
     void CloseWindow();
 
     // Messages
@@ -99,144 +86,98 @@ private:
     bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
+    bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
     bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvMove(WPARAM, LPARAM, LRESULT& result);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
-    bool EvTransportTrouble(WPARAM, LPARAM, LRESULT& result);
     bool EvRowChanged(WPARAM, LPARAM, LRESULT& result);
     bool EvSelectionMoved(WPARAM, LPARAM, LRESULT& result);
     bool EvSendProgress(WPARAM, LPARAM, LRESULT& result);
+    bool EvShowLater(WPARAM, LPARAM, LRESULT& result);
     bool EvSize(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvTimer(WPARAM wParam, LPARAM, LRESULT& result);
     bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
-
-    // Before any command: refused while a process runs or the window is about to close. What the list, the
-    // notes and the transport work on is the same dictation afterwards.
-    bool BeginCommand();
-
-    // Commands
-    void RunCommand(int command);
-    void CmNewFile(int command);
-    void CmSendFile(int command);
-    void CmRenameFile(int command);
-    void CmDeleteFile(int command);
-    void CmSetPriority(int command);
-    void CmExit(int command);
-    void CmRecord(int command);
-    void CmFileRecordMode(int command);
-    void CmRecordMode(int command);
-    void CmPlay(int command);
-    void CmPlaySpeed(int command);
-    void CmStop(int command);
-    void CmWind(int command);
-    void CmGoToStart(int command);
-    void CmGoToEnd(int command);
-    void CmView(int command);
-    void CmFloat(int command);
-    void CmAbout(int command);
-    void CmInformation(int command);
-
-    // Presses of command indexes
-    bool PressNothing(int index);
-    bool PressOpen(int index);
-    bool PressMinimize(int index);
-    bool PressRecord(int index);
-    bool PressPlay(int index);
-    bool PressWind(int index);
-    bool PressGoTo(int index);
-    bool PressNew(int index);
-    bool PressSend(int index);
-
-    // Commands of other programs
-    LRESULT ApiPresent(LPARAM argument);
-    LRESULT ApiOpen(LPARAM argument);
-    LRESULT ApiMinimize(LPARAM argument);
-    LRESULT ApiClose(LPARAM argument);
-    LRESULT ApiNew(LPARAM argument);
-    LRESULT ApiRename(LPARAM argument);
-    LRESULT ApiAppendNotes(LPARAM argument);
-    LRESULT ApiStatus(LPARAM argument);
-    LRESULT ApiNumber(LPARAM argument);
-    LRESULT ApiSend(LPARAM argument);
-    LRESULT ApiDelete(LPARAM argument);
 
     // Timers
     void EvTimerInfoLine();
     void EvTimerSaveNotes();
     void ShowSendError();
 
-    // The work behind several commands
-    void FinishRunning();
-    void SaveNotes();
-    bool CreateDictation();
-    void Send(const std::vector<DictationFiles>& selected, int recipient);
-    void SetPriority(std::string_view priority);
-    void OpenWindow();
-    void ApplyRecordMode();
-    void ShowPlaySpeed();
-    bool IsNameEditor(HWND control) const;
-    bool WindByKey(const MSG& message);
-    void ReleaseWindKey();
-    HWND WindButton(int index) const;
-    RecordMode DefaultRecordMode() const;
-    void TestHardDrive();
-    void DeleteOldFiles();
+    // Commands
     CommandSituation Situation() const;
-    void EnableCommands(HMENU menu) const;
-    void PostRowChanged(const DictationFiles& files);
+    void ShowPopup(int resource);
+    void ShowPopup(int resource, POINT at);
+    bool Wind(WindDirection direction, bool isDown);
+    bool SetRecordMode(RecordMode mode);
+    bool SetPlaySpeed(PlaySpeed speed);
+    bool SetView(ViewMode view);
+    bool ShowAbout();
+    RecordMode DefaultRecordMode() const;
+
+    // The dictation that the selection asks for becomes the current one, and all that is shown follows it.
+    void FollowSelection();
+    void PostRowChanged(const LPath& record);
     void ApplyRowChanges();
-    void ShowFocus();
-    void ShowSituation();
-    bool IsHeld(int control) const;
-    const char* Doing() const;
-    void ShowIcon(int resource);
-    void ShowPosition();
 
     // DictationList::Owner
-    void FileChanged() override;
+    void FileChanged() override { FollowSelection(); }
     void SelectionMoved() override;
     void PlayFromStart() override;
     void BeforeRename() override;
     void AfterRename(int32_t number) override;
+    // NotesBox::Owner
+    void NotesSaved(const LPath& notesFile) override { PostRowChanged(notesFile.WithExtension(".dat")); }
+    void UnsavedNotesChanged() override;
     // Transport::Owner
-    std::optional<DictationFiles> DictationToRecord() override;
+    bool HaveDictation() override { return m_current || m_dictations.Create(); }
     void ActivityChanged() override;
-    void RecordingStopped(const DictationFiles& files) override;
-    void PositionChanged() override { ShowPosition(); }
-    void LevelChanged(int8_t leftDb, int8_t rightDb) override;
-    void TransportTrouble(const std::string& text) override;
-    HWND OwnerWindow() const override { return Window(); }
-    bool MayGoOn() override;
+    void RecordingStopped(const DictationFiles& files) override { PostRowChanged(files.record); }
+    void PositionChanged() override;
+    void LevelChanged(int8_t leftDb, int8_t rightDb) override { m_display.ShowLevels(leftDb, rightDb); }
+    // CommandTarget
+    bool Give(int command) override;
+    // DeviceCommands::Target
+    bool IsRecording() const override { return m_transport.IsRecording(); }
+    bool IsPlaying() const override { return m_transport.IsPlaying(); }
+    bool HoldWinding(WindDirection direction, bool isDown) override;
+    void OpenWindow() override;
+    void MinimizeWindow() override { ShowWindow(Window(), SW_MINIMIZE); }
+    // ApiCommands::Target
+    void CloseLater() override { PostMessageA(Window(), WM_CLOSE, 0, 0); }
+    bool MayChange() override;
+    void RenameCurrent(std::string_view name) override { m_dictations.Rename(name); }
+    void AppendNotes(std::string_view text) override { m_notes.Append(text); }
+    void SendCurrent() override { m_dictations.SendCurrent(); }
+    void DeleteCurrent() override { m_dictations.DeleteCurrent(); }
+    int Status() const override;
+    int32_t CurrentNumber() const override;
+    // Keyboard::Target
+    void WindByKey(WindDirection direction, bool isDown) override { Wind(direction, isDown); }
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
 
     AppState& m_state;
-    HACCEL m_accelerators = nullptr;      // of the resources, freed by the platform
     std::atomic<HWND> m_postTo{nullptr};  // read by the send thread
+    LModalRunner m_runner;
     BGSend m_queue;
+    CurrentDictation m_current;
     DictationList m_list;
     NotesBox m_notes;
     Transport m_transport;
-    SendCommands m_send;
+    DictationCommands m_dictations;
+    DeviceCommands m_devices;
+    ApiCommands m_api;
+    Keyboard m_keyboard;
     WindowLayout m_layout;
-    LToolTips m_toolTips;
+    WindowDisplay m_display;
     LSplash m_splash;
     LIntroduction m_introduction;
-    HoldRule m_hold;
-    LFont m_positionFont;
     std::function<void()> m_onCreated;
-    std::vector<std::string> m_troubles;  // shown once what they came from is over
-    LIcon m_icons[2][2];                  // [recording][small]
-    std::vector<int32_t> m_changedRows;   // to be made anew when nobody is in the middle of the list
-    size_t m_infoText = 0;
+    std::vector<int32_t> m_changedRows;  // to be made anew when nobody is in the middle of the list
     uint32_t m_startTick = 0;
     bool m_selectionMoved = false;
-    bool m_showsInsert = false;  // on the record button
-    bool m_micRecordHeld = false;
-    bool m_showsRecordingIcon = false;
-    WPARAM m_windKey = 0;        // held down
-    bool m_closeWanted = false;  // asked for while a process ran
+    bool m_isMenuOpen = false;
     bool m_isClosing = false;
     bool m_sendThreadEnded = true;
 };

@@ -8,16 +8,18 @@
 #include "ui/LWin.h"
 
 constexpr UINT kSaveAfterMs = 500;
-constexpr size_t kMostEdited =
-    65535;  // bytes; what Windows 95 can hold, and no platform takes long to lay out
+// Bytes; what Windows 95 can hold, and no platform takes long to lay out.
+constexpr size_t kMostEdited = 65535;
 
-void NotesBox::Attach(HWND edit, HWND dialog) {
+void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
     m_edit = edit;
     m_dialog = dialog;
+    m_owner = &owner;
     SendMessageA(m_edit, EM_SETLIMITTEXT, kMostEdited, 0);
     SetWindowLongA(m_edit, GWL_USERDATA, reinterpret_cast<LONG>(this));
     m_editProc =
         reinterpret_cast<WNDPROC>(SetWindowLongA(m_edit, GWL_WNDPROC, reinterpret_cast<LONG>(EditProc)));
+    Load(LPath());
 }
 
 // A dialog selects the whole text of an edit control that the Tab key reaches; the next key typed would then
@@ -32,14 +34,19 @@ void NotesBox::Load(const LPath& notesFile) {
     KillTimer(m_dialog, TIMER_SAVENOTES);
     m_file = notesFile;
     m_isModified = false;
+    if (const std::string* kept = m_unsaved.Find(m_file)) return Show(*kept, true);
     std::string text;
     const bool isRead = (m_file.Empty() || NotesFile::Read(m_file, text)) && text.size() <= kMostEdited;
     if (!isRead) text.resize(std::min(text.size(), kMostEdited));
+    Show(text, isRead);
+}
+
+void NotesBox::Show(std::string_view text, bool isWhole) {
     m_isLoading = true;
-    SetWindowTextA(m_edit, text.c_str());
+    SetWindowTextA(m_edit, std::string(text).c_str());
     m_isLoading = false;
     // What the control could not take must not be lost by saving the rest over it.
-    const bool isWhole = isRead && static_cast<size_t>(GetWindowTextLengthA(m_edit)) == text.size();
+    isWhole = isWhole && static_cast<size_t>(GetWindowTextLengthA(m_edit)) == text.size();
     if (!isWhole) LTrace("NotesBox::Load notes too long to edit:", m_file.View());
     SendMessageA(m_edit, EM_SETREADONLY, isWhole ? FALSE : TRUE, 0);
     EnableWindow(m_edit, !m_file.Empty());
@@ -47,9 +54,25 @@ void NotesBox::Load(const LPath& notesFile) {
 
 bool NotesBox::Save() {
     KillTimer(m_dialog, TIMER_SAVENOTES);
-    if (!m_isModified || m_file.Empty()) return false;
-    m_isModified = false;
-    return NotesFile::Write(m_file, LWindowText(m_edit));
+    Retry();
+    if (m_isModified && !m_file.Empty()) {
+        m_isModified = false;
+        if (m_unsaved.Save(m_file, LWindowText(m_edit))) m_owner->NotesSaved(m_file);
+        m_owner->UnsavedNotesChanged();
+    }
+    return m_unsaved.Find(m_file) == nullptr;
+}
+
+void NotesBox::Retry() {
+    if (m_unsaved.Empty()) return;
+    for (const LPath& written : m_unsaved.Retry()) m_owner->NotesSaved(written);
+    m_owner->UnsavedNotesChanged();
+}
+
+void NotesBox::Forget(const LPath& notesFile) {
+    m_unsaved.Forget(notesFile);
+    if (m_file == notesFile) m_isModified = false;
+    m_owner->UnsavedNotesChanged();
 }
 
 void NotesBox::EvChange() {

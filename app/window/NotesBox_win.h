@@ -4,31 +4,50 @@
 
 #include <string_view>
 
+#include "app/window/UnsavedNotes.h"
 #include "base/LPath.h"
 
-// The notes of the current dictation: loaded when it is selected, saved half a second after typing pauses and
-// before anything else happens to the dictation.
+// The notes of the current dictation: loaded when it becomes current, saved half a second after typing pauses and
+// before anything else happens to the dictation. Notes that cannot be saved are kept and saved later.
 // Thread: the window thread.
 class NotesBox {
 public:
-    void Attach(HWND edit, HWND dialog);
+    class Owner {
+    public:
+        virtual ~Owner() = default;
+        // Notes of a dictation, not always of the current one, were written.
+        virtual void NotesSaved(const LPath& notesFile) = 0;
+        // Whether there are notes that could not be saved may have changed.
+        virtual void UnsavedNotesChanged() = 0;
+    };
 
-    // Shows the notes file of a dictation; an empty path empties and disables the box. Call Save before.
+    // Empty and disabled, as long as there is no dictation.
+    void Attach(HWND edit, HWND dialog, Owner& owner);
+
+    // Shows the notes of a dictation; an empty path empties and disables the box. Call Save before.
     void Load(const LPath& notesFile);
-    // Writes modified notes and disarms the timer; true when the file was written.
+    // Writes what was typed, and what could not be written before; disarms the timer. False when there are still
+    // notes of this dictation that are not on the disk.
     bool Save();
     // The text changed: marks it modified and arms the timer.
     void EvChange();
     void Append(std::string_view text);
+    // The dictation was deleted.
+    void Forget(const LPath& notesFile);
 
     const LPath& File() const { return m_file; }
+    const UnsavedNotes& Unsaved() const { return m_unsaved; }
 
 private:
     static LRESULT CALLBACK EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void Retry();
+    void Show(std::string_view text, bool isWhole);
 
     WNDPROC m_editProc = nullptr;  // the platform's own
     HWND m_edit = nullptr;
     HWND m_dialog = nullptr;
+    Owner* m_owner = nullptr;
+    UnsavedNotes m_unsaved;
     LPath m_file;
     bool m_isModified = false;
     bool m_isLoading = false;

@@ -26,43 +26,45 @@ bool HasRecording(const LPath& audio) {
     return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
 }
 
-void TellNoRecipients(HWND owner) {
-    LMessageBox(owner, kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
-}
-
-void TellNotSent(const DictationFiles& files, const char* reason, HWND owner) {
-    const std::string name = DictationRecord::Read(files.record).name;
-    LMessageBox(owner, LFormat("Unable to send the dictation \"%s\".\n\n%s", name.c_str(), reason), "Error",
-                MB_OK | MB_ICONEXCLAMATION);
-}
-
 }  // namespace
 
-int SendCommands::DefaultRecipient(HWND owner) const {
+void SendCommands::TellNoRecipients() const {
+    m_runner.Box(kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
+}
+
+void SendCommands::TellNotSent(const DictationFiles& files, const char* reason) const {
+    const std::string name = DictationRecord::Read(files.record).name;
+    m_runner.Tell(LFormat("Unable to send the dictation \"%s\".\n\n%s", name.c_str(), reason));
+}
+
+int SendCommands::DefaultRecipient() const {
     const std::optional<int32_t> index = ::DefaultRecipient(m_state.user.userFile);
-    if (!index) TellNoRecipients(owner);
+    if (!index) TellNoRecipients();
     return index.value_or(-1);
 }
 
-int SendCommands::ChooseRecipient(HWND owner) const {
+int SendCommands::ChooseRecipient() const {
     // Without a usable default the settings want attention, whichever way is chosen.
-    if (DefaultRecipient(owner) < 0) return -1;
-    return ::ChooseRecipient(m_state, owner);
+    if (DefaultRecipient() < 0) return -1;
+    return ::ChooseRecipient(m_state, m_runner);
 }
 
-SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, HWND owner) {
+SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
     if (!HasRecording(files.audio)) {
-        TellNotSent(files, "It has no recording yet. Please record it first.", owner);
+        TellNotSent(files, "It has no recording yet. Please record it first.");
+        return Outcome::NothingToSend;
+    }
+    if (hasUnsavedNotes) {
+        TellNotSent(files, "Its notes could not be saved. The disk may be full. It stays in the list.");
         return Outcome::NothingToSend;
     }
     const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
     MoveToSent move(m_state.user, files.record);
     if (!move.Run(description, LNowSeconds())) {
-        TellNotSent(
-            files,
-            "One of its files may be open in another program, or the disk may be full. It stays in the list.",
-            owner);
+        TellNotSent(files,
+                    "One of its files may be open in another program, or the disk may be full. It stays in "
+                    "the list.");
         return Outcome::Failed;
     }
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))

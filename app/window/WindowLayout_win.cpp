@@ -64,8 +64,6 @@ void WindowLayout::LayoutControls() {
         if (!place.IsHidden())
             SetWindowPos(control, nullptr, place.x, place.y, place.width, place.height,
                          SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-        // The keyboard must not go on working on what nobody sees.
-        if (place.IsHidden() && GetFocus() == control) SetFocus(GetDlgItem(m_window, IDC_RECORD));
         ShowWindow(control, place.IsHidden() ? SW_HIDE : SW_SHOWNA);
     }
     InvalidateRect(m_window, nullptr, TRUE);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "app/transport/HoldRule.h"
+#include "app/transport/PlayPlan.h"
+#include "app/window/CommandTarget.h"
+#include "base/LTime.h"
+
+// What pedals, hot keys and dictation microphones do: they press and release command indexes (CI_... of res/Ids.h) and
+// buttons of the microphone, and become commands here.
+// Units:  milliseconds of a tick count.
+// Thread: the window thread. A press may run messages, and with them the release that belongs to it.
+class DeviceCommands {
+public:
+    // Besides giving commands.
+    class Target : public CommandTarget {
+    public:
+        virtual bool IsRecording() const = 0;
+        virtual bool IsPlaying() const = 0;
+        // Holds the winding button down, or lets go of it; false when it cannot be pressed.
+        virtual bool HoldWinding(WindDirection direction, bool isDown) = 0;
+        virtual void OpenWindow() = 0;
+        virtual void MinimizeWindow() = 0;
+    };
+
+    explicit DeviceCommands(Target& target, uint32_t (*clock)() = LTickMs)
+        : m_target(target), m_clock(clock) {}
+
+    // True when the press was accepted and wants its release. An index above 14 is ignored (traced).
+    bool CommandPress(int index);
+    void CommandRelease(int index, uint32_t holdLimitMs);
+    // A button code of the dictation microphone.
+    void MicButton(int code);
+
+private:
+    // A press that is being carried out, which may take long: a compressed dictation is decoded first.
+    struct Pressing {
+        int index;
+        uint32_t sinceMs;
+        std::optional<uint32_t> releasedMs;
+        uint32_t holdLimitMs = 0;
+    };
+    struct Index;
+    static const Index kIndexes[];
+    static const Index* Find(int index);
+    bool Press(const Index& entry);
+    bool PressHeld(const Index& entry);
+
+    Target& m_target;
+    uint32_t (*m_clock)();
+    HoldRule m_hold;
+    Pressing* m_pressing = nullptr;
+    bool m_micRecordHeld = false;
+};

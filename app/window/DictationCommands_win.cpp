@@ -1,0 +1,139 @@
+#include "app/window/DictationCommands_win.h"
+
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "store/DictationStore.h"
+#include "store/SettingsKeys.h"
+
+namespace {
+
+constexpr char kDiskLow[] =
+    "Your hard drive is low on space. Corvane might not function properly unless you remove some files.";
+constexpr char kConfirmDelete[] = "Are you sure you want to delete this dictation?";
+constexpr char kCannotDelete[] =
+    "A dictation could not be deleted completely.\n\n"
+    "One of its files may be open in another program or be write-protected. What is left of it stays in the "
+    "list.";
+constexpr char kCannotCreate[] =
+    "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
+    "write-protected.";
+
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && LIsBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+}  // namespace
+
+const char DictationCommands::kNotStored[] =
+    "The change could not be stored.\n\n"
+    "The dictation's file may be open in another program or be write-protected, or the disk may be full. "
+    "Nothing was "
+    "changed.";
+
+// False when the window is to close instead.
+bool DictationCommands::StopAndSave() {
+    const bool goesOn = m_transport.Stop();
+    m_notes.Save();
+    return goesOn;
+}
+
+std::vector<DictationFiles> DictationCommands::CurrentAlone() const {
+    return m_current ? std::vector{*m_current.Files()} : std::vector<DictationFiles>();
+}
+
+bool DictationCommands::Create() {
+    TestHardDrive();
+    if (!StopAndSave()) return false;
+    std::optional<NewDictation> created = ::CreateDictation(m_state.user, LNowSeconds());
+    // A record under another file name may claim the number: the new dictation must have a row of its own.
+    while (created && m_list.HoldsNumber(created->number)) {
+        DeleteDictationFiles(created->files);
+        created = ::CreateDictation(m_state.user, LNowSeconds());
+    }
+    if (!created) {
+        m_runner.Tell(kCannotCreate);
+        return false;
+    }
+    m_list.AddFile(created->files.record);
+    m_list.SelectFile(created->files.record);
+    return m_current.Is(created->files);
+}
+
+bool DictationCommands::BeginRename() {
+    if (!StopAndSave()) return false;
+    m_list.BeginRename();
+    return true;
+}
+
+void DictationCommands::Rename(std::string_view name) {
+    name = Trimmed(name);
+    if (!m_current || name.empty() || !StopAndSave() || !m_current) return;
+    const DictationFiles files = *m_current.Files();
+    if (m_list.NameOf(files.record) != name && !m_list.Rename(files, name)) TellNotStored();
+}
+
+bool DictationCommands::SetPriority(std::string_view priority) {
+    bool all = true;
+    for (const DictationFiles& files : m_list.Selected()) {
+        all = ::SetPriority(files.record, priority) && all;
+        m_list.UpdateFile(files.record);
+    }
+    if (!all) TellNotStored();
+    return all;
+}
+
+bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
+    if (dictations.empty() || !StopAndSave()) return false;
+    if (m_runner.Box(kConfirmDelete, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) !=
+        IDYES)
+        return false;
+    // A device may have started something while the question stood.
+    if (!StopAndSave()) return false;
+    bool all = true;
+    for (const DictationFiles& files : dictations) {
+        if (!m_list.NumberOf(files.record)) continue;
+        if (DeleteDictationFiles(files)) {
+            m_notes.Forget(files.notes);
+            m_list.RemoveFile(files.record);
+        } else {
+            all = false;
+            m_list.UpdateFile(files.record);
+        }
+    }
+    m_transport.EvAudioChanged();
+    if (!all) m_runner.Tell(kCannotDelete);
+    return all;
+}
+
+bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
+    if (dictations.empty() || !StopAndSave()) return false;
+    const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
+    if (recipient < 0) return false;
+    for (const DictationFiles& files : dictations) {
+        // Each time anew: while a question of the one before stood, another program may have added notes, a device
+        // may have recorded, and the dictation may have gone.
+        if (!StopAndSave()) return false;
+        if (!m_list.NumberOf(files.record)) continue;
+        const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
+        const SendCommands::Outcome outcome = m_send.Send(files, recipient, isUnsaved);
+        if (outcome == SendCommands::Outcome::Failed) return false;
+        if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFile(files.record);
+    }
+    return true;
+}
+
+// ---- Disk ------------------------------------------------------------------------------------------------
+
+void DictationCommands::DeleteOldFiles() {
+    const int32_t days = Settings::Read(m_state.data.settingsFile, SettingsKeys::kAutoDeleteDays);
+    ::DeleteOldFiles(m_state.user.sentFolder, days, LNowFileTime(),
+                     [this](const LPath& audio) { return m_queue.IsQueued(audio); });
+}
+
+void DictationCommands::TestHardDrive() {
+    if (!IsDiskLow(m_state.data)) return;
+    DeleteOldFiles();
+    m_runner.Box(kDiskLow, "Warning", MB_OK | MB_ICONEXCLAMATION);
+}

@@ -1,0 +1,81 @@
+#include "app/window/KeyTable.h"
+
+#include "res/Ids.h"
+
+namespace {
+
+// Virtual-key codes, as the platform numbers them.
+enum : int {
+    kReturn = 0x0D,
+    kEscape = 0x1B,
+    kEnd = 0x23,
+    kHome = 0x24,
+    kInsert = 0x2D,
+    kDelete = 0x2E,
+    kF1 = 0x70,
+    kF2 = 0x71,
+    kF5 = 0x74,
+    kF7 = 0x76,
+    kF8 = 0x77,
+    kF9 = 0x78,
+    kF10 = 0x79,
+    kF11 = 0x7A,
+    kF12 = 0x7B,
+};
+
+enum class With { Nothing, Ctrl, Shift };
+
+struct Shortcut {
+    int key;
+    With with;
+    int command;
+};
+constexpr Shortcut kShortcuts[] = {
+    {'N', With::Ctrl, CM_NEWFILE},
+    {'S', With::Ctrl, CM_SENDFILE},
+    {'R', With::Ctrl, CM_SENDFILE_TO},
+    {kF2, With::Nothing, CM_RENAMEFILE},
+    {kDelete, With::Ctrl, CM_DELETEFILE},
+    {'W', With::Ctrl, CM_VIEWSENT},
+    {'O', With::Ctrl, CM_RECOVER},
+    {'D', With::Ctrl, IDC_DOCK},
+    {kF5, With::Nothing, CM_RECORD},
+    {kF5, With::Ctrl, CM_RECORD_OVERWRITE},
+    {kInsert, With::Nothing, CM_RECORD_INSERT},
+    {kF5, With::Shift, CM_RECORD_END},
+    {kF9, With::Nothing, CM_PLAY},
+    {kF11, With::Nothing, CM_PLAY_SLOW},
+    {kF10, With::Nothing, CM_PLAY_NORMAL},
+    {kF12, With::Nothing, CM_PLAY_FAST},
+    {kEscape, With::Nothing, CM_STOP},
+    {kHome, With::Nothing, CM_GOTOSTART},
+    {kEnd, With::Nothing, CM_GOTOEND},
+    {kF1, With::Nothing, CM_HELP},
+};
+
+// In the notes these keys move and edit.
+bool IsEditing(int key) {
+    return key == kHome || key == kEnd || key == kInsert || key == kDelete;
+}
+
+bool IsWith(const KeyPress& press, With with) {
+    return !press.alt && press.ctrl == (with == With::Ctrl) && press.shift == (with == With::Shift);
+}
+
+}  // namespace
+
+KeyAction ActionOf(const KeyPress& press) {
+    using Kind = KeyAction::Kind;
+    // A name that is being edited has the keyboard for itself.
+    if (press.focus == KeyFocus::NameEditor) return {};
+    if ((press.key == kF7 || press.key == kF8) && IsWith(press, With::Nothing))
+        return {press.repeats ? Kind::Swallow : Kind::Wind, 0,
+                press.key == kF7 ? WindDirection::Back : WindDirection::Forward};
+    // Held on a button the dialog would press it again and again.
+    if (press.key == kReturn && press.repeats && press.focus == KeyFocus::Button) return {Kind::Swallow};
+    if (press.focus == KeyFocus::Notes && IsEditing(press.key)) return {};
+    for (const Shortcut& shortcut : kShortcuts)
+        if (shortcut.key == press.key && IsWith(press, shortcut.with))
+            return {press.repeats ? Kind::Swallow : Kind::Command, shortcut.command};
+    return {};
+}

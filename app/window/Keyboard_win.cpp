@@ -1,0 +1,68 @@
+#include "app/window/Keyboard_win.h"
+
+#include <utility>
+
+#include "base/LText.h"
+#include "res/Ids.h"
+
+constexpr LPARAM kKeyWasDown = 1L << 30;  // of a key message: it repeats
+
+static bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+static bool IsOfClass(HWND control, const char* wanted) {
+    char name[16] = {};
+    GetClassNameA(control, name, sizeof name);
+    return LEqualNoCase(name, wanted);
+}
+
+bool Keyboard::PreTranslateMessage(const MSG& message) {
+    if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
+    switch (message.message) {
+        case WM_KEYDOWN:
+        case WM_SYSKEYDOWN:
+            return EvKeyDown(message);
+        case WM_KEYUP:
+            if (m_heldKey == 0 || message.wParam != m_heldKey) return false;
+            ReleaseHeld();
+            return true;
+        case WM_LBUTTONDBLCLK:
+            return IsSecondClick(message);
+        default:
+            return false;
+    }
+}
+
+bool Keyboard::EvKeyDown(const MSG& message) {
+    const KeyAction action = ActionOf({.key = static_cast<int>(message.wParam),
+                                       .alt = IsDown(VK_MENU),
+                                       .ctrl = IsDown(VK_CONTROL),
+                                       .shift = IsDown(VK_SHIFT),
+                                       .repeats = (message.lParam & kKeyWasDown) != 0,
+                                       .focus = FocusOf(message.hwnd)});
+    if (action.kind == KeyAction::Kind::Command) m_target.Give(action.command);
+    if (action.kind == KeyAction::Kind::Wind) {
+        ReleaseHeld();
+        m_heldKey = message.wParam;
+        m_direction = action.direction;
+        m_target.WindByKey(m_direction, true);
+    }
+    return action.kind != KeyAction::Kind::PassOn;
+}
+
+void Keyboard::ReleaseHeld() {
+    if (std::exchange(m_heldKey, 0) != 0) m_target.WindByKey(m_direction, false);
+}
+
+KeyFocus Keyboard::FocusOf(HWND control) const {
+    if (control == GetDlgItem(m_window, IDC_NOTES)) return KeyFocus::Notes;
+    if (IsOfClass(control, "Edit")) return KeyFocus::NameEditor;
+    return IsOfClass(control, "Button") ? KeyFocus::Button : KeyFocus::Elsewhere;
+}
+
+// Who clicks twice by habit must not send two dictations.
+bool Keyboard::IsSecondClick(const MSG& message) const {
+    const int control = GetDlgCtrlID(message.hwnd);
+    return control == IDC_NEW || control == IDC_SEND;
+}

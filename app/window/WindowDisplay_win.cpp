@@ -1,0 +1,203 @@
+#include "app/window/WindowDisplay_win.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "app/window/ControlNames.h"
+#include "app/window/TransportButton_win.h"
+#include "audio/device/LDBDisplay_win.h"
+#include "base/LText.h"
+#include "res/Ids.h"
+
+constexpr int kPositionFontHeight = 15;  // pixels
+constexpr int kProgressSteps = 100;
+
+constexpr int kButtons[] = {IDC_NEW,       IDC_SEND,   IDC_PLAY,        IDC_RECORD,  IDC_STOP,
+                            IDC_GOTOSTART, IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK};
+
+// ---- Life ------------------------------------------------------------------------------------------------
+
+void WindowDisplay::Attach(HWND window, const std::string& userName) {
+    m_window = window;
+    LoadIcons();
+    ShowIcon(false);
+    SetPositionFont();
+    AddToolTips();
+    m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
+    LSetWindowText(Item(IDC_LOGGEDON), m_loggedOn);
+    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
+    ShowNextInfo();
+}
+
+void WindowDisplay::Detach() {
+    m_toolTips.Close();
+}
+
+// Loaded once and owned: shared icons would come in whatever size was asked for first.
+void WindowDisplay::LoadIcons() {
+    const auto load = [](int resource, int cx, int cy) {
+        return LIcon(static_cast<HICON>(LoadImageA(LInstance(), MAKEINTRESOURCEA(resource), IMAGE_ICON,
+                                                   GetSystemMetrics(cx), GetSystemMetrics(cy), 0)));
+    };
+    for (int i = 0; i < 2; ++i) {
+        m_icons[i][0] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXICON, SM_CYICON);
+        m_icons[i][1] = load(i == 0 ? IDI_CORVANE : IDI_RECORDING, SM_CXSMICON, SM_CYSMICON);
+    }
+}
+
+void WindowDisplay::SetPositionFont() {
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Item(IDC_POSITION), WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    font.lfHeight = kPositionFontHeight;
+    font.lfWidth = 0;
+    font.lfWeight = FW_BOLD;
+    m_positionFont.Reset(CreateFontIndirectA(&font));
+    for (int control : {IDC_POSITION, IDC_DICTATIONNAME})
+        SendMessageA(Item(control), WM_SETFONT, reinterpret_cast<WPARAM>(m_positionFont.Get()), FALSE);
+}
+
+void WindowDisplay::AddToolTips() {
+    if (!m_toolTips.Create(m_window)) return;
+    for (const ControlTip& tip : kControlTips) m_toolTips.Add(tip.control, tip.text);
+}
+
+// ---- Commands --------------------------------------------------------------------------------------------
+
+void WindowDisplay::EnableCommands(HMENU menu, const CommandSituation& situation) {
+    for (int i = GetMenuItemCount(menu) - 1; i >= 0; --i) {
+        if (const HMENU sub = GetSubMenu(menu, i)) EnableCommands(sub, situation);
+        const UINT command = GetMenuItemID(menu, i);
+        if (command == 0 || command == static_cast<UINT>(-1)) continue;
+        const bool isEnabled = IsCommandEnabled(static_cast<int>(command), situation);
+        EnableMenuItem(menu, command, MF_BYCOMMAND | (isEnabled ? MF_ENABLED : MF_GRAYED));
+    }
+}
+
+void WindowDisplay::ShowSituation(CommandSituation situation) {
+    situation.standing = CommandSituation::Standing::Nothing;
+    m_view = situation.view;
+    EnableCommands(GetMenu(m_window), situation);
+    const auto enable = [&](bool isEnabled) {
+        for (int control : kButtons)
+            if (IsCommandEnabled(control, situation) == isEnabled) EnableWindow(Item(control), isEnabled);
+    };
+    enable(true);
+    // The keyboard must not be left with a control that no longer listens.
+    if (const int focused = FocusedButton(); focused != 0 && !IsCommandEnabled(focused, situation))
+        FocusHome();
+    enable(false);
+    ShowPosition();
+}
+
+// Play takes nothing away. Where there is nothing to play, there is nothing that Record could take away either.
+void WindowDisplay::FocusHome() {
+    HWND home = Item(m_view == ViewMode::Compact ? IDC_PLAY : IDC_LIST);
+    if (!IsWindowEnabled(home)) home = Item(IDC_RECORD);
+    SetFocus(home);
+}
+
+void WindowDisplay::LeaveButton() {
+    if (FocusedButton() != 0) FocusHome();
+}
+
+// Its number; 0 when the keyboard is elsewhere, or in another program.
+int WindowDisplay::FocusedButton() const {
+    const HWND focus = GetFocus();
+    for (int control : kButtons)
+        if (focus != nullptr && focus == Item(control)) return control;
+    return 0;
+}
+
+void WindowDisplay::ShowRecordMode(RecordMode mode) {
+    m_showsInsert = mode == RecordMode::Insert;
+    InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
+    CheckMenuRadioItem(GetMenu(m_window), CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
+                       static_cast<UINT>(CM_RECORDMODE_OVERWRITE + static_cast<int>(mode)), MF_BYCOMMAND);
+}
+
+void WindowDisplay::ShowPlaySpeed(PlaySpeed speed) {
+    CheckMenuRadioItem(GetMenu(m_window), CM_PLAY_SLOW, CM_PLAY_FAST,
+                       static_cast<UINT>(CM_PLAY_SLOW + static_cast<int>(speed)), MF_BYCOMMAND);
+}
+
+// ---- What runs -------------------------------------------------------------------------------------------
+
+void WindowDisplay::ShowActivity() {
+    if (m_transport.IsRecording() != m_showsRecordingIcon) {
+        m_showsRecordingIcon = m_transport.IsRecording();
+        ShowIcon(m_showsRecordingIcon);
+    }
+    for (int control : {IDC_RECORD, IDC_PLAY, IDC_REWIND, IDC_FASTFORWARD})
+        InvalidateRect(Item(control), nullptr, FALSE);
+    for (int control : {IDC_LEVEL_LEFT, IDC_LEVEL_RIGHT})
+        EnableWindow(Item(control), m_transport.IsRunning());
+}
+
+void WindowDisplay::ShowIcon(bool isRecording) {
+    const LIcon(&icons)[2] = m_icons[isRecording ? 1 : 0];
+    SendMessageA(m_window, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icons[0].Get()));
+    SendMessageA(m_window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icons[1].Get()));
+}
+
+void WindowDisplay::DrawButton(const DRAWITEMSTRUCT& item) const {
+    const int control = static_cast<int>(item.CtlID);
+    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
+}
+
+// Whether a transport button stays pressed, since what it began goes on.
+bool WindowDisplay::IsHeld(int control) const {
+    switch (control) {
+        case IDC_RECORD:
+            return m_transport.IsRecording();
+        case IDC_PLAY:
+            return m_transport.IsPlaying();
+        case IDC_REWIND:
+            return m_transport.IsWinding(WindDirection::Back);
+        case IDC_FASTFORWARD:
+            return m_transport.IsWinding(WindDirection::Forward);
+        default:
+            return false;
+    }
+}
+
+// What runs, in front of the dictation's name.
+const char* WindowDisplay::Doing() const {
+    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
+    if (m_transport.IsPlaying()) return "Playing: ";
+    if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
+    return m_transport.IsWinding() ? "Winding: " : "";
+}
+
+void WindowDisplay::ShowPosition() {
+    if (!m_current) {
+        LSetWindowText(Item(IDC_DICTATIONNAME), "No dictation selected");
+        LSetWindowText(Item(IDC_POSITION), "");
+        return;
+    }
+    LSetWindowText(Item(IDC_DICTATIONNAME), Doing() + m_list.NameOf(m_current.Files()->record));
+    const int32_t position = m_transport.PositionMs();
+    const int32_t length = std::max(position, m_transport.LengthMs());
+    LSetWindowText(Item(IDC_POSITION), FormatDuration(position) + " / " + FormatDuration(length));
+}
+
+void WindowDisplay::ShowLevels(int8_t leftDb, int8_t rightDb) {
+    LDBDisplaySetLevel(Item(IDC_LEVEL_LEFT), leftDb);
+    LDBDisplaySetLevel(Item(IDC_LEVEL_RIGHT), rightDb);
+}
+
+// ---- Lines -----------------------------------------------------------------------------------------------
+
+void WindowDisplay::ShowUnsaved(const std::string& name) {
+    LSetWindowText(Item(IDC_LOGGEDON), name.empty() ? m_loggedOn : "Notes not saved: " + name);
+}
+
+void WindowDisplay::ShowSendProgress(double fraction) {
+    SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETPOS, static_cast<WPARAM>(fraction * kProgressSteps + 0.5), 0);
+}
+
+void WindowDisplay::ShowNextInfo() {
+    LSetWindowText(Item(IDC_INFOLINE), kInfoTexts[m_infoText]);
+    m_infoText = (m_infoText + 1) % std::size(kInfoTexts);
+}

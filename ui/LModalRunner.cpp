@@ -1,0 +1,80 @@
+#include "ui/LModalRunner.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/LProgressDialog.h"
+
+// Stands as long as it lives.
+class LModalRunner::Stay {
+public:
+    Stay(LModalRunner& runner, Standing what) : m_runner(runner) { m_runner.m_standing.push_back(what); }
+    ~Stay() {
+        m_runner.m_standing.pop_back();
+        if (m_runner.m_window == nullptr || !m_runner.m_standing.empty()) return;
+        if (m_runner.m_closeWanted) PostMessageA(m_runner.m_window, WM_CLOSE, 0, 0);
+        if (!m_runner.m_later.empty()) PostMessageA(m_runner.m_window, m_runner.m_laterMessage, 0, 0);
+    }
+    Stay(const Stay&) = delete;
+    Stay& operator=(const Stay&) = delete;
+
+private:
+    LModalRunner& m_runner;
+};
+
+void LModalRunner::Attach(HWND window, UINT laterMessage, std::function<void()> stop) {
+    m_window = window;
+    m_laterMessage = laterMessage;
+    m_stop = std::move(stop);
+}
+
+void LModalRunner::Detach() {
+    m_window = nullptr;
+    m_later.clear();
+}
+
+int LModalRunner::Box(std::string_view text, std::string_view caption, UINT flags) {
+    if (!MayGoOn()) return 0;
+    const Stay stay(*this, Standing::Question);
+    return LMessageBox(m_window, text, caption, flags);
+}
+
+INT_PTR LModalRunner::RunModal(LDialog& dialog, int resource, WhatRuns whatRuns) {
+    if (whatRuns == WhatRuns::Stops) m_stop();
+    if (!MayGoOn()) return -1;
+    const Stay stay(*this, Standing::Question);
+    return dialog.RunModal(resource, m_window);
+}
+
+ProcessResult LModalRunner::RunProcess(LProcess& process, std::string_view title) {
+    if (!MayGoOn()) return ProcessResult::Stopped;
+    const Stay stay(*this, Standing::Process);
+    return LProgressDialog::Run(process, m_window, title);
+}
+
+void LModalRunner::TellLater(std::string_view text) {
+    if (m_window == nullptr) return;
+    m_later.emplace_back(text);
+    PostMessageA(m_window, m_laterMessage, 0, 0);
+}
+
+void LModalRunner::ShowLater() {
+    if (What() != Standing::Nothing) return;  // the end of what stands posts the message again
+    for (const std::string& text : std::exchange(m_later, {})) Tell(text);
+}
+
+LModalRunner::Standing LModalRunner::What() const {
+    if (std::ranges::find(m_standing, Standing::Process) != m_standing.end()) return Standing::Process;
+    return m_standing.empty() ? Standing::Nothing : Standing::Question;
+}
+
+bool LModalRunner::TakeClose() {
+    if (What() != Standing::Process) return true;
+    m_closeWanted = true;
+    CancelProcess();
+    return false;
+}
+
+void LModalRunner::CancelProcess() {
+    LProgressDialog::CancelRunning();
+}
