@@ -34,14 +34,6 @@ public:
     // The 18 fixed bytes and the extra bytes.
     std::span<const uint8_t> Record() const { return std::span(m_bytes).first(kFixedSize + ExtraBytes()); }
 
-    // Whether this machine converts 16-bit PCM of the format's channels and rate into the format. Windows only.
-    bool TestSupportedRecord() const;
-    // Shows the platform's format chooser, owned by the active window, beginning with this format; with
-    // channels other than 0 only formats of so many. A format that the machine cannot make is refused in a
-    // warning box, and the chooser shown again. False, with this format as it was, when the user cancels or
-    // there is no chooser. Windows only; on the window thread.
-    bool ChooseFormat(uint16_t channels);
-
 private:
     uint16_t U16(size_t offset) const;
     uint32_t U32(size_t offset) const;

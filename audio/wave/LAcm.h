@@ -50,3 +50,8 @@ bool LAcmOpen(const LWaveFileFormat& from, const LWaveFileFormat& to, LAcmTiming
               std::unique_ptr<LAcmConversion>& conversion);
 // Whether such a conversion could be opened; opens none.
 bool LAcmQuery(const LWaveFileFormat& from, const LWaveFileFormat& to);
+
+// Whether this machine makes the format: converts 16-bit PCM of its channels and rate into it.
+inline bool TestSupportedRecord(const LWaveFileFormat& format) {
+    return LAcmQuery(LWaveFileFormat::Pcm(16, format.Channels(), format.SampleRate()), format);
+}

@@ -19,9 +19,11 @@
 #include <vector>
 
 #include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LAcm.h"
 #include "audio/wave/LRewriteWave.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LTrace.h"
+#include "ui/LChooseFormat.h"
 
 namespace {
 
@@ -95,12 +97,13 @@ bool Info(const Arguments& arguments) {
 }
 
 bool Query(const Arguments& arguments) {
-    return Record(arguments[0]).TestSupportedRecord();
+    return TestSupportedRecord(Record(arguments[0]));
 }
 
 bool Choose(const Arguments& arguments) {
     LWaveFileFormat format = Record(arguments[1]);
-    if (!format.ChooseFormat(static_cast<uint16_t>(std::atoi(arguments[0])))) return false;
+    const auto channels = static_cast<uint16_t>(std::atoi(arguments[0]));
+    if (!LChooseFormat(nullptr, format, channels, TestSupportedRecord)) return false;
     for (const uint8_t byte : format.Record()) std::printf("%02x", byte);
     std::puts("");
     return true;

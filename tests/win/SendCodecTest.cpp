@@ -1,3 +1,4 @@
+#include "audio/wave/LAcm.h"
 #include "audio/wave/LWaveFile.h"
 #include "send/SendItem.h"
 #include "tests/unit/send/SendTest.h"
@@ -19,7 +20,7 @@ TEST(SendCodec, SendsEveryFormatThatTheMachineMakes) {
         SendToSettings recipient = world.ToShare();
         recipient.flags = SendToSettings::kSendWave;
         recipient.waveFormat = LWaveFileFormat(Hex(c.record));
-        EXPECT_TRUE(recipient.waveFormat.TestSupportedRecord()) << c.what;
+        EXPECT_TRUE(TestSupportedRecord(recipient.waveFormat)) << c.what;
         const SendQueueEntry entry{world.AddDictation(5, Recording(20000, false)),
                                    world.AddRecipient(0, recipient), 0, true};
         EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), context).Send(),
@@ -28,5 +29,5 @@ TEST(SendCodec, SendsEveryFormatThatTheMachineMakes) {
         EXPECT_EQ(world.Status(5), "Sent") << c.what;
         EXPECT_TRUE(context.errors.empty()) << c.what << ": " << context.errors[0];
     }
-    EXPECT_FALSE(LWaveFileFormat(Hex("7777 0100 401F0000 401F0000 0100 0800 0000")).TestSupportedRecord());
+    EXPECT_FALSE(TestSupportedRecord(LWaveFileFormat(Hex("7777 0100 401F0000 401F0000 0100 0800 0000"))));
 }
