@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/LFile.h"
 #include "res/Ids.h"
 #include "store/SendToSettings.h"
 #include "ui/LDialog.h"
@@ -18,28 +17,38 @@ public:
     int Chosen() const { return m_chosen; }
 
 private:
+    // What cannot be read is not offered, so an item carries the recipient's index.
     bool InitDialog() override {
-        const HWND list = Item(IDC_CHOOSE_LIST);
         const int count = std::min<int>(RecipientCount(m_state.user.userFile), kMostRecipients);
-        const int defaultIndex = ::DefaultRecipient(m_state.user.userFile).value_or(0);
+        const std::optional<int32_t> defaultIndex = ::DefaultRecipient(m_state.user.userFile);
+        LRESULT selected = 0;
         for (int i = 0; i < count; ++i) {
-            if (!LFile::Exists(RecipientPath(m_state.data.folder, m_state.user.number, i))) break;
-            const std::string text = DescribeRecipient(m_state.data, m_state.user, i);
-            SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+            SendToSettings recipient;
+            if (!recipient.Load(RecipientPath(m_state.data.folder, m_state.user.number, i))) continue;
+            const bool isDefault = defaultIndex == i;
+            const std::string text = DescribeRecipient(recipient, isDefault);
+            const LRESULT item = ListMessage(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+            ListMessage(LB_SETITEMDATA, item, i);
+            if (isDefault) selected = item;
         }
-        SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(defaultIndex), 0);
-        SetFocus(list);
+        ListMessage(LB_SETCURSEL, selected);
+        EnableWindow(Item(IDOK), ListMessage(LB_GETCOUNT) > 0);
+        SetFocus(Item(IDC_CHOOSE_LIST));
         return false;
     }
 
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override {
-        if (message != WM_COMMAND) return LDialog::HandleMessage(message, wParam, lParam, result);
         const bool isDoubleClick = LOWORD(wParam) == IDC_CHOOSE_LIST && HIWORD(wParam) == LBN_DBLCLK;
-        if (LOWORD(wParam) != IDOK && !isDoubleClick)
+        if (message != WM_COMMAND || (LOWORD(wParam) != IDOK && !isDoubleClick))
             return LDialog::HandleMessage(message, wParam, lParam, result);
-        m_chosen = static_cast<int>(SendMessageA(Item(IDC_CHOOSE_LIST), LB_GETCURSEL, 0, 0));
-        EndModal(IDOK);
+        const LRESULT item = ListMessage(LB_GETCURSEL);
+        if (item >= 0) m_chosen = static_cast<int>(ListMessage(LB_GETITEMDATA, item));
+        if (item >= 0) EndModal(IDOK);
         return true;
+    }
+
+    LRESULT ListMessage(UINT message, LRESULT item = 0, LPARAM parameter = 0) const {
+        return SendMessageA(Item(IDC_CHOOSE_LIST), message, static_cast<WPARAM>(item), parameter);
     }
 
     const AppState& m_state;

@@ -80,6 +80,8 @@ def test_a_stored_insert_mode_takes_nothing_away(corvane, data):
 
 
 def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
+    data.add_recipient("Other", index=1)
+    (data.user / "rec0.dat").unlink()  # his place in the list stays empty; the others are offered all the same
     data.add_dictation(1, pcm_wav(SECOND))
     data.add_dictation(2, pcm_wav(SECOND))
     program = corvane()
@@ -89,6 +91,7 @@ def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
     program.select(2)
     program.answer_box("Send Dictation To", 1)
     assert program.wait_sent(1) == "Sent"
+    assert data.record(1, data.sent)["recipient"].startswith("Other (")
     assert program.row(2) is not None
 
 
