@@ -6,9 +6,10 @@
 
 bool LToolTips::Create(HWND dialog) {
     m_dialog = dialog;
+    // Without an owner: under Wine a visible window that owns another cannot be made top-most.
     m_window =
         CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP, CW_USEDEFAULT,
-                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, dialog, nullptr, LInstance(), nullptr);
+                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, LInstance(), nullptr);
     if (m_window == nullptr) LTrace("LToolTips::Create CreateWindowEx FAILED");
     return m_window != nullptr;
 }

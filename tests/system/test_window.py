@@ -47,6 +47,7 @@ MENU = {
     9001: "&Help Contents\tF1",
     9002: "&About...",
 }
+WS_EX_TOPMOST = 8
 COLUMNS = [("Dictation", 120), ("Date", 70), ("Time", 70), ("Dur", 60), ("Priority", 70), ("Notes", 200)]
 
 
@@ -171,6 +172,12 @@ def test_the_chosen_view_is_kept(corvane, data):
     wait_for(lambda: program.describe()["maximized"], "the maximized view")
     program.command("CM_VIEW_COMPACT")
     wait_for(lambda: program.describe()["rect"] == compact, "the compact view where it was")
+    topmost = lambda: program.describe()["exstyle"] & WS_EX_TOPMOST != 0
+    program.command("CM_VIEW_NORMAL")
+    for floats in (True, False):
+        program.command("CM_VIEW_FLOAT")
+        wait_for(lambda: topmost() == floats, f"floats: {floats}")
+    program.command("CM_VIEW_COMPACT")
     program.close()
     again = corvane()
     assert again.menu()[6001]["checked"]
