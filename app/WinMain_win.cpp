@@ -97,7 +97,7 @@ void Run(StartingGate& gate) {
     InitCommonControls();
     dialog.SetStartTick(GetTickCount());
     dialog.OnCreated([&gate] { gate.Open(); });
-    dialog.RunMessageLoop(IDD_MAIN, nullptr);
+    dialog.RunMessageLoop(IDD_MAIN);
     // A delivery that hangs in the network must not keep the program alive: its entry is still in the queue
     // and is sent after the next start.
     if (!dialog.SendThreadEnded()) ExitProcess(0);

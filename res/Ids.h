@@ -70,15 +70,17 @@
 #define IDC_SENDLABEL     411
 
 // Controls of the small dialogs
-#define IDC_PROGRESS_STATUS 501
-#define IDC_PROGRESS_BAR    502
-#define IDC_CHOOSE_LIST     511
-#define IDC_INTRO_TEXT      521
-#define IDC_INTRO_TITLE     522
-#define IDC_INTRO_BACK      523
-#define IDC_INTRO_NEXT      524
-#define IDC_INTRO_PAGE      525
-#define IDC_ABOUT_TEXT      531
+#define IDC_PROGRESS_STATUS   501
+#define IDC_PROGRESS_BAR      502
+#define IDC_CHOOSE_LIST       511
+#define IDC_INTRO_TEXT        521
+#define IDC_INTRO_TITLE       522
+#define IDC_INTRO_BACK        523
+#define IDC_INTRO_NEXT        524
+#define IDC_INTRO_PAGE        525
+#define IDC_ABOUT_TEXT        531
+#define IDC_TEXTEDIT_QUESTION 541
+#define IDC_TEXTEDIT_TEXT     542
 
 // Timers of the main window
 #define TIMER_INFOLINE    1
@@ -126,6 +128,7 @@
 #define IDD_INTRO      103
 #define IDD_SPLASH     104
 #define IDD_ABOUT      105
+#define IDD_TEXTEDIT   106
 #define IDM_MAIN       200
 #define IDM_DICTATION  201
 #define IDM_INFO       202

@@ -6,8 +6,8 @@
 #include "ui/LWin.h"
 
 // Makes a dialog's edit control edit a level ("-20dB", or "--dB" for no signal). What is typed may leave "dB"
-// out; when the focus leaves, a level is written in full, and anything else gives way to the level before. Up and
-// Down change it by 1 dB.
+// out; when the focus leaves, a level is written in full, and anything else gives way to the level before. Up
+// and Down change it by 1 dB.
 // Attach it once the control exists. Either may go first; the level stays. Thread: the window thread.
 class LDBEdit {
 public:

@@ -23,14 +23,22 @@ bool LDialog::CreateWindowFromResource(int resource, HWND owner) {
 }
 
 INT_PTR LDialog::RunModal(int resource, HWND owner) {
+    if (m_window != nullptr) {
+        LTrace("LDialog::RunModal the dialog is open already");
+        return -1;
+    }
     m_isModal = true;
-    const INT_PTR result = DialogBoxParamA(LInstance(), MAKEINTRESOURCEA(resource), owner, DialogProc,
-                                           reinterpret_cast<LPARAM>(this));
-    if (result == -1) LTrace("LDialog::RunModal DialogBoxParam FAILED");
-    return result;
+    m_modalResult = -1;
+    // The platform's own result is OK when a quit message ends the dialog.
+    if (DialogBoxParamA(LInstance(), MAKEINTRESOURCEA(resource), owner, DialogProc,
+                        reinterpret_cast<LPARAM>(this)) == -1)
+        LTrace("LDialog::RunModal DialogBoxParam FAILED");
+    m_isModal = false;
+    return m_modalResult;
 }
 
 void LDialog::EndModal(INT_PTR result) {
+    m_modalResult = result;
     EndDialog(m_window, result);
 }
 
@@ -75,9 +83,8 @@ bool LModelessDialog::PreTranslateMessage(MSG&) {
     return false;
 }
 
-void LModelessDialog::RunMessageLoop(int resource, HWND owner) {
-    if (!Create(resource, owner)) return;
-    if (owner != nullptr) EnableWindow(owner, FALSE);
+void LModelessDialog::RunMessageLoop(int resource) {
+    if (!Create(resource, nullptr)) return;
     MSG message;
     while (IsOpen() && GetMessageA(&message, nullptr, 0, 0) > 0) {
         if (PreTranslateMessage(message)) continue;
@@ -85,8 +92,5 @@ void LModelessDialog::RunMessageLoop(int resource, HWND owner) {
         TranslateMessage(&message);
         DispatchMessageA(&message);
     }
-    if (owner == nullptr) return;
-    EnableWindow(owner, TRUE);
-    SetActiveWindow(owner);
-    SetFocus(owner);
+    Close();
 }

@@ -2,9 +2,11 @@
 
 #include "ui/LWin.h"
 
-// Base of every dialog: an object whose window is made from a dialog resource.
-// The window belongs to the object: whichever goes first takes the other's handle with it.
-// Errors: Create returns false (traced). Thread: the window thread.
+// Base of every dialog: an object whose window is made from a dialog resource. The window belongs to the
+// object and has to go first, so that DestroyDialog finds the object whole: a modal one and one that runs a
+// message loop see to it themselves, others call Close. An object that goes before its window takes the
+// window with it, without DestroyDialog.
+// Errors: a window that cannot be created is traced. Thread: the window thread.
 class LDialog {
 public:
     LDialog() = default;
@@ -16,12 +18,16 @@ public:
     bool IsOpen() const { return m_window != nullptr; }
     HWND Item(int control) const { return GetDlgItem(m_window, control); }
 
-    // Shows the dialog modally; returns what EndModal was given, -1 when it could not be created.
+    // Shows the dialog modally; returns what EndModal was given, -1 when it could not be created, is open
+    // already or ends without an answer (the program is told to quit, another program destroys the window).
     INT_PTR RunModal(int resource, HWND owner);
 
 protected:
     bool CreateWindowFromResource(int resource, HWND owner);
     void EndModal(INT_PTR result);
+    // For windows that the platform makes from a resource; the creation parameter of WM_INITDIALOG is the
+    // object.
+    static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     // The window exists, its controls too; true lets the platform choose the focus.
     virtual bool InitDialog() { return true; }
@@ -31,10 +37,9 @@ protected:
     virtual bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
 private:
-    static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
     HWND m_window = nullptr;
     bool m_isModal = false;
+    INT_PTR m_modalResult = -1;
 };
 
 // A dialog that lives beside others, with a message loop of its own when it is a program's top-level window.
@@ -46,7 +51,7 @@ public:
     // Offered each message before the platform's dialog navigation; true takes it.
     virtual bool PreTranslateMessage(MSG& message);
 
-    // Creates the dialog and runs until its window is gone or the queue yields no more. An owner is disabled
-    // meanwhile, and activated again afterwards.
-    void RunMessageLoop(int resource, HWND owner);
+    // Creates the dialog and runs until its window is gone. When the queue yields no more, since the program
+    // is told to quit, the window is destroyed.
+    void RunMessageLoop(int resource);
 };

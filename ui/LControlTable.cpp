@@ -1,0 +1,147 @@
+#include "ui/LControlTable.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "base/LText.h"
+
+namespace {
+
+using Kind = LControlRow::Kind;
+
+constexpr WPARAM kMostNumberCharacters = 11;
+
+// A whole number and nothing else, blanks around it aside.
+std::optional<LControlValue> ParseNumber(std::string_view text) {
+    while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && LIsBlank(text.back())) text.remove_suffix(1);
+    int32_t number = 0;
+    const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (text.empty() || end.ec != std::errc() || end.ptr != text.data() + text.size()) return std::nullopt;
+    return LControlValue{number, {}};
+}
+
+void SelectListItem(HWND list, int32_t value) {
+    const auto count = static_cast<WPARAM>(SendMessageA(list, CB_GETCOUNT, 0, 0));
+    WPARAM item = 0;
+    while (item < count && SendMessageA(list, CB_GETITEMDATA, item, 0) != value) ++item;
+    SendMessageA(list, CB_SETCURSEL, item < count ? item : static_cast<WPARAM>(-1), 0);
+}
+
+std::optional<LControlValue> SelectedListItem(HWND list) {
+    const LRESULT item = SendMessageA(list, CB_GETCURSEL, 0, 0);
+    if (item < 0) return std::nullopt;
+    return LControlValue{
+        static_cast<int32_t>(SendMessageA(list, CB_GETITEMDATA, static_cast<WPARAM>(item), 0)), {}};
+}
+
+}  // namespace
+
+void LAddListItem(HWND list, const char* text, int32_t value) {
+    const LRESULT item = SendMessageA(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+    if (item >= 0) SendMessageA(list, CB_SETITEMDATA, static_cast<WPARAM>(item), value);
+}
+
+void LControlTable::Load(HWND dialog) {
+    m_dialog = dialog;
+    m_levels = std::make_unique<LDBEdit[]>(m_binding.Count());
+    m_loaded.clear();
+    for (size_t row = 0; row < m_binding.Count(); ++row) {
+        Show(row, m_binding.Read(row));
+        m_loaded.push_back(Shown(row));
+    }
+}
+
+void LControlTable::Show(size_t row, const LControlValue& value) {
+    const LControlRow& r = m_binding.Row(row);
+    switch (r.kind) {
+        case Kind::Text:
+            SendMessageA(Item(r.control), EM_SETLIMITTEXT, static_cast<WPARAM>(r.most), 0);
+            LSetWindowText(Item(r.control), value.text);
+            break;
+        case Kind::Check:
+            CheckDlgButton(m_dialog, r.control, value.number != 0 ? BST_CHECKED : BST_UNCHECKED);
+            break;
+        case Kind::Radio:
+            for (const LRadioButton& button : r.buttons)
+                CheckDlgButton(m_dialog, button.control,
+                               button.value == value.number ? BST_CHECKED : BST_UNCHECKED);
+            break;
+        case Kind::Level:
+            m_levels[row].Attach(Item(r.control), static_cast<int8_t>(value.number));
+            break;
+        case Kind::Number:
+            SendMessageA(Item(r.control), EM_SETLIMITTEXT, kMostNumberCharacters, 0);
+            LSetWindowText(Item(r.control), LFormat("%d", static_cast<int>(value.number)));
+            break;
+        case Kind::List:
+            SelectListItem(Item(r.control), value.number);
+            break;
+    }
+}
+
+std::optional<LControlValue> LControlTable::Shown(size_t row) const {
+    const LControlRow& r = m_binding.Row(row);
+    switch (r.kind) {
+        case Kind::Text:
+            return LControlValue{0, LWindowText(Item(r.control))};
+        case Kind::Check:
+            return LControlValue{IsDlgButtonChecked(m_dialog, r.control) == BST_CHECKED, {}};
+        case Kind::Radio:
+            for (const LRadioButton& button : r.buttons)
+                if (IsDlgButtonChecked(m_dialog, button.control) == BST_CHECKED)
+                    return LControlValue{button.value, {}};
+            return std::nullopt;
+        case Kind::Level:
+            return LControlValue{m_levels[row].Level(), {}};
+        case Kind::Number:
+            return ParseNumber(LWindowText(Item(r.control)));
+        case Kind::List:
+            return SelectedListItem(Item(r.control));
+    }
+    return std::nullopt;
+}
+
+bool LControlTable::IsInRange(size_t row, const LControlValue& value) const {
+    const LControlRow& r = m_binding.Row(row);
+    return r.kind != Kind::Number || (value.number >= r.least && value.number <= r.most);
+}
+
+std::optional<LControlValue> LControlTable::Changed(size_t row) const {
+    std::optional<LControlValue> shown = Shown(row);
+    return shown != m_loaded[row] && shown && IsInRange(row, *shown) ? shown : std::nullopt;
+}
+
+bool LControlTable::IsChange(int control, int notification) const {
+    for (size_t row = 0; row < m_binding.Count(); ++row) {
+        const LControlRow& r = m_binding.Row(row);
+        const bool isButton = r.kind == Kind::Check || r.kind == Kind::Radio;
+        if (notification != (isButton ? BN_CLICKED : r.kind == Kind::List ? CBN_SELCHANGE : EN_CHANGE))
+            continue;
+        if (control == r.control ||
+            std::ranges::find(r.buttons, control, &LRadioButton::control) != r.buttons.end())
+            return true;
+    }
+    return false;
+}
+
+std::optional<LControlTable::Problem> LControlTable::FindProblem() const {
+    for (size_t row = 0; row < m_binding.Count(); ++row) {
+        const LControlRow& r = m_binding.Row(row);
+        if (r.kind != Kind::Number || !IsWindowEnabled(Item(r.control))) continue;
+        const std::optional<LControlValue> shown = Shown(row);
+        if (shown && (shown == m_loaded[row] || IsInRange(row, *shown))) continue;
+        return Problem{r.control, LFormat("Please enter a whole number from %d to %d.",
+                                          static_cast<int>(r.least), static_cast<int>(r.most))};
+    }
+    return std::nullopt;
+}
+
+void LControlTable::Store() {
+    for (size_t row = 0; row < m_binding.Count(); ++row) {
+        const std::optional<LControlValue> value = Changed(row);
+        if (!value) continue;
+        m_binding.Write(row, *value);
+        m_loaded[row] = value;
+    }
+}
