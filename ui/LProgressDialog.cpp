@@ -8,7 +8,6 @@ constexpr DWORD kShowAfterMs = 300;
 constexpr int kBarSteps = 1000;
 
 static int s_running = 0;
-
 static bool s_cancelAll = false;
 
 bool LProgressDialog::IsAnyRunning() {
@@ -43,7 +42,9 @@ ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_vi
         result = process.Process(dialog);
         error = dialog.m_error;
     }
-    if (!error.empty()) LMessageBox(owner, error, "Error", MB_OK | MB_ICONEXCLAMATION);
+    // The owner may have gone meanwhile; the user is told all the same.
+    if (!error.empty())
+        LMessageBox(IsWindow(owner) ? owner : nullptr, error, "Error", MB_OK | MB_ICONEXCLAMATION);
     return result;
 }
 
@@ -80,16 +81,17 @@ void LProgressDialog::SetStatus(std::string_view text) {
 }
 
 void LProgressDialog::Pump() {
-    if (!IsOpen() && GetTickCount() - m_startTick >= kShowAfterMs && Create(IDD_PROGRESS, m_owner))
-        ShowWindow(Window(), SW_SHOW);
+    if (!m_isShown && GetTickCount() - m_startTick >= kShowAfterMs) {
+        m_isShown = true;  // tried once: whatever took its window away, the operation goes on without one
+        if (Create(IDD_PROGRESS, IsWindow(m_owner) ? m_owner : nullptr)) ShowWindow(Window(), SW_SHOW);
+    }
     if (IsOpen())
         SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETPOS, static_cast<WPARAM>(m_fraction * kBarSteps + 0.5),
                      0);
 
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message ==
-            WM_QUIT) {  // the program ends: so does the process, and the outer loop must know
+        if (message.message == WM_QUIT) {  // the program ends: so does the process; the outer loop must know
             m_cancelled = true;
             PostQuitMessage(static_cast<int>(message.wParam));
             return;

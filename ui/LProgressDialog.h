@@ -38,5 +38,6 @@ private:
     std::string m_error;
     double m_fraction = 0;
     DWORD m_startTick;
+    bool m_isShown = false;
     bool m_cancelled = false;
 };
