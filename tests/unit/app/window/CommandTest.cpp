@@ -1,28 +1,47 @@
 #include <gtest/gtest.h>
 
-#include "app/transport/HoldRule.h"
+#include <functional>
+
 #include "app/window/CommandState.h"
+#include "app/window/DeviceCommands.h"
+#include "app/window/KeyTable.h"
 #include "res/Ids.h"
 
-// Plays a pedal: what a user does with it, at which millisecond, and whether the transport runs afterwards.
-class Pedal {
+// A window whose transport records or does not, and a clock that is set by hand.
+class Pedal final : private DeviceCommands::Target {
 public:
+    Pedal() { s_nowMs = 0; }
     void Press(uint32_t at) {
-        if (m_running) return;  // refused, and no press time is noted
-        m_running = true;
-        m_rule.Press(at);
+        s_nowMs = at;
+        m_devices.CommandPress(CI_RECORD);
     }
     void Release(uint32_t at) {
-        if (m_rule.ReleaseStops(at, kHoldLimitMs)) m_running = false;
+        s_nowMs = at;
+        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
     }
-    bool IsRunning() const { return m_running; }
+    bool IsRunning() const { return m_isRunning; }
+    std::function<void()> whileItStarts;  // what happens before the recording runs
 
 private:
-    HoldRule m_rule;
-    bool m_running = false;
+    bool Give(int command) override {
+        if (command == CM_STOP) m_isRunning = false;
+        if (command != CM_RECORD || m_isRunning) return false;
+        if (whileItStarts) whileItStarts();
+        return m_isRunning = true;
+    }
+    bool IsRecording() const override { return m_isRunning; }
+    bool IsPlaying() const override { return false; }
+    bool HoldWinding(WindDirection, bool) override { return false; }
+    void OpenWindow() override {}
+    void MinimizeWindow() override {}
+    static uint32_t Now() { return s_nowMs; }
+
+    static inline uint32_t s_nowMs = 0;
+    bool m_isRunning = false;
+    DeviceCommands m_devices{*this, Now};
 };
 
-TEST(HoldRule, ATapRunsOnUntilTheNextTapAndAHoldEndsWithItsRelease) {
+TEST(DeviceCommands, ATapRunsOnUntilTheNextTapAndAHoldEndsWithItsRelease) {
     static const struct {
         const char* what;
         uint32_t press1, release1;
@@ -48,28 +67,81 @@ TEST(HoldRule, ATapRunsOnUntilTheNextTapAndAHoldEndsWithItsRelease) {
     }
 }
 
+TEST(DeviceCommands, AReleaseWhileTheRecordingIsBeingPreparedCounts) {
+    for (const uint32_t heldMs : {200u, 900u}) {
+        Pedal pedal;
+        pedal.whileItStarts = [&] { pedal.Release(1000 + heldMs); };
+        pedal.Press(1000);
+        EXPECT_EQ(pedal.IsRunning(), heldMs <= kHoldLimitMs) << heldMs;
+        pedal.whileItStarts = nullptr;
+        pedal.Press(9000);
+        pedal.Release(9100);
+        EXPECT_EQ(pedal.IsRunning(), heldMs > kHoldLimitMs) << heldMs << ", tapped again";
+    }
+}
+
 TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
+    using Standing = CommandSituation::Standing;
+    const CommandSituation kNone, kOne{.selectedRows = 1}, kTwo{.selectedRows = 2},
+        kCompact{.view = ViewMode::Compact, .selectedRows = 1},
+        kRecording{.selectedRows = 1, .isRecording = true, .isRunning = true},
+        kPlaying{.selectedRows = 1, .hasAudio = true, .isRunning = true},
+        kAsked{.selectedRows = 1, .hasAudio = true, .isRunning = true, .standing = Standing::Question},
+        kBusy{.selectedRows = 1, .hasAudio = true, .isRunning = true, .standing = Standing::Process};
+    const CommandSituation* const situations[] = {&kNone,      &kOne,     &kTwo,   &kCompact,
+                                                  &kRecording, &kPlaying, &kAsked, &kBusy};
+    // A letter for each situation in which the command can be given, in the order above.
     static const struct {
         int command;
-        bool onNone, onOne, onTwo, onRecording, onPlaying;
+        const char* given;
     } kCases[] = {
-        {CM_NEWFILE, true, true, true, true, true},          {IDC_NEW, true, true, true, true, true},
-        {CM_SENDFILE, false, true, true, true, true},        {IDC_SEND, false, true, true, true, true},
-        {CM_RENAMEFILE, false, true, false, true, true},     {CM_DELETEFILE, false, true, true, true, true},
-        {CM_PRIORITY_NORMAL, false, true, true, true, true}, {CM_RECORD, true, true, true, true, true},
-        {CM_PLAY, false, false, false, true, true},          {CM_PLAY_FAST, false, false, false, true, true},
-        {IDC_REWIND, false, false, false, true, true},       {CM_STOP, false, false, false, true, true},
-        {IDC_STOP, false, false, false, true, true},         {CM_GOTOEND, false, true, true, true, true},
-        {CM_VIEW_COMPACT, true, true, true, true, true},     {CM_EXIT, true, true, true, true, true},
+        {CM_NEWFILE, "noxcrp--"},      {IDC_NEW, "noxcrp--"},       {CM_SENDFILE, "-oxcrp--"},
+        {IDC_SEND, "-oxcrp--"},        {CM_RENAMEFILE, "-o--rp--"}, {CM_DELETEFILE, "-oxcrp--"},
+        {CM_PRIORITY_LOW, "-oxcrp--"}, {CM_RECORD, "noxcrpa-"},     {CM_PLAY, "----rpa-"},
+        {CM_PLAY_FAST, "noxcrpa-"},    {IDC_REWIND, "----rpa-"},    {CM_STOP, "----rpab"},
+        {IDC_STOP, "----rpab"},        {CM_GOTOEND, "-oxcrpa-"},    {CM_VIEW_COMPACT, "noxcrp--"},
+        {CM_EXIT, "noxcrpab"},         {CM_HELP, "--------"},
     };
     for (const auto& c : kCases) {
-        EXPECT_EQ(IsCommandEnabled(c.command, {}), c.onNone) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1}), c.onOne) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 2}), c.onTwo) << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1, .isRecording = true}), c.onRecording)
-            << c.command;
-        EXPECT_EQ(IsCommandEnabled(c.command, {.selectedRows = 1, .hasAudio = true, .isPlaying = true}),
-                  c.onPlaying)
-            << c.command;
+        for (size_t i = 0; i < std::size(situations); ++i)
+            EXPECT_EQ(IsCommandEnabled(c.command, *situations[i]), c.given[i] != '-')
+                << c.command << " in " << i;
+    }
+}
+
+TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
+    using Kind = KeyAction::Kind;
+    constexpr int kF5 = 0x74, kF7 = 0x76, kHome = 0x24, kReturn = 0x0D;
+    static const struct {
+        const char* what;
+        KeyPress press;
+        Kind kind;
+        int command;
+    } kCases[] = {
+        {"Ctrl+S", {.key = 'S', .ctrl = true}, Kind::Command, CM_SENDFILE},
+        {"Ctrl+S held", {.key = 'S', .ctrl = true, .repeats = true}, Kind::Swallow, CM_SENDFILE},
+        {"S alone", {.key = 'S'}, Kind::PassOn, 0},
+        {"Ctrl+Alt+S, a letter of some keyboards", {.key = 'S', .alt = true, .ctrl = true}, Kind::PassOn, 0},
+        {"Ctrl+S in the notes",
+         {.key = 'S', .ctrl = true, .focus = KeyFocus::Notes},
+         Kind::Command,
+         CM_SENDFILE},
+        {"Ctrl+S in a name", {.key = 'S', .ctrl = true, .focus = KeyFocus::NameEditor}, Kind::PassOn, 0},
+        {"Shift+F5", {.key = kF5, .shift = true}, Kind::Command, CM_RECORD_END},
+        {"F7", {.key = kF7}, Kind::Wind, 0},
+        {"F7 held", {.key = kF7, .repeats = true}, Kind::Swallow, 0},
+        {"Ctrl+F7", {.key = kF7, .ctrl = true}, Kind::PassOn, 0},
+        {"Home in the list", {.key = kHome}, Kind::Command, CM_GOTOSTART},
+        {"Home in the notes", {.key = kHome, .focus = KeyFocus::Notes}, Kind::PassOn, 0},
+        {"Enter on a button", {.key = kReturn, .focus = KeyFocus::Button}, Kind::PassOn, 0},
+        {"Enter held on a button",
+         {.key = kReturn, .repeats = true, .focus = KeyFocus::Button},
+         Kind::Swallow,
+         0},
+    };
+    for (const auto& c : kCases) {
+        const KeyAction action = ActionOf(c.press);
+        EXPECT_EQ(action.kind, c.kind) << c.what;
+        EXPECT_EQ(action.command, c.command) << c.what;
     }
 }

@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include "app/transport/CurrentDictation.h"
+#include "app/window/UnsavedNotes.h"
+#include "tests/unit/TestKit.h"
+
+static DictationFiles Files(int32_t number) {
+    return DictationFiles::OfNumber(LPath("C:\\d\\"), number);
+}
+
+// A list with some rows selected, in their order, and the focus on one, selected or not (0: none).
+struct Rows final : DictationSelection {
+    std::vector<int32_t> selected;
+    int32_t focus = 0;
+
+    Rows(std::vector<int32_t> numbers, int32_t focused) : selected(std::move(numbers)), focus(focused) {}
+    bool Has(int32_t number) const { return std::ranges::find(selected, number) != selected.end(); }
+    std::optional<DictationFiles> Focused() const override {
+        return Has(focus) ? std::optional(Files(focus)) : std::nullopt;
+    }
+    std::optional<DictationFiles> First() const override {
+        return selected.empty() ? std::nullopt : std::optional(Files(selected.front()));
+    }
+    bool IsSelected(const DictationFiles& files) const override {
+        return std::ranges::any_of(selected, [&](int32_t n) { return Files(n).record == files.record; });
+    }
+};
+
+TEST(CurrentDictation, StaysTheOneAtWorkUntilTheFocusOrTheSelectionLeavesIt) {
+    CurrentDictation current;
+    static const struct {
+        const char* what;
+        std::vector<int32_t> selected;
+        int32_t focus, expected;
+    } kSteps[] = {
+        {"one row", {1}, 1, 1},
+        {"a second one is added", {1, 2}, 2, 2},
+        {"the focus goes to a row that is not selected", {1, 2}, 3, 2},
+        {"the rows change their order", {2, 1}, 3, 2},
+        {"the current one is no longer selected", {1}, 3, 1},
+        {"nothing is selected", {}, 3, 0},
+        {"rows without a focus", {3, 2}, 0, 3},
+    };
+    for (const auto& step : kSteps) {
+        current.Set(current.Choose(Rows(step.selected, step.focus)));
+        const auto expected = step.expected ? std::optional(Files(step.expected)) : std::nullopt;
+        EXPECT_TRUE(current.Is(expected)) << step.what;
+    }
+}
+
+TEST(UnsavedNotes, KeepsWhatTheDiskDoesNotTakeUntilItDoes) {
+    TempFolder temp;
+    const LPath lost = temp.File("gone/00000001.txt"), fine = temp.File("00000002.txt");
+    UnsavedNotes notes;
+    EXPECT_FALSE(notes.Save(lost, "first"));
+    EXPECT_TRUE(notes.Save(fine, "other"));
+    EXPECT_FALSE(notes.Save(lost, "first and more"));
+    ASSERT_NE(notes.Find(lost), nullptr);
+    EXPECT_EQ(*notes.Find(lost), "first and more");
+    EXPECT_EQ(notes.Find(fine), nullptr);
+    EXPECT_TRUE(notes.Retry().empty());
+    temp.Folder("gone");
+    EXPECT_EQ(notes.Retry().size(), 1u);
+    EXPECT_EQ(ReadFileText(lost), std::string("first and more\0", 15));
+    EXPECT_TRUE(notes.Empty());
+}
