@@ -113,9 +113,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
      }},
     {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
-     [](MainDialog& d, int command) {
-         return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT));
-     }},
+     [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
     {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},
     {CM_ABOUT, CM_ABOUT, [](MainDialog& d, int) { return d.ShowAbout(); }},
 };
