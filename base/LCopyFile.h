@@ -4,14 +4,20 @@
 #include "base/LProcess.h"
 
 // Copies a file with the status text "Please wait...". The copy is made under a temporary name beside its
-// target and takes its name when it is complete and flushed, so nobody ever finds half a file under the
-// target's name.
+// target and takes its name when it is complete and flushed, so nobody finds half a file under the target's
+// name. Another file of that name, whoever put it there, becomes "name (2).ext", or the next number that is
+// free; one with the same bytes is the copy already. Where files can be created but not renamed the copy is
+// made under its own name, and beside a file that cannot be moved aside under the next free one.
+// Errors: Failed (traced) and Stopped leave nothing of the copy, and every other file as it was.
 class LProcessCopyFile final : public LProcess {
 public:
     LProcessCopyFile(const LPath& from, const LPath& to) : m_from(from), m_to(to) {}
     ProcessResult Process(ProcessContext& context) override;
 
 private:
+    ProcessResult CopyBeside(ProcessContext& context);
+    ProcessResult CopyDirectly(ProcessContext& context);
+
     LPath m_from;
     LPath m_to;
 };

@@ -16,9 +16,11 @@
 class LFile final : public LStream {
 public:
     enum class Open {
-        Read,       // existing; others may read and write (a file that is being recorded can be read)
-        Write,      // existing or new, contents kept; others may read
-        CreateNew,  // emptied or new; others may read
+        Read,          // existing; others may read and write (a file that is being recorded can be read)
+        Write,         // existing or new, contents kept; others may read
+        CreateNew,     // emptied or new; others may read
+        CreateAbsent,  // new, fails when it exists; others may read
+        Alone,         // existing or new, contents kept, to be read; nobody else may have it open
     };
 
     LFile();

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <fnmatch.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -13,7 +14,7 @@
 #include "base/LTime.h"
 
 // Serves the native tests: the program's paths are written with backslashes, this platform's with slashes.
-// Share modes are not imitated; tests that need them run as Windows binaries.
+// Other share modes than "alone" are not imitated; tests that need them run as Windows binaries.
 
 namespace {
 
@@ -41,10 +42,13 @@ uint64_t ToFileTime(const timespec& time) {
 }
 
 int OpenFile(const LPath& path, LFile::Open how) {
-    const int flags = how == LFile::Open::Read    ? O_RDONLY
-                      : how == LFile::Open::Write ? O_RDWR | O_CREAT
-                                                  : O_RDWR | O_CREAT | O_TRUNC;
-    return path.Empty() ? -1 : open(Native(path).c_str(), flags | O_CLOEXEC, 0666);
+    static constexpr int kFlags[] = {O_RDONLY, O_RDWR | O_CREAT, O_RDWR | O_CREAT | O_TRUNC,
+                                     O_RDWR | O_CREAT | O_EXCL, O_RDONLY | O_CREAT};
+    if (path.Empty()) return -1;
+    LOwned<FileTraits> file(open(Native(path).c_str(), kFlags[static_cast<size_t>(how)] | O_CLOEXEC, 0666));
+    // Only those who want a file alone keep each other out here.
+    const bool isFree = how != LFile::Open::Alone || flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
+    return isFree ? file.Release() : -1;
 }
 
 // One read or write after the other until all is done, nothing more comes, or the call fails.

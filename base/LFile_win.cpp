@@ -49,6 +49,13 @@ HANDLE OpenFile(const LPath& path, LFile::Open how) {
         case LFile::Open::CreateNew:
             return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        case LFile::Open::CreateAbsent:
+            return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                               CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+        case LFile::Open::Alone:
+            // To read alone: another Windows user's file need not let one write.
+            return CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                               nullptr);
     }
     return INVALID_HANDLE_VALUE;
 }

@@ -3,11 +3,15 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstdlib>
+
+#include "base/LCopyFile.h"
+#include "base/LFileLock.h"
 #include "base/LProfile.h"
 #include "store/DataFolder_win.h"
 #include "store/MoveToSent.h"
 #include "store/NotesFile.h"
-#include "tests/unit/TempFolder.h"
+#include "tests/unit/TestKit.h"
 
 TEST(PlatformFile, IsSharedWithReadersAndWithNoSecondWriter) {
     TempFolder folder;
@@ -39,6 +43,65 @@ TEST(PlatformFile, WhatIsOpenNeitherMovesNorIsReplaced) {
     EXPECT_EQ(ReadFileText(other), "new");
     EXPECT_TRUE(LFile::Replace(other, open));
     EXPECT_EQ(ReadFileText(open), "new");
+}
+
+// Reads along, as a virus scanner does, so that the file cannot be renamed.
+struct ScannedContext final : ProcessContext {
+    explicit ScannedContext(const LPath& path) : path(path) {}
+    bool CancelRequested() override { return (scanner = LFile(path, LFile::Open::Read), false); }
+    void SetProgress(double) override {}
+    void SetStatus(std::string_view) override {}
+    void SetError(std::string_view) override {}
+    LPath path;
+    LFile scanner;
+};
+
+TEST(PlatformFile, ACopyThatCannotBeRenamedIsMadeDirectly) {
+    TempFolder folder;
+    const std::string text(100000, 'x');
+    WriteFileText(folder.File("a"), text);
+    ScannedContext context(folder.File("d.cv~"));
+    EXPECT_EQ(LProcessCopyFile(folder.File("a"), folder.File("d.dct")).Process(context), ProcessResult::Done);
+    EXPECT_TRUE(ReadFileText(folder.File("d.dct")) == text);
+    EXPECT_EQ(ReadFileText(folder.File("d.cv~")), "") << "what cannot be deleted is emptied";
+
+    WriteFileText(folder.File("a"), "new");
+    LFile reader(folder.File("d.dct"), LFile::Open::Read);
+    context.path = LPath();
+    EXPECT_EQ(LProcessCopyFile(folder.File("a"), folder.File("d.dct")).Process(context), ProcessResult::Done);
+    EXPECT_TRUE(ReadFileText(folder.File("d.dct")) == text) << "held by a reader";
+    EXPECT_EQ(ReadFileText(folder.File("d (2).dct")), "new");
+}
+
+// The other program of the test below.
+TEST(PlatformFileLock, DISABLED_HoldUntilKilled) {
+    LFileLock lock;
+    if (lock.TryTake(LPath(std::getenv("CORVANE_TEST_LOCK"))) == LFileLock::Result::Taken) Sleep(30000);
+}
+
+TEST(PlatformFileLock, KeepsOtherProgramsOutUntilItsHolderIsGone) {
+    TempFolder folder;
+    const LPath path = folder.File("a.lck");
+    char program[MAX_PATH];
+    GetModuleFileNameA(nullptr, program, sizeof program);
+    std::string command = '"' + std::string(program) +
+                          "\" --gtest_also_run_disabled_tests --gtest_filter=PlatformFileLock.DISABLED_*";
+    SetEnvironmentVariableA("CORVANE_TEST_LOCK", path.c_str());
+    STARTUPINFOA start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION other = {};
+    ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                               &other));
+    for (int tried = 0; !LFile::Exists(path) && tried < 1000; ++tried) Sleep(20);
+    Sleep(50);
+    LFileLock lock;
+    EXPECT_EQ(lock.Take(path, 100), LFileLock::Result::Held);
+    TerminateProcess(other.hProcess, 1);
+    EXPECT_EQ(lock.Take(path, 5000), LFileLock::Result::Taken);
+    CloseHandle(other.hProcess);
+    CloseHandle(other.hThread);
+    EXPECT_EQ(LFileLock().TryTake(path), LFileLock::Result::Held);
+    EXPECT_EQ(LFileLock().TryTake(folder.File("none\\a.lck")), LFileLock::Result::Failed);
 }
 
 TEST(PlatformFile, ADictationInUseStaysInCurrentAsItWas) {

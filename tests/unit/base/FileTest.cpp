@@ -65,6 +65,8 @@ TEST_F(FileTest, MoveRefusesWhatReplaceTakes) {
     EXPECT_EQ(ReadFileText(m_b), "new");
     EXPECT_EQ(NamesNow(), Names{"b"});
     EXPECT_TRUE(LFile::Move(m_b, m_a));
+    EXPECT_FALSE(LFile(m_a, LFile::Open::CreateAbsent).IsOpen());
+    EXPECT_TRUE(LFile(m_b, LFile::Open::CreateAbsent).IsOpen());
 }
 
 TEST_F(FileTest, WritingWholeLeavesNothingBesideItAndReadingWholeHasALimit) {
@@ -114,15 +116,48 @@ TEST_F(FileTest, IsCopiedWholeOrTheTargetStaysAsItWas) {
     NotingContext stopped, other;
     stopped.cancelAfter = 2;
     EXPECT_EQ(Copy("a", "b", stopped), ProcessResult::Stopped);
-    for (const auto& [from, to] : {std::pair("none", "b"), std::pair("a", "taken"), std::pair("a", "none/b")})
+    for (const auto& [from, to] : {std::pair("none", "b"), std::pair("a", "none/b")})
         EXPECT_EQ(Copy(from, to, other), ProcessResult::Failed) << from << to;
     EXPECT_EQ(ReadFileText(m_b), "old");
     EXPECT_EQ(NamesNow(), (Names{"a", "b", "taken"}));
 
     NotingContext done;
-    EXPECT_EQ(Copy("a", "b", done), ProcessResult::Done);
-    EXPECT_TRUE(ReadFileText(m_b) == text);
+    EXPECT_EQ(Copy("a", "c.dct", done), ProcessResult::Done);
+    EXPECT_TRUE(ReadFileText(m_folder.File("c.dct")) == text);
     EXPECT_TRUE(std::ranges::is_sorted(done.progress) && done.progress.back() == 1.0);
     EXPECT_EQ(done.status, "Please wait...");
-    EXPECT_EQ(NamesNow(), (Names{"a", "b", "taken"}));
+    EXPECT_EQ(NamesNow(), (Names{"a", "b", "c.dct", "taken"}));
+}
+
+// Two installations may use one folder, and number their dictations alike.
+TEST_F(FileTest, ACopyNeverTakesTheNameFromAnotherFile) {
+    const std::string text = std::string(70000, 'x') + "end";
+    const struct {
+        const char* name;
+        std::string before;
+        bool isNamed;  // whether the unfinished copy can be made
+        std::string named, second, third;
+    } cases[] = {
+        {"other", "old", true, text, "second", "old"},
+        {"longer", text + "x", true, text, "second", text + "x"},
+        {"same", text, true, text, "second", ""},
+        {"cut off", text.substr(0, 66000), true, text, "second", ""},
+        {"direct", "", false, text, "second", ""},
+        {"other, direct", "old", false, "old", "second", text},
+    };
+    for (const auto& c : cases) {
+        TempFolder folder;
+        const auto file = [&](const char* name) { return folder.File(name); };
+        WriteFileText(file("new"), text);
+        if (!c.before.empty()) WriteFileText(file("d.dct"), c.before);
+        WriteFileText(file("d (2).dct"), "second");
+        if (!c.isNamed) folder.Folder("d.cv~");
+        NotingContext context;
+        EXPECT_EQ(LProcessCopyFile(file("new"), file("d.dct")).Process(context), ProcessResult::Done)
+            << c.name;
+        EXPECT_TRUE(ReadFileText(file("d.dct")) == c.named) << c.name;
+        EXPECT_TRUE(ReadFileText(file("d (2).dct")) == c.second) << c.name;
+        EXPECT_TRUE(ReadFileText(file("d (3).dct")) == c.third) << c.name;
+        EXPECT_EQ(LFile::Exists(file("d.cv~")), false) << c.name;
+    }
 }
