@@ -1,5 +1,6 @@
 #include "send/BGSend.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/LTime.h"
@@ -8,10 +9,25 @@
 static constexpr size_t kLongestError = 259;
 static constexpr char kQueueUnwritable[] = "Corvane internal files are read only or corrupt.";
 
-// How long the thread waits for another program, such as a virus scanner, to let go of the queue file.
+// How long the thread waits for another program, such as a virus scanner, to let go of the queue file before
+// it tells, and the owner before it gives up.
 static constexpr uint32_t kReadLimitMs = 5000;
 static constexpr uint32_t kRemoveLimitMs = 2000;
+static constexpr uint32_t kChangeLimitMs = 500;
 static constexpr uint32_t kRetryMs = 50;
+static constexpr uint32_t kLateRetryMs = 1000;  // after it told
+static constexpr uint32_t kElsewhereMs = 1000;  // between two looks while another program sends
+
+// Tries for so long as the owner may be kept waiting.
+template <class Attempt>
+static bool TryShortly(Attempt attempt) {
+    const uint32_t begun = LTickMs();
+    while (!attempt()) {
+        if (LTickMs() - begun >= kChangeLimitMs) return false;
+        LSignalObject().Wait(kRetryMs);
+    }
+    return true;
+}
 
 // What a stage of the current item reports to.
 class BGSend::ItemContext final : public ProcessContext {
@@ -20,11 +36,15 @@ public:
     bool CancelRequested() override { return m_queue.IsCancelled(m_work); }
     void SetProgress(double fraction) override { m_queue.SetItemProgress(fraction); }
     void SetStatus(std::string_view) override {}  // the main window shows the bar alone
-    void SetError(std::string_view text) override { m_queue.SetError(text); }
+    void SetError(std::string_view text) override {
+        if (m_error.empty()) m_error = text;
+    }
+    const std::string& Error() const { return m_error; }
 
 private:
     BGSend& m_queue;
     const Work& m_work;
+    std::string m_error;
 };
 
 BGSend::~BGSend() {
@@ -34,17 +54,20 @@ BGSend::~BGSend() {
 void BGSend::SetQueuePath(const LPath& path) {
     LLock lock(m_queueLock);
     m_queue.SetPath(path);
+    m_sendingLock = LPath::Join(LFolderOf(path.View()), "sending.lck");
     m_data = DataFolder::FromText(LFolderOf(path.View()));
 }
 
 bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) {
-    bool added;
-    {
+    const bool added = TryShortly([&] {
         LLock lock(m_queueLock);
-        added = m_queue.Append({dictation, recipient, user, true});
-        if (added) SetRange(m_queue.Count());
-    }
-    if (!added) SetError(kQueueUnwritable);
+        int32_t count = 0;
+        if (!m_queue.Append({dictation, recipient, user, true}, count)) return false;
+        SetRange(count);
+        return true;
+    });
+    m_toldUnusable = false;
+    if (!added) TellUnusable();
     StartSending();
     return added;
 }
@@ -52,7 +75,6 @@ bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) 
 void BGSend::StartSending() {
     {
         LLock lock(m_queueLock);
-        m_startedAgain = m_isActive;
         if (m_isActive) {
             m_stopSending.Reset();
             return;
@@ -79,29 +101,18 @@ bool BGSend::Stop(uint32_t timeoutMs) {
 void BGSend::ClearQueue(uint32_t waitMs) {
     Stop(waitMs);
     TakeError();
-    SetCount(0);
+    m_toldUnusable = false;
+    TryShortly([this] { return Empty(); }) ? SetProgress(0.0) : TellUnusable();
     StartSending();
 }
 
-bool BGSend::SetCount(int32_t count) {
-    bool written;
-    {
-        LLock lock(m_queueLock);
-        written = m_queue.SetCount(count);
-        if (written) SetRange(count);
-        if (written && count <= 0) {
-            ++m_era;
-            m_finished.reset();
-        }
-    }
-    if (!written) SetError(kQueueUnwritable);
-    if (written && count <= 0) SetProgress(0.0);
-    return written;
-}
-
-int32_t BGSend::GetCount() const {
+bool BGSend::Empty() {
     LLock lock(m_queueLock);
-    return m_queue.Count();
+    if (!m_queue.Clear()) return false;
+    SetRange(0);
+    ++m_era;
+    m_finished.reset();
+    return true;
 }
 
 bool BGSend::IsQueued(const LPath& dictation) const {
@@ -114,49 +125,52 @@ double BGSend::GetProgress() const {
     return m_range.LastAccepted();
 }
 
-std::string BGSend::TakeError() {
+SendError BGSend::TakeError() {
     LLock lock(m_stateLock);
     return std::exchange(m_error, {});
 }
 
 void BGSend::ThreadFunction() {
-    bool goesOn = true;
-    while (goesOn) {
+    LFileLock sending;
+    while (GoesOn()) {
         Work work;
-        if (!Persist(kReadLimitMs, [&] { return TryTakeHead(work); })) {
-            goesOn = GoesOn(true);
-        } else if (!work.isTaken) {
-            return;
-        } else if (!work.isFinished && MakeFile(work) == ProcessResult::Stopped) {
-            goesOn = GoesOn(false);
-        } else if (!Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); })) {
-            goesOn = GoesOn(true);
+        if (!Persist(kReadLimitMs, [&] { return TryTakeHead(work, sending); })) continue;
+        if (!work.isTaken) return;
+        if (work.isElsewhere) {
+            m_stopSending.Wait(kElsewhereMs);
+        } else if (work.isFinished || MakeFile(work) != ProcessResult::Stopped) {
+            Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); });
         }
     }
 }
 
-// False when attempt failed until the time was over or a stop was requested.
+// Goes on until attempt succeeds; false when a stop was requested before. What takes longer than the limit is
+// told.
 template <class Attempt>
 bool BGSend::Persist(uint32_t limitMs, Attempt attempt) {
     const uint32_t begun = LTickMs();
+    bool isLate = false;
     while (!attempt()) {
-        if (m_stopSending.Wait(kRetryMs)) return false;
-        if (LTickMs() - begun < limitMs) continue;
-        SetError(kQueueUnwritable);
-        return false;
+        isLate = isLate || LTickMs() - begun >= limitMs;
+        if (isLate) TellUnusable();
+        if (m_stopSending.Wait(isLate ? kLateRetryMs : kRetryMs)) return false;
     }
+    m_toldUnusable = false;
     return true;
 }
 
-// False when the queue cannot be read. An empty one leaves work untaken; from then on StartSending starts a
-// new thread.
-bool BGSend::TryTakeHead(Work& work) {
+// False when the queue cannot be read, or nobody can become its sender. An empty one leaves work untaken;
+// from then on StartSending starts a new thread. The head is read as the sender, since the one before may
+// just have removed another.
+bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     LLock lock(m_queueLock);
+    const LFileLock::Result sender = sending.TryTake(m_sendingLock);
     int32_t count = 0;
     if (!m_queue.ReadHead(work.entry, count)) return false;
     work.isTaken = m_isActive = count > 0;
-    m_startedAgain = false;
-    if (!work.isTaken) return true;
+    work.isElsewhere = sender == LFileLock::Result::Held;
+    if (!work.isTaken || work.isElsewhere) return true;
+    if (sender == LFileLock::Result::Failed) return false;
     work.era = m_era;
     work.isFinished = m_finished == work.entry;
     SetRange(count);
@@ -165,7 +179,10 @@ bool BGSend::TryTakeHead(Work& work) {
 
 ProcessResult BGSend::MakeFile(const Work& work) {
     ItemContext context(*this, work);
-    return SendItem(work.entry, m_data, context).Send();
+    SendItem item(work.entry, m_data, context);
+    const ProcessResult result = item.Send();
+    SetError({context.Error(), item.DictationName(), item.TypistName()});
+    return result;
 }
 
 // Takes away what was sent or failed, unless the queue was emptied meanwhile. False when the file cannot be
@@ -176,12 +193,7 @@ bool BGSend::TryRemoveHead(const Work& work) {
         LLock lock(m_queueLock);
         if (work.era != m_era) return true;
         m_finished = work.entry;
-        SendQueueEntry head;
-        if (!m_queue.ReadHead(head, left)) return false;
-        if (head == work.entry) {
-            if (!m_queue.RemoveHead()) return false;
-            left = m_queue.Count();
-        }
+        if (!m_queue.RemoveHead(work.entry, left)) return false;
         m_finished.reset();
         SetRange(left);
     }
@@ -189,11 +201,10 @@ bool BGSend::TryRemoveHead(const Work& work) {
     return true;
 }
 
-// A stop that was withdrawn, or that only dropped one item, does not end the thread. Nor does a file that
-// could not be used, when something was added since.
-bool BGSend::GoesOn(bool gaveUp) {
+// A stop that was withdrawn, or that only dropped one item, does not end the thread.
+bool BGSend::GoesOn() {
     LLock lock(m_queueLock);
-    m_isActive = !m_stopSending.IsSignalled() && (!gaveUp || m_startedAgain);
+    m_isActive = !m_stopSending.IsSignalled();
     return m_isActive;
 }
 
@@ -223,7 +234,13 @@ void BGSend::SetProgress(double value) {
     if (m_owner) m_owner->PostSendProgress();
 }
 
-void BGSend::SetError(std::string_view text) {
+void BGSend::SetError(const SendError& error) {
     LLock lock(m_stateLock);
-    if (m_error.empty()) m_error = text.substr(0, kLongestError);
+    if (m_error || !error) return;
+    m_error = error;
+    m_error.text.resize(std::min(m_error.text.size(), kLongestError));
+}
+
+void BGSend::TellUnusable() {
+    if (!m_toldUnusable.exchange(true)) SetError({kQueueUnwritable, {}, {}});
 }

@@ -6,9 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/LFileLock.h"
 #include "base/LPath.h"
 #include "base/LProcess.h"
 #include "base/LThread.h"
+#include "send/SendError.h"
 #include "send/SendProgressRange.h"
 #include "send/SendQueueFile.h"
 #include "store/CurrentUser.h"
@@ -23,10 +25,12 @@ struct BGSendOwner {
 // The queue of dictations to send and the thread of lowest priority that works it off: it takes the head,
 // makes and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
 // empty. The queue is a file and so survives the program: an entry leaves it only when it is done with, and a
-// run that was stopped or killed meanwhile finds it at the head again.
+// run that was stopped or killed meanwhile finds it at the head again. Of several programs on one data folder
+// one sends, whosever the entries are: it holds the lock file "sending.lck". The threads of the others look
+// once a second, until the queue is empty or the lock is free.
 // Errors: whatever goes wrong is kept as one text for the user; the first one stands until it is taken. While
-//         another program keeps the queue file from being read or changed the thread waits for some seconds
-//         before it gives up; the next start goes on.
+//         the queue file cannot be read or changed nothing is sent; the thread tells so after some seconds,
+//         once until it could or an entry is added, and goes on trying.
 // Thread: the owner's, for everything but RequestStop, GetProgress and TakeError (any). The destructor stops
 //         the thread and waits for it.
 class BGSend final : private LThread {
@@ -50,24 +54,19 @@ public:
     // at the head.
     bool Stop(uint32_t timeoutMs);
     void RequestStop();
-    using LThread::IsRunning;
     using LThread::WaitForEnd;
 
     // The user's "Cancel": stops the thread, clears the error text, empties the queue and starts again. An
     // item that does not stop in the time given is dropped at its next check. A queue that cannot be emptied
     // leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
-    // Writes the number of entries; 0 empties the queue and drops what is being sent. False, with an error
-    // text, when the file does not take it.
-    bool SetCount(int32_t count);
-    int32_t GetCount() const;
     // Whether a dictation (its audio file in Sent) waits in the queue.
     bool IsQueued(const LPath& dictation) const;
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;
-    // The pending error text, at most 259 characters, and clears it; empty when there is none.
-    std::string TakeError();
+    // The pending error, and clears it.
+    SendError TakeError();
 
 private:
     class ItemContext;
@@ -75,36 +74,40 @@ private:
         SendQueueEntry entry;
         uint32_t era = 0;
         bool isTaken = false;
-        bool isFinished = false;  // an earlier run sent it and could not remove it
+        bool isElsewhere = false;  // another program sends
+        bool isFinished = false;   // an earlier run sent it and could not remove it
     };
 
     void ThreadFunction() override;
-    bool TryTakeHead(Work& work);
+    bool TryTakeHead(Work& work, LFileLock& sending);
     ProcessResult MakeFile(const Work& work);
     bool TryRemoveHead(const Work& work);
     template <class Attempt>
     bool Persist(uint32_t limitMs, Attempt attempt);
-    bool GoesOn(bool gaveUp);
+    bool GoesOn();
+    bool Empty();
 
     bool IsCancelled(const Work& work) const;
     void SetItemProgress(double itemFraction);
     void SetRange(int32_t entries);
     void SetProgress(double value);
-    void SetError(std::string_view text);
+    void SetError(const SendError& error);
+    void TellUnusable();
 
     BGSendOwner* m_owner = nullptr;
     DataFolder m_data;
 
     mutable LCriticalSection m_queueLock;  // guards the next four; taken before m_stateLock
     SendQueueFile m_queue;
+    LPath m_sendingLock;
     std::optional<SendQueueEntry> m_finished;  // sent or failed, and to be removed from the head
     bool m_isActive = false;                   // the thread will look at the queue again before it ends
-    bool m_startedAgain = false;               // since it looked last
 
     mutable LCriticalSection m_stateLock;  // guards m_range and m_error
     SendProgressRange m_range;
-    std::string m_error;
+    SendError m_error;
 
     LSignalObject m_stopSending;     // unlike the thread's own a start may withdraw it
     std::atomic<uint32_t> m_era{0};  // counts how often the queue was emptied; changes under m_queueLock
+    std::atomic<bool> m_toldUnusable{false};  // that the queue file cannot be used, and it still cannot
 };

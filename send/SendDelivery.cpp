@@ -2,8 +2,8 @@
 
 #include "base/LCopyFile.h"
 #include "base/LFile.h"
-#include "base/LText.h"
 #include "base/LTrace.h"
+#include "send/SendError.h"
 #include "send/SendStage.h"
 
 namespace {
@@ -32,7 +32,7 @@ ProcessResult DeliverToFolder(const SendDelivery& delivery, ProcessContext& cont
 
 ProcessResult Refuse(const SendDelivery& delivery, ProcessContext& context, const char* reason) {
     LTrace("DeliverDictation no way of delivery", reason);
-    context.SetError(LFormat("Unable to send \"%.80s\".\n\n%s", delivery.dictationName.c_str(), reason));
+    context.SetError(UnableToSend(reason));
     LFile::Delete(delivery.file);
     return ProcessResult::Failed;
 }

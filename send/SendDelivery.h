@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "base/LPath.h"
 #include "base/LProcess.h"
@@ -14,7 +13,6 @@ struct SendDelivery {
     const SendToSettings& recipient;
     uint32_t user;           // number of the sending user
     const DataFolder& data;  // holds the settings of the mail server and of the user
-    std::string dictationName;
 };
 
 // Delivers by the recipient's method. The delivered file is deleted where the method says so; it is of no

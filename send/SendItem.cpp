@@ -1,5 +1,6 @@
 #include "send/SendItem.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "audio/convert/LPRSourceToSink.h"
@@ -10,6 +11,7 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "send/SendDelivery.h"
+#include "send/SendError.h"
 #include "send/SendStage.h"
 #include "store/SettingsKeys.h"
 
@@ -22,24 +24,34 @@ constexpr char kNoCodec[] =
     "This might mean that you do not have the correct CODEC installed on your computer to compress the file.";
 constexpr char kUnwritable[] = "The converted audio could not be written. The disk may be full.";
 
-// The text that tells the user which dictation it was; the whole stays below the 259 characters of an error
-// text.
-std::string NamedError(const std::string& name, std::string_view reason) {
-    return LFormat("Unable to send \"%.80s\".\n\n%.160s", name.c_str(), std::string(reason).c_str());
-}
-
-// The pump does not know what it is part of, nor whose audio it converts.
+// The pump does not know what it is part of.
 class ConversionStage final : public SendStage {
 public:
-    ConversionStage(ProcessContext& item, const std::string& name)
-        : SendStage(item, 0.0, kConversionEnd), m_item(item), m_name(name) {}
+    explicit ConversionStage(ProcessContext& item) : SendStage(item, 0.0, kConversionEnd), m_item(item) {}
     void SetStatus(std::string_view) override { m_item.SetStatus("Process Audio"); }
-    void SetError(std::string_view text) override { m_item.SetError(NamedError(m_name, text)); }
+    void SetError(std::string_view text) override { m_item.SetError(UnableToSend(text)); }
 
 private:
     ProcessContext& m_item;
-    const std::string& m_name;
 };
+
+// Whoever can write into the queue file must not be able to have other files of this machine sent, marked or
+// overwritten, nor one user's dictation to somebody of his own choice.
+bool NamesDictation(const SendQueueEntry& entry, const LPath& dataFolder) {
+    const LPath sent = LPath::Join(UserFolderPath(dataFolder, entry.user).View(), "Sent\\");
+    const std::string_view path = entry.dictation.View();
+    return LEqualNoCase(LFolderOf(path), sent.View()) && NumberOfFileName(entry.dictation) &&
+           LEqualNoCase(LSplitPath(path).extension, ".wav");
+}
+
+bool NamesRecipient(const SendQueueEntry& entry, const LPath& dataFolder) {
+    constexpr std::string_view kPrefix = "rec";
+    const LPathParts parts = LSplitPath(entry.recipient.View());
+    const std::string_view index = parts.name.substr(std::min(kPrefix.size(), parts.name.size()));
+    return LEqualNoCase(LFolderOf(entry.recipient.View()), UserFolderPath(dataFolder, entry.user).View()) &&
+           LEqualNoCase(parts.name.substr(0, kPrefix.size()), kPrefix) && !index.empty() &&
+           std::ranges::all_of(index, LIsDigit) && LEqualNoCase(parts.extension, ".dat");
+}
 
 // Whether a converted file is complete: what a full disk refused at the very end shows only here.
 bool IsComplete(const LPath& path, int32_t frames) {
@@ -53,30 +65,34 @@ SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessC
     : m_entry(entry),
       m_data(data),
       m_context(context),
-      m_files(DictationFiles::OfPath(entry.dictation)),
+      m_files(DictationFiles::OfPath(NamesDictation(entry, data.folder) ? entry.dictation : LPath())),
       m_record(DictationRecord::Read(m_files.record)),
       m_label(m_record.name.empty() ? LFileNameOf(m_files.audio.View()) : m_record.name) {}
 
+const std::string& SendItem::TypistName() const {
+    return m_isLoaded ? m_recipient.name : m_record.recipient;
+}
+
 ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
-    if (!m_entry.isWhole) return RefuseDamaged();
+    if (!m_entry.isWhole || m_files.audio.Empty() || !NamesRecipient(m_entry, m_data.folder))
+        return RefuseDamaged();
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
-    result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_label}, m_context);
+    result = DeliverDictation({file, m_recipient, m_entry.user, m_data}, m_context);
     if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
     if (result == ProcessResult::Done && m_notesAreCut)
         m_context.SetError(
-            LFormat("The notes of \"%.80s\" are too long for a dictation file. "
-                    "Only their first %lu characters were sent.",
-                    m_label.c_str(), static_cast<unsigned long>(kDctLongestNotes)));
+            LFormat("The notes are too long for a dictation file. Only their first %lu characters were sent.",
+                    static_cast<unsigned long>(kDctLongestNotes)));
     return result;
 }
 
 ProcessResult SendItem::RefuseDamaged() {
-    LTrace("SendItem::RefuseDamaged entry is not whole", m_entry.dictation.View());
-    if (!m_entry.dictation.Empty()) {
+    LTrace("SendItem::RefuseDamaged entry is damaged", m_entry.dictation.View());
+    if (!m_files.audio.Empty()) {
         WriteStatus(RecordKeys::kStatusFailed);
         return Fail("Its entry in the send queue was damaged. Please send it again.");
     }
@@ -96,7 +112,8 @@ ProcessResult SendItem::Convert(LPath& file) {
 }
 
 bool SendItem::LoadRecipient() {
-    if (m_recipient.Load(m_entry.recipient)) return true;
+    m_isLoaded = m_recipient.Load(m_entry.recipient);
+    if (m_isLoaded) return true;
     LTrace("SendItem::LoadRecipient unable to load recipient", m_entry.recipient.View());
     Fail("The recipient's settings cannot be read. Please check the recipient and send the dictation again.");
     WriteStatus(RecordKeys::kStatusFailed);
@@ -118,7 +135,7 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
         if (source->IsError()) return Fail("Its audio file is missing or cannot be read.");
         const LSoundSink sink = LWaveFile::OpenSink(output, m_recipient.waveFormat);
         if (!sink || sink->IsError()) return FailToOpen(output, sink);
-        ConversionStage stage(m_context, m_label);
+        ConversionStage stage(m_context);
         const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);
         if (result == ProcessResult::Stopped) return result;
         if (result == ProcessResult::Failed || sink->IsError() || !source->IsWhole())
@@ -134,8 +151,7 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
 ProcessResult SendItem::FailToOpen(const LPath& output, const LSoundSink& sink) {
     LTrace("BGSend::CompressWavFile unable to open compressed file", output.View());
     if (sink && m_recipient.waveFormat.Tag() == kFormatTagPcm) return Fail(kUnwritable);
-    static_assert(sizeof kNoCodec + 84 <= 259);
-    m_context.SetError(LFormat("%s\n\n\"%.80s\"", kNoCodec, m_label.c_str()));
+    m_context.SetError(kNoCodec);
     return ProcessResult::Failed;
 }
 
@@ -146,6 +162,8 @@ ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
         return Fail("The dictation file could not be created. The disk may be full.");
     }
     LFile notes(m_files.notes, LFile::Open::Read);
+    if (!notes.IsOpen() && LFile::Exists(m_files.notes))
+        return Fail("Its notes cannot be read. Another program may have them open.");
     LFile sound(audio, LFile::Open::Read);
     if (!sound.IsOpen()) return Fail("Its converted audio cannot be read.");
     DctWriter writer(file, m_recipient.Encrypts() ? m_recipient.encryptionPassword : "", m_context);
@@ -183,6 +201,6 @@ void SendItem::WriteStatus(std::string_view status) const {
 }
 
 ProcessResult SendItem::Fail(std::string_view reason) {
-    m_context.SetError(NamedError(m_label, reason));
+    m_context.SetError(UnableToSend(reason));
     return ProcessResult::Failed;
 }

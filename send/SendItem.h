@@ -19,7 +19,8 @@
 //         delivery to 1.
 // Errors: Failed always leaves an error text for the user. An entry that is not whole, a recipient that
 //         cannot be loaded and a failed delivery write "Send Failed"; a failed conversion leaves the record
-//         as it is, and so does Stopped.
+//         as it is, and so does Stopped. An entry that names anything but a dictation in its user's Sent
+//         folder, and one of his recipients, is refused, and none of its files is touched.
 // Thread: the send thread.
 class SendItem {
 public:
@@ -30,6 +31,10 @@ public:
     // The conversion alone: makes the file that the recipient wants, beside the dictation. Nothing of it is
     // left unless the result is Done.
     ProcessResult Convert(LPath& file);
+
+    // What messages call the dictation and its typist; empty when the entry does not tell.
+    const std::string& DictationName() const { return m_label; }
+    const std::string& TypistName() const;
 
 private:
     ProcessResult RefuseDamaged();
@@ -47,9 +52,10 @@ private:
     const SendQueueEntry& m_entry;
     const DataFolder& m_data;
     ProcessContext& m_context;
-    DictationFiles m_files;
+    bool m_isLoaded = false;  // m_recipient
+    DictationFiles m_files;   // empty paths when the entry names no dictation of its user
     SendToSettings m_recipient;
     DictationRecord m_record;
     bool m_notesAreCut = false;  // the dictation file has not all of them
-    std::string m_label;         // what messages call the dictation
+    std::string m_label;
 };

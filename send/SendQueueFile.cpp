@@ -1,9 +1,15 @@
 #include "send/SendQueueFile.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
+#include <map>
+#include <span>
 #include <string>
+#include <vector>
 
-#include "base/LProfile.h"
+#include "base/LFile.h"
+#include "base/LProfileText.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/Settings.h"
@@ -12,19 +18,19 @@ namespace {
 
 constexpr char kSection[] = "bgsend";
 constexpr char kCountKey[] = "count";
-constexpr char kFilePrefix[] = "file";
-constexpr char kRecipientPrefix[] = "sendto";
-constexpr char kUserPrefix[] = "id";
-constexpr const char* kPrefixes[] = {kFilePrefix, kRecipientPrefix, kUserPrefix};
+enum { kFile, kRecipient, kUser };
+constexpr const char* kPrefixes[] = {"file", "sendto", "id"};
+constexpr size_t kMostIndexDigits = 9;
 
-// The shortest line that an entry can have, "id0=0" and its end: a count of more entries than the file has
-// room for is none.
-constexpr int64_t kLeastEntryBytes = 6;
-// Entries are counted one by one until so many in a row are missing.
-constexpr int32_t kLargestGap = 16;
+constexpr size_t kMostBytes = size_t{8} << 20;  // some fifty thousand entries
+
+// How long one program waits for another's turn, which takes milliseconds.
+constexpr uint32_t kTurnMs = 500;
+
+using Values = std::array<std::string, std::size(kPrefixes)>;  // of one entry, as they stand in the file
 
 std::string Line(std::string_view key, std::string_view value) {
-    return std::string(key) + "=" + std::string(value) + "\r\n";
+    return std::string(key) + "=" + LProfileSafe(value) + "\r\n";
 }
 
 bool ParseUser(std::string_view text, uint32_t& user) {
@@ -34,151 +40,172 @@ bool ParseUser(std::string_view text, uint32_t& user) {
     return true;
 }
 
-// The keys of many entries, read with one call.
-class EntryKeys {
-public:
-    explicit EntryKeys(const LPath& path) : m_path(path), m_section(path, kSection) {}
-    std::string Read(const char* prefix, int32_t index) const {
-        const std::string key = Settings::ListItemKey(prefix, index);
-        const std::string value = m_section.Read(key, "");
-        // The oldest platforms yield only the first 32 KB of a section.
-        return value.empty() ? LProfile::Read(m_path, kSection, key, "") : value;
-    }
-
-private:
-    const LPath& m_path;
-    LProfileSection m_section;
-};
-
-// The whole file without the head. Each entry moves down, also over those of which nothing is left.
-std::string TextWithoutHead(const LPath& path, int32_t count) {
-    const EntryKeys keys(path);
-    std::string lines;
-    int32_t kept = 0;
-    for (int32_t i = 1; i < count; ++i) {
-        const size_t before = lines.size();
-        for (const char* prefix : kPrefixes) {
-            const std::string value = keys.Read(prefix, i);
-            if (!value.empty()) lines += Line(Settings::ListItemKey(prefix, kept), value);
-        }
-        if (lines.size() > before) ++kept;
-    }
-    return std::string("[") + kSection + "]\r\n" + Line(kCountKey, LFormat("%ld", static_cast<long>(kept))) +
-           lines;
-}
-
-}  // namespace
-
-void SendQueueFile::SetPath(const LPath& path) {
-    m_path = path;
-    m_unfinished = path.WithExtension(".new");
-    // Some platforms replace a file in two steps, and only a finished one ever replaces: without the file
-    // itself, what stands beside it is the queue.
-    if (LFile::Exists(m_path)) {
-        LFile::Delete(m_unfinished);
-    } else if (LFile::Exists(m_unfinished)) {
-        LFile::Move(m_unfinished, m_path);
-    }
-}
-
-// While the file is held nobody can shut it off between one key and the next. What is to be changed must be
-// let go of first.
-bool SendQueueFile::Hold(LFile& file) const {
-    file = LFile(m_path, LFile::Open::Read);
-    if (file.IsOpen() || !LFile::Exists(m_path)) return true;
-    LTrace("SendQueueFile::Hold unable to open file", m_path.View());
-    return false;
-}
-
-int32_t SendQueueFile::Count() const {
-    const int32_t count = Settings::ReadInt(m_path, kSection, kCountKey, 0);
-    if (count <= 0) return 0;
-    const int64_t most = LFile(m_path, LFile::Open::Read).Size() / kLeastEntryBytes;
-    return count <= most && HasEntry(count - 1) ? count : CountEntries(count);
-}
-
-int32_t SendQueueFile::CountEntries(int32_t limit) const {
-    int32_t count = 0;
-    for (int32_t i = 0; i < limit && i - count < kLargestGap; ++i) {
-        if (HasEntry(i)) count = i + 1;
-    }
-    LTrace("SendQueueFile::CountEntries count does not fit the entries");
-    return count;
-}
-
-bool SendQueueFile::HasEntry(int32_t index) const {
-    for (const char* prefix : kPrefixes) {
-        if (!Settings::ReadText(m_path, kSection, Settings::ListItemKey(prefix, index), "").empty())
-            return true;
-    }
-    return false;
-}
-
-bool SendQueueFile::Holds(const LPath& dictation) const {
-    LFile held;
-    if (!Hold(held)) return true;
-    const EntryKeys keys(m_path);
-    for (int32_t i = 0, count = Count(); i < count; ++i) {
-        if (LEqualNoCase(keys.Read(kFilePrefix, i), dictation.View())) return true;
-    }
-    return false;
-}
-
-SendQueueEntry SendQueueFile::Head() const {
-    const auto read = [this](const char* prefix) {
-        return Settings::ReadText(m_path, kSection, Settings::ListItemKey(prefix, 0), "");
-    };
+SendQueueEntry ToEntry(const Values& values) {
     SendQueueEntry entry;
-    entry.dictation.Set(read(kFilePrefix));
-    entry.recipient.Set(read(kRecipientPrefix));
-    const bool hasUser = ParseUser(read(kUserPrefix), entry.user);
+    entry.dictation.Set(values[kFile]);
+    entry.recipient.Set(values[kRecipient]);
+    const bool hasUser = ParseUser(values[kUser], entry.user);
     entry.isWhole = hasUser && !entry.dictation.Empty() && !entry.recipient.Empty();
     return entry;
 }
 
-bool SendQueueFile::ReadHead(SendQueueEntry& head, int32_t& count) const {
-    LFile held;
-    if (!Hold(held)) return false;
-    head = Head();
-    count = Count();
+// Takes the first line off a text.
+std::string_view TakeLine(std::string_view& text) {
+    const size_t length = std::min(text.find_first_of("\r\n"), text.size());
+    const std::string_view line = text.substr(0, length);
+    text.remove_prefix(std::min(length + 1, text.size()));
+    return LTrimBlanks(line);
+}
+
+// Every entry of which anything is left, by its index. Of two equal keys the first counts.
+class Parser {
+public:
+    void Parse(std::string_view text) {
+        bool isInside = false;
+        while (!text.empty()) {
+            const std::string_view line = TakeLine(text);
+            const size_t equals = line.find('=');
+            if (line.starts_with('[')) {
+                isInside = LEqualNoCase(line.substr(1, line.find(']') - 1), kSection);
+            } else if (isInside && equals != std::string_view::npos) {
+                TakeKey(LTrimBlanks(line.substr(0, equals)), LProfileValue(line.substr(equals + 1)));
+            }
+        }
+    }
+    // Those that count. What is missing between them is passed over.
+    std::vector<Values> Counted() const {
+        std::vector<Values> counted;
+        for (const auto& [index, values] : m_entries) {
+            if (index < LParseInt64(m_count)) counted.push_back(values);
+        }
+        return counted;
+    }
+
+private:
+    void TakeKey(std::string_view key, std::string_view value) {
+        if (LEqualNoCase(key, kCountKey) && m_count.empty()) m_count = value;
+        for (size_t i = 0; i < std::size(kPrefixes); ++i) {
+            const std::string_view prefix = kPrefixes[i];
+            const std::string_view digits = key.substr(std::min(prefix.size(), key.size()));
+            const bool isIndex =
+                !digits.empty() && digits.size() <= kMostIndexDigits && std::ranges::all_of(digits, LIsDigit);
+            if (value.empty() || !isIndex || !LEqualNoCase(key.substr(0, prefix.size()), prefix)) continue;
+            std::string& there = m_entries[LParseInt(digits)][i];
+            if (there.empty()) there = value;
+        }
+    }
+
+    std::string m_count;
+    std::map<int32_t, Values> m_entries;
+};
+
+}  // namespace
+
+struct SendQueueFile::Contents {
+    std::vector<Values> entries;
+    bool isCleared = false;  // none of them counts
+
+    int32_t Count() const { return static_cast<int32_t>(entries.size()); }
+    SendQueueEntry Head() const { return entries.empty() ? SendQueueEntry() : ToEntry(entries[0]); }
+};
+
+void SendQueueFile::SetPath(const LPath& path) {
+    m_path = path;
+    m_unfinished = path.WithExtension(".new");
+    m_lock = path.WithExtension(".lck");
+}
+
+// Takes this program's turn and reads the file. Where no lock file can be made nobody changes anything, and
+// the queue can be read without one.
+bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) const {
+    const LFileLock::Result taken = turn.Take(m_lock, kTurnMs);
+    const bool isMine = taken == LFileLock::Result::Taken;
+    if (!isMine && (taken == LFileLock::Result::Held || purpose == Purpose::Change)) {
+        LTrace("SendQueueFile::Enter unable to lock file", m_lock.View());
+        return false;
+    }
+    if (isMine) FinishReplacement();
+    std::vector<uint8_t> bytes;
+    if (!LFile::ReadWhole(m_path, kMostBytes, bytes) && LFile::Exists(m_path)) {
+        LTrace("SendQueueFile::Enter unable to read file", m_path.View());
+        return false;
+    }
+    Parser parser;
+    parser.Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    contents.entries = parser.Counted();
     return true;
 }
 
-bool SendQueueFile::Append(const SendQueueEntry& entry) {
-    SendQueueEntry head;
+// Some platforms replace a file in two steps, and only a finished one ever replaces: without the file itself,
+// what stands beside it is the queue. Whoever has the turn finds only what somebody left who has ended.
+bool SendQueueFile::FinishReplacement() const {
+    if (!LFile::Exists(m_path)) return LFile::Move(m_unfinished, m_path);
+    LFile::Delete(m_unfinished);
+    return false;
+}
+
+bool SendQueueFile::Write(const Contents& contents) const {
+    const int32_t count = contents.isCleared ? 0 : contents.Count();
+    std::string text = std::string("[") + kSection + "]\r\n" + Line(kCountKey, std::to_string(count));
     int32_t index = 0;
-    if (!ReadHead(head, index)) return false;
-    const auto write = [this, index](const char* prefix, std::string_view value) {
-        return LProfile::Write(m_path, kSection, Settings::ListItemKey(prefix, index), value);
-    };
-    const bool written = write(kFilePrefix, entry.dictation.View()) &&
-                         write(kRecipientPrefix, entry.recipient.View()) &&
-                         write(kUserPrefix, LFormat("%lu", static_cast<unsigned long>(entry.user)));
-    if (!written) {
-        LTrace("SendQueueFile::Append unable to write entry", m_path.View());
-        return false;
+    for (const Values& values : contents.entries) {
+        for (size_t i = 0; i < values.size(); ++i) {
+            if (!values[i].empty()) text += Line(Settings::ListItemKey(kPrefixes[i], index), values[i]);
+        }
+        ++index;
     }
-    return SetCount(index + 1);
-}
-
-bool SendQueueFile::RemoveHead() {
-    LFile held;
-    if (!Hold(held)) return false;
-    const int32_t count = Count();
-    if (count == 0) return true;
-    const std::string text = TextWithoutHead(m_path, count);
-    held.Close();
-    // What the platform has not written yet, or remembers, must not come back over the new file.
-    LProfile::Flush(m_path);
-    if (LFile::WriteWhole(m_path, m_unfinished, {reinterpret_cast<const uint8_t*>(text.data()), text.size()}))
-        return true;
-    LTrace("SendQueueFile::RemoveHead unable to replace file", m_path.View());
+    const std::span bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    const bool isWritten = bytes.size() <= kMostBytes && LFile::WriteWhole(m_path, m_unfinished, bytes);
+    if (isWritten || FinishReplacement()) return true;
+    LTrace("SendQueueFile::Write unable to replace file", m_path.View());
     return false;
 }
 
-bool SendQueueFile::SetCount(int32_t count) {
-    Settings::WriteInt(m_path, kSection, kCountKey, count);
-    if (Settings::ReadInt(m_path, kSection, kCountKey, -1) == count) return true;
-    LTrace("SendQueueFile::SetCount file is read only or corrupt", m_path.View());
-    return false;
+bool SendQueueFile::Holds(const LPath& dictation) const {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Read, turn, contents)) return true;
+    return std::ranges::any_of(contents.entries, [&](const Values& values) {
+        return LEqualNoCase(values[kFile], dictation.View());
+    });
+}
+
+bool SendQueueFile::ReadHead(SendQueueEntry& head, int32_t& count) const {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Read, turn, contents)) return false;
+    head = contents.Head();
+    count = contents.Count();
+    return true;
+}
+
+bool SendQueueFile::Append(const SendQueueEntry& entry, int32_t& count) {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    contents.entries.push_back({std::string(entry.dictation.View()), std::string(entry.recipient.View()),
+                                std::to_string(entry.user)});
+    if (!Write(contents)) return false;
+    count = contents.Count();
+    return true;
+}
+
+bool SendQueueFile::RemoveHead(const SendQueueEntry& head, int32_t& count) {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    if (!contents.entries.empty() && contents.Head() == head) {
+        contents.entries.erase(contents.entries.begin());
+        if (!Write(contents)) return false;
+    }
+    count = contents.Count();
+    return true;
+}
+
+bool SendQueueFile::Clear() {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    contents.isCleared = true;
+    return Write(contents);
 }

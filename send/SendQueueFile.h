@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "base/LFile.h"
+#include "base/LFileLock.h"
 #include "base/LPath.h"
 
 // One dictation that waits to be sent.
@@ -18,37 +18,38 @@ struct SendQueueEntry {
 // The queue file, "bgsend.dat": settings format, section "bgsend", keys "count" and for each entry "file%d",
 // "sendto%d" and "id%d" (docs/file-formats.md). Entry 0 is the head. What the file holds is not trusted: a
 // count below 0 is 0, and one beyond the entries counts as far as there are entries.
-// Errors: a write that fails returns false (traced) and leaves the entries as they were. So does any change
-//         of a file that is there but cannot be opened, as while another program holds it: it only looks
-//         empty.
+// Each operation has a lock file meanwhile, so that programs of several sessions take turns; each change
+// writes the file anew and puts it in place in one step, so that whoever ends at any moment leaves it as it
+// was before or after. Moving entries down key by key would, cut off half-way, pair one dictation with the
+// recipient of another.
+// Errors: an operation that fails returns false (traced) and leaves the entries as they were. So does one on
+//         a file that is there but cannot be read, as while another program holds it: it only looks empty.
 // Thread: one at a time; BGSend guards it with its queue lock.
 class SendQueueFile {
 public:
-    // Also finishes or clears away what a run that ended in the middle of a removal left behind.
     void SetPath(const LPath& path);
 
-    int32_t Count() const;
-    // Whether an entry names this audio file; true also while the file cannot be opened, since whoever asks
+    // The first entry, one that is not whole when there is none, and the number of all.
+    bool ReadHead(SendQueueEntry& head, int32_t& count) const;
+    // Whether an entry names this audio file; true also while the file cannot be read, since whoever asks
     // wants to take away what does not wait here.
     bool Holds(const LPath& dictation) const;
-    // Adds an entry behind all others. The count is written last, so a half-written entry never counts.
-    bool Append(const SendQueueEntry& entry);
-    // The first entry; one that is not whole when the queue is empty.
-    SendQueueEntry Head() const;
-    // Both at once. False when the file is there but cannot be opened.
-    bool ReadHead(SendQueueEntry& head, int32_t& count) const;
-    // Takes the head away. The file is written anew and put in place in one step: moving the entries down key
-    // by key would, cut off half-way, pair one dictation with the recipient of another.
-    bool RemoveHead();
-    // Writes the count alone. With 0 the queue is empty, though the old entries' keys stay until others take
-    // their place.
-    bool SetCount(int32_t count);
+    // Adds an entry behind all others; count becomes the number of all.
+    bool Append(const SendQueueEntry& entry, int32_t& count);
+    // Takes the head away if it is this one; count becomes the number of those that are left.
+    bool RemoveHead(const SendQueueEntry& head, int32_t& count);
+    // With a count of 0 the queue is empty, though the old entries' keys stay until others take their place.
+    bool Clear();
 
 private:
-    bool Hold(LFile& file) const;
-    bool HasEntry(int32_t index) const;
-    int32_t CountEntries(int32_t limit) const;
+    struct Contents;
+    enum class Purpose { Read, Change };
+
+    bool Enter(Purpose purpose, LFileLock& turn, Contents& contents) const;
+    bool FinishReplacement() const;
+    bool Write(const Contents& contents) const;
 
     LPath m_path;
     LPath m_unfinished;  // beside it: the file that is to replace it
+    LPath m_lock;        // beside it
 };

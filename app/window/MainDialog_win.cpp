@@ -393,10 +393,10 @@ void MainDialog::EvTimerSaveNotes() {
 void MainDialog::ShowSendError() {
     const bool isBusy = m_transport.IsRunning() || m_isMenuOpen || m_list.IsRenaming();
     if (isBusy || m_runner.What() != LModalRunner::Standing::Nothing) return;
-    const std::string text = m_queue.TakeError();
-    if (text.empty()) return;
-    if (m_runner.Box(text, "Error", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDCANCEL && IsOpen())
-        m_queue.ClearQueue();
+    const SendError error = m_queue.TakeError();
+    if (!error) return;
+    const int answer = m_runner.Box(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
+    if (IsOpen()) answer == IDCANCEL ? m_queue.ClearQueue() : m_queue.StartSending();
 }
 
 // ---- Commands --------------------------------------------------------------------------------------------

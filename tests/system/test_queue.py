@@ -47,7 +47,8 @@ def test_a_share_that_is_gone_is_told(corvane, data):
     data.share.rmdir()
     program = corvane()
     program.send_default(31)
-    assert program.wait_box("Error", 10) == "Unable to copy files over network"
+    text = program.wait_box("Error", 10)
+    assert text.startswith("Unable to copy files over network") and "kept among the sent dictations" in text
     program.answer_box("Error", 2)
     assert program.api(0) == 1 and queue_count(data) == 0
     # The recording itself is still there to be recovered and sent again.

@@ -31,28 +31,33 @@ class HeldQueueTest : public testing::Test {
 protected:
     HeldQueueTest() {
         queue.SetQueuePath(world.queue);
-        SendQueueFile file;
         file.SetPath(world.queue);
-        for (int32_t number : {1, 2}) EXPECT_TRUE(file.Append({world.AddDictation(number), share, 0, true}));
+        for (int32_t number : {1, 2})
+            EXPECT_TRUE(file.Append({world.AddDictation(number), share, 0, true}, count));
+    }
+    LPath Head() {
+        SendQueueEntry head;
+        EXPECT_TRUE(file.ReadHead(head, count));
+        return head.dictation;
     }
 
     SendWorld world;
     const LPath share = world.AddRecipient(0, world.ToShare());
+    SendQueueFile file;
+    int32_t count = 0;
     BGSend queue;
 };
 
 }  // namespace
 
 TEST_F(HeldQueueTest, AHeldFileIsNotTakenForAnEmptyOne) {
-    SendQueueFile file;
-    file.SetPath(world.queue);
     HeldFile held(world.queue);
-    EXPECT_FALSE(file.Append({world.AddDictation(3), share, 0, true}));
-    EXPECT_FALSE(file.RemoveHead());
+    EXPECT_FALSE(file.Append({world.AddDictation(3), share, 0, true}, count));
+    EXPECT_FALSE(file.RemoveHead({world.FilesOf(1).audio, share, 0, true}, count));
     EXPECT_TRUE(file.Holds(world.FilesOf(1).audio)) << "what may wait there is not to be deleted";
     held.LetGo();
-    EXPECT_EQ(file.Count(), 2);
-    EXPECT_EQ(file.Head().dictation, world.FilesOf(1).audio);
+    EXPECT_EQ(Head(), world.FilesOf(1).audio);
+    EXPECT_EQ(count, 2);
 }
 
 TEST_F(HeldQueueTest, TheThreadWaitsForTheFileAndSendsEverything) {
@@ -62,7 +67,7 @@ TEST_F(HeldQueueTest, TheThreadWaitsForTheFileAndSendsEverything) {
     held.LetGo();
     EXPECT_TRUE(queue.WaitForEnd(kDeadlineMs));
     EXPECT_EQ(world.Status(1) + "," + world.Status(2), "Sent,Sent");
-    EXPECT_EQ(queue.TakeError(), "");
+    EXPECT_EQ(queue.TakeError().text, "");
 }
 
 TEST_F(HeldQueueTest, AStopDoesNotWaitForTheFile) {
@@ -70,6 +75,6 @@ TEST_F(HeldQueueTest, AStopDoesNotWaitForTheFile) {
     queue.StartSending();
     EXPECT_TRUE(queue.Stop(1000));
     held.LetGo();
-    EXPECT_EQ(queue.GetCount(), 2);
-    EXPECT_EQ(queue.TakeError(), "");
+    EXPECT_EQ(Head(), world.FilesOf(1).audio);
+    EXPECT_EQ(queue.TakeError().text, "");
 }

@@ -1,5 +1,6 @@
 #include "send/SendItem.h"
 
+#include "send/SendError.h"
 #include "tests/unit/send/SendTest.h"
 
 namespace {
@@ -27,8 +28,7 @@ TEST_F(SendItemTest, DeliversADctFileWithEverythingInItInPlaceOfWhatAnEarlierRun
     const LPath dictation = world.AddDictation(5);
     Settings::Write(world.FilesOf(5).record, RecordKeys::kPriority, "Low");
     const LPath stale[] = {LPath::Join(world.sent.View(), "00000005.tmp"),
-                           LPath::Join(world.sent.View(), "dct00000-00005.dct"),
-                           LPath::Join(world.share.View(), "dct00000-00005.dct")};
+                           LPath::Join(world.sent.View(), "dct00000-00005.dct")};
     for (const LPath& path : stale) ASSERT_TRUE(WriteFileText(path, std::string(100000, 'x')));
     ASSERT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Done);
 
@@ -71,7 +71,7 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     };
     const LPath toNowhere = recipient(1);
     ASSERT_TRUE(world.ToShare().Save(toNowhere));  // without a folder
-    const char kUnable[] = "Unable to send \"Letter 5\".";
+    const char kUnable[] = "Unable to send the dictation.";
     const char kNoCopy[] = "Unable to copy files over network";  // counts as sent all the same
     const struct {
         const char* name;
@@ -83,6 +83,7 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
         {"e-mail", recipient(0), "", "Send Failed", kUnable},
         {"no method", recipient(9), "", "Send Failed", kUnable},
         {"no codec", recipient(1, "share", 0x7777), "", "", "Unable open temporary compressed wav file.\n\n"},
+        {"no recipient", world.FilesOf(5).record, "", "Send Failed", kUnable},
         {"share gone", recipient(1, "away"), "", "Sent", kNoCopy},
         {"no share", toNowhere, "", "Sent", kNoCopy},
     };
@@ -95,26 +96,49 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
                   c.error == kNoCopy ? ProcessResult::Done : ProcessResult::Failed);
         EXPECT_EQ(world.Status(5), c.status) << c.name;
         EXPECT_TRUE(Error().starts_with(c.error)) << c.name << ": " << Error();
+        EXPECT_LE(Error().size(), 259u) << c.name;
         EXPECT_EQ(world.SentFiles().size(), *c.missingFile ? 2u : 3u) << c.name;
     }
 }
 
-TEST_F(SendItemTest, TellsWhichDictationCouldNotBeConverted) {
+TEST_F(SendItemTest, AnEntryThatNamesOtherFilesIsRefusedAndTouchesNothing) {
+    const LPath recipient = world.AddRecipient(0, world.ToShare());
     const LPath dictation = world.AddDictation(5);
-    const std::string name = "Letter " + std::string(200, 'x');
-    Settings::Write(world.FilesOf(5).record, RecordKeys::kName, name);
-    SendToSettings noCodec = world.ToShare();
-    noCodec.waveFormat = LWaveFileFormat(FormatRecord(0x7777, 1, 8000, 8));
-    EXPECT_EQ(Send(dictation, world.AddRecipient(0, noCodec)), ProcessResult::Failed);
-    // PCM needs no codec: here it is the file itself that cannot be made.
+    const LPath foreign[] = {world.temp.File("00000005.wav"),
+                             LPath::Join(world.data.View(), "00000005.wav"),
+                             LPath::Join(UserFolderPath(world.data, 1).View(), "Sent\\00000005.wav"),
+                             LPath::Join(world.sent.View(), "..\\Sent\\00000005.wav"),
+                             LPath::Join(world.sent.View(), "letter.wav"),
+                             LPath::Join(world.sent.View(), "00000005.dat")};
+    for (const LPath& path : foreign) {
+        LFile::MakeFolder(LPath(LFolderOf(path.View())));
+        if (path != world.FilesOf(5).record) WriteFileText(path, ReadFileText(dictation));
+        context.errors.clear();
+        EXPECT_EQ(Send(path, recipient), ProcessResult::Failed) << path.c_str();
+        EXPECT_TRUE(Error().starts_with("A dictation could not be sent because its entry")) << Error();
+        EXPECT_FALSE(LFile::Exists(path.WithExtension(".tmp")));
+    }
+    EXPECT_EQ(Send(dictation, world.temp.File("rec0.dat")), ProcessResult::Failed);
+    EXPECT_EQ(world.Status(5), "Send Failed");
+    EXPECT_TRUE(TempFolder::Names(world.share).empty());
+}
+
+TEST(SendErrorBox, TellsWhoseDictationWhereItIsAndWhatTheButtonsDo) {
+    const std::string buttons =
+        "\n\nClick OK to go on sending. Click Cancel to clear all pending send files.";
+    const std::string kept = "\nThe dictation is kept among the sent dictations.", own = "Click OK to retry.";
+    const std::string longName(200, 'x');
+    EXPECT_EQ(SendErrorBoxText({"Why.", "", ""}), "Why." + buttons);
+    EXPECT_EQ(SendErrorBoxText({"Why.", "A", "B\nC"}), "Why.\n\nDictation: A\nTypist: B C" + kept + buttons);
+    EXPECT_EQ(SendErrorBoxText({own, longName, ""}),
+              own + "\n\nDictation: " + longName.substr(0, 80) + "..." + kept);
+}
+
+TEST_F(SendItemTest, AFileThatCannotBeMadeIsNoMissingCodec) {
+    const LPath dictation = world.AddDictation(5);
     ASSERT_TRUE(LFile::MakeFolder(LPath::Join(world.sent.View(), "00000005.tmp")));
     EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
-    ASSERT_EQ(context.errors.size(), 2u);
-    const std::string begin = "\"" + name.substr(0, 80) + "\"";
-    EXPECT_TRUE(context.errors[0].ends_with("compress the file.\n\n" + begin)) << Error();
-    EXPECT_LE(context.errors[0].size(), 259u);
-    EXPECT_TRUE(context.errors[1].starts_with("Unable to send " + begin)) << context.errors[1];
-    EXPECT_EQ(context.errors[1].find("CODEC"), std::string::npos);
+    EXPECT_EQ(Error().find("CODEC"), std::string::npos) << Error();
 }
 
 TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecord) {
@@ -122,7 +146,7 @@ TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecord) {
     EXPECT_EQ(Send(dictation, RecipientPath(world.data, 0, 7)), ProcessResult::Failed);
     EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
     ASSERT_EQ(context.errors.size(), 2u);
-    EXPECT_TRUE(context.errors[1].starts_with("Unable to send \"00000005.wav\"."));
+    EXPECT_TRUE(context.errors[1].ends_with("Its audio file is missing or cannot be read."));
     EXPECT_TRUE(world.SentFiles().empty());
 }
 
@@ -148,6 +172,6 @@ TEST_F(SendItemTest, TellsThatNotesWereCut) {
     EXPECT_TRUE(context.errors.empty()) << "nothing was sent yet";
     context = {};
     EXPECT_EQ(Send(dictation, world.AddRecipient(0, world.ToShare())), ProcessResult::Done);
-    EXPECT_TRUE(Error().starts_with("The notes of \"Letter 5\" are too long")) << Error();
+    EXPECT_TRUE(Error().starts_with("The notes are too long")) << Error();
     EXPECT_EQ(world.Status(5), "Sent");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/LProfile.h"
+#include "base/LThread.h"
 #include "tests/unit/TempFolder.h"
 
 namespace {
@@ -19,16 +20,26 @@ protected:
     void Write(std::string_view text) {
         ASSERT_TRUE(WriteFileText(path, text));
         LProfile::Flush(path);
-        queue.SetPath(path);
+    }
+    bool Append(int number) {
+        int32_t count = 0;
+        return queue.Append(Entry(number), count);
+    }
+    SendQueueEntry Head() const {
+        SendQueueEntry head;
+        int32_t count = 0;
+        EXPECT_TRUE(queue.ReadHead(head, count));
+        return head;
     }
     std::string Key(const char* key) const { return LProfile::Read(path, "bgsend", key, "(none)"); }
     // Empties the queue; the users' numbers in their order, "?" for an entry that is not whole.
     std::string Drain() {
         std::string drained;
-        for (int guard = 0; queue.Count() > 0 && guard < 100; ++guard) {
-            const SendQueueEntry head = queue.Head();
+        SendQueueEntry head;
+        int32_t count = 0;
+        for (int guard = 0; queue.ReadHead(head, count) && count > 0 && guard < 100; ++guard) {
             drained += head.isWhole ? std::to_string(head.user) : "?";
-            EXPECT_TRUE(queue.RemoveHead());
+            EXPECT_TRUE(queue.RemoveHead(head, count));
         }
         return drained;
     }
@@ -38,31 +49,43 @@ protected:
     SendQueueFile queue;
 };
 
+// Another program that adds entries.
+class Appender final : public LThread {
+public:
+    Appender(const LPath& path, int first) : m_first(first) { m_queue.SetPath(path), Start(kThreadNormal); }
+    ~Appender() override { Stop(); }
+
+private:
+    void ThreadFunction() override {
+        for (int32_t i = 0, count = 0; i < 20; ++i) EXPECT_TRUE(m_queue.Append(Entry(m_first + i), count));
+    }
+    SendQueueFile m_queue;
+    int m_first;
+};
+
 }  // namespace
 
 TEST_F(SendQueueFileTest, KeepsItsEntriesInOrderInTheFile) {
-    EXPECT_EQ(queue.Count(), 0);
-    for (int i = 1; i <= 3; ++i) ASSERT_TRUE(queue.Append(Entry(i)));
+    for (int i = 1; i <= 3; ++i) ASSERT_TRUE(Append(i));
     EXPECT_EQ(Key("count"), "3");
     EXPECT_EQ(Key("file2"), "C:\\Sent\\3.wav");
     EXPECT_EQ(Key("sendto2"), "C:\\rec3.dat");
     EXPECT_EQ(Key("id2"), "3");
 
-    ASSERT_TRUE(queue.RemoveHead());
-    EXPECT_EQ(queue.Head(), Entry(2));
+    int32_t count = 0;
+    ASSERT_TRUE(queue.RemoveHead(Entry(1), count));
+    ASSERT_TRUE(queue.RemoveHead(Entry(1), count)) << "gone already";
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(Head(), Entry(2));
     EXPECT_FALSE(queue.Holds(Entry(1).dictation));
     EXPECT_TRUE(queue.Holds(LPath("c:\\SENT\\3.WAV")));
     EXPECT_EQ(Key("count"), "2");
     EXPECT_EQ(Key("file2"), "(none)");
     EXPECT_EQ(Key("sendto1"), "C:\\rec3.dat");
 
-    SendQueueFile nextRun;
-    nextRun.SetPath(path);
-    EXPECT_EQ(nextRun.Head(), Entry(2));
-
-    ASSERT_TRUE(queue.SetCount(0));
+    ASSERT_TRUE(queue.Clear());
     EXPECT_EQ(Key("file0"), "C:\\Sent\\2.wav") << "old keys stay until they are overwritten";
-    ASSERT_TRUE(queue.Append(Entry(7)));
+    ASSERT_TRUE(Append(7));
     EXPECT_EQ(Drain(), "7");
 }
 
@@ -77,10 +100,10 @@ TEST_F(SendQueueFileTest, NeverTrustsTheCountOrTheEntries) {
         {"largest", "count=2147483647", ""},
         {"one too many", "count=2 file0=a sendto0=r id0=1", "1"},
         {"hole", "count=3 file0=a sendto0=r id0=1 file2=c sendto2=r id2=3", "13"},
-        {"no head", "count=2 file1=b sendto1=r id1=2", "?2"},
+        {"no head", "count=2 file1=b sendto1=r id1=2", "2"},
         {"missing keys", "count=3 file0=a id0=1 sendto1=r id1=2 file2=c sendto2=r", "???"},
         {"bad user", "count=2 file0=a sendto0=r id0=x file1=a sendto1=r id1=4294967296", "??"},
-        {"far last entry", "count=1000 file0=a sendto0=r id0=1 id999=1", "1"},
+        {"far last entry", "count=1000 file0=a sendto0=r id0=1 id999=1", "1?"},
         {"far entry", "count=2000000000 file1999999999=a", ""},
         {"rubbish", "\x01\x02[[[]]]=== count=3", ""},
     };
@@ -92,36 +115,49 @@ TEST_F(SendQueueFileTest, NeverTrustsTheCountOrTheEntries) {
 
         // Whatever the file holds, a new entry goes behind what is there and comes out again.
         Write(text);
-        ASSERT_TRUE(queue.Append(Entry(9)));
+        ASSERT_TRUE(Append(9));
         EXPECT_EQ(Drain(), std::string(c.drained) + "9") << c.name;
     }
 }
 
 TEST_F(SendQueueFileTest, FinishesARemovalThatWasCutOff) {
-    ASSERT_TRUE(queue.Append(Entry(1)));
+    ASSERT_TRUE(Append(1));
     const LPath unfinished = temp.File("bgsend.new");
 
     // Cut off before the new file was complete: the old one stands.
     ASSERT_TRUE(WriteFileText(unfinished, "[bgse"));
-    queue.SetPath(path);
-    EXPECT_EQ(queue.Head(), Entry(1));
+    EXPECT_EQ(Head(), Entry(1));
     EXPECT_FALSE(LFile::Exists(unfinished));
 
     // Cut off after the old file was gone: the new one is complete.
     LProfile::Flush(path);
     ASSERT_TRUE(LFile::Move(path, unfinished));
-    queue.SetPath(path);
-    EXPECT_EQ(queue.Head(), Entry(1));
+    EXPECT_EQ(Head(), Entry(1));
+}
+
+TEST_F(SendQueueFileTest, NoEntryIsLostBetweenTwoPrograms) {
+    Appender one(path, 100), two(path, 200);
+    std::vector<uint32_t> taken;
+    SendQueueEntry head;
+    for (int32_t count = 0; taken.size() < 40 && (one.IsRunning() || two.IsRunning() || count > 0);) {
+        ASSERT_TRUE(queue.ReadHead(head, count));
+        if (count == 0) continue;
+        ASSERT_TRUE(queue.RemoveHead(head, count));
+        taken.push_back(head.user);
+    }
+    std::ranges::sort(taken);
+    EXPECT_EQ(taken.size(), 40u);
+    EXPECT_EQ(std::ranges::adjacent_find(taken), taken.end());
 }
 
 TEST_F(SendQueueFileTest, AFileThatCannotBeChangedKeepsItsEntries) {
-    ASSERT_TRUE(queue.Append(Entry(1)));
+    int32_t count = 0;
+    ASSERT_TRUE(Append(1));
     ASSERT_TRUE(LFile::MakeFolder(temp.File("bgsend.new")));  // where the new file would be written
-    EXPECT_FALSE(queue.RemoveHead());
-    EXPECT_EQ(queue.Count(), 1);
-    EXPECT_EQ(queue.Head(), Entry(1));
+    EXPECT_FALSE(queue.RemoveHead(Entry(1), count));
+    EXPECT_EQ(Head(), Entry(1));
 
     queue.SetPath(temp.File("missing\\bgsend.dat"));
-    EXPECT_FALSE(queue.Append(Entry(2)));
-    EXPECT_FALSE(queue.SetCount(1));
+    EXPECT_FALSE(Append(2));
+    EXPECT_FALSE(queue.Clear());
 }

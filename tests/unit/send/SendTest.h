@@ -47,7 +47,10 @@ inline Bytes WriteDct(std::string_view passPhrase, const Bytes& notes, const Byt
 
 // A data folder with user 0, a share that dictations are sent to, and a queue file.
 struct SendWorld {
-    SendWorld() { LFile::MakeFolder(UserFolderPath(data, 0)); }
+    SendWorld() {
+        LFile::MakeFolder(UserFolderPath(data, 0));
+        LFile::MakeFolder(sent);
+    }
 
     // The audio path of a new dictation in Sent, with a record and notes.
     LPath AddDictation(int32_t number, const Bytes& audio = Recording(4000)) {
@@ -87,6 +90,6 @@ struct SendWorld {
     TempFolder temp;
     const LPath data = temp.Folder("data");
     const LPath share = temp.Folder("share");
-    const LPath sent = temp.Folder("Sent");
+    const LPath sent = LPath::Join(UserFolderPath(data, 0).View(), "Sent\\");
     const LPath queue = LPath::Join(data.View(), "bgsend.dat");
 };
