@@ -47,7 +47,6 @@ TEST(PlatformFile, WhatIsOpenNeitherMovesNorIsReplaced) {
 
 // Reads along, as a virus scanner does, so that the file cannot be renamed.
 struct ScannedContext final : ProcessContext {
-    explicit ScannedContext(const LPath& path) : path(path) {}
     bool CancelRequested() override { return (scanner = LFile(path, LFile::Open::Read), false); }
     void SetProgress(double) override {}
     void SetStatus(std::string_view) override {}
@@ -60,7 +59,8 @@ TEST(PlatformFile, ACopyThatCannotBeRenamedIsMadeDirectly) {
     TempFolder folder;
     const std::string text(100000, 'x');
     WriteFileText(folder.File("a"), text);
-    ScannedContext context(folder.File("d.cv~"));
+    ScannedContext context;
+    context.path = folder.File("d.cv~");
     EXPECT_EQ(LProcessCopyFile(folder.File("a"), folder.File("d.dct")).Process(context), ProcessResult::Done);
     EXPECT_TRUE(ReadFileText(folder.File("d.dct")) == text);
     EXPECT_EQ(ReadFileText(folder.File("d.cv~")), "") << "what cannot be deleted is emptied";
