@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "audio/stream/LSample.h"
 #include "base/LArith.h"
@@ -23,7 +24,14 @@ constexpr uint16_t kExtensibleExtra = 22;
 constexpr std::array<uint8_t, 14> kStandardFamily = {0, 0, 0,    0,    0x10, 0,    0x80,
                                                      0, 0, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
-// Frames that a block of each codec holds, 0 when the block is too short.
+// Samples per block and number of coefficient pairs, then the pairs: seven are laid down, a file may add its
+// own.
+constexpr size_t kMsAdpcmPairsOffset = 4;
+constexpr size_t kMsAdpcmPairBytes = 4;
+constexpr std::array<int16_t, 14> kMsAdpcmPairs = {256, 0,   512, -256, 0,    0,   192,
+                                                   64,  240, 0,   460,  -208, 392, -232};
+
+// Frames that a block of each codec holds, 0 when the block is too short or none of the codec's.
 int32_t MsAdpcmFrames(int32_t align, int32_t channels) {
     return align <= 7 * channels ? 0 : (align - 7 * channels) * 2 / channels + 2;
 }
@@ -31,7 +39,7 @@ int32_t ImaAdpcmFrames(int32_t align, int32_t channels) {
     return align <= 4 * channels ? 0 : (align - 4 * channels) / (4 * channels) * 8 + 1;
 }
 int32_t Gsm610Frames(int32_t align, int32_t channels) {
-    return channels == 1 ? align / 65 * 320 : 0;
+    return channels == 1 && align == 65 ? 320 : 0;
 }
 
 // One byte per sample.
@@ -54,9 +62,12 @@ const BlockCodec* FindBlockCodec(uint16_t tag) {
     return found == std::end(kBlockCodecs) ? nullptr : found;
 }
 
-int32_t MostBlockFrames(const BlockCodec& codec, const LWaveFileFormat& format) {
+// 0 when the block is impossible, also one whose count does not fit into its field: codecs compute with the
+// field's 16 bits, and divide by what comes out.
+uint16_t TrueBlockFrames(const BlockCodec& codec, const LWaveFileFormat& format) {
     if (format.Channels() == 0) return 0;
-    return std::min(codec.frames(format.BlockAlign(), format.Channels()), 0xFFFF);
+    const int32_t frames = codec.frames(format.BlockAlign(), format.Channels());
+    return frames > std::numeric_limits<uint16_t>::max() ? uint16_t{0} : static_cast<uint16_t>(frames);
 }
 
 uint16_t SamplesPerBlock(const LWaveFileFormat& format) {
@@ -90,28 +101,48 @@ LWaveFileFormat Plain(const LWaveFileFormat& format) {
     return Remake(format, tag, format.BlockAlign(), extra.subspan(kExtensibleExtra));
 }
 
+// The coefficient pairs, as many as are said to be there. Codecs read that many, wherever the record ends.
+void AddMsAdpcmPairs(const LWaveFileFormat& format, LByteWriter& extra) {
+    const auto old = format.Record().subspan(LWaveFileFormat::kFixedSize);
+    LByteReader in(old);
+    in.U16();
+    const size_t pairs = in.U16();
+    if (pairs >= kMsAdpcmPairs.size() / 2 && in.Remaining() >= pairs * kMsAdpcmPairBytes) {
+        extra.Bytes(old.subspan(2, kMsAdpcmPairsOffset - 2 + pairs * kMsAdpcmPairBytes));
+        return;
+    }
+    extra.U16(static_cast<uint16_t>(kMsAdpcmPairs.size() / 2));
+    for (const int16_t value : kMsAdpcmPairs) extra.U16(static_cast<uint16_t>(value));
+}
+
 LWaveFileFormat WithTrueBlock(const BlockCodec& codec, const LWaveFileFormat& format) {
-    const int32_t most = MostBlockFrames(codec, format);
-    if (most == 0) return Remake(format, format.Tag(), 0, {});
-    const int32_t told = SamplesPerBlock(format);
-    if (told >= 1 && told <= most) return format;
+    const uint16_t frames = TrueBlockFrames(codec, format);
+    if (frames == 0) return Remake(format, format.Tag(), 0, {});
     LByteWriter extra;
-    extra.U16(static_cast<uint16_t>(most));
-    if (format.ExtraBytes() > 2) extra.Bytes(format.Record().subspan(LWaveFileFormat::kFixedSize + 2));
+    extra.U16(frames);
+    if (format.Tag() == kTagMsAdpcm)
+        AddMsAdpcmPairs(format, extra);
+    else if (format.ExtraBytes() > 2)
+        extra.Bytes(format.Record().subspan(LWaveFileFormat::kFixedSize + 2));
     return Remake(format, format.Tag(), format.BlockAlign(), extra.View());
 }
 
-// Codecs derive buffer sizes from the byte rate: one that is far too low has them divide by zero. The byte rate
-// of GSM 6.10 must be exact, or the codec refuses a file; not every writer rounds down.
+// Codecs derive buffer sizes from the byte rate, and refuse a file over it or divide by zero. It follows from
+// the blocks where they are known; elsewhere it is kept unless nothing can have so few bytes, or so many.
 LWaveFileFormat WithTrueByteRate(const LWaveFileFormat& format) {
-    constexpr uint32_t kMostFramesPerByte = 64;
+    constexpr uint64_t kMostFramesPerByte = 64;
+    constexpr uint64_t kMostBytesPerSample = 8;
     const uint64_t rate = format.SampleRate();
-    const bool isCredible = format.AverageBytesPerSecond() > rate / kMostFramesPerByte;
-    if (isCredible && format.Tag() != kTagGsm610) return format;
+    const uint64_t told = format.AverageBytesPerSecond();
     const uint64_t blockFrames = static_cast<uint64_t>(LAcmBlockFrames(format));
+    uint64_t byteRate = rate;
+    if (blockFrames > 0)
+        byteRate = rate * format.BlockAlign() / blockFrames;
+    else if (told > rate / kMostFramesPerByte && told <= rate * format.Channels() * kMostBytesPerSample)
+        byteRate = told;
     LByteWriter record;
     record.Bytes(format.Bytes().first(8));
-    record.U32(static_cast<uint32_t>(blockFrames == 0 ? rate : rate * format.BlockAlign() / blockFrames));
+    record.U32(static_cast<uint32_t>(std::min<uint64_t>(byteRate, std::numeric_limits<uint32_t>::max())));
     record.Bytes(format.Record().subspan(12));
     return LWaveFileFormat(record.View());
 }
@@ -143,8 +174,8 @@ int32_t LAcmBlockFrames(const LWaveFileFormat& record) {
     return record.Tag() == kFormatTagPcm || IsLaw(record.Tag()) ? 1 : 0;
 }
 
-// GSM 6.10 predicts from what it has decoded. Spoken sound from a wrong start was right to the bit after 600 to
-// 3600 frames.
+// GSM 6.10 predicts from what it has decoded. Spoken sound from a wrong start was right to the bit after 600
+// to 3600 frames.
 int32_t LAcmWarmUpFrames(const LWaveFileFormat& record) {
     return record.Tag() == kTagGsm610 ? std::max(kBlockFrames - LAcmBlockFrames(record), 0) : 0;
 }

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "audio/wave/LAcmRecord.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LMemoryFile.h"
+#include "tests/stubs/StandInCodec.h"
 
 static void Require(bool condition) {
     if (!condition) abort();
@@ -24,8 +26,25 @@ static void RequireSafeRecord(const LWaveFileFormat& format) {
     const std::span<const uint8_t> count = record.Bytes().subspan(16, 2);
     Require(size_t{count[0]} + size_t{count[1]} * 256 == record.ExtraBytes());
     Require(LAcmBlockFrames(record) >= 0 && LAcmBlockFrames(record) <= 0xFFFF);
+    Require(record.AverageBytesPerSecond() > 0 || record.BlockAlign() == 0 || record.SampleRate() == 0);
     if (record.Tag() == kFormatTagPcm && record.BlockAlign() > 0)
         Require(record.BlockAlign() == record.Channels() * record.BitsPerSample() / 8);
+}
+
+// Decodes two blocks of the data with a codec that computes as the platform's does; the sanitizers watch it.
+static void DecodeTwoBlocks(const LWaveFileFormat& format) {
+    const LWaveFileFormat record = LAcmRecord(format);
+    std::unique_ptr<LAcmConversion> codec;
+    if (record.Tag() != StandInCodec::kMsAdpcm || !LAcmMayConvert(record) ||
+        !StandInCodec::Open(record, LAcmPcm(record), LAcmTiming::RealTime, codec))
+        return;
+    const uint32_t align = record.BlockAlign();
+    std::vector<uint8_t> input(size_t{align} * 2, 0xFF);
+    std::vector<uint8_t> output(codec->OutputSize(align));
+    Require(codec->InputSize(static_cast<uint32_t>(output.size())) >= align);
+    LAcmConversion::Used used;
+    Require(codec->Prepare(input, output) &&
+            codec->Convert(2 * align, LAcmConversion::Flag::BlockAlign, used));
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -39,6 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Require(info.dataStart >= 0 && info.dataBytes >= 0 && info.Frames() >= 0 && info.LengthMs() >= 0);
     Require(!readable || info.dataStart + info.dataBytes <= file.Size());
     RequireSafeRecord(info.format);
+    DecodeTwoBlocks(info.format);
     if (!isDirect) return 0;
 
     Require(source->GetLength() == info.Frames() && source->GetChannels() == info.format.Channels());

@@ -12,8 +12,10 @@ class Conversion final : public LAcmConversion {
 public:
     Conversion(const LWaveFileFormat& coded, bool encodes)
         : m_channels(coded.Channels()), m_align(coded.BlockAlign()), m_encodes(encodes) {
-        const uint32_t frames = coded.Tag() == 0x31 ? 320 : StandInCodec::kBlockFrames;
+        const uint32_t frames = FramesOfBlock(coded);
         m_pcmBytes = frames * m_channels * 2;
+        m_filledBytes =
+            coded.Tag() == StandInCodec::kMsAdpcm ? SamplesPerBlock(coded) * m_channels * 2 : m_pcmBytes;
         m_group = std::max(1u, (frames * m_channels + m_align - 2) / std::max(1u, m_align - 1));
     }
 
@@ -38,6 +40,16 @@ public:
     bool Close() override { return StandInCodec::fault != Fault::NoClose; }
 
 private:
+    // In 16 bits, as the platform's codec computes it.
+    static uint32_t FramesOfBlock(const LWaveFileFormat& coded) {
+        if (coded.Tag() == StandInCodec::kMsAdpcm)
+            return static_cast<uint16_t>(coded.BlockAlign() * 2 / coded.Channels() - 12);
+        return coded.Tag() == StandInCodec::kGsm610 ? 320 : StandInCodec::kBlockFrames;
+    }
+    static uint32_t SamplesPerBlock(const LWaveFileFormat& coded) {
+        return LByteReader(coded.Bytes().subspan(LWaveFileFormat::kFixedSize)).U16();
+    }
+
     uint32_t In() const { return m_encodes ? m_pcmBytes : m_align; }
     uint32_t Out() const { return m_encodes ? m_align : m_pcmBytes; }
     static uint32_t Size(uint32_t bytes) {
@@ -52,8 +64,9 @@ private:
     uint32_t m_channels;
     uint32_t m_align;
     bool m_encodes;
-    uint32_t m_pcmBytes = 0;  // of a block
-    uint32_t m_group = 0;     // samples that one byte stands for
+    uint32_t m_pcmBytes = 0;     // of a block
+    uint32_t m_filledBytes = 0;  // what is written for a block, whatever was made room for
+    uint32_t m_group = 0;        // samples that one byte stands for
     std::span<uint8_t> m_input;
     std::span<uint8_t> m_output;
     std::vector<uint8_t> m_held;
@@ -68,7 +81,7 @@ void Conversion::Block(std::span<const uint8_t> input, std::vector<uint8_t>& blo
         return;
     }
     for (size_t i = 1; i <= std::min<size_t>(input[0], input.size() - 1); ++i) {
-        for (size_t n = 0; n < m_group && block.size() < m_pcmBytes; ++n) {
+        for (size_t n = 0; n < m_group && block.size() < m_filledBytes; ++n) {
             block.push_back(0);
             block.push_back(input[i]);
         }
@@ -112,6 +125,7 @@ void Conversion::All(std::span<const uint8_t> input, Used& used) {
 
 bool Conversion::Convert(uint32_t inputBytes, Flag flag, Used& used) {
     used = {};
+    if (StandInCodec::fault == Fault::RefusesNothing && inputBytes == 0) return false;
     if (StandInCodec::fault == Fault::TakesAllAtOnce && !m_encodes)
         All(m_input.first(inputBytes), used);
     else
