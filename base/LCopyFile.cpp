@@ -53,6 +53,10 @@ Standing Compare(const LPath& path, const LPath& wanted) {
 ProcessResult CopyBytes(const LPath& from, LFile& target, ProcessContext& context) {
     LFile source(from, LFile::Open::Read);
     const int64_t total = source.Size();
+    if (total < 0) {
+        LTrace("LProcessCopyFile::Process size of the file unknown");
+        return ProcessResult::Failed;
+    }
     std::vector<uint8_t> block(kCopyBlockBytes);
     for (int64_t done = 0; done < total;) {
         if (context.CancelRequested()) return ProcessResult::Stopped;

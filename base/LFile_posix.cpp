@@ -108,8 +108,9 @@ int64_t LFile::Position() const {
 }
 
 int64_t LFile::Size() const {
+    if (!m_impl) return 0;
     struct stat info;
-    return m_impl && fstat(m_impl->file.Get(), &info) == 0 ? info.st_size : 0;
+    return fstat(m_impl->file.Get(), &info) == 0 ? info.st_size : -1;
 }
 
 bool LFile::IsBeingWritten() const {

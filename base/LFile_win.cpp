@@ -157,7 +157,7 @@ int64_t LFile::Size() const {
     if (!m_impl) return 0;
     DWORD high = 0;
     const DWORD low = GetFileSize(m_impl->file.Get(), &high);
-    if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return 0;
+    if (low == INVALID_FILE_SIZE && GetLastError() != NO_ERROR) return -1;
     return static_cast<int64_t>(Join(high, low));
 }
 

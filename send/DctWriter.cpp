@@ -45,6 +45,10 @@ DctWriter::DctWriter(LStream& out, std::string_view passPhrase, ProcessContext& 
 
 ProcessResult DctWriter::Write(const DctHeader& header, LReadStream* notes, LReadStream* audio) {
     const int64_t audioBytes = audio ? audio->Size() : 0;
+    if (audioBytes < 0) {
+        LTrace("DctWriter::Write size of the audio unknown");
+        return ProcessResult::Failed;
+    }
     AddFields(header);
     if (!AddNotes(notes)) return ProcessResult::Failed;
     if (m_isEncrypted) {
@@ -87,6 +91,7 @@ void DctWriter::AddFields(const DctHeader& header) {
 
 bool DctWriter::AddNotes(LReadStream* notes) {
     const int64_t present = notes ? notes->Size() : 0;
+    if (present < 0) return Refuse("DctWriter::AddNotes size of the notes unknown");
     const size_t length = static_cast<size_t>(std::min<int64_t>(present, kDctLongestNotes));
     if (present > kDctLongestNotes) LTrace("DctWriter::AddNotes notes too long, cut");
     std::vector<uint8_t> text(PaddedSize(length));

@@ -41,11 +41,12 @@ LSoundSink LDeferredSink::Open(std::unique_ptr<LStream> stream, int32_t startFra
 LDeferredSink::LDeferredSink(std::unique_ptr<LStream> stream, const LPath& path, int32_t startFrames,
                              int bits, uint8_t channels, int32_t sampleRate)
     : LSoundSinkBase(sampleRate, channels), m_stream(std::move(stream)), m_path(path), m_bits(bits) {
-    if (!m_stream || sampleRate < 1) {
+    const int64_t fileBytes = m_stream ? m_stream->Size() : -1;
+    if (fileBytes < 0 || sampleRate < 1) {
         SetError();
         return;
     }
-    const int32_t held = LSNKPCMFileBase::FramesHeld(m_stream->Size(), BytesPerSample(bits), GetChannels());
+    const int32_t held = LSNKPCMFileBase::FramesHeld(fileBytes, BytesPerSample(bits), GetChannels());
     SetFrames(Clamp(startFrames, 0, held));
     if (GetFrames() > 0 && !IsOurFile()) {
         LTrace("LDeferredSink::LDeferredSink file has another layout");

@@ -62,7 +62,12 @@ LSNKPCMFileBase::LSNKPCMFileBase(std::unique_ptr<LStream> stream, int32_t startF
 
 // The head goes first: should the program end between the two steps, the file still reads, uncut.
 bool LSNKPCMFileBase::Prepare(int32_t startFrames) {
-    const int32_t held = FramesHeld(m_stream->Size(), m_bytesPerSample, GetChannels());
+    const int64_t fileBytes = m_stream->Size();
+    if (fileBytes < 0) {
+        LTrace("LSNKPCMFileBase::LSNKPCMFileBase size of the file unknown");
+        return false;
+    }
+    const int32_t held = FramesHeld(fileBytes, m_bytesPerSample, GetChannels());
     if (!WriteHeader(kWaveSizeUnknown)) {
         LTrace("LSNKPCMFileBase::LSNKPCMFileBase unable to write the header");
         return false;

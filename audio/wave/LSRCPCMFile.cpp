@@ -73,8 +73,9 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
     const size_t values = static_cast<size_t>(whole) * GetChannels();
     Convert(m_block.data(), samples, values);
     if (whole == frames) return;
-    // A recorder has cut the file under us. It may grow again, so the place in it keeps step with the
-    // position.
+    // A recorder has cut the file under us, or it cannot be read here: silence takes the place of what is
+    // missing. It may grow again, so the place in it keeps step with the position.
+    if (!m_growing) MissFrames();
     std::fill_n(samples + values, static_cast<size_t>(frames - whole) * GetChannels(), 0);
     m_stream->Seek(m_dataStart + (int64_t{firstFrame} + frames) * m_bytesPerFrame);
 }
@@ -83,8 +84,12 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
 void LSRCPCMFileBase::Seek(int32_t frame) {
     m_position = frame;
     const int32_t last = m_growing ? INT32_MAX : m_length;
-    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, last)} * m_bytesPerFrame))
-        LTrace("LSRCPCMFileBase::Seek unable to move");
+    if (!m_stream->Seek(m_dataStart + int64_t{Clamp(frame, 0, last)} * m_bytesPerFrame)) MissFrames();
+}
+
+void LSRCPCMFileBase::MissFrames() {
+    if (m_isWhole) LTrace("LSRCPCMFileBase::Read unable to read all");
+    m_isWhole = false;
 }
 
 void LSRCPCMFile8::Convert(const uint8_t* bytes, int32_t* samples, size_t count) const {

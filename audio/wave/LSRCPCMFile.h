@@ -7,8 +7,8 @@
 #include "audio/wave/LWaveFile.h"
 #include "base/LStream.h"
 
-// The PCM samples of a WAV file as a source. The length is that of the data present when the source is built; of
-// a file that is being recorded it is that of the data present now, until the recorder has finished it.
+// The PCM samples of a WAV file as a source. The length is that of the data present when the source is built;
+// of a file that is being recorded it is that of the data present now, until the recorder has finished it.
 // Seek keeps a position below 0 as it is: what is read before frame 0 is silence (pre-roll for a filter).
 class LSRCPCMFileBase : public LSoundSourceBase {
 public:
@@ -18,6 +18,8 @@ public:
     void Seek(int32_t frame) override;
     // Asks the file: not for every sample.
     bool IsGrowing() const override;
+    // False after a read that fell short, which is filled with silence; also while the file grows.
+    bool IsWhole() const override { return m_isWhole && !IsGrowing(); }
 
 protected:
     // info is what LWaveFile::ReadInfo told of the stream.
@@ -26,6 +28,7 @@ protected:
 private:
     virtual void Convert(const uint8_t* bytes, int32_t* samples, size_t count) const = 0;
     void ReadFrames(int32_t* samples, int32_t frames, int32_t firstFrame);
+    void MissFrames();
     int32_t PresentLength() const;
     int32_t FramesIn(int64_t dataBytes) const;
     uint32_t DataBytesInHeader() const;
@@ -36,6 +39,7 @@ private:
     // Settled by the question that finds the file finished.
     mutable int32_t m_length = 0;
     mutable bool m_growing = false;
+    bool m_isWhole = true;
     int32_t m_bytesPerFrame;
     std::vector<uint8_t> m_block;
 };
