@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/LBytes.h"
+#include "base/LStream.h"
 
 LWaveFileFormat::LWaveFileFormat() : LWaveFileFormat(Pcm(8, 1, 8000)) {}
 
@@ -33,4 +34,16 @@ uint16_t LWaveFileFormat::U16(size_t offset) const {
 
 uint32_t LWaveFileFormat::U32(size_t offset) const {
     return LByteReader(std::span(m_bytes).subspan(offset)).U32();
+}
+
+bool LIsWholeWave(LReadStream& file) {
+    constexpr uint32_t kRiff = 0x46464952;  // "RIFF", little-endian
+    constexpr uint32_t kWave = 0x45564157;  // "WAVE"
+    constexpr int64_t kBeforeSize = 8;      // what the size does not count
+    std::array<uint8_t, 12> head;
+    if (!file.Seek(0) || !file.ReadExact(head)) return false;
+    LByteReader in(head);
+    const bool isRiff = in.U32() == kRiff;
+    const int64_t size = in.U32() + kBeforeSize;
+    return isRiff && in.U32() == kWave && size == file.Size();
 }

@@ -6,6 +6,8 @@
 
 constexpr uint16_t kFormatTagPcm = 1;
 
+class LReadStream;
+
 // A wave format description: the platform's extended wave format record in a buffer of 1024 bytes, held as
 // bytes so that it is read from and written to files as it stands. Little-endian:
 //   0 tag u16, 2 channels u16, 4 samples per second u32, 8 average bytes per second u32,
@@ -40,3 +42,7 @@ private:
 
     std::array<uint8_t, kSize> m_bytes{};
 };
+
+// Whether a WAV file tells the size that it has. Our sinks write the size last, so such a file of ours is
+// whole.
+bool LIsWholeWave(LReadStream& file);

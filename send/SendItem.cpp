@@ -53,12 +53,6 @@ bool NamesRecipient(const SendQueueEntry& entry, const LPath& dataFolder) {
            std::ranges::all_of(index, LIsDigit) && LEqualNoCase(parts.extension, ".dat");
 }
 
-// Whether a converted file is complete: what a full disk refused at the very end shows only here.
-bool IsComplete(const LPath& path, int32_t frames) {
-    LWaveInfo info;
-    return LWaveFile::ReadInfo(path, info) && !info.isStreaming && info.Holds(frames);
-}
-
 }  // namespace
 
 SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context)
@@ -142,7 +136,8 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
             return Fail("Its audio cannot be converted.");
         frames = sink->GetFrames();
     }  // closed here
-    if (IsComplete(output, frames)) return ProcessResult::Done;
+    // What a full disk refused at the very end shows only here.
+    if (LWaveFile::IsComplete(output, frames)) return ProcessResult::Done;
     LTrace("BGSend::CompressWavFile compressed file is not complete", output.View());
     return Fail(kUnwritable);
 }

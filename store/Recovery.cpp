@@ -3,11 +3,11 @@
 #include <map>
 #include <span>
 
-#include "base/LBytes.h"
 #include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
+#include "base/LWaveFileFormat.h"
 #include "store/DictationFiles.h"
 #include "store/DictationRecord.h"
 #include "store/MoveToSent.h"
@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr uint32_t kRiff = 0x46464952;    // "RIFF", little-endian
-constexpr uint32_t kWave = 0x45564157;    // "WAVE"
 constexpr int64_t kEmptyAudioBytes = 46;  // a header without a sample
 
 struct Found {
@@ -75,15 +73,9 @@ void Discard(const LPath& path) {
     LFile::Delete(path);
 }
 
-// The size in the head is written last, so a file that tells its own size is complete.
 bool IsCompleteWave(const LPath& path) {
-    uint8_t head[12];
     LFile file(path, LFile::Open::Read);
-    if (!file.ReadExact(head)) return false;
-    LByteReader in(head);
-    const bool isRiff = in.U32() == kRiff;
-    const int64_t size = int64_t{in.U32()} + 8;
-    return isRiff && in.U32() == kWave && size == file.Size();
+    return LIsWholeWave(file);
 }
 
 // Audio that was being rewritten: the old file stands until the new one is complete.

@@ -27,14 +27,6 @@ static bool IsDirect(const LWaveInfo& plain) {
     return plain.IsPcm() && plain.format.BlockAlign() > 0;
 }
 
-// Whether the new file, read again from the disk, is what was to be written. A sink that fails while it
-// closes cannot tell.
-static bool IsComplete(const LPath& path, int64_t frames) {
-    LWaveInfo written;
-    return LWaveFile::ReadInfo(path, written) && written.isOurLayout && !written.isStreaming &&
-           written.Frames() == frames;
-}
-
 bool LRewriteWave::CanRead(const LWaveInfo& info) {
     const LWaveInfo plain = Plain(info);
     return IsDirect(plain) ||
@@ -76,7 +68,7 @@ ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
     const int32_t copied = sink->GetFrames();
     sink.Reset();
     if (result != ProcessResult::Done) return result;
-    if (!source->IsWhole() || copied < info.Frames() || !IsComplete(m_temporary, copied))
+    if (!source->IsWhole() || copied < info.Frames() || !LWaveFile::IsComplete(m_temporary, copied))
         return Fail(context, "LRewriteWave::Process incomplete temporary file", m_temporary);
     source.Reset();
     if (!LFile::Replace(m_temporary, m_path))

@@ -24,22 +24,75 @@ static constexpr uint32_t kFmtMin = 14;  // the format record without its bits p
 static constexpr uint32_t kFmtMax = 8192;
 static constexpr uint32_t kMaxSampleRate = 196000;
 
-// Walks the chunks of a stream. Chunk sizes count as signed and are rounded up to even, as chunks are padded.
+// A file of many thousand chunks is none that anybody means. Each may cost a file call.
+static constexpr int kMostChunks = 128;
+
+static bool Fail(std::string_view trace) {
+    LTrace(trace);
+    return false;
+}
+
+// The head of a stream, read in pieces that hold most heads whole.
+class WaveHead {
+public:
+    explicit WaveHead(LReadStream& stream) : m_stream(stream) {}
+
+    int64_t Position() const { return m_position; }
+    void Seek(int64_t position) { m_position = position; }
+
+    // Less than asked only at the end or after a failure.
+    size_t Read(std::span<uint8_t> bytes) {
+        size_t done = 0;
+        while (done < bytes.size()) {
+            const auto present = Present();
+            const size_t count = std::min(present.size(), bytes.size() - done);
+            if (count == 0 && !Fill()) break;
+            std::ranges::copy(present.first(count), bytes.begin() + static_cast<ptrdiff_t>(done));
+            done += count;
+            m_position += static_cast<int64_t>(count);
+        }
+        return done;
+    }
+    bool ReadExact(std::span<uint8_t> bytes) { return Read(bytes) == bytes.size(); }
+
+private:
+    // What of the buffer lies at the position.
+    std::span<const uint8_t> Present() const {
+        const int64_t at = m_position - m_start;
+        if (at < 0 || at >= static_cast<int64_t>(m_used)) return {};
+        return std::span(m_buffer).first(m_used).subspan(static_cast<size_t>(at));
+    }
+    bool Fill() {
+        m_used = 0;
+        if (!m_stream.Seek(m_position)) return false;
+        m_start = m_position;
+        m_used = m_stream.Read(m_buffer);
+        return m_used > 0;
+    }
+
+    LReadStream& m_stream;
+    std::array<uint8_t, 2048> m_buffer;
+    size_t m_used = 0;
+    int64_t m_start = 0;  // of the buffer
+    int64_t m_position = 0;
+};
+
+// Walks the chunks of a head. Chunk sizes count as signed and are rounded up to even, as chunks are padded.
 class WaveChunks {
 public:
-    explicit WaveChunks(LReadStream& stream) : m_stream(stream) {}
+    explicit WaveChunks(WaveHead& head) : m_head(head) {}
 
     // Moves behind the "RIFF" size "WAVE" of the file. What stands before it is taken for a foreign chunk and
     // skipped: eight of the twelve bytes that were read are that chunk's header, the other four its first.
     bool FindRiff() {
         std::array<uint8_t, 12> head;
-        while (m_stream.ReadExact(head)) {
+        while (m_chunksLeft-- > 0 && m_head.ReadExact(head)) {
             LByteReader in(head);
             const uint32_t id = in.U32();
             m_size = in.U32();
             if (id == ChunkId("RIFF") && in.U32() == ChunkId("WAVE")) return true;
             if (PaddedSize() < 5) return Fail("LWaveFile::OpenSource chunk too short!");
-            if (!Skip(PaddedSize() - 4)) break;
+            Skip(PaddedSize() - 4);
         }
         return Fail("LWaveFile::OpenSource No RIFF WAVE chunk found");
     }
@@ -47,13 +100,13 @@ public:
     // Moves behind the header of the next chunk of that name.
     bool FindChunk(uint32_t wanted, std::string_view notFound) {
         std::array<uint8_t, 8> head;
-        while (m_stream.ReadExact(head)) {
+        while (m_chunksLeft-- > 0 && m_head.ReadExact(head)) {
             LByteReader in(head);
             const uint32_t id = in.U32();
             m_size = in.U32();
             if (id == wanted) return true;
             if (PaddedSize() < 0) return Fail("LWaveFile::OpenSource subchunk too short (< 0)!");
-            if (!Skip(PaddedSize())) break;
+            Skip(PaddedSize());
         }
         return Fail(notFound);
     }
@@ -66,28 +119,26 @@ public:
     // The size of the chunk that was found.
     uint32_t Size() const { return m_size; }
 
-    static bool Fail(std::string_view trace) {
-        LTrace(trace);
-        return false;
-    }
-
 private:
-    int64_t PaddedSize() const { return RoundUp(int64_t{static_cast<int32_t>(m_size)}, int64_t{2}); }
-    bool Skip(int64_t bytes) { return m_stream.Seek(m_stream.Position() + bytes); }
+    int64_t PaddedSize() const {
+        const int32_t size = static_cast<int32_t>(m_size);
+        return size < 0 ? -1 : RoundUp(int64_t{size}, int64_t{2});
+    }
+    void Skip(int64_t bytes) { m_head.Seek(m_head.Position() + bytes); }
 
-    LReadStream& m_stream;
+    WaveHead& m_head;
+    int m_chunksLeft = kMostChunks;
     uint32_t m_size = 0;
 };
 
-static bool ReadFormat(LReadStream& stream, uint32_t size, LWaveFileFormat& format) {
-    if (size < kFmtMin || size > kFmtMax)
-        return WaveChunks::Fail("LWaveFile::OpenSource fmt to short or too long!");
+static bool ReadFormat(WaveHead& head, uint32_t size, LWaveFileFormat& format) {
+    if (size < kFmtMin || size > kFmtMax) return Fail("LWaveFile::OpenSource fmt to short or too long!");
     std::array<uint8_t, kFmtMax + 1> record;
     const size_t padded = RoundUp<size_t>(size, 2);
-    const size_t got = stream.Read(std::span(record).first(padded));
-    if (got < size) return WaveChunks::Fail("LWaveFile::OpenSource fmt error!");
+    const size_t got = head.Read(std::span(record).first(padded));
+    if (got < size) return Fail("LWaveFile::OpenSource fmt error!");
     // Not every writer pads a record of odd length, ours neither: then the next chunk begins at once.
-    if (got > size && record[size] != 0) stream.Seek(stream.Position() - 1);
+    if (got > size && record[size] != 0) head.Seek(head.Position() - 1);
     // Without its last field the record has no extra bytes, whatever half of the field there is.
     const size_t used = size < LWaveFileFormat::kFixedSize ? std::min<size_t>(size, 16) : size;
     format = LWaveFileFormat(std::span(record).first(std::min(used, LWaveFileFormat::kSize)));
@@ -98,16 +149,17 @@ static bool IsUsable(const LWaveFileFormat& format) {
     if (format.Channels() >= 1 && format.Channels() <= 255 && format.SampleRate() >= 1 &&
         format.SampleRate() <= kMaxSampleRate)
         return true;
-    return WaveChunks::Fail("LWaveFile::OpenSource channels or sample rate out of range");
+    return Fail("LWaveFile::OpenSource channels or sample rate out of range");
 }
 
 // Compares the head of the file with the one that our sink would have written.
-static bool IsOurLayout(LReadStream& stream, int64_t fileBytes, const LWaveInfo& info) {
+static bool IsOurLayout(WaveHead& start, int64_t fileBytes, const LWaveInfo& info) {
     const int bytesPerSample = info.BytesPerSample();
     if (!info.IsPcm() || bytesPerSample > 2 || info.dataStart != kWaveHeaderBytes) return false;
     if (info.dataStart + info.dataBytes != fileBytes) return false;
     LWaveHeader head;
-    if (!stream.Seek(0) || !stream.ReadExact(head)) return false;
+    start.Seek(0);
+    if (!start.ReadExact(head)) return false;
     const LWaveHeader ours = WavePcmHeader(bytesPerSample, static_cast<uint8_t>(info.format.Channels()),
                                            static_cast<int32_t>(info.format.SampleRate()), kWaveSizeUnknown);
     return WaveHeadersAgree(head, ours);
@@ -143,16 +195,18 @@ int64_t LWaveInfo::LengthMs() const {
 
 bool LWaveFile::ReadInfo(LReadStream& stream, LWaveInfo& info) {
     info = LWaveInfo();
-    WaveChunks chunks(stream);
-    if (!stream.Seek(0) || !chunks.FindFormat() || !ReadFormat(stream, chunks.Size(), info.format) ||
-        !chunks.FindData() || !IsUsable(info.format))
+    WaveHead head(stream);
+    WaveChunks chunks(head);
+    if (!chunks.FindFormat() || !ReadFormat(head, chunks.Size(), info.format) || !chunks.FindData() ||
+        !IsUsable(info.format))
         return false;
-    info.dataStart = stream.Position();
+    info.dataStart = head.Position();
     info.isStreaming = chunks.Size() == kWaveSizeUnknown;
     const int64_t fileBytes = stream.Size();  // asked once: the file may grow while it is examined
-    const int64_t present = std::max<int64_t>(fileBytes - info.dataStart, 0);
+    const int64_t present = fileBytes - info.dataStart;
+    if (present < 0) return Fail("LWaveFile::OpenSource size of the file unknown");
     info.dataBytes = info.isStreaming ? present : std::min<int64_t>(chunks.Size(), present);
-    info.isOurLayout = IsOurLayout(stream, fileBytes, info);
+    info.isOurLayout = IsOurLayout(head, fileBytes, info);
     return stream.Seek(info.dataStart);
 }
 
@@ -161,6 +215,12 @@ bool LWaveFile::ReadInfo(const LPath& path, LWaveInfo& info) {
     if (file.IsOpen()) return ReadInfo(file, info);
     LTrace("LWaveFile::OpenSource Unable to Open File:", path.View());
     return false;
+}
+
+bool LWaveFile::IsComplete(const LPath& path, int64_t frames) {
+    LFile file(path, LFile::Open::Read);
+    LWaveInfo info;
+    return LIsWholeWave(file) && ReadInfo(file, info) && info.Holds(frames);
 }
 
 int32_t LWaveFile::LengthMs(const LPath& path) {
@@ -200,12 +260,12 @@ LSoundSink LWaveFile::OpenSink(const LPath& path, const LWaveFileFormat& format)
 }
 
 bool LWaveFile::TestPCM(LReadStream& stream) {
-    WaveChunks chunks(stream);
-    if (!stream.Seek(0) || !chunks.FindFormat()) return false;
-    std::array<uint8_t, kFmtMin> record;
-    if (chunks.Size() < kFmtMin || !stream.ReadExact(record))
-        return WaveChunks::Fail("LWaveFile::TestPCM chunk too short");
-    return LWaveFileFormat(record).Tag() == kFormatTagPcm;
+    WaveHead head(stream);
+    WaveChunks chunks(head);
+    if (!chunks.FindFormat()) return false;
+    if (chunks.Size() < kFmtMin) return Fail("LWaveFile::TestPCM chunk too short");
+    LWaveFileFormat format;
+    return ReadFormat(head, chunks.Size(), format) && format.Tag() == kFormatTagPcm;
 }
 
 bool LWaveFile::TestPCM(const LPath& path) {

@@ -25,8 +25,8 @@ struct LWaveInfo {
     int BytesPerSample() const;
     // Whole frames, of compressed data those in whole blocks; 0 when the format does not tell.
     int64_t Frames() const;
-    // Whether so many frames can have become these data: exactly so many of PCM, else, where the format tells,
-    // up to the last block.
+    // Whether so many frames can have become these data: exactly so many of PCM, else, where the format
+    // tells, up to the last block.
     bool Holds(int64_t frames) const;
     // Of the whole frames; where the format does not tell them, from the data size and the byte rate.
     int64_t LengthMs() const;
@@ -43,10 +43,11 @@ public:
     // bits 1 to 8 make an 8-bit file, 9 to 16 a 16-bit file; others give an empty handle. An existing file is
     // replaced from its start. Test the handle and then its error bit.
     static LSoundSink OpenSinkPCM(const LPath& path, int bits, uint8_t channels, int32_t sampleRate);
-    // PCM formats as above; for other formats a codec of the machine. Empty or with its error bit set on failure.
+    // PCM formats as above; for other formats a codec of the machine. Empty or with its error bit set on
+    // failure.
     static LSoundSink OpenSink(const LPath& path, const LWaveFileFormat& format);
 
-    // Whether the file's "fmt " chunk has format tag 1.
+    // Whether the file's "fmt " chunk has format tag 1; false (traced) where OpenSource takes no such chunk.
     static bool TestPCM(const LPath& path);
     static bool TestPCM(LReadStream& stream);
 
@@ -54,6 +55,10 @@ public:
     // left at the start of the data.
     static bool ReadInfo(LReadStream& stream, LWaveInfo& info);
     static bool ReadInfo(const LPath& path, LWaveInfo& info);
+
+    // Whether a file that one of our sinks has written, read again from the disk, holds all of these frames.
+    // A sink that fails while it closes cannot tell.
+    static bool IsComplete(const LPath& path, int64_t frames);
 
     // Length in milliseconds; 0 when the file is empty, missing or no WAV file.
     static int32_t LengthMs(const LPath& path);

@@ -76,6 +76,7 @@ TEST(WaveSource, FindsTheDataInEveryValidFile) {
 
 TEST(WaveSource, SaysWhyItRefusesAFile) {
     const Bytes negative = Text("LIST") + Little(0x80000000);
+    const Bytes almostOpen = Text("LIST") + Little(0xFFFFFFFE);
     const auto withFormat = [](uint32_t tag, uint32_t channels, uint32_t rate, uint32_t bits) {
         return WaveFile(Chunk("fmt ", FormatRecord(tag, channels, rate, bits)) + kData);
     };
@@ -86,11 +87,13 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
          {Chunk("ABCD", Bytes(4)) + WaveFile(kFmt16 + kData), Text("ABCD") + Little(0xFFFFFFFF) + Bytes(99)}},
         {"fmt subchunk not found!", {WaveFile({}), WaveFile(Chunk("LIST", Bytes(2)))}},
         {"subchunk too short (< 0)!",
-         {WaveFile(negative + kFmt16 + kData), WaveFile(kFmt16 + negative + kData)}},
+         {WaveFile(negative + kFmt16 + kData), WaveFile(kFmt16 + negative + kData),
+          WaveFile(almostOpen + kFmt16 + kData)}},
         {"fmt to short or too long!",
          {WaveFile(PcmFormat(16, 13) + kData), WaveFile(PcmFormat(16, 8193) + kData)}},
         {"fmt error!", {WaveFile(Text("fmt ") + Little(18) + Bytes(17))}},
-        {"data subchunk not found!", {WaveFile(kFmt16), WaveFile(kData + kFmt16)}},
+        {"data subchunk not found!",
+         {WaveFile(kFmt16), WaveFile(kData + kFmt16), WaveFile(kFmt16 + Bytes(8000) + kData)}},
         {"channels or sample rate out of range",
          {withFormat(1, 0, 8000, 16), withFormat(1, 256, 8000, 16), withFormat(1, 1, 196001, 16),
           withFormat(1, 1, 0, 16)}},
@@ -100,6 +103,8 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
             TraceLog log;
             EXPECT_TRUE(OpenBytes(bytes)->IsError()) << reason;
             EXPECT_EQ(log.All(), std::string("LWaveFile::OpenSource ") + reason + "\n");
+            LMemoryFile file(bytes);
+            EXPECT_FALSE(std::string_view(reason).starts_with("fmt") && LWaveFile::TestPCM(file));
         }
     }
     TraceLog log;
@@ -108,6 +113,20 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
     EXPECT_EQ(log.All(), "LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR\n");
     EXPECT_TRUE(LWaveFile::OpenSource(LPath("no/such/file.wav"))->IsError());
     EXPECT_TRUE(log.Has("LWaveFile::OpenSource Unable to Open File:"));
+}
+
+TEST(WaveSource, IsNotWholeWhenAReadFellShort) {
+    for (const size_t missing : {0u, 1u}) {
+        const Bytes bytes = Wave16(Bytes(20000));
+        auto file = std::make_unique<DyingFile>(bytes);
+        DyingFile& drive = *file;
+        LSoundSource source = LWaveFile::OpenSource(std::move(file));
+        drive.DieAt(bytes.size() - missing);
+        ReadAll(source, kBlockFrames);
+        EXPECT_TRUE(source->IsWhole());
+        ReadAll(source, kBlockFrames);
+        EXPECT_EQ(source->IsWhole(), missing == 0);
+    }
 }
 
 TEST(WaveSource, PlaysARecordingWhileItGrowsAndWhenItIsCut) {
