@@ -121,14 +121,15 @@ bool Transport::Tell(Playback::Result result) {
     return false;
 }
 
+// The length of compressed audio may have been an estimate; what is heard is there.
 void Transport::PlaybackPosition(int32_t positionMs) {
-    m_positionMs = std::min(positionMs, m_lengthMs);
+    m_positionMs = positionMs;
+    m_lengthMs = std::max(m_lengthMs, positionMs);
     m_owner.PositionChanged();
 }
 
 void Transport::PlaybackEnded(Playback::Ending ending) {
-    // The length of compressed audio may have been an estimate. What was heard to its end is at its end, or the
-    // next Play would find nothing there.
+    // What was heard to its end is at its end, or the next Play would find nothing there.
     if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
     if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();

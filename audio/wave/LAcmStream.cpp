@@ -46,7 +46,10 @@ LAcmStream::Flow LAcmStream::Convert(LAcmConversion::Flag flag) {
     if (!m_isPrepared) return Flow::Failed;
     m_isFresh = false;
     LAcmConversion::Used used;
-    if (!m_conversion->Convert(static_cast<uint32_t>(m_inputUsed), flag, used)) return Flow::Failed;
+    // Not every codec converts nothing at the end: then it holds nothing back.
+    const bool mayRefuse = m_inputUsed == 0 && flag == LAcmConversion::Flag::End;
+    if (!m_conversion->Convert(static_cast<uint32_t>(m_inputUsed), flag, used))
+        return mayRefuse ? Flow::Idle : Flow::Failed;
     return Settle(used);
 }
 

@@ -15,12 +15,14 @@ LSRCACMWave::LSRCACMWave(std::unique_ptr<LReadStream> stream, const LWaveInfo& i
       m_stream(std::move(stream)),
       m_dataStart(info.dataStart),
       m_dataBytes(info.dataBytes),
-      m_byteRate(info.format.AverageBytesPerSecond()),
       m_format(LAcmRecord(info.format)),
       m_blockAlign(std::max<int32_t>(m_format.BlockAlign(), 1)),
-      m_blockFrames(LAcmBlockFrames(m_format)) {
+      m_blockFrames(LAcmBlockFrames(m_format)),
+      m_isChecked(m_blockFrames > 0) {
     if (info.isStreaming) LTrace("LSRCACMWave::LSRCACMWave Wav File Is Streaming");
-    if (m_byteRate == 0) m_byteRate = GetSampleRate();
+    const int64_t byteRate = info.format.AverageBytesPerSecond();
+    m_scale = {byteRate > 0 ? byteRate : GetSampleRate(), GetSampleRate()};
+    if (m_blockFrames > 0) m_scale = {m_blockAlign, m_blockFrames};
     if (!m_stream) LTrace("LSRCACMWave::LSRCACMWave hFile == INVALID_HANDLE_VALUE ERROR");
     if (!m_stream || !OpenCodec(opener)) {
         SetError();
@@ -57,12 +59,8 @@ int32_t LSRCACMWave::BufferedFrames() const {
     return static_cast<int32_t>(m_codec.Output().size()) / FrameBytes();
 }
 
-// By the codec's blocks where the format tells how long they are: many a writer puts a byte rate into the file
-// that is several times too high, and what is wound or sought would end at a fraction of the material.
 int64_t LSRCACMWave::FramesOf(int64_t bytes) const {
-    const int64_t unit = m_blockFrames > 0 ? m_blockAlign : m_byteRate;
-    const int64_t frames = m_blockFrames > 0 ? m_blockFrames : GetSampleRate();
-    return bytes / unit * frames + bytes % unit * frames / unit;
+    return bytes / m_scale.bytes * m_scale.frames + bytes % m_scale.bytes * m_scale.frames / m_scale.bytes;
 }
 
 void LSRCACMWave::Read(int32_t* samples, int32_t frames) {
@@ -122,21 +120,60 @@ void LSRCACMWave::TopUp() {
 }
 
 Flow LSRCACMWave::Convert(LAcmConversion::Flag flag) {
-    const bool hadInput = m_codec.InputUsed() > 0;
+    const size_t input = m_codec.InputUsed();
     const Flow flow = m_codec.Convert(flag);
-    if (flow == Flow::Failed && hadInput) LTrace("LSRCACMWave::Read acmStreamConvert FAILED");
+    if (flow == Flow::Failed) {
+        if (input > 0) LTrace("LSRCACMWave::Read acmStreamConvert FAILED");
+        return flow;
+    }
+    m_decoded.bytes += static_cast<int64_t>(input - m_codec.InputUsed());
+    m_decoded.frames += BufferedFrames();
     return flow;
+}
+
+// Many a writer puts a byte rate into the file that is several times too high or too low; what is sought by it
+// is another place. The first second of the material, decoded to its end, tells: before that a codec may hold
+// any amount back.
+void LSRCACMWave::CheckByteRate() {
+    constexpr int64_t kLeastBytes = 4096;
+    constexpr int64_t kMostBytes = 16384;
+    if (m_isChecked) return;
+    m_isChecked = true;
+    const int64_t allBytes = m_dataBytes;
+    m_dataBytes = std::min(allBytes, Clamp(m_scale.bytes, kLeastBytes, kMostBytes));
+    GoTo(0);
+    while (Decode()) {
+    }
+    m_dataBytes = allBytes;
+    const int64_t told = FramesOf(m_decoded.bytes);
+    const bool isNear = told * 4 <= m_decoded.frames * 5 && told * 5 >= m_decoded.frames * 4;
+    const bool isUsable = m_decoded.bytes > 0 && m_decoded.frames > 0 && m_decoded.frames < INT32_MAX;
+    if (isUsable && !isNear) m_scale = m_decoded;
+}
+
+// Whether what the codec left is less than a block. Where the format has no blocks that anyone told us, a
+// block is a moment of what was decoded: one of MP3 lasts up to 72 ms, and the block align says one byte.
+bool LSRCACMWave::IsLeftOver(int64_t bytes) const {
+    constexpr int64_t kLongestBlockMs = 150;
+    if (bytes < m_blockAlign) return true;
+    if (m_blockFrames > 0) return false;
+    return bytes * m_decoded.frames < kLongestBlockMs * GetSampleRate() / 1000 * m_decoded.bytes;
 }
 
 void LSRCACMWave::EndAt(int64_t frame) {
     m_end = Saturate(std::max<int64_t>(frame, 0));
-    m_isWhole = Unconsumed() < m_blockAlign && !m_codec.IsEndless();
+    const bool isRead = m_readBytes == m_dataBytes;
+    m_isWhole = isRead && IsLeftOver(static_cast<int64_t>(m_codec.InputUsed())) && !m_codec.IsEndless();
+    if (m_blockFrames > 0 || !m_isWhole || !m_isFromStart || m_decoded.frames == 0) return;
+    m_total = Saturate(m_decoded.frames);
+    m_scale = {m_dataBytes, m_total};
+    m_isChecked = true;
 }
 
 int32_t LSRCACMWave::GetLength() const {
     if (m_end >= 0) return m_end;
     const int64_t position = std::max(m_position, 0);
-    const int64_t estimate = position + BufferedFrames() + FramesOf(Unconsumed());
+    const int64_t estimate = m_total >= 0 ? m_total : position + BufferedFrames() + FramesOf(Unconsumed());
     const bool mayGoOn = m_isFed || Unconsumed() > 0;
     return Saturate(std::max(estimate, mayGoOn ? position + 1 : position));
 }
@@ -144,17 +181,26 @@ int32_t LSRCACMWave::GetLength() const {
 int64_t LSRCACMWave::SeekOffset(int32_t frame) const {
     if (frame < 1) return 0;
     if (m_blockFrames > 0) return int64_t{frame} / m_blockFrames * m_blockAlign;
-    return int64_t{frame} * m_byteRate / GetSampleRate();
+    return int64_t{frame} * m_scale.bytes / m_scale.frames;
 }
 
 int64_t LSRCACMWave::FrameAt(int64_t offset) const {
     return m_blockFrames > 0 ? offset / m_blockAlign * m_blockFrames : FramesOf(offset);
 }
 
+// Where to begin so that decoding comes to a frame. What is near the start is reached from there, since that
+// is exact.
+int64_t LSRCACMWave::AlignedOffset(int32_t frame) const {
+    if (m_blockFrames == 0 && frame <= kBlockFrames) return 0;
+    return SeekOffset(frame - LAcmWarmUpFrames(m_format)) / m_blockAlign * m_blockAlign;
+}
+
 void LSRCACMWave::GoTo(int64_t offset) {
     m_codec.Restart();
     m_end = -1;
     m_isWhole = m_isFed = false;
+    m_isFromStart = offset == 0;
+    m_decoded = {};
     m_readBytes = offset;
     if (!m_stream->Seek(m_dataStart + offset)) LTrace("LSRCACMWave::Seek SetFilePointer FAILED");
 }
@@ -162,13 +208,13 @@ void LSRCACMWave::GoTo(int64_t offset) {
 void LSRCACMWave::Seek(int32_t frame) {
     m_position = frame;
     if (IsError()) return;
-    if (SeekOffset(frame) > m_dataBytes) {
+    if (frame > kBlockFrames) CheckByteRate();
+    if (SeekOffset(frame) > m_dataBytes || (m_total >= 0 && frame >= m_total)) {
         GoTo(m_dataBytes);
-        EndAt(FrameAt(m_dataBytes));
+        EndAt(m_total >= 0 ? m_total : FrameAt(m_dataBytes));
         return;
     }
-    const int64_t offset =
-        SeekOffset(std::max(frame, 0) - LAcmWarmUpFrames(m_format)) / m_blockAlign * m_blockAlign;
+    const int64_t offset = AlignedOffset(std::max(frame, 0));
     GoTo(offset);
     if (frame > 0) Discard(frame - FrameAt(offset));
 }

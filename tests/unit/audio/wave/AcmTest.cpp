@@ -62,6 +62,12 @@ Bytes WithByteRate(Bytes file, uint32_t rate) {
     return file;
 }
 
+// The stand-in codec for a file that tells another block align than the codec has.
+bool NineByteBlocks(const LWaveFileFormat&, const LWaveFileFormat& to, LAcmTiming timing,
+                    std::unique_ptr<LAcmConversion>& conversion) {
+    return StandInCodec::Open(StandInCodec::Format(), to, timing, conversion);
+}
+
 // Everything up to the end, read in pieces of that size. No length may lie at or below a position with more
 // behind it.
 Samples ReadToEnd(LSoundSource& source, int32_t piece) {
@@ -109,8 +115,8 @@ TEST(AcmSink, WritesTheFormatRecordAndTheTrueSizesBehindUnknownOnes) {
 TEST(AcmSink, LosesNothingAtTheEndWhateverTheCodecHoldsBack) {
     const LWaveFileFormat gsm(Hex("3100 0100 401F0000 59060000 4100 0000 0200 4001"));
     const Samples samples = Ramp(20001);
-    for (const Fault fault :
-         {Fault::None, Fault::OneBlockAtATime, Fault::HoldsBackABlock, Fault::OnlyNonRealTime}) {
+    for (const Fault fault : {Fault::None, Fault::OneBlockAtATime, Fault::HoldsBackABlock,
+                              Fault::OnlyNonRealTime, Fault::RefusesNothing}) {
         const WithFault with(fault);
         LSoundSource source = OpenSource(Encoded(samples));
         EXPECT_EQ(ReadToEnd(source, 1000), samples) << static_cast<int>(fault);
@@ -244,6 +250,36 @@ TEST(AcmSource, EstimatesTheLengthUntilItKnowsIt) {
     EXPECT_EQ(huge->GetLength(), 22500 * 8000);
 }
 
+TEST(AcmSource, GoesByWhatItHasDecodedWhenTheByteRateIsWrong) {
+    const Samples samples = Ramp(100000);
+    for (const uint32_t byteRate : {2250u, 36000u}) {
+        LSoundSource source = OpenSource(WithByteRate(Encoded(samples), byteRate));
+        for (const int32_t to : {50000, 8000, 90000}) {
+            source->Seek(to);
+            EXPECT_EQ(source->GetLength(), 100000) << byteRate;
+            Samples read(1000);
+            source->Read(read.data(), 1000);
+            EXPECT_EQ(read, Part(samples, to, 1000)) << to << " at " << byteRate;
+        }
+    }
+}
+
+TEST(AcmSource, MissesWhatCannotBeReadButNoPartOfABlock) {
+    const Bytes file = Encoded(Ramp(80000));
+    const auto isWhole = [](Bytes bytes, size_t readable) {
+        bytes[32] = 1;  // the block align of MP3, which has larger blocks nevertheless
+        auto stream = std::make_unique<DyingFile>(bytes);
+        LWaveInfo info;
+        EXPECT_TRUE(LWaveFile::ReadInfo(*stream, info));
+        stream->DieAt(readable);
+        LSoundSource source = LSoundSource::Make<LSRCACMWave>(std::move(stream), info, NineByteBlocks);
+        ReadToEnd(source, kBlockFrames);
+        return source->IsWhole();
+    };
+    EXPECT_TRUE(isWhole(Bytes(file.begin(), file.end() - 5), file.size())) << "a block that was cut off";
+    EXPECT_FALSE(isWhole(file, file.size() - 5)) << "a block that cannot be read";
+}
+
 TEST(AcmSource, WaitsForACodecThatTakesAllAtOnce) {
     const Samples samples = Ramp(1000000);
     const Bytes file = Encoded(samples);
@@ -333,6 +369,7 @@ TEST(Acm, AMisbehavingCodecEndsTheMaterialOrTheFileAndNothingElse) {
 
 TEST(AcmRecord, GivesCodecsOnlyRecordsThatHoldTogether) {
     const std::string guid = " 0000 0000 1000 8000 00AA00389B71";
+    const std::string pairs = "0700 0001 0000 0002 00FF 0000 0000 C000 4000 F000 0000 CC01 30FF 8801 18FF";
     static const std::string kIma = "1100 0100 401F0000 D70F0000 0001 0400 ";
     const struct {
         const char* what;
@@ -359,18 +396,31 @@ TEST(AcmRecord, GivesCodecsOnlyRecordsThatHoldTogether) {
         {"IMA", kIma + "0200 F901", kIma + "0200 F901", 505},
         {"IMA without its field", kIma + "0000", kIma + "0200 F901", 505},
         {"IMA that promises more than it holds", kIma + "0200 FFFF", kIma + "0200 F901", 505},
+        {"IMA that promises less than it holds", kIma + "0200 0100", kIma + "0200 F901", 505},
+        {"IMA of more frames than 16 bits count", "1100 0100 00000200 00000000 FCFF 0400 0200 0100",
+         "1100 0100 00000200 00000200 0000 0400 0000", 0},
         {"IMA without a block", "1100 0100 401F0000 D70F0000 0400 0400 0200 F901",
          "1100 0100 401F0000 D70F0000 0000 0400 0000", 0},
         {"GSM of two channels", "3100 0200 401F0000 59060000 4100 0000 0200 4001",
          "3100 0200 401F0000 401F0000 0000 0000 0000", 0},
         {"GSM whose byte rate is rounded up", "3100 0100 22560000 7F110000 4100 0000 0200 4001",
          "3100 0100 22560000 7E110000 4100 0000 0200 4001", 320},
+        {"IMA whose byte rate would not fit", "1100 0100 00000200 00000000 0080 0400 0200 0100",
+         "1100 0100 00000200 0E000100 0080 0400 0200 F9FF", 65529},
+        {"GSM of one frame", "3100 0100 401F0000 59060000 4100 0000 0200 0100",
+         "3100 0100 401F0000 59060000 4100 0000 0200 4001", 320},
+        {"GSM in another block", "3100 0100 401F0000 59060000 6400 0000 0200 4001",
+         "3100 0100 401F0000 401F0000 0000 0000 0000", 0},
         {"MP3 without a byte rate", "5500 0100 22560000 00000000 4002 0000 0200 0100",
          "5500 0100 22560000 22560000 4002 0000 0200 0100", 0},
         {"A-law whose block lies", "0600 0200 401F0000 00000000 0100 0800 0000",
          "0600 0200 401F0000 803E0000 0200 0800 0000", 1},
-        {"MS ADPCM", "0200 0200 112B0000 192C0000 0002 0400 0400 F401 0000",
-         "0200 0200 112B0000 192C0000 0002 0400 0400 F401 0000", 500},
+        {"MS ADPCM without coefficients", "0200 0200 112B0000 192C0000 0002 0400 0400 F401 0000",
+         "0200 0200 112B0000 192C0000 0002 0400 2000 F401 " + pairs, 500},
+        {"MS ADPCM of 65536 frames", "0200 0100 401F0000 A00F0000 0680 0400 0000",
+         "0200 0100 401F0000 401F0000 0000 0400 0000", 0},
+        {"MS ADPCM of 65554 frames", "0200 0100 401F0000 A00F0000 0F80 0400 2000 1300 " + pairs,
+         "0200 0100 401F0000 401F0000 0000 0400 0000", 0},
     };
     for (const auto& c : cases) {
         const LWaveFileFormat record = LAcmRecord(LWaveFileFormat(Hex(c.record)));
