@@ -25,6 +25,3 @@ struct RecordStart {
 // beyond the end counts as the end, where not one frame is cut; within the file the milliseconds are rounded
 // down to a whole frame.
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing);
-
-// A position in milliseconds as whole frames of a file, through its byte rate.
-int32_t PositionToFrames(int32_t positionMs, const LWaveFileFormat& format);

@@ -42,7 +42,6 @@ public:
     int32_t Stop();
 
     State GetState() const { return m_state; }
-    int8_t StopLevelDb() const { return m_stopLevelDb; }
     // Where the last loud block ends.
     int32_t LastLoudMs() const { return m_lastLoudMs; }
     int32_t RecordedMs() const;

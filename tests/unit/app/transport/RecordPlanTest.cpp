@@ -41,13 +41,6 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
     }
 }
 
-TEST(RecordPlan, PositionsBecomeWholeFramesWithoutOverflow) {
-    EXPECT_EQ(PositionToFrames(1001, LWaveFileFormat::Pcm(16, 2, 11025)), 11036);  // 11036.0 of 11036.025
-    EXPECT_EQ(PositionToFrames(1999, LWaveFileFormat::Pcm(8, 1, 11025)), 22038);
-    // Six hours of stereo at 48 kHz pass 2^31 bytes.
-    EXPECT_EQ(PositionToFrames(6 * 3600 * 1000, LWaveFileFormat::Pcm(16, 2, 48000)), 6 * 3600 * 48000);
-}
-
 TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
     static const struct {
         int32_t ms;
