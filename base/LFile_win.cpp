@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/LOwned.h"
+#include "base/LSystemFunction_win.h"
 #include "base/LTime.h"
 
 namespace {
@@ -27,14 +28,6 @@ uint64_t Join(DWORD high, DWORD low) {
 
 uint64_t ToFileTime(const FILETIME& time) {
     return Join(time.dwHighDateTime, time.dwLowDateTime);
-}
-
-// A function of the system library that the oldest platform lacks; nullptr there.
-template <class Function>
-Function LookUp(const char* name) {
-    // Through void*, since the compiler rightly doubts casts between function types.
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), name)));
 }
 
 HANDLE OpenFile(const LPath& path, LFile::Open how) {
@@ -74,7 +67,7 @@ bool IsHeldByOthers(const LPath& target, DWORD error) {
 // ERROR_SUCCESS or the reason of the failure.
 DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
     using MoveFileEx = BOOL(WINAPI*)(LPCSTR, LPCSTR, DWORD);
-    static const auto moveFileEx = LookUp<MoveFileEx>("MoveFileExA");
+    static const auto moveFileEx = LSystemFunction<MoveFileEx>("MoveFileExA");
     if (moveFileEx) {
         const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH | MOVEFILE_COPY_ALLOWED;
         if (moveFileEx(finished.c_str(), target.c_str(), flags)) return ERROR_SUCCESS;
@@ -219,7 +212,7 @@ bool LFile::DeleteFolder(const LPath& path) {
 
 uint64_t LFile::FreeSpaceKb(const LPath& folder) {
     using GetDiskFreeSpaceEx = BOOL(WINAPI*)(LPCSTR, PULARGE_INTEGER, PULARGE_INTEGER, PULARGE_INTEGER);
-    static const auto getDiskFreeSpaceEx = LookUp<GetDiskFreeSpaceEx>("GetDiskFreeSpaceExA");
+    static const auto getDiskFreeSpaceEx = LSystemFunction<GetDiskFreeSpaceEx>("GetDiskFreeSpaceExA");
     ULARGE_INTEGER available;
     ULARGE_INTEGER total;
     if (getDiskFreeSpaceEx && getDiskFreeSpaceEx(folder.c_str(), &available, &total, nullptr)) {

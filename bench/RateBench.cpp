@@ -36,6 +36,7 @@ constexpr int32_t kSeconds = 60;
 #define CORVANE_RATE_BENCHES(direction, label, atMost)                                   \
     constexpr char k##direction##Ours[] = "Rate" label;                                  \
     constexpr char k##direction##Plain[] = "Rate" label "Plain";                         \
+    constexpr char k##direction##Mmx[] = "Rate" label "Mmx";                             \
     constexpr char k##direction##Sse2[] = "Rate" label "Sse2";                           \
     constexpr char k##direction##Soxr[] = "Rate" label "OfSoxr";                         \
     constexpr char k##direction##Medium[] = "Rate" label "OfSamplerateMedium";           \
@@ -46,7 +47,8 @@ constexpr int32_t kSeconds = 60;
         {label " / libsamplerate, medium", k##direction##Ours, k##direction##Medium},    \
         {label " / libsamplerate, fastest", k##direction##Ours, k##direction##Fastest},  \
         {label " / speexdsp, quality 5", k##direction##Ours, k##direction##Speex},       \
-        {label ", plain / SSE2 loops", k##direction##Plain, k##direction##Sse2, 3.5},    \
+        {label ", MMX / SSE2 loops", k##direction##Mmx, k##direction##Sse2, 2.5},        \
+        {label ", plain / SSE2 loops", k##direction##Plain, k##direction##Sse2},         \
     };
 
 CORVANE_RATE_BENCHES(Down, "44100To8000", 0.5)
@@ -149,6 +151,8 @@ void Sse2Loops(benchmark::State& state, const Rates& rates) {
 }
 BENCHMARK_CAPTURE(Loops, down, kDown, kPlainKernels)->Name(kDownPlain)->Apply(OneByOne);
 BENCHMARK_CAPTURE(Loops, up, kUp, kPlainKernels)->Name(kUpPlain)->Apply(OneByOne);
+BENCHMARK_CAPTURE(Loops, down, kDown, kMmxKernels)->Name(kDownMmx)->Apply(OneByOne);
+BENCHMARK_CAPTURE(Loops, up, kUp, kMmxKernels)->Name(kUpMmx)->Apply(OneByOne);
 BENCHMARK_CAPTURE(Sse2Loops, down, kDown)->Name(kDownSse2)->Apply(OneByOne);
 BENCHMARK_CAPTURE(Sse2Loops, up, kUp)->Name(kUpSse2)->Apply(OneByOne);
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "audio/stream/LSample.h"
+#include "base/LProcessor.h"
 
 namespace {
 
@@ -121,7 +122,8 @@ void Interpolate(const LSincRows& rows, uint32_t phase, const int16_t* history, 
 
 const LKernels& Choose() {
     __builtin_cpu_init();
-    return __builtin_cpu_supports("sse2") ? kSse2Kernels : kPlainKernels;
+    if (__builtin_cpu_supports("sse2") && LPlatformSavesSse()) return kSse2Kernels;
+    return __builtin_cpu_supports("mmx") ? kMmxKernels : kPlainKernels;
 }
 
 }  // namespace

@@ -22,8 +22,8 @@ struct LSincRows {
     uint32_t step;  // above 0
 };
 
-// The loops that every sample passes, in a version for any processor and in one for SSE2. Both give the same
-// result to the bit. Pointers need no alignment; input and output do not overlap.
+// The loops that every sample passes, in a version for any processor, in one for MMX and in one for SSE2. All give
+// the same result to the bit. Pointers need no alignment; input and output do not overlap.
 struct LKernels {
     // The largest magnitude of count samples; -2^31 counts as 2^31.
     uint32_t (*peak)(const int32_t* samples, size_t count);
@@ -49,8 +49,11 @@ struct LKernels {
 
 // For any processor.
 extern const LKernels kPlainKernels;
-// For processors with SSE2; calling it elsewhere is an illegal instruction.
+// For processors with MMX, whose registers every platform saves when it changes threads; calling it elsewhere is
+// an illegal instruction. It leaves the floating-point unit as it found it, as long as that held no values.
+extern const LKernels kMmxKernels;
+// For processors with SSE2, on a platform that saves its registers too.
 extern const LKernels kSse2Kernels;
 
-// The fastest version that this processor runs, found out once.
+// The fastest version that runs here, found out once.
 const LKernels& Kernels();

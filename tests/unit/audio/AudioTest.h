@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/stream/LKernels.h"
 #include "audio/stream/LSoundSink.h"
 #include "audio/stream/LSoundSource.h"
 #include "base/LBytes.h"
@@ -8,6 +9,21 @@
 #include "tests/unit/TestKit.h"
 
 using Samples = std::vector<int32_t>;
+
+// The versions of the hot loops that this processor runs.
+inline std::vector<const LKernels*> AllKernels() {
+    __builtin_cpu_init();
+    std::vector<const LKernels*> all = {&kPlainKernels};
+    if (__builtin_cpu_supports("mmx")) all.push_back(&kMmxKernels);
+    if (__builtin_cpu_supports("sse2")) all.push_back(&kSse2Kernels);
+    return all;
+}
+
+// False when vectors have been left in the registers of the floating-point unit, which then overflows.
+inline bool IsFloatingPointUnitClean() {
+    const volatile long double one = 1;
+    return one + one / 2 == 1.5L;
+}
 
 inline Bytes operator+(Bytes a, const Bytes& b) {
     a.insert(a.end(), b.begin(), b.end());

@@ -242,14 +242,16 @@ TEST(PeakLimit, NeitherLosesNorOvertakesWhatIsStillBeingRecorded) {
 
 // Lengths around the width of the fast loops, at any alignment; elements of one byte or two.
 template <class From, class To, class Kernel>
-static void ExpectAgreement(Kernel LKernels::*kernel, const From* from, size_t count, size_t toCount) {
+static void ExpectAgreement(const LKernels& kernels, Kernel LKernels::*kernel, const From* from, size_t count,
+                            size_t toCount) {
     std::vector<To> fast(toCount + 1), plain(toCount + 1);  // the last one is not to be touched
-    (Kernels().*kernel)(from, fast.data(), count);
+    (kernels.*kernel)(from, fast.data(), count);
     (kPlainKernels.*kernel)(from, plain.data(), count);
     EXPECT_EQ(fast, plain) << count;
+    EXPECT_TRUE(IsFloatingPointUnitClean());
 }
 
-static void ExpectRampsAgree(const int32_t* in, size_t count, size_t channels) {
+static void ExpectRampsAgree(const LKernels& kernels, const int32_t* in, size_t count, size_t channels) {
     const int64_t peak = kPlainKernels.peak(in, count);
     const int32_t highest =
         static_cast<int32_t>(std::min<int64_t>(kUnityGain, (int64_t{1} << 46) / (peak + 1)));
@@ -257,13 +259,13 @@ static void ExpectRampsAgree(const int32_t* in, size_t count, size_t channels) {
     const int32_t step = highest / static_cast<int32_t>(frames + 1);
     for (const LGainRamp& ramp : {LGainRamp{0, step, -1000}, LGainRamp{highest, -step, INT32_MIN}}) {
         Samples fast(count + 1), plain(count + 1);
-        Kernels().ramp(ramp, in, fast.data(), frames, channels);
+        kernels.ramp(ramp, in, fast.data(), frames, channels);
         kPlainKernels.ramp(ramp, in, plain.data(), frames, channels);
         EXPECT_EQ(fast, plain) << count << ' ' << channels;
     }
 }
 
-TEST(Kernels, AreTheSameInBothVersions) {
+static void ExpectAllAgree(const LKernels& kernels) {
     std::mt19937 random(4);
     for (const size_t count : {0u, 1u, 3u, 4u, 7u, 8u, 15u, 16u, 17u, 31u, 33u, 250u, 1025u}) {
         for (size_t shift = 0; shift < 4; ++shift) {
@@ -272,15 +274,21 @@ TEST(Kernels, AreTheSameInBothVersions) {
                 if (random() % 4 == 0) v = 0x7F700 + static_cast<int32_t>(random() % 0xA00);
             }
             const int32_t* samples = in.data() + shift;
-            for (const size_t channels : {1u, 2u, 5u}) ExpectRampsAgree(samples, count, channels);
+            for (const size_t channels : {1u, 2u, 5u}) ExpectRampsAgree(kernels, samples, count, channels);
             if (count > 0) in[shift + count / 2] = INT32_MIN;
-            EXPECT_EQ(Kernels().peak(samples, count), kPlainKernels.peak(samples, count));
-            ExpectAgreement<int32_t, uint8_t>(&LKernels::toPcm8, samples, count, count);
-            ExpectAgreement<int32_t, uint8_t>(&LKernels::toPcm16, samples, count, 2 * count);
+            EXPECT_EQ(kernels.peak(samples, count), kPlainKernels.peak(samples, count));
+            ExpectAgreement<int32_t, uint8_t>(kernels, &LKernels::toPcm8, samples, count, count);
+            ExpectAgreement<int32_t, uint8_t>(kernels, &LKernels::toPcm16, samples, count, 2 * count);
+            ExpectAgreement<int32_t, int16_t>(kernels, &LKernels::narrow, samples, count, count);
             Bytes pcm(2 * count + shift + 1);
             for (uint8_t& byte : pcm) byte = static_cast<uint8_t>(random());
-            ExpectAgreement<uint8_t, int32_t>(&LKernels::fromPcm8, pcm.data() + shift, count, count);
-            ExpectAgreement<uint8_t, int32_t>(&LKernels::fromPcm16, pcm.data() + shift, count, count);
+            ExpectAgreement<uint8_t, int32_t>(kernels, &LKernels::fromPcm8, pcm.data() + shift, count, count);
+            ExpectAgreement<uint8_t, int32_t>(kernels, &LKernels::fromPcm16, pcm.data() + shift, count,
+                                              count);
         }
     }
+}
+
+TEST(Kernels, AreTheSameInAllVersions) {
+    for (const LKernels* kernels : AllKernels()) ExpectAllAgree(*kernels);
 }

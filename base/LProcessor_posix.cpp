@@ -1,0 +1,5 @@
+#include "base/LProcessor.h"
+
+bool LPlatformSavesSse() {
+    return true;
+}
