@@ -35,6 +35,9 @@ bool LPRSourceToSink::Match(ProcessContext& context) {
     if (m_source->IsError())
         return Refuse(context, "LPRSourceToSink::Process no channel converter",
                       "Audio with this number of channels cannot be converted.");
+    // The rate converter cuts off at full scale what the limiter turns down; behind it stands another, since the
+    // converter overshoots.
+    m_source = LSRCPeakLimit::OpenSource(m_source);
     m_source = LSRCConvertRate::OpenSource(m_source, m_sink ? m_sink->GetSampleRate() : 44100);
     if (m_source->IsError())
         return Refuse(context, "LPRSourceToSink::Process no rate converter",

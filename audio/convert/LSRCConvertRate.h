@@ -13,7 +13,8 @@
 // It reads no further ahead than the filter reaches (31 frames). While the wrapped source is growing, its
 // newest 31 frames are not yet part of the length, so that a reader who stays within it never hears the
 // present end as silence.
-// Input beyond 16-bit full scale is held there; the output may overshoot, hence the doubled level.
+// Input beyond 16-bit full scale is held there, so a source with such a level passes a limiter (LSRCPeakLimit)
+// first; the output may overshoot, hence the doubled level.
 // Errors: the error bit (traced) for a rate below 1, more than two channels, or rates that LSincFilter does
 //         not convert. Such a stage has no length and delivers silence.
 class LSRCConvertRate final : public LFilterSource {

@@ -205,7 +205,7 @@ TEST(Kernels, InterpolateTheWorstInputOfEachPhaseWithoutOverflow) {
                                             history[i < half ? i + 1 : i - 1];
                     const int64_t expected =
                         FloorDiv(FloorDiv(halves[0], 2) + FloorDiv(halves[1], 2) + 1024, 2048);
-                    for (const LKernels* kernels : {&kPlainKernels, &Kernels()}) {
+                    for (const LKernels* kernels : AllKernels()) {
                         int32_t out[5];
                         kernels->interpolate(rows, static_cast<uint32_t>(phase), history.data(), out, 5, 1);
                         for (int32_t sample : out) ASSERT_EQ(sample, expected) << rates.in << " " << phase;
@@ -216,11 +216,31 @@ TEST(Kernels, InterpolateTheWorstInputOfEachPhaseWithoutOverflow) {
     }
 }
 
+TEST(Kernels, InterpolateTheSameInAllVersionsAtAnyPlaceAndCount) {
+    std::mt19937 random(7);
+    std::vector<int16_t> history(200);
+    for (int16_t& v : history) v = static_cast<int16_t>(random());
+    for (const int32_t taps : {15, 63}) {
+        const LSincFilter filter(44100, 8000, taps);
+        for (size_t i = 0; i < 80; ++i) {
+            const size_t count = i % 10, stride = 1 + i / 40;
+            Samples out[3];
+            for (size_t version = 0; version < AllKernels().size(); ++version) {
+                out[version].resize(30);  // what lies behind the samples, or between them, is not touched
+                AllKernels()[version]->interpolate(filter.Rows(), static_cast<uint32_t>(i),
+                                                   history.data() + i, out[version].data(), count, stride);
+                EXPECT_TRUE(IsFloatingPointUnitClean());
+                EXPECT_EQ(out[version], out[0]) << taps << " " << i;
+            }
+        }
+    }
+}
+
 TEST(Kernels, NarrowRoundsAndHoldsAtFullScale) {
     Samples in = {0, 7, 8, -8, -9, 0x7FFF0, 0x7FFF7, 0x7FFF8, -0x80000, -0x80009, INT32_MAX, INT32_MIN};
     const Samples noise = Noise(101, 0x100000);
     in.insert(in.end(), noise.begin(), noise.end());
-    for (const LKernels* kernels : {&kPlainKernels, &Kernels()}) {
+    for (const LKernels* kernels : AllKernels()) {
         std::vector<int16_t> out(in.size());
         kernels->narrow(in.data(), out.data(), in.size());
         for (size_t i = 0; i < in.size(); ++i)
@@ -286,6 +306,18 @@ TEST(ConvertRate, KeepsAnHourAnHourAndLongerOnesToo) {
         ReadFrames(*source, 10000);
         EXPECT_EQ(source->GetPosition(), c.length);
     }
+}
+
+// A tone of twice full scale comes out turned down, not cut off at full scale: the overtone is what cutting adds.
+TEST(ConvertRate, GetsWhatIsTooLoudFromALimiter) {
+    Samples taken;
+    NotingContext context;
+    LPRSourceToSink process(
+        LSoundSource::Make<ArraySource>(44100, uint8_t{1}, Tone(44100, 500, 44100, 0x100000), 0x100000),
+        LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken));
+    ASSERT_EQ(process.Process(context), ProcessResult::Done);
+    EXPECT_NEAR(ToneDb(taken, 500, 8000, 0x7FFF0), 0.0, 0.2);
+    EXPECT_LT(ToneDb(taken, 1500, 8000, 0x7FFF0), -50.0);
 }
 
 TEST(ConvertRate, ReadsAGrowingSourceOnlyAsFarAsItGoesAndTrustsNoEstimate) {
