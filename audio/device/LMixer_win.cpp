@@ -156,8 +156,9 @@ private:
         std::ranges::transform(items, values.begin(), [&](const MIXERCONTROLDETAILS_LISTTEXTA& item) {
             return item.dwParam1 == lineId ? TRUE : FALSE;
         });
-        // Without the line among its items everything would be off, and a recording silent.
-        if (std::ranges::count(values, DWORD{TRUE}) == 0) return Fail("no item for the channel");
+        // Without the line among its items everything would be off, and a recording silent. It is no fault of
+        // the card: another control may select the line.
+        if (std::ranges::count(values, DWORD{TRUE}) == 0) return true;
         return SetValues(control, values);
     }
 
