@@ -9,8 +9,7 @@
 
 static constexpr char kWindowClass[] = "LWSoundPlayer";
 static constexpr uint32_t kLookMs = 150;
-// Buffers of silence behind the last sound, and how long they may keep the device busy once it has been heard.
-static constexpr size_t kTailBuffers = 3;
+// How long the silence behind the last sound may keep the device busy once that has been heard.
 static constexpr uint32_t kTailTimeoutMs = 1000;
 
 using NextStep = PlayQueue::Step;
@@ -265,7 +264,7 @@ void LSoundPlayer::ThreadFunction() {
 bool LSoundPlayer::Step() {
     LLock lock(m_section);
     bool goOn = true;
-    switch (m_queue.Look(m_device.Buffer(m_queue.Oldest()).IsBack(), m_material.Top())) {
+    switch (m_queue.Look(m_device.IsBack(m_queue.Oldest()), m_material.Top())) {
         case NextStep::TakeBack:
             TakeBack();
             break;
@@ -274,7 +273,7 @@ bool LSoundPlayer::Step() {
             break;
         case NextStep::Wait:
             goOn = false;
-            if (m_queue.IsAllTaken() && m_tailBuffers < kTailBuffers) WriteTail();
+            if (m_queue.IsAllTaken() && m_tailBuffers < m_material.TailBuffers()) WriteTail();
             if (!m_queue.TakesOff()) break;
             LTrace("Takeoff-complete lock thread to high priority");
             SetOwnPriority(kThreadTimeCritical);
@@ -298,7 +297,8 @@ bool LSoundPlayer::Step() {
 void LSoundPlayer::WriteTail() {
     m_block.samples.assign(static_cast<size_t>(m_material.BufferFrames()) * m_levelChannels, 0);
     m_block.endFrame = LSoundPlayerWaveHeader::kNoAudio;
-    while (m_tailBuffers < kTailBuffers && m_queue.Depth() + m_tailBuffers < PlayQueue::kBuffers) {
+    while (m_tailBuffers < m_material.TailBuffers() &&
+           m_queue.Depth() + m_tailBuffers < PlayQueue::kBuffers) {
         m_tailIndex = (m_queue.Next() + m_tailBuffers) % PlayQueue::kBuffers;
         if (!m_device.Write(m_tailIndex, m_block)) return;
         ++m_tailBuffers;
@@ -306,8 +306,7 @@ void LSoundPlayer::WriteTail() {
 }
 
 bool LSoundPlayer::IsTailHeard() const {
-    return m_tailBuffers == 0 || m_device.Buffer(m_tailIndex).IsBack() ||
-           LTickMs() - m_atEndMs > kTailTimeoutMs;
+    return m_tailBuffers == 0 || m_device.IsBack(m_tailIndex) || LTickMs() - m_atEndMs > kTailTimeoutMs;
 }
 
 void LSoundPlayer::TakeBack() {

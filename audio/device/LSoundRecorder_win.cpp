@@ -49,6 +49,10 @@ void LSoundRecorder::EvNotify() {
 bool LSoundRecorder::Start(const LSoundSink& sink, int32_t hangTimeMs, int8_t thresholdDb, int32_t maxTimeMs,
                            uint32_t flags) {
     Stop();
+    if (!m_window) {
+        LTrace("LSoundRecorder::Start Window Not Created Error");
+        return false;
+    }
     if (!sink || sink->IsError()) {
         LTrace("LSoundRecorder::Start Sink Error");
         return false;

@@ -45,7 +45,8 @@ public:
     // Start().
     void SetDevice(int32_t device) { m_device = device; }
 
-    // False, with the sink released untouched, when the device does not open. A recording that runs is
+    // False, with the sink released untouched, when the device does not open or the hidden window could not be
+    // made. A recording that runs is
     // stopped first. thresholdDb: the level that starts a voice-activated recording; it pauses 5 dB below
     // when that lasts longer than hangTimeMs. -128 and -127 never pause. maxTimeMs: 0 or less is none.
     bool Start(const LSoundSink& sink, int32_t hangTimeMs, int8_t thresholdDb, int32_t maxTimeMs,

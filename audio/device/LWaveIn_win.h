@@ -4,11 +4,10 @@
 
 #include <mmsystem.h>
 
-#include <array>
 #include <cstdint>
 #include <span>
 
-#include "audio/device/LGlobalMemory_win.h"
+#include "audio/device/LWaveRing_win.h"
 #include "base/LOwned.h"
 
 // A wave-in device and the ring of buffers that it fills, 16-bit PCM. The buffers hold three seconds: so long
@@ -19,7 +18,7 @@ class LWaveIn {
 public:
     static constexpr size_t kBuffers = 30;
 
-    LWaveIn() = default;
+    LWaveIn();
     ~LWaveIn() { Close(); }
     LWaveIn(const LWaveIn&) = delete;
     LWaveIn& operator=(const LWaveIn&) = delete;
@@ -31,13 +30,14 @@ public:
     bool QueueAll();
     bool Start();
 
-    bool IsDone(size_t index) const;
+    bool IsDone(size_t index) const { return m_ring.IsDone(index); }
     // The samples in a buffer that is done.
     std::span<const int16_t> Samples(size_t index) const;
     // Hands a buffer to the device again.
     bool Queue(size_t index);
     // Takes all buffers back, the one that is being filled with what it holds.
     void TakeBack();
+    // A device that keeps buffers all the same keeps their memory too (LWaveRing).
     void Close();
 
 private:
@@ -47,14 +47,7 @@ private:
         static void Close(Type h);
     };
 
-    bool Lock();
-    void Release();
-
     LOwned<DeviceTraits> m_device;
-    LGlobalMemory m_memory;
+    LWaveRing m_ring;
     DWORD m_bufferBytes = 0;
-    std::array<WAVEHDR, kBuffers> m_headers{};
 };
-
-// The frames of one buffer: 100 ms, 20 to 8192 frames.
-int32_t WaveInFrames(int32_t sampleRate);

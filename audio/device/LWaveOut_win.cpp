@@ -2,11 +2,8 @@
 
 #include <algorithm>
 
-#include "base/LTime.h"
 #include "base/LTrace.h"
 
-static constexpr uint32_t kReleaseTimeoutMs = 500;
-static constexpr uint32_t kReleaseRetryMs = 50;
 static constexpr DWORD kLoopForever = 0x7FFFFFFF;
 
 static bool Fail(std::string_view trace) {
@@ -18,51 +15,29 @@ static bool Succeeded(MMRESULT result, std::string_view trace) {
     return result == MMSYSERR_NOERROR || Fail(trace);
 }
 
-bool LSoundPlayerWaveHeader::Create(HWAVEOUT device, char* memory, DWORD bytes) {
-    m_header = {};
-    m_header.lpData = memory;
-    m_header.dwBufferLength = m_bytes = bytes;
-    if (!Succeeded(waveOutPrepareHeader(device, &m_header, sizeof m_header),
-                   "LSoundPlayerWaveHeader::Create waveOutPrepareHeader ERROR"))
-        return false;
-    m_header.dwFlags |= WHDR_DONE;
-    return true;
-}
+static const LWaveRing::Device kRingDevice = {
+    .prepare =
+        [](void* device, WAVEHDR& header) {
+            return waveOutPrepareHeader(static_cast<HWAVEOUT>(device), &header, sizeof header);
+        },
+    .unprepare =
+        [](void* device, WAVEHDR& header) {
+            return waveOutUnprepareHeader(static_cast<HWAVEOUT>(device), &header, sizeof header);
+        },
+    .allocFailed = "LSoundPlayer::Start GlobalAlloc FAILED",
+    .lockFailed = "LSoundPlayer::Start GlobalLock FAILED",
+    .prepareFailed = "LSoundPlayerWaveHeader::Create waveOutPrepareHeader ERROR",
+    .unprepareWaits =
+        "LSoundPlayerWaveHeader::Destroy waveOutUnprepareHeader failed wait while WAVERR_STILLPLAYING",
+    .unprepareFailed = "LSoundPlayerWaveHeader::Destroy waveOutUnprepareHeader TIMEOUT",
+};
 
-bool LSoundPlayerWaveHeader::Destroy(HWAVEOUT device, uint32_t deadlineMs) {
-    if (!(m_header.dwFlags & WHDR_PREPARED)) return true;
-    m_header.dwBufferLength = m_bytes;
-    while (waveOutUnprepareHeader(device, &m_header, sizeof m_header) == WAVERR_STILLPLAYING) {
-        if (static_cast<int32_t>(deadlineMs - LTickMs()) <= 0)
-            return Fail("LSoundPlayerWaveHeader::Destroy waveOutUnprepareHeader TIMEOUT");
-        LTrace(
-            "LSoundPlayerWaveHeader::Destroy waveOutUnprepareHeader failed wait while WAVERR_STILLPLAYING");
-        Sleep(kReleaseRetryMs);
-    }
-    return true;
-}
-
-bool LSoundPlayerWaveHeader::Write(HWAVEOUT device, const PlayBlock& block, DWORD loops) {
-    const DWORD bytes = std::min(m_bytes, static_cast<DWORD>(block.samples.size() * sizeof(int16_t)));
-    CopyMemory(m_header.lpData, block.samples.data(), bytes);
-    m_header.dwBufferLength = bytes;
-    m_header.dwFlags &= ~static_cast<DWORD>(WHDR_DONE | WHDR_BEGINLOOP | WHDR_ENDLOOP);
-    if (loops > 1) m_header.dwFlags |= WHDR_BEGINLOOP | WHDR_ENDLOOP;
-    m_header.dwLoops = loops;
+void LSoundPlayerWaveHeader::Set(const PlayBlock& block) {
     m_endFrame = block.endFrame;
     m_levels = block.levels;
-    if (Succeeded(waveOutWrite(device, &m_header, sizeof m_header),
-                  "LSoundPlayerWaveHeader::Write waveOutWrite ERROR"))
-        return true;
-    m_header.dwFlags |= WHDR_DONE;
-    SetEmpty();
-    return false;
 }
 
-bool LSoundPlayerWaveHeader::IsBack() const {
-    // The device changes the flags behind the compiler's back.
-    return (*const_cast<const volatile DWORD*>(&m_header.dwFlags) & WHDR_DONE) != 0;
-}
+LWaveOut::LWaveOut() : m_ring(kRingDevice) {}
 
 void LWaveOut::DeviceTraits::Close(Type h) {
     Succeeded(waveOutClose(h), "LSoundPlayer::Stop waveOutClose Error");
@@ -92,32 +67,15 @@ bool LWaveOut::OpenDevice(int32_t device, void* done) {
 }
 
 bool LWaveOut::CreateRing(DWORD bufferBytes) {
-    m_ring = std::make_unique<Ring>();
-    m_ring->memory.Reset(GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bufferBytes * PlayQueue::kBuffers));
-    if (!m_ring->memory) return Fail("LSoundPlayer::Start GlobalAlloc FAILED");
-    char* memory = static_cast<char*>(GlobalLock(m_ring->memory.Get()));
-    if (!memory) return Fail("LSoundPlayer::Start GlobalLock FAILED");
-    for (LSoundPlayerWaveHeader& header : m_ring->headers) {
-        if (!header.Create(m_device.Get(), memory, bufferBytes)) return false;
-        memory += bufferBytes;
-    }
+    if (!m_ring.Create(m_device.Get(), PlayQueue::kBuffers, bufferBytes)) return false;
+    for (size_t i = 0; i < m_ring.Size(); ++i) m_ring[i].dwFlags |= WHDR_DONE;
     return true;
 }
 
 void LWaveOut::Close() {
     if (!m_device) return;
-    if (m_ring) {
-        Reset();
-        const uint32_t deadlineMs = LTickMs() + kReleaseTimeoutMs;
-        const bool areFree = std::ranges::all_of(m_ring->headers, [&](LSoundPlayerWaveHeader& header) {
-            return header.Destroy(m_device.Get(), deadlineMs);
-        });
-        if (!areFree)
-            static_cast<void>(m_ring.release());  // the device may still write to it
-        else if (m_ring->memory)
-            GlobalUnlock(m_ring->memory.Get());
-        m_ring.reset();
-    }
+    if (m_ring) Reset();
+    m_ring.Release(m_device.Get());
     m_device.Reset();
 }
 
@@ -131,16 +89,34 @@ bool LWaveOut::Restart() {
 
 bool LWaveOut::Reset() {
     const MMRESULT result = waveOutReset(m_device.Get());
-    for (LSoundPlayerWaveHeader& header : m_ring->headers) header.SetEmpty();
+    for (LSoundPlayerWaveHeader& buffer : m_buffers) buffer.SetEmpty();
     return result == MMSYSERR_NOERROR;
 }
 
 bool LWaveOut::Write(size_t index, const PlayBlock& block) {
-    return m_ring->headers[index].Write(m_device.Get(), block, 1);
+    return WriteLoops(index, block, 1);
 }
 
 bool LWaveOut::WriteLoop(size_t index, const PlayBlock& block) {
-    return m_ring->headers[index].Write(m_device.Get(), block, kLoopForever);
+    return WriteLoops(index, block, kLoopForever);
+}
+
+bool LWaveOut::WriteLoops(size_t index, const PlayBlock& block, DWORD loops) {
+    WAVEHDR& header = m_ring[index];
+    const DWORD bytes =
+        std::min(m_ring.BufferBytes(), static_cast<DWORD>(block.samples.size() * sizeof(int16_t)));
+    CopyMemory(header.lpData, block.samples.data(), bytes);
+    header.dwBufferLength = bytes;
+    header.dwFlags &= ~static_cast<DWORD>(WHDR_DONE | WHDR_BEGINLOOP | WHDR_ENDLOOP);
+    if (loops > 1) header.dwFlags |= WHDR_BEGINLOOP | WHDR_ENDLOOP;
+    header.dwLoops = loops;
+    m_buffers[index].Set(block);
+    if (Succeeded(waveOutWrite(m_device.Get(), &header, sizeof header),
+                  "LSoundPlayerWaveHeader::Write waveOutWrite ERROR"))
+        return true;
+    header.dwFlags |= WHDR_DONE;
+    m_buffers[index].SetEmpty();
+    return false;
 }
 
 // Devices may refuse the unit that they are asked for and answer in another one.

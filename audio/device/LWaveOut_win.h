@@ -6,38 +6,27 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
+#include <vector>
 
-#include "audio/device/LGlobalMemory_win.h"
+#include "audio/device/LWaveRing_win.h"
 #include "audio/device/PlayMaterial.h"
 #include "audio/device/PlayQueue.h"
 #include "base/LOwned.h"
 #include "base/LWaveFileFormat.h"
 
-// One of the device's buffers: the device's header, and what the player wants to know of the audio in it when
-// it has been heard.
+// What the player wants to know of the audio in one of the device's buffers when it has been heard.
 class LSoundPlayerWaveHeader {
 public:
     static constexpr int32_t kNoAudio = INT32_MIN;  // the position of an empty buffer
 
-    // memory: the buffer's bytes, which outlive the header.
-    bool Create(HWAVEOUT device, char* memory, DWORD bytes);
-    // Waits for a buffer that the device still plays until the tick count deadlineMs; false when it then
-    // still belongs to the device.
-    bool Destroy(HWAVEOUT device, uint32_t deadlineMs);
-
-    // Hands the block to the device. loops: how often it is played.
-    bool Write(HWAVEOUT device, const PlayBlock& block, DWORD loops);
+    void Set(const PlayBlock& block);
     void SetEmpty() { m_endFrame = kNoAudio; }
-    bool IsBack() const;
 
     int32_t EndFrame() const { return m_endFrame; }
     uint8_t Channels() const { return static_cast<uint8_t>(m_levels.size()); }
     int8_t LevelDb(uint8_t channel) const { return m_levels[channel]; }
 
 private:
-    WAVEHDR m_header = {};
-    DWORD m_bytes = 0;
     int32_t m_endFrame = kNoAudio;
     std::vector<int8_t> m_levels;
 };
@@ -47,7 +36,7 @@ private:
 // Thread: one at a time; the player calls it inside its critical section.
 class LWaveOut {
 public:
-    LWaveOut() = default;
+    LWaveOut();
     ~LWaveOut() { Close(); }
     LWaveOut(const LWaveOut&) = delete;
     LWaveOut& operator=(const LWaveOut&) = delete;
@@ -55,8 +44,7 @@ public:
     // Opens the device, or the platform's default one when it does not open, and prepares the buffers.
     // It is paused. done is signalled for each buffer that comes back.
     bool Open(int32_t device, uint8_t channels, int32_t sampleRate, int32_t bufferFrames, void* done);
-    // Takes the buffers back. A device that keeps them past half a second keeps them for good: their
-    // memory is given up rather than freed under it.
+    // Takes the buffers back. A device that keeps them all the same keeps their memory too (LWaveRing).
     void Close();
 
     bool Pause();
@@ -69,7 +57,9 @@ public:
     // The frames heard since the device was opened or reset.
     bool GetPlayed(int32_t& frames) const;
 
-    const LSoundPlayerWaveHeader& Buffer(size_t index) const { return m_ring->headers[index]; }
+    // Whether the device has played a buffer, or has never had it.
+    bool IsBack(size_t index) const { return m_ring.IsDone(index); }
+    const LSoundPlayerWaveHeader& Buffer(size_t index) const { return m_buffers[index]; }
 
 private:
     struct DeviceTraits {
@@ -77,16 +67,13 @@ private:
         static Type None() { return nullptr; }
         static void Close(Type h);
     };
-    // What the device writes to and reads from while it holds a buffer.
-    struct Ring {
-        std::array<LSoundPlayerWaveHeader, PlayQueue::kBuffers> headers;
-        LGlobalMemory memory;
-    };
 
     bool OpenDevice(int32_t device, void* done);
     bool CreateRing(DWORD bufferBytes);
+    bool WriteLoops(size_t index, const PlayBlock& block, DWORD loops);
 
     LOwned<DeviceTraits> m_device;
-    std::unique_ptr<Ring> m_ring;
+    LWaveRing m_ring;
+    std::array<LSoundPlayerWaveHeader, PlayQueue::kBuffers> m_buffers;
     LWaveFileFormat m_format;
 };

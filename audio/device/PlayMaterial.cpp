@@ -4,12 +4,15 @@
 
 #include "audio/convert/LSRCPeakLimit.h"
 #include "audio/convert/LSpeedSource.h"
+#include "audio/device/LWaveBuffer.h"
 #include "audio/stream/LDecibel.h"
 #include "audio/stream/LKernels.h"
+#include "audio/stream/LSoundTime.h"
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
 static constexpr int32_t kSourceSpeed = LSpeedSource::kNormalPercent;
+static constexpr int32_t kTailMs = 300;
 static constexpr int32_t kCueRepeats = 4;
 static constexpr int32_t kGraphFullScale = 0x7F801;
 
@@ -41,7 +44,12 @@ bool PlayMaterial::SetSpeed(int32_t percent, int32_t sourceFrame) {
 }
 
 int32_t PlayMaterial::BufferFrames() const {
-    return Clamp(m_top->GetSampleRate() / 10, 20, kBlockFrames);
+    return WaveBufferFrames(m_top->GetSampleRate());
+}
+
+size_t PlayMaterial::TailBuffers() const {
+    const int32_t frames = MsToFrames(kTailMs, m_top->GetSampleRate());
+    return static_cast<size_t>(frames / BufferFrames() + (frames % BufferFrames() > 0 ? 1 : 0));
 }
 
 void PlayMaterial::Seek(int32_t sourceFrame) {

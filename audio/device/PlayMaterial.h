@@ -31,8 +31,10 @@ public:
 
     // What is read next.
     LSoundSourceBase& Top() const { return *m_top; }
-    // The frames of one device buffer: 100 ms, 20 to 8192.
+    // Of one device buffer.
     int32_t BufferFrames() const;
+    // The buffers of silence that follow the last sound, at least 300 ms.
+    size_t TailBuffers() const;
 
     void Seek(int32_t sourceFrame);
     void Read(int32_t frames, PlayBlock& block);

@@ -252,6 +252,26 @@ TEST_F(RecorderTest, RefusesWhatItCannotRecordTo) {
     EXPECT_EQ(m_notes.words, "");
 }
 
+static LRESULT CALLBACK RefuseWindow(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
+
+TEST(RecorderWithoutWindow, RefusesToStart) {
+    WNDCLASSA refuses = {};
+    refuses.lpfnWndProc = RefuseWindow;
+    refuses.hInstance = GetModuleHandleA(nullptr);
+    refuses.lpszClassName = "LWSoundRecorder";
+    UnregisterClassA(refuses.lpszClassName, refuses.hInstance);
+    ASSERT_NE(RegisterClassA(&refuses), 0);
+    TraceLog log;
+    Notes notes;
+    Samples taken;
+    LSoundRecorder recorder(notes);
+    UnregisterClassA(refuses.lpszClassName, refuses.hInstance);
+    EXPECT_FALSE(recorder.Start(LSoundSink::Make<CollectingSink>(kRate, uint8_t{1}, taken), 3000, -20, 0, 0));
+    EXPECT_TRUE(log.Has("LSoundRecorder::Start Window Not Created Error"));
+}
+
 TEST(RecorderWithoutDevice, SaysThatItDidNotStart) {
     if (waveInGetNumDevs() != 0) GTEST_SKIP() << "this machine has a wave-in device";
     TraceLog log;

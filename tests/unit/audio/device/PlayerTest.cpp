@@ -221,6 +221,18 @@ TEST(PlayMaterial, DeliversBlocksWithPositionAndLevels) {
     EXPECT_EQ(material.ToSourceFrame(1050), 1000) << "never beyond the length";
 }
 
+TEST(PlayMaterial, EndsInThreeTenthsOfASecondOfSilenceAtAnyRate) {
+    static const struct {
+        int32_t rate;
+        size_t buffers;
+    } kCases[] = {{100, 2}, {8000, 3}, {44100, 3}, {192000, 8}};
+    for (const auto& c : kCases) {
+        PlayMaterial material;
+        ASSERT_TRUE(material.Open(LSoundSource::Make<ArraySource>(c.rate, uint8_t{1}, Samples(100)), 100));
+        EXPECT_EQ(material.TailBuffers(), c.buffers) << c.rate;
+    }
+}
+
 TEST(PlayMaterial, TellsPlacesAtTheSpeedThatIsPlayed) {
     static const struct {
         int32_t percent, played;
