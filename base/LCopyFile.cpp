@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LThread.h"
 #include "base/LTime.h"
@@ -131,7 +132,7 @@ ProcessResult LProcessCopyFile::Process(ProcessContext& context) {
 }
 
 ProcessResult LProcessCopyFile::CopyBeside(ProcessContext& context) {
-    const LPath unfinished = m_to.WithExtension(".cv~");
+    const LPath unfinished = m_to.WithExtension(LLeftOver::kCopy);
     LFile target(unfinished, LFile::Open::CreateNew);
     if (!target.IsOpen()) {
         LTrace("LProcessCopyFile::CopyBeside unable to create file", unfinished.View());

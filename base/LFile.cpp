@@ -1,6 +1,58 @@
 #include "base/LFile.h"
 
+#include "base/LTime.h"
+
 // What is the same on every platform.
+
+constexpr uint32_t kPollMs = 20;
+constexpr uint32_t kReplaceWaitMs = 100;
+
+template <class Try>
+bool LFile::Persist(uint32_t waitMs, Try attempt) {
+    const uint32_t begun = LTickMs();
+    for (;;) {
+        const Attempt result = attempt();
+        if (result != Attempt::Held) return result == Attempt::Done;
+        if (LTickMs() - begun >= waitMs) return false;
+        LSleep(kPollMs);
+    }
+}
+
+bool LFile::Delete(const LPath& path, uint32_t waitMs) {
+    return !path.Empty() && Persist(waitMs, [&] { return TryDelete(path); });
+}
+
+bool LFile::Move(const LPath& from, const LPath& to, uint32_t waitMs) {
+    return !from.Empty() && !to.Empty() && Persist(waitMs, [&] { return TryMove(from, to); });
+}
+
+bool LFile::Replace(const LPath& finished, const LPath& target) {
+    if (target.Empty() || !Exists(finished)) return false;
+    return Persist(kReplaceWaitMs, [&] { return TryReplace(finished, target); });
+}
+
+// One attempt at whatever can be read; an absent file is not waited for.
+template <class Try>
+static LReadResult ReadPatiently(const LPath& path, uint32_t waitMs, Try isRead) {
+    const uint32_t begun = LTickMs();
+    for (;;) {
+        if (isRead()) return LReadResult::Values;
+        if (LFile::IsAbsent(path)) return LReadResult::Absent;
+        if (LTickMs() - begun >= waitMs) return LReadResult::Unreadable;
+        LSleep(kPollMs);
+    }
+}
+
+LReadResult LFile::OpenToRead(const LPath& path, LFile& file, uint32_t waitMs) {
+    return ReadPatiently(path, waitMs, [&] {
+        file = LFile(path, Open::Read);
+        return file.IsOpen();
+    });
+}
+
+LReadResult LFile::TryRead(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes, uint32_t waitMs) {
+    return ReadPatiently(path, waitMs, [&] { return ReadWhole(path, maxBytes, bytes); });
+}
 
 bool LFile::ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes) {
     LFile file(path, Open::Read);

@@ -11,6 +11,15 @@
 #include "base/LPath.h"
 #include "base/LStream.h"
 
+// What a read found. A file that is there and cannot be read is not an empty one: nothing is written,
+// numbered or sent on the strength of it.
+enum class LReadResult { Values, Absent, Unreadable };
+
+// Others hold a file for moments: a virus scanner, an indexer, a backup. So long it is worth waiting for
+// them.
+inline constexpr uint32_t kReadWaitMs = 1000;
+inline constexpr uint32_t kMoveWaitMs = 2000;
+
 // A file on disk, owned: closed with its object.
 // Errors: operations return false (or a short count); whoever called traces what that means.
 class LFile final : public LStream {
@@ -46,9 +55,15 @@ public:
     int64_t WriteTime() const;
 
     static bool Exists(const LPath& path);
-    static bool Delete(const LPath& path);
+    // True only when the platform knows that nothing has this name; a drive that does not answer proves
+    // nothing.
+    static bool IsAbsent(const LPath& path);
+    // Whether the file is marked as not to be written.
+    static bool IsReadOnly(const LPath& path);
+    // waitMs: how long to wait for others who keep the file open.
+    static bool Delete(const LPath& path, uint32_t waitMs = 0);
     // Fails when the target exists. Also moves between drives (copies, then deletes the source).
-    static bool Move(const LPath& from, const LPath& to);
+    static bool Move(const LPath& from, const LPath& to, uint32_t waitMs = 0);
     // Puts a finished file in the place of another, whether that exists or not; the other's old contents are
     // lost only after the new ones stand beside it, flushed. Waits up to 100 ms for others to let go of it.
     static bool Replace(const LPath& finished, const LPath& target);
@@ -61,13 +76,26 @@ public:
     // Free space on the drive of a folder, in KB, 64 bits wide; the largest value when it cannot be told, so
     // that no one is warned for nothing.
     static uint64_t FreeSpaceKb(const LPath& folder);
-    // The file's bytes, or false when it cannot be read or is longer than maxBytes.
+    // Opens a file to be read; while one that is there cannot be opened, it is tried again for waitMs.
+    static LReadResult OpenToRead(const LPath& path, LFile& file, uint32_t waitMs = kReadWaitMs);
+    // The file's bytes. Unreadable is also one that is longer than maxBytes.
+    static LReadResult TryRead(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes,
+                               uint32_t waitMs = kReadWaitMs);
+    // The file's bytes, or false when it cannot be read at once or is longer than maxBytes.
     static bool ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes);
     // A new, empty file with the given prefix (three characters count) in the platform's temporary folder;
     // empty path on failure.
     static LPath MakeTemporary(std::string_view prefix);
 
 private:
+    // What the platform makes of one attempt; Held: another program keeps the file open.
+    enum class Attempt { Done, Held, Failed };
+    static Attempt TryDelete(const LPath& path);
+    static Attempt TryMove(const LPath& from, const LPath& to);
+    static Attempt TryReplace(const LPath& finished, const LPath& target);
+    template <class Try>
+    static bool Persist(uint32_t waitMs, Try attempt);
+
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };

@@ -1,6 +1,7 @@
 #include "base/LFile.h"
 
 #include <dirent.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <fnmatch.h>
 #include <sys/file.h>
@@ -46,6 +47,9 @@ int OpenFile(const LPath& path, LFile::Open how) {
                                      O_RDWR | O_CREAT | O_EXCL, O_RDONLY | O_CREAT};
     if (path.Empty()) return -1;
     LOwned<FileTraits> file(open(Native(path).c_str(), kFlags[static_cast<size_t>(how)] | O_CLOEXEC, 0666));
+    struct stat info;
+    // A folder is no file, though this platform opens it to be read.
+    if (file && fstat(file.Get(), &info) == 0 && S_ISDIR(info.st_mode)) return -1;
     // Only those who want a file alone keep each other out here.
     const bool isFree = how != LFile::Open::Alone || flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
     return isFree ? file.Release() : -1;
@@ -135,20 +139,28 @@ bool LFile::Exists(const LPath& path) {
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && !S_ISDIR(info.st_mode);
 }
 
-bool LFile::Delete(const LPath& path) {
-    return !path.Empty() && unlink(Native(path).c_str()) == 0;
-}
-
-bool LFile::Move(const LPath& from, const LPath& to) {
-    if (from.Empty() || to.Empty()) return false;
+bool LFile::IsAbsent(const LPath& path) {
     struct stat info;
-    if (stat(Native(to).c_str(), &info) == 0) return false;
-    return rename(Native(from).c_str(), Native(to).c_str()) == 0;
+    return path.Empty() || (stat(Native(path).c_str(), &info) != 0 && (errno == ENOENT || errno == ENOTDIR));
 }
 
-bool LFile::Replace(const LPath& finished, const LPath& target) {
-    return !target.Empty() && Exists(finished) &&
-           rename(Native(finished).c_str(), Native(target).c_str()) == 0;
+bool LFile::IsReadOnly(const LPath& path) {
+    struct stat info;
+    return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && (info.st_mode & S_IWUSR) == 0;
+}
+
+// Nobody can keep others from a file here.
+LFile::Attempt LFile::TryDelete(const LPath& path) {
+    return unlink(Native(path).c_str()) == 0 ? Attempt::Done : Attempt::Failed;
+}
+
+LFile::Attempt LFile::TryMove(const LPath& from, const LPath& to) {
+    return IsAbsent(to) ? TryReplace(from, to) : Attempt::Failed;
+}
+
+LFile::Attempt LFile::TryReplace(const LPath& finished, const LPath& target) {
+    const int result = rename(Native(finished).c_str(), Native(target).c_str());
+    return result == 0 ? Attempt::Done : Attempt::Failed;
 }
 
 bool LFile::MakeFolder(const LPath& path) {

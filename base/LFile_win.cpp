@@ -53,13 +53,11 @@ HANDLE OpenFile(const LPath& path, LFile::Open how) {
     return INVALID_HANDLE_VALUE;
 }
 
-// Others hold a file for moments: a virus scanner, an indexer, another machine's reader.
-constexpr int kReplaceTries = 6;
-constexpr DWORD kReplaceWaitMs = 20;
-
-bool IsHeldByOthers(const LPath& target, DWORD error) {
+// Whether a call failed because another program keeps the file open.
+bool IsHeldByOthers(const LPath& file, DWORD error) {
+    if (error == ERROR_LOCK_VIOLATION) return true;
     if (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) return false;
-    const DWORD attributes = GetFileAttributesA(target.c_str());
+    const DWORD attributes = GetFileAttributesA(file.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES &&
            !(attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY));
 }
@@ -74,7 +72,8 @@ DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
         if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED) return GetLastError();
     }
     // Windows 95 and 98 cannot replace in one step; the finished file exists, so the target may go first.
-    const bool moved = (!LFile::Exists(target) || LFile::Delete(target)) && LFile::Move(finished, target);
+    const bool moved = (!LFile::Exists(target) || DeleteFileA(target.c_str())) &&
+                       MoveFileA(finished.c_str(), target.c_str());
     return moved ? ERROR_SUCCESS : GetLastError();
 }
 
@@ -154,8 +153,8 @@ int64_t LFile::Size() const {
     return static_cast<int64_t>(Join(high, low));
 }
 
-// To open it once more without allowing writers fails while there is one. When there is none, the file is held
-// against writers for that moment.
+// To open it once more without allowing writers fails while there is one. When there is none, the file is
+// held against writers for that moment.
 bool LFile::IsBeingWritten() const {
     if (!m_impl || m_impl->path.Empty()) return false;
     const LOwned<FileTraits> again(CreateFileA(m_impl->path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
@@ -184,22 +183,34 @@ bool LFile::Exists(const LPath& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
-bool LFile::Delete(const LPath& path) {
-    return !path.Empty() && DeleteFileA(path.c_str());
+bool LFile::IsAbsent(const LPath& path) {
+    if (path.Empty()) return true;
+    if (GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES) return false;
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME ||
+           error == ERROR_BAD_PATHNAME;
 }
 
-bool LFile::Move(const LPath& from, const LPath& to) {
-    return !from.Empty() && !to.Empty() && MoveFileA(from.c_str(), to.c_str());
+bool LFile::IsReadOnly(const LPath& path) {
+    const DWORD attributes = path.Empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
-bool LFile::Replace(const LPath& finished, const LPath& target) {
-    if (target.Empty() || !Exists(finished)) return false;
-    for (int tried = 1;; ++tried) {
-        const DWORD error = ReplaceOnce(finished, target);
-        if (error == ERROR_SUCCESS) return true;
-        if (tried == kReplaceTries || !IsHeldByOthers(target, error)) return false;
-        Sleep(kReplaceWaitMs);
-    }
+LFile::Attempt LFile::TryDelete(const LPath& path) {
+    if (DeleteFileA(path.c_str())) return Attempt::Done;
+    return IsHeldByOthers(path, GetLastError()) ? Attempt::Held : Attempt::Failed;
+}
+
+LFile::Attempt LFile::TryMove(const LPath& from, const LPath& to) {
+    if (MoveFileA(from.c_str(), to.c_str())) return Attempt::Done;
+    const DWORD error = GetLastError();
+    return IsAbsent(to) && IsHeldByOthers(from, error) ? Attempt::Held : Attempt::Failed;
+}
+
+LFile::Attempt LFile::TryReplace(const LPath& finished, const LPath& target) {
+    const DWORD error = ReplaceOnce(finished, target);
+    if (error == ERROR_SUCCESS) return Attempt::Done;
+    return IsHeldByOthers(target, error) ? Attempt::Held : Attempt::Failed;
 }
 
 bool LFile::MakeFolder(const LPath& path) {

@@ -6,6 +6,24 @@
 
 #include "base/LTrace.h"
 
+// The first separator at or behind a place where a character begins; npos when there is none.
+static size_t FindSeparator(std::string_view path, size_t from) {
+    for (size_t at = from; at < path.size(); at += LIsLeadByte(path[at]) ? 2 : 1)
+        if (LIsSeparator(path[at])) return at;
+    return std::string_view::npos;
+}
+
+static size_t FindLastSeparator(std::string_view path) {
+    size_t last = std::string_view::npos;
+    for (size_t at = FindSeparator(path, 0); at != std::string_view::npos; at = FindSeparator(path, at + 1))
+        last = at;
+    return last;
+}
+
+bool LEndsInSeparator(std::string_view path) {
+    return !path.empty() && FindLastSeparator(path) == path.size() - 1;
+}
+
 bool LPath::Set(std::string_view text) {
     return Place(0, text);
 }
@@ -29,7 +47,7 @@ LPath LPath::Join(std::string_view folder, std::string_view name) {
     while (!folder.empty() && !name.empty() && LIsSeparator(name.front())) name.remove_prefix(1);
     LPath path(folder);
     if (path.Empty() && !folder.empty()) return path;
-    if (!folder.empty() && !LIsSeparator(folder.back()) && !path.Append("\\")) return path;
+    if (!folder.empty() && !LEndsInSeparator(folder) && !path.Append("\\")) return path;
     path.Append(name);
     return path;
 }
@@ -42,8 +60,7 @@ LPath LPath::WithExtension(std::string_view extension) const {
 
 LPath LPath::WithoutSeparator() const {
     std::string_view text = View();
-    while (text.size() > 1 && LIsSeparator(text.back()) && text[text.size() - 2] != ':')
-        text.remove_suffix(1);
+    while (text.size() > 1 && LEndsInSeparator(text) && text[text.size() - 2] != ':') text.remove_suffix(1);
     return LPath(text);
 }
 
@@ -66,7 +83,7 @@ LPathParts LSplitPath(std::string_view path) {
         parts.drive = path.substr(0, 2);
         path.remove_prefix(2);
     }
-    const size_t separator = path.find_last_of("\\/");
+    const size_t separator = FindLastSeparator(path);
     if (separator != std::string_view::npos) {
         parts.folder = path.substr(0, separator + 1);
         path.remove_prefix(separator + 1);
@@ -84,8 +101,8 @@ std::string_view LFolderOf(std::string_view path) {
 LPath LRootOf(std::string_view path) {
     const bool isShare = path.size() > 2 && LIsSeparator(path[0]) && LIsSeparator(path[1]);
     if (!isShare) return LPath::Join(LSplitPath(path).drive, "\\");
-    const size_t server = path.find_first_of("\\/", 2);
-    const size_t share = server == std::string_view::npos ? server : path.find_first_of("\\/", server + 1);
+    const size_t server = FindSeparator(path, 2);
+    const size_t share = server == std::string_view::npos ? server : FindSeparator(path, server + 1);
     LPath root(path.substr(0, share));
     if (!root.Empty()) root.Append("\\");
     return root;

@@ -57,6 +57,13 @@ LPath LRootOf(std::string_view path);
 // Name and extension of a path, without its folder.
 std::string_view LFileNameOf(std::string_view path);
 
+// Whether a path ends in a separator.
+bool LEndsInSeparator(std::string_view path);
+
+// Whether this byte begins a character of two bytes in the user's code page. The second one may be 0x5C,
+// which alone is a backslash: separators are looked for character by character.
+bool LIsLeadByte(char c);
+
 constexpr bool LIsSeparator(char c) {
     return c == '\\' || c == '/';
 }

@@ -3,10 +3,14 @@
 #include <algorithm>
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LProfileText.h"
 #include "base/LText.h"
 #include "base/LThread.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
+
+constexpr uint32_t kPollMs = 20;
 
 LCriticalSection& LProfileLock() {
     static LCriticalSection lock;
@@ -15,7 +19,7 @@ LCriticalSection& LProfileLock() {
 
 LPath LProfile::CopyOf(const LPath& file) {
     LPath copy = file;
-    if (!file.Empty()) copy.Append("~");
+    if (!file.Empty()) copy.Append(LLeftOver::kProfile);
     return copy;
 }
 
@@ -42,6 +46,16 @@ std::string_view LProfileValue(std::string_view written) {
     return value.substr(0, LProfile::kMaxText);
 }
 
+bool LIsProfileHeader(std::string_view line) {
+    return LTrimBlanks(line).starts_with('[');
+}
+
+bool LIsProfileHeader(std::string_view line, std::string_view section) {
+    if (!LIsProfileHeader(line)) return false;
+    const std::string_view header = LTrimBlanks(line);
+    return LEqualNoCase(LTrimBlanks(header.substr(1, header.find(']') - 1)), section);
+}
+
 static bool IsTakenAway(char c) {
     return LIsBlank(c) || c == '"' || c == '\'';
 }
@@ -55,6 +69,42 @@ std::string LProfileSafe(std::string_view value) {
     if (value.empty() || (!IsTakenAway(value.front()) && !IsTakenAway(value.back())))
         return std::string(value);
     return '"' + std::string(value.substr(0, LProfile::kMaxText - 2)) + '"';
+}
+
+// Each line of the first section of this name, ended by a zero byte.
+static std::string LinesOfSection(std::string_view text, std::string_view section) {
+    std::string lines;
+    bool isInside = false;
+    while (!text.empty()) {
+        std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (LIsProfileHeader(line)) {
+            if (isInside) break;
+            isInside = LIsProfileHeader(line, section);
+        } else if (isInside) {
+            lines.append(line);
+            std::replace(lines.end() - static_cast<ptrdiff_t>(line.size()), lines.end(), '\0', ' ');
+            lines.push_back('\0');
+        }
+    }
+    return lines;
+}
+
+LProfileSection::LProfileSection(const LPath& file, std::string_view section, uint32_t waitMs) {
+    std::vector<uint8_t> bytes;
+    const uint32_t begun = LTickMs();
+    for (;;) {
+        {
+            const LLock lock(LProfileLock());
+            m_result = LFile::TryRead(file, kLongestProfile, bytes, 0);
+        }
+        if (m_result != LReadResult::Unreadable || LTickMs() - begun >= waitMs) break;
+        LSleep(kPollMs);
+    }
+    m_lines = LinesOfSection({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, section);
+    if (m_result == LReadResult::Unreadable)
+        LTrace("LProfileSection::LProfileSection unable to read file", file.View());
 }
 
 std::string LProfileSection::Read(std::string_view key, std::string_view defaultText) const {

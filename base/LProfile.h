@@ -2,8 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "base/LFile.h"
 #include "base/LPath.h"
 
 // One key of one INI-style text file. The Windows build uses the platform's private-profile functions; the
@@ -12,7 +12,8 @@
 // characters.
 // A change is made in a copy that then takes the file's place, so that the end of the program or of the power
 // at any moment leaves the file as it was before or after.
-// Errors: a read of what is missing yields the default; a failed write returns false.
+// Errors: a read of what is missing yields the default; a failed write returns false. A file that is
+//         there and cannot be read is not written either, since its other keys would be lost.
 // Thread: any; the calls of one process wait for each other.
 class LProfile {
 public:
@@ -34,14 +35,19 @@ public:
     static void Recover(const LPath& file);
 };
 
-// All keys of one section, read with one call: a list of a thousand records opens each of them once.
+// All keys of one section. The file is opened once and read as a whole, so that one that cannot be read is
+// told from an empty one: the platform's calls answer with defaults for both.
 class LProfileSection {
 public:
-    LProfileSection(const LPath& file, std::string_view section);
+    // waitMs: how long to wait for others who keep the file from being read.
+    LProfileSection(const LPath& file, std::string_view section, uint32_t waitMs = 0);
 
+    // Values: the file was read, whether it has the section or not.
+    LReadResult Result() const { return m_result; }
     // The value as LProfile::Read would give it.
     std::string Read(std::string_view key, std::string_view defaultText) const;
 
 private:
+    LReadResult m_result;
     std::string m_lines;  // "key=value", each ended by a zero byte
 };

@@ -13,6 +13,12 @@ LCriticalSection& LProfileLock();
 // Without the blanks around it.
 std::string_view LTrimBlanks(std::string_view text);
 
+// Whether a line begins a section, and whether it begins the one of this name.
+bool LIsProfileHeader(std::string_view line);
+bool LIsProfileHeader(std::string_view line, std::string_view section);
+
+inline constexpr size_t kLongestProfile = 64u << 20;  // bytes
+
 // A value as a reader gets it: without blanks and one pair of quotation marks around it, cut to 259
 // characters.
 std::string_view LProfileValue(std::string_view written);

@@ -8,13 +8,12 @@
 
 namespace {
 
-constexpr size_t kMaxFileBytes = 64u << 20;
 constexpr size_t kNone = SIZE_MAX;
 
-std::vector<std::string> ReadLines(const LPath& file) {
-    std::vector<std::string> lines;
+// False when the file cannot be read; one that is absent has no lines.
+bool ReadLines(const LPath& file, std::vector<std::string>& lines) {
     std::vector<uint8_t> bytes;
-    if (!LFile::ReadWhole(file, kMaxFileBytes, bytes)) return lines;
+    if (LFile::TryRead(file, kLongestProfile, bytes) == LReadResult::Unreadable) return false;
     std::string line;
     for (uint8_t byte : bytes) {
         if (byte == 0) byte = ' ';  // a zero byte ends the lines of LProfileSection
@@ -27,7 +26,7 @@ std::vector<std::string> ReadLines(const LPath& file) {
         line.clear();
     }
     if (!line.empty()) lines.push_back(std::move(line));
-    return lines;
+    return true;
 }
 
 bool WriteLines(const LPath& file, const std::vector<std::string>& lines) {
@@ -40,10 +39,6 @@ bool WriteLines(const LPath& file, const std::vector<std::string>& lines) {
     return LFile::Replace(beside, file);
 }
 
-bool IsHeader(std::string_view line) {
-    return LTrimBlanks(line).starts_with('[');
-}
-
 // The lines of a section: first is the one after its header, kNone when there is no such section.
 struct Range {
     size_t first = kNone;
@@ -53,14 +48,12 @@ struct Range {
 Range FindSection(const std::vector<std::string>& lines, std::string_view section) {
     Range range;
     for (size_t i = 0; i < lines.size(); ++i) {
-        if (!IsHeader(lines[i])) continue;
+        if (!LIsProfileHeader(lines[i])) continue;
         if (range.first != kNone) {
             range.end = i;
             return range;
         }
-        const std::string_view line = LTrimBlanks(lines[i]);
-        const std::string_view name = line.substr(1, line.find(']') - 1);
-        if (LEqualNoCase(LTrimBlanks(name), section)) range.first = i + 1;
+        if (LIsProfileHeader(lines[i], section)) range.first = i + 1;
     }
     if (range.first != kNone) range.end = lines.size();
     return range;
@@ -89,7 +82,8 @@ std::string LProfile::Read(const LPath& file, std::string_view section, std::str
 bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view value) {
     const LLock lock(LProfileLock());
-    std::vector<std::string> lines = ReadLines(file);
+    std::vector<std::string> lines;
+    if (!ReadLines(file, lines)) return false;
     Range range = FindSection(lines, section);
     if (range.first == kNone) {
         lines.push_back(std::string("[").append(section).append("]"));
@@ -108,7 +102,8 @@ bool LProfile::Write(const LPath& file, std::string_view section, std::string_vi
 
 bool LProfile::Delete(const LPath& file, std::string_view section, std::string_view key) {
     const LLock lock(LProfileLock());
-    std::vector<std::string> lines = ReadLines(file);
+    std::vector<std::string> lines;
+    if (!ReadLines(file, lines)) return false;
     const size_t at = FindKey(lines, FindSection(lines, section), key);
     if (at == kNone) return true;
     lines.erase(lines.begin() + static_cast<ptrdiff_t>(at));
@@ -116,10 +111,3 @@ bool LProfile::Delete(const LPath& file, std::string_view section, std::string_v
 }
 
 void LProfile::Flush(const LPath&) {}
-
-LProfileSection::LProfileSection(const LPath& file, std::string_view section) {
-    const std::vector<std::string> lines = ReadLines(file);
-    const Range range = FindSection(lines, section);
-    if (range.first == kNone) return;
-    for (size_t i = range.first; i < range.end; ++i) m_lines += lines[i] + '\0';
-}

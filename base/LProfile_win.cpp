@@ -38,11 +38,6 @@ bool IsAsWanted(const LPath& file, const Change& change) {
     return std::string_view(text) == (change.value ? LProfileValue(change.value) : kAbsent);
 }
 
-bool IsReadOnly(const LPath& file) {
-    const DWORD attributes = GetFileAttributesA(file.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
-}
-
 // The platform does not tell when it rewrote a file on a full disk and lost its end.
 bool HasRoom(const LPath& file) {
     const int64_t size = LFile(file, LFile::Open::Read).Size();
@@ -69,8 +64,12 @@ bool ChangeCopy(const LPath& copy, const Change& change) {
 // it.
 bool ChangeFile(const LPath& file, const Change& change) {
     if (file.Empty()) return false;
+    if (LFile held; LFile::OpenToRead(file, held) == LReadResult::Unreadable) {
+        LTrace("LProfile::Write unable to read file", file.View());
+        return false;
+    }
     const LLock lock(LProfileLock());
-    if (IsReadOnly(file) || !HasRoom(file)) {
+    if (LFile::IsReadOnly(file) || !HasRoom(file)) {
         LTrace("LProfile::Write file is read-only or the disk is full", file.View());
         return false;
     }
@@ -114,27 +113,4 @@ bool LProfile::Delete(const LPath& file, std::string_view section, std::string_v
 void LProfile::Flush(const LPath& file) {
     const LLock lock(LProfileLock());
     if (!file.Empty()) DropCache(file);
-}
-
-// Windows 95 and 98 (the highest bit tells them) keep lengths in 16 bits.
-static DWORD LargestSection() {
-    return (GetVersion() & 0x80000000) != 0 ? 32767 : 1u << 20;
-}
-
-LProfileSection::LProfileSection(const LPath& file, std::string_view section) {
-    if (file.Empty()) return;
-    const LLock lock(LProfileLock());
-    const DWORD largest = LargestSection();
-    for (DWORD size = 2048;; size = std::min(size * 4, largest)) {
-        m_lines.resize(size);
-        const DWORD length =
-            GetPrivateProfileSectionA(std::string(section).c_str(), m_lines.data(), size, file.c_str());
-        m_lines.resize(std::min(length, size));
-        // Two less than the size means that not all of it found room.
-        if (length + 2 < size) return;
-        if (size == largest) break;
-    }
-    // Half a line would be read as a shorter value.
-    const size_t end = m_lines.find_last_of('\0', m_lines.find_last_not_of('\0'));
-    m_lines.resize(end == std::string::npos ? 0 : end + 1);
 }

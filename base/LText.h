@@ -28,10 +28,3 @@ int32_t LParseInt(std::string_view text);
 
 // The text before its first zero byte (the whole of it when it holds none).
 std::string_view LBeforeZero(std::string_view text);
-
-// Copies a text into a zero-terminated array, cut to fit.
-template <size_t N>
-void LCopyText(char (&target)[N], std::string_view text) {
-    const size_t count = text.copy(target, N - 1);
-    target[count] = 0;
-}

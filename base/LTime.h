@@ -16,6 +16,9 @@ uint64_t LNowFileTime();
 // Milliseconds since the machine started; wraps after 49.7 days, so only unsigned differences mean anything.
 uint32_t LTickMs();
 
+// Lets the calling thread wait.
+void LSleep(uint32_t ms);
+
 // A moment as calendar fields, with no time-zone shift.
 struct LCalendar {
     int year = 1970;

@@ -15,6 +15,11 @@ int64_t LNowSeconds() {
     return now.tv_sec;
 }
 
+void LSleep(uint32_t ms) {
+    const timespec time{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000 * 1000000)};
+    nanosleep(&time, nullptr);
+}
+
 uint32_t LTickMs() {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);

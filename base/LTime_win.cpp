@@ -15,3 +15,7 @@ int64_t LNowSeconds() {
 uint32_t LTickMs() {
     return GetTickCount();
 }
+
+void LSleep(uint32_t ms) {
+    Sleep(ms);
+}

@@ -49,6 +49,15 @@ TEST(Path, JoinsWithOneSeparator) {
     for (const auto& c : kCases) EXPECT_EQ(LPath::Join(c.folder, c.name).View(), c.expected);
 }
 
+// The second byte of a character of two may be a backslash.
+TEST(Path, AreWalkedByCharacters) {
+    if (!LIsLeadByte('\x83')) GTEST_SKIP() << "not in this code page";
+    EXPECT_EQ(LPath::Join("C:\\\x83\\", "a").View(), "C:\\\x83\\\\a");
+    EXPECT_EQ(LPath("C:\\\x83\\").WithoutSeparator().View(), "C:\\\x83\\");
+    EXPECT_EQ(LFolderOf("C:\\a\\\x83\\.b"), "C:\\a\\");
+    EXPECT_EQ(LRootOf("\\\\\x83\\s\\t\\u").View(), "\\\\\x83\\s\\t\\");
+}
+
 TEST(Path, FindsTheRootOfADriveOrShare) {
     static const struct {
         const char *path, *root, *withoutSeparator;

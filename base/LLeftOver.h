@@ -1,0 +1,18 @@
+#pragma once
+
+// Under which names files stand beside those that they belong to while something is written, or after its end
+// at a wrong moment: in one place, so that no two kinds meet. All but the first take the place of the
+// extension; what recovery does with them stands in store/Recovery.cpp.
+namespace LLeftOver {
+
+inline constexpr char kProfile[] = "~";        // behind a settings file: the file with one more change
+inline constexpr char kCopy[] = ".cv~";        // of a file that is being copied, in a typist's folder
+inline constexpr char kQueue[] = ".new";       // of the send queue: the file that is to replace it
+inline constexpr char kNotes[] = ".tx~";       // of notes that are being saved
+inline constexpr char kRecipient[] = ".re~";   // of a recipient that is being saved
+inline constexpr char kJournal[] = ".mo~";     // of the journal of a move that is being written
+inline constexpr char kAudio[] = ".tmp";       // of audio that is being rewritten or converted
+inline constexpr char kSetAside[] = ".bad%d";  // of what stood under the audio's name and is no WAV file
+inline constexpr char kSetAsidePattern[] = ".bad*";
+
+}  // namespace LLeftOver
