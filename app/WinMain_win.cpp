@@ -24,6 +24,9 @@ constexpr char kCorruptInstaller[] =
     "Installation file corrupt.\n\nA checksum error was detected in your install file, please redownload "
     "file and "
     "install again.";
+constexpr char kFolderTooLong[] =
+    "The name of the data folder is too long: the files in it could not be opened.\n\nPlease move the folder "
+    "to a place with a shorter name, or install Corvane again.";
 constexpr DWORD kStartingWaitMs = 10000;
 
 struct MutexTraits {
@@ -89,6 +92,11 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
 void Run(StartingGate& gate) {
     AppState state;
     state.data = FindDataFolder();
+    if (!state.data.HasRoom()) {
+        gate.Open();
+        MessageBoxA(nullptr, kFolderTooLong, kMainTitle, MB_OK | MB_ICONEXCLAMATION);
+        return;
+    }
     state.user = SelectUser(state.data, GetCurrentUser(state.data.settingsFile));
     state.showIntroduction = WantsIntroduction(__argc, __argv);
 

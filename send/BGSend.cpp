@@ -15,6 +15,8 @@ static constexpr uint32_t kReadLimitMs = 5000;
 static constexpr uint32_t kRemoveLimitMs = 2000;
 static constexpr uint32_t kChangeLimitMs = 500;
 static constexpr uint32_t kRetryMs = 50;
+// How long an item waits whose record or user file could not be read.
+static constexpr uint32_t kKeptRetryMs = 60000;
 static constexpr uint32_t kLateRetryMs = 1000;  // after it told
 static constexpr uint32_t kElsewhereMs = 1000;  // between two looks while another program sends
 
@@ -115,9 +117,9 @@ bool BGSend::Empty() {
     return true;
 }
 
-bool BGSend::IsQueued(const LPath& dictation) const {
+QueueAnswer BGSend::IsQueued(const LPath& dictation) const {
     LLock lock(m_queueLock);
-    return m_queue.Holds(dictation);
+    return m_queue.Contains(dictation);
 }
 
 double BGSend::GetProgress() const {
@@ -140,6 +142,8 @@ void BGSend::ThreadFunction() {
             m_stopSending.Wait(kElsewhereMs);
         } else if (work.isFinished || MakeFile(work) != ProcessResult::Stopped) {
             Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); });
+        } else if (!IsCancelled(work)) {
+            m_stopSending.Wait(kKeptRetryMs);  // another program keeps its files from being read
         }
     }
 }

@@ -60,8 +60,8 @@ public:
     // item that does not stop in the time given is dropped at its next check. A queue that cannot be emptied
     // leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
-    // Whether a dictation (its audio file in Sent) waits in the queue.
-    bool IsQueued(const LPath& dictation) const;
+    // Whether a dictation (its audio file in Sent) waits in the queue; unknown while its file cannot be read.
+    QueueAnswer IsQueued(const LPath& dictation) const;
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;

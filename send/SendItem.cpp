@@ -7,6 +7,7 @@
 #include "audio/wave/LWaveFile.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
@@ -61,6 +62,7 @@ SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessC
       m_context(context),
       m_files(DictationFiles::OfPath(NamesDictation(entry, data.folder) ? entry.dictation : LPath())),
       m_record(DictationRecord::Read(m_files.record)),
+      m_sender(UserDetails::Read(UserFilePath(data.folder, entry.user))),
       m_label(m_record.name.empty() ? LFileNameOf(m_files.audio.View()) : m_record.name) {}
 
 const std::string& SendItem::TypistName() const {
@@ -71,6 +73,8 @@ ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
     if (!m_entry.isWhole || m_files.audio.Empty() || !NamesRecipient(m_entry, m_data.folder))
         return RefuseDamaged();
+    if (m_record.result == LReadResult::Unreadable || m_sender.result == LReadResult::Unreadable)
+        return KeepForLater();
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
@@ -96,6 +100,13 @@ ProcessResult SendItem::RefuseDamaged() {
     return ProcessResult::Failed;
 }
 
+// Without a record it would be sent as a nameless dictation 0, without the user's file as nobody's.
+ProcessResult SendItem::KeepForLater() {
+    LTrace("SendItem::KeepForLater unable to read file", m_entry.dictation.View());
+    Fail("One of its files is open in another program. It stays in the queue and is sent later.");
+    return ProcessResult::Stopped;
+}
+
 ProcessResult SendItem::Convert(LPath& file) {
     if (!LoadRecipient()) return ProcessResult::Failed;
     const bool sendsWave = m_recipient.SendsWave();
@@ -115,7 +126,7 @@ bool SendItem::LoadRecipient() {
 }
 
 ProcessResult SendItem::MakeDct(const LPath& output) {
-    const LPath audio = m_files.audio.WithExtension(".tmp");
+    const LPath audio = m_files.audio.WithExtension(LLeftOver::kAudio);
     ProcessResult result = CompressWavFile(audio);
     if (result == ProcessResult::Done) result = CreateDCTFile(output, audio);
     LFile::Delete(audio);
@@ -156,9 +167,8 @@ ProcessResult SendItem::CreateDCTFile(const LPath& output, const LPath& audio) {
         LTrace("BGSend::CreateDCTFile unable to create DCT file", output.View());
         return Fail("The dictation file could not be created. The disk may be full.");
     }
-    LFile notes(m_files.notes, LFile::Open::Read);
-    if (!notes.IsOpen() && LFile::Exists(m_files.notes))
-        return Fail("Its notes cannot be read. Another program may have them open.");
+    LFile notes;
+    if (LFile::OpenToRead(m_files.notes, notes) == LReadResult::Unreadable) return KeepForLater();
     LFile sound(audio, LFile::Open::Read);
     if (!sound.IsOpen()) return Fail("Its converted audio cannot be read.");
     DctWriter writer(file, m_recipient.Encrypts() ? m_recipient.encryptionPassword : "", m_context);
@@ -176,9 +186,14 @@ DctHeader SendItem::MakeDctHeader() const {
     header.number = static_cast<uint32_t>(Number());
     header.date = static_cast<uint32_t>(Clamp<int64_t>(date, 0, std::numeric_limits<uint32_t>::max()));
     header.name = m_record.name;
-    header.sender = UserDetails::Read(UserFilePath(m_data.folder, m_entry.user));
+    header.sender = m_sender;
     header.priority = DctPriority(m_record.priority);
     return header;
+}
+
+// A record that is gone, or was cut off, leaves the number of its name.
+int32_t SendItem::Number() const {
+    return m_record.number ? *m_record.number : NumberOfFileName(m_files.audio).value_or(0);
 }
 
 // "dct00007-00012.dct", in the dictation's own folder.

@@ -26,7 +26,8 @@ class SendItem {
 public:
     SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
 
-    // All of it. Stopped: nothing has arrived, and the entry is to be sent again.
+    // All of it. Stopped: nothing has arrived, and the entry is to be sent again; with an error text when
+    // record, notes or user file could not be read for a second.
     ProcessResult Send();
     // The conversion alone: makes the file that the recipient wants, beside the dictation. Nothing of it is
     // left unless the result is Done.
@@ -38,13 +39,14 @@ public:
 
 private:
     ProcessResult RefuseDamaged();
+    ProcessResult KeepForLater();
     bool LoadRecipient();
     ProcessResult MakeDct(const LPath& output);
     ProcessResult CompressWavFile(const LPath& output);
     ProcessResult FailToOpen(const LPath& output, const LSoundSink& sink);
     ProcessResult CreateDCTFile(const LPath& output, const LPath& audio);
     DctHeader MakeDctHeader() const;
-    int32_t Number() const { return m_record.number.value_or(0); }
+    int32_t Number() const;
     LPath OutputPath(const char* prefix, std::string_view extension) const;
     void WriteStatus(std::string_view status) const;
     ProcessResult Fail(std::string_view reason);
@@ -56,6 +58,7 @@ private:
     DictationFiles m_files;   // empty paths when the entry names no dictation of its user
     SendToSettings m_recipient;
     DictationRecord m_record;
+    UserDetails m_sender;
     bool m_notesAreCut = false;  // the dictation file has not all of them
     std::string m_label;
 };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LProfileText.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
@@ -111,7 +112,7 @@ struct SendQueueFile::Contents {
 
 void SendQueueFile::SetPath(const LPath& path) {
     m_path = path;
-    m_unfinished = path.WithExtension(".new");
+    m_unfinished = path.WithExtension(LLeftOver::kQueue);
     m_lock = path.WithExtension(".lck");
 }
 
@@ -161,13 +162,14 @@ bool SendQueueFile::Write(const Contents& contents) const {
     return false;
 }
 
-bool SendQueueFile::Holds(const LPath& dictation) const {
+QueueAnswer SendQueueFile::Contains(const LPath& dictation) const {
     LFileLock turn;
     Contents contents;
-    if (!Enter(Purpose::Read, turn, contents)) return true;
-    return std::ranges::any_of(contents.entries, [&](const Values& values) {
+    if (!Enter(Purpose::Read, turn, contents)) return QueueAnswer::Unknown;
+    const bool isQueued = std::ranges::any_of(contents.entries, [&](const Values& values) {
         return LEqualNoCase(values[kFile], dictation.View());
     });
+    return isQueued ? QueueAnswer::Yes : QueueAnswer::No;
 }
 
 bool SendQueueFile::ReadHead(SendQueueEntry& head, int32_t& count) const {

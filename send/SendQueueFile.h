@@ -4,6 +4,7 @@
 
 #include "base/LFileLock.h"
 #include "base/LPath.h"
+#include "store/QueueAnswer.h"
 
 // One dictation that waits to be sent.
 struct SendQueueEntry {
@@ -31,9 +32,8 @@ public:
 
     // The first entry, one that is not whole when there is none, and the number of all.
     bool ReadHead(SendQueueEntry& head, int32_t& count) const;
-    // Whether an entry names this audio file; true also while the file cannot be read, since whoever asks
-    // wants to take away what does not wait here.
-    bool Holds(const LPath& dictation) const;
+    // Whether an entry names this audio file; unknown while the file cannot be read.
+    QueueAnswer Contains(const LPath& dictation) const;
     // Adds an entry behind all others; count becomes the number of all.
     bool Append(const SendQueueEntry& entry, int32_t& count);
     // Takes the head away if it is this one; count becomes the number of those that are left.

@@ -13,8 +13,9 @@ static std::string ReadDetail(const LProfileSection& section, const Settings::Te
 }
 
 UserDetails UserDetails::Read(const LPath& userFile) {
-    const LProfileSection section(userFile, UserKeys::kUserSection);
+    const LProfileSection section(userFile, UserKeys::kUserSection, kReadWaitMs);
     UserDetails details;
+    details.result = section.Result();
     details.name = ReadDetail(section, UserKeys::kName);
     details.email = ReadDetail(section, UserKeys::kEmail);
     details.company = ReadDetail(section, UserKeys::kCompany);
@@ -31,10 +32,16 @@ DataFolder DataFolder::FromText(std::string_view folder) {
     DataFolder data;
     data.folder.Set(folder);
     const std::string_view text = data.folder.View();
-    if (!text.empty() && text.size() < kPathSize - 1 && !LIsSeparator(text.back())) data.folder.Append("\\");
+    if (!text.empty() && text.size() < kPathSize - 1 && !LEndsInSeparator(text)) data.folder.Append("\\");
     data.settingsFile = data.folder;
     data.settingsFile.Append("settings.ini");
     return data;
+}
+
+bool DataFolder::HasRoom() const {
+    // The longest of them: what the send thread makes in the Sent folder of the user with the largest number.
+    constexpr std::string_view kLongestName = "4294967295\\Sent\\dct-2147483648-99999999.dct";
+    return !folder.Empty() && folder.View().size() + kLongestName.size() < kPathSize;
 }
 
 LPath UserFolderPath(const LPath& dataFolder, uint32_t user) {
@@ -79,45 +86,43 @@ CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name
     return added;
 }
 
-// A count may promise anything, so a list ends at so many missing items in a row.
-constexpr int32_t kLargestGap = 16;
-
 // Each user once. The end of the program in the middle of a change leaves an item missing, or one twice; the
-// first item has a default.
-static std::vector<uint32_t> ReadUserItems(const LPath& settingsFile) {
-    const LProfileSection section(settingsFile, SettingsKeys::kUsersSection);
+// first item has a default. False when the file cannot be read: the list must then not be written back.
+static bool ReadUserItems(const LPath& settingsFile, std::vector<uint32_t>& users) {
+    const LProfileSection section(settingsFile, SettingsKeys::kUsersSection, kReadWaitMs);
     const std::string countText = section.Read(SettingsKeys::kUserCount.key, {});
     const int32_t count = countText.empty() ? SettingsKeys::kUserCount.defaultValue : LParseInt(countText);
-    std::vector<uint32_t> users;
-    for (int32_t i = 0, missing = 0; i < count && missing < kLargestGap; ++i) {
+    for (int32_t i = 0, missing = 0; i < count && missing < Settings::kLargestGap; ++i) {
         const std::string text = section.Read(Settings::ListItemKey(SettingsKeys::kUserPrefix, i), {});
         const uint32_t user = static_cast<uint32_t>(LParseInt64(text));
         missing = text.empty() ? missing + 1 : 0;
         if (text.empty() && i > 0) continue;
         if (std::find(users.begin(), users.end(), user) == users.end()) users.push_back(user);
     }
-    return users;
+    return section.Result() != LReadResult::Unreadable;
 }
 
 // From the first item on without a gap. An item only ever moves down, to where the one before it was read.
 static void WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
     const int32_t count = static_cast<int32_t>(users.size());
     for (int32_t i = 0; i < count; ++i) {
-        Settings::WriteSeconds(settingsFile, SettingsKeys::kUsersSection,
-                               Settings::ListItemKey(SettingsKeys::kUserPrefix, i),
-                               users[static_cast<size_t>(i)]);
+        Settings::WriteNumber(settingsFile, SettingsKeys::kUsersSection,
+                              Settings::ListItemKey(SettingsKeys::kUserPrefix, i),
+                              users[static_cast<size_t>(i)]);
     }
     Settings::Write(settingsFile, SettingsKeys::kUserCount, count);
 }
 
 std::vector<uint32_t> ReadUserList(const LPath& settingsFile) {
-    std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    std::vector<uint32_t> users;
+    ReadUserItems(settingsFile, users);
     if (users.empty()) users.push_back(0);
     return users;
 }
 
 void AddUserToList(const LPath& settingsFile, uint32_t user) {
-    std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    std::vector<uint32_t> users;
+    if (!ReadUserItems(settingsFile, users)) return;
     if (std::find(users.begin(), users.end(), user) != users.end()) return;
     // A list that was only implied is written out, or its one user would vanish behind the new count.
     users.push_back(user);
@@ -125,7 +130,8 @@ void AddUserToList(const LPath& settingsFile, uint32_t user) {
 }
 
 void RemoveUserFromList(const LPath& settingsFile, uint32_t user) {
-    const std::vector<uint32_t> users = ReadUserItems(settingsFile);
+    std::vector<uint32_t> users;
+    if (!ReadUserItems(settingsFile, users)) return;
     const auto found = std::find(users.begin(), users.end(), user);
     if (found == users.end()) return;
     WriteUserItems(settingsFile, users);

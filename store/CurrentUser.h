@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/LFile.h"
 #include "base/LPath.h"
 
 // What a user told about himself; it travels with every dictation that is sent.
@@ -17,6 +18,9 @@ struct UserDetails {
     std::string cell;
     std::string fax;
     std::array<std::string, 4> address;
+
+    // Unreadable: the texts are empty because the file could not be read for a second, and must not be sent.
+    LReadResult result = LReadResult::Absent;
 
     // Empty texts where the file has none. Opens the file once.
     static UserDetails Read(const LPath& userFile);
@@ -39,6 +43,10 @@ struct DataFolder {
 
     // Forms both paths from a folder as it stands in the registry.
     static DataFolder FromText(std::string_view folder);
+
+    // Whether the paths of all files in it fit; without that they would come out as names in whatever folder
+    // is current.
+    bool HasRoom() const;
 };
 
 // "<data folder>00000007\" and "<data folder>00000007\user.dat" of any user.
@@ -62,7 +70,7 @@ CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name
 // The users offered for log-on, in the order of the list; user 0 when there is no list. Positions count from
 // 0.
 std::vector<uint32_t> ReadUserList(const LPath& settingsFile);
-// Does nothing when the user is in the list already.
+// Does nothing when the user is in the list already, or when the list cannot be read.
 void AddUserToList(const LPath& settingsFile, uint32_t user);
 // Whoever calls has asked the user whether he is sure. Folders and files stay.
 void RemoveUserFromList(const LPath& settingsFile, uint32_t user);

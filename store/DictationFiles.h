@@ -5,8 +5,8 @@
 
 #include "base/LPath.h"
 
-// Beside the audio while it is rewritten.
-inline constexpr char kUnfinishedAudioExtension[] = ".tmp";
+// The bytes of a WAV file without a sample; what is no longer holds no recording.
+inline constexpr int64_t kEmptyAudioBytes = 46;
 
 // The three files of one dictation, which share one base name in one folder.
 struct DictationFiles {

@@ -7,8 +7,8 @@
 
 constexpr size_t kNumberDigits = 8;
 
-DictationRecord DictationRecord::Read(const LPath& record) {
-    const LProfileSection section(record, RecordKeys::kSection);
+DictationRecord DictationRecord::Read(const LPath& record, uint32_t waitMs) {
+    const LProfileSection section(record, RecordKeys::kSection, waitMs);
     const auto text = [&](const char* key) { return section.Read(key, {}); };
     const auto seconds = [&](const char* key) -> std::optional<int64_t> {
         const std::string value = text(key);
@@ -16,6 +16,7 @@ DictationRecord DictationRecord::Read(const LPath& record) {
         return LParseInt64(value);
     };
     DictationRecord values;
+    values.result = section.Result();
     values.name = text(RecordKeys::kName.key);
     if (const std::string number = text(RecordKeys::kNumber.key); !number.empty())
         values.number = LParseInt(number);
@@ -40,29 +41,40 @@ std::optional<int32_t> NumberOfFileName(const LPath& path) {
     return LParseInt(name);
 }
 
-static void WriteOrRemove(const LPath& record, const char* key, const std::string& value) {
-    if (value.empty()) {
-        LProfile::Delete(record, RecordKeys::kSection, key);
-    } else {
-        LProfile::Write(record, RecordKeys::kSection, key, value);
-    }
+// To write a key of a file that is gone would create it, with this one key.
+static bool StoreKey(const LPath& record, const char* key, std::string_view value) {
+    if (LFile::Exists(record) && LProfile::Write(record, RecordKeys::kSection, key, value)) return true;
+    LTrace("StoreKey unable to write record", record.View());
+    return false;
 }
 
-void WriteSendKeys(const LPath& record, const DictationRecord& values) {
-    WriteOrRemove(record, RecordKeys::kSendDate,
-                  values.sendDate ? std::to_string(*values.sendDate) : std::string());
-    WriteOrRemove(record, RecordKeys::kRecipient.key, values.recipient);
-    WriteOrRemove(record, RecordKeys::kSendStatus.key, values.sendStatus);
+static bool StoreOrRemove(const LPath& record, const char* key, const std::string& value) {
+    return value.empty() ? LProfile::Delete(record, RecordKeys::kSection, key) : StoreKey(record, key, value);
+}
+
+bool StoreName(const LPath& record, std::string_view name) {
+    return StoreKey(record, RecordKeys::kName.key, name);
+}
+
+bool StorePriority(const LPath& record, std::string_view priority) {
+    return StoreKey(record, RecordKeys::kPriority.key, priority);
+}
+
+bool WriteSendKeys(const LPath& record, const DictationRecord& values) {
+    return StoreOrRemove(record, RecordKeys::kSendDate,
+                         values.sendDate ? std::to_string(*values.sendDate) : std::string()) &&
+           StoreOrRemove(record, RecordKeys::kRecipient.key, values.recipient) &&
+           StoreOrRemove(record, RecordKeys::kSendStatus.key, values.sendStatus);
 }
 
 void RepairRecord(const LPath& record, DictationRecord& values, int64_t now) {
     const std::optional<int32_t> number = NumberOfFileName(record);
-    if (values.number || !number) return;
+    if (values.number || !number || values.result == LReadResult::Unreadable) return;
     LTrace("RepairRecord record without a number", record.View());
     values.number = number;
     if (values.name.empty()) values.name = DefaultDictationName(*number);
     if (!values.date) values.date = now;
     Settings::Write(record, RecordKeys::kName, values.name);
     Settings::Write(record, RecordKeys::kNumber, *number);
-    Settings::WriteSeconds(record, RecordKeys::kSection, RecordKeys::kDate, *values.date);
+    Settings::WriteNumber(record, RecordKeys::kSection, RecordKeys::kDate, *values.date);
 }

@@ -1,11 +1,15 @@
 #include "store/DictationStore.h"
 
+#include <algorithm>
+#include <map>
+#include <string>
+
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/DictationRecord.h"
-#include "store/NotesFile.h"
 #include "store/SettingsKeys.h"
 
 static bool IsTaken(const CurrentUser& user, int32_t number) {
@@ -13,8 +17,11 @@ static bool IsTaken(const CurrentUser& user, int32_t number) {
            DictationFiles::OfNumber(user.sentFolder, number).AnyExists();
 }
 
-int32_t NextDictationNumber(const CurrentUser& user) {
-    const int32_t stored = Settings::Read(user.userFile, UserKeys::kNumber);
+std::optional<int32_t> NextDictationNumber(const CurrentUser& user) {
+    const LProfileSection section(user.userFile, UserKeys::kNumber.section, kReadWaitMs);
+    if (section.Result() == LReadResult::Unreadable) return std::nullopt;
+    const std::string text = section.Read(UserKeys::kNumber.key, {});
+    const int32_t stored = text.empty() ? UserKeys::kNumber.defaultValue : LParseInt(text);
     int32_t number = stored < 0 ? UserKeys::kNumber.defaultValue : stored % kDictationNumbers;
     for (int32_t tried = 0; tried < kDictationNumbers && IsTaken(user, number); ++tried) {
         number = (number + 1) % kDictationNumbers;
@@ -23,19 +30,42 @@ int32_t NextDictationNumber(const CurrentUser& user) {
     return number;
 }
 
-std::optional<NewDictation> CreateDictation(const CurrentUser& user, int64_t now) {
+std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now) {
+    const std::optional<int32_t> number = NextDictationNumber(user);
+    if (!number) return std::nullopt;
     NewDictation created;
-    created.number = NextDictationNumber(user);
+    created.number = *number;
     created.files = DictationFiles::OfNumber(user.currentFolder, created.number);
     const LPath& record = created.files.record;
     Settings::Write(record, RecordKeys::kName, DefaultDictationName(created.number));
     Settings::Write(record, RecordKeys::kNumber, created.number);
-    Settings::WriteSeconds(record, RecordKeys::kSection, RecordKeys::kDate, now);
+    Settings::WriteNumber(record, RecordKeys::kSection, RecordKeys::kDate, now);
     if (!LFile::Exists(record)) {
-        LTrace("CreateDictation unable to write record", record.View());
+        LTrace("MakeDictation unable to write record", record.View());
         return std::nullopt;
     }
     return created;
+}
+
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
+    const std::optional<int32_t> number = NextDictationNumber(user);
+    if (!number) return false;
+    const DictationFiles target = DictationFiles::OfNumber(LPath(LFolderOf(files.record.View())), *number);
+    using Step = std::pair<const LPath*, const LPath*>;
+    std::vector<Step> done;
+    LProfile::Flush(files.record);
+    for (const Step& step : {Step(&files.audio, &target.audio), Step(&files.record, &target.record),
+                             Step(&files.notes, &target.notes)}) {
+        if (LFile::IsAbsent(*step.first)) continue;
+        if (!LFile::Move(*step.first, *step.second, kMoveWaitMs)) {
+            LTrace("RenumberDictation unable to move file", step.first->View());
+            for (const Step& back : done) LFile::Move(*back.second, *back.first, kMoveWaitMs);
+            return false;
+        }
+        done.push_back(step);
+    }
+    if (LFile::Exists(target.record)) Settings::Write(target.record, RecordKeys::kNumber, *number);
+    return true;
 }
 
 std::vector<LPath> ListRecords(const LPath& folder) {
@@ -50,16 +80,9 @@ std::vector<LPath> ListRecords(const LPath& folder) {
     return records;
 }
 
-bool SetPriority(const LPath& record, std::string_view priority) {
-    return Settings::Write(record, RecordKeys::kPriority, priority);
-}
-
-constexpr char kSetAsideExtension[] = ".bad%d";
-constexpr char kSetAsidePattern[] = ".bad*";
-
 LPath SetAsideAudio(const DictationFiles& files) {
     for (int i = 1; i < 1000; ++i) {
-        const LPath aside = files.audio.WithExtension(LFormat(kSetAsideExtension, i));
+        const LPath aside = files.audio.WithExtension(LFormat(LLeftOver::kSetAside, i));
         if (!LFile::Exists(aside)) return LFile::Move(files.audio, aside) ? aside : LPath();
     }
     return LPath();
@@ -69,26 +92,27 @@ LPath SetAsideAudio(const DictationFiles& files) {
 static void DeleteLeftOvers(const DictationFiles& files) {
     const std::string_view folder = LFolderOf(files.audio.View());
     std::vector<LPath> found;
-    LListFolder(LPath(folder), std::string(LSplitPath(files.audio.View()).name) + kSetAsidePattern,
+    LListFolder(LPath(folder), std::string(LSplitPath(files.audio.View()).name) + LLeftOver::kSetAsidePattern,
                 [&](const LFolderEntry& entry) {
                     found.push_back(LPath::Join(folder, entry.name));
                     return true;
                 });
-    found.push_back(files.audio.WithExtension(kUnfinishedAudioExtension));
-    found.push_back(files.notes.WithExtension(NotesFile::kUnfinishedExtension));
+    found.push_back(files.audio.WithExtension(LLeftOver::kAudio));
+    found.push_back(files.notes.WithExtension(LLeftOver::kNotes));
     found.push_back(LProfile::CopyOf(files.record));
     for (const LPath& path : found) LFile::Delete(path);
 }
 
 bool DeleteDictationFiles(const DictationFiles& files) {
     LProfile::Flush(files.record);
-    DeleteLeftOvers(files);
     for (const LPath* file : {&files.audio, &files.notes, &files.record}) {
         if (LFile::Exists(*file) && !LFile::Delete(*file)) {
             LTrace("DeleteDictationFiles unable to delete file", file->View());
             return false;
         }
     }
+    // Not before: they may be all that is left of a recording whose dictation stays.
+    DeleteLeftOvers(files);
     return true;
 }
 
@@ -100,18 +124,38 @@ static bool IsOld(uint64_t created, int32_t days, uint64_t now) {
     return (created >> 32) + kFileTimeHighUnitsPerDay * static_cast<uint64_t>(days) < now >> 32;
 }
 
-void DeleteOldFiles(const LPath& sentFolder, int32_t days, uint64_t now,
-                    const std::function<bool(const LPath&)>& isWaiting) {
+// Whether the files of a dictation in Sent are the last that there is of it, or may be.
+static bool IsNeeded(const DictationFiles& files, const AskQueue& isQueued) {
+    if (isQueued(files.audio) != QueueAnswer::No) return true;
+    const DictationRecord record = DictationRecord::Read(files.record, 0);
+    if (record.result == LReadResult::Unreadable) return true;
+    if (record.result == LReadResult::Absent) {
+        LFile audio;
+        return LFile::OpenToRead(files.audio, audio, 0) == LReadResult::Unreadable ||
+               audio.Size() > kEmptyAudioBytes;
+    }
+    return record.sendStatus == RecordKeys::kStatusSending || record.sendStatus == RecordKeys::kStatusFailed;
+}
+
+void DeleteOldDictations(const LPath& sentFolder, int32_t days, uint64_t now, const AskQueue& isQueued) {
     if (days <= 0) return;
-    std::vector<LPath> old;  // deleted after the listing, which need not like to lose entries meanwhile
+    std::map<std::string, uint64_t> dictations;  // by base name, when the youngest file was created
+    std::vector<LPath> others;
     LListFolder(sentFolder, "*.*", [&](const LFolderEntry& entry) {
-        if (!entry.isFolder && !entry.name.starts_with('.') && IsOld(entry.created, days, now)) {
-            old.push_back(LPath::Join(sentFolder.View(), entry.name));
+        if (entry.isFolder || entry.name.starts_with('.')) return true;
+        if (NumberOfFileName(LPath(entry.name))) {
+            uint64_t& youngest = dictations[std::string(LSplitPath(entry.name).name)];
+            youngest = std::max(youngest, entry.created);
+        } else if (IsOld(entry.created, days, now)) {
+            others.push_back(LPath::Join(sentFolder.View(), entry.name));
         }
         return true;
     });
-    for (const LPath& path : old) {
-        if (!isWaiting(DictationFiles::OfPath(path).audio)) LFile::Delete(path);
+    for (const LPath& path : others) LFile::Delete(path);
+    for (const auto& [name, created] : dictations) {
+        if (!IsOld(created, days, now)) continue;
+        const DictationFiles files = DictationFiles::OfPath(LPath::Join(sentFolder.View(), name + ".dat"));
+        if (!IsNeeded(files, isQueued)) DeleteDictationFiles(files);
     }
 }
 

@@ -1,56 +1,64 @@
 #include "store/MoveToSent.h"
 
+#include <utility>
+
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LProfile.h"
 #include "base/LTrace.h"
+#include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
+#include "store/TakeBack.h"
 
 namespace {
 
-constexpr char kNoteName[] = "moving.txt";
-constexpr char kNoteWithNotes = '+';  // follows the file name of a dictation that has notes
-constexpr size_t kMaxNoteBytes = kPathSize;
+constexpr char kJournalName[] = "moving.txt";
+constexpr char kJournalWithNotes = '+';  // follows the file name of a dictation that has notes
 
-LPath NotePath(const CurrentUser& user) {
-    return LPath::Join(LFolderOf(user.userFile.View()), kNoteName);
+constexpr char kUnreadable[] =
+    "Its record cannot be read. It may be open in another program. It stays in the list; please try again.";
+constexpr char kReadOnly[] =
+    "Its record is write-protected and could not be marked as sent. It stays in the list; please remove the "
+    "protection and send it again.";
+constexpr char kEarlierMove[] =
+    "The files of a dictation that was sent earlier are still open in another program. It stays in the list; "
+    "please try again in a moment.";
+constexpr char kSameNumber[] =
+    "Another dictation of the same number waits to be sent, or its files are open in another program. It "
+    "stays in "
+    "the list; please try again later.";
+constexpr char kUnwritable[] =
+    "The data folder cannot be written to. The disk may be full or write-protected. It stays in the list.";
+constexpr char kUnmovable[] =
+    "One of its files may be open in another program, or the disk may be full. It stays in the list.";
+
+// The journal of a committed move that could not be deleted. Until it can it must not be acted on: by the
+// next start the dictation is sent, and its record says so.
+LPath s_settledJournal;
+
+LPath JournalPath(const CurrentUser& user) {
+    return LPath::Join(LFolderOf(user.userFile.View()), kJournalName);
 }
 
-// Where a file of Sent waits that another takes the name of: "00000012-dat.old".
-LPath AsideOf(const LPath& sent) {
-    std::string extension(LSplitPath(sent.View()).extension);
-    if (!extension.empty()) extension.front() = '-';
-    return sent.WithExtension(extension + ".old");
-}
-
-bool SetAside(const LPath& sent) {
-    if (!LFile::Exists(sent)) return true;
-    const LPath aside = AsideOf(sent);
-    LFile::Delete(aside);
-    return LFile::Move(sent, aside);
+bool DeleteJournal(const LPath& journal) {
+    const bool isGone = LFile::IsAbsent(journal) || LFile::Delete(journal, kMoveWaitMs);
+    if (!isGone) LTrace("MoveToSent unable to delete journal", journal.View());
+    s_settledJournal = isGone ? LPath() : journal;
+    return isGone;
 }
 
 bool MoveAway(const LPath& current, const LPath& sent) {
-    if (SetAside(sent) && LFile::Move(current, sent)) return true;
+    if (LFile::Move(current, sent, kMoveWaitMs)) return true;
     LTrace("MoveToSent::Run unable to move file", current.View());
     return false;
 }
 
-// A file that is in Current never left it, or is back already.
-bool TakeBack(const LPath& sent, const LPath& current) {
-    if (LFile::Exists(current) || !LFile::Exists(sent) || LFile::Move(sent, current)) return true;
-    LTrace("MoveToSent::PutBack unable to move file", sent.View());
-    return false;
-}
-
-void RestoreAside(const LPath& sent) {
-    const LPath aside = AsideOf(sent);
-    if (LFile::Exists(aside) && !LFile::Exists(sent)) LFile::Move(aside, sent);
-}
-
 }  // namespace
 
-MoveToSent::MoveToSent(const CurrentUser& user, const LPath& record)
-    : m_note(NotePath(user)),
+MoveToSent::MoveToSent(const CurrentUser& user, const LPath& record, AskQueue isQueued)
+    : m_user(user),
+      m_isQueued(std::move(isQueued)),
+      m_journal(JournalPath(user)),
       m_current(DictationFiles::OfPath(record).InFolder(user.currentFolder)),
       m_sent(m_current.InFolder(user.sentFolder)) {}
 
@@ -59,85 +67,115 @@ MoveToSent::~MoveToSent() {
 }
 
 bool MoveToSent::Run(std::string_view recipient, int64_t now) {
-    m_hasNotes = LFile::Exists(m_current.notes);
-    m_before = DictationRecord::Read(m_current.record);
-    if (!WriteNote()) {
-        LTrace("MoveToSent::Run unable to write note", m_note.View());
+    m_reason = FindObstacle();
+    if (*m_reason != 0) {
+        LTrace("MoveToSent::Run refused", m_reason);
+        return false;
+    }
+    m_hasNotes = !LFile::IsAbsent(m_current.notes);
+    if (!WriteJournal()) {
+        LTrace("MoveToSent::Run unable to write journal", m_journal.View());
+        m_reason = kUnwritable;
         return false;
     }
     m_pending = true;
     if (MoveAll(recipient, now)) return true;
+    m_reason = kUnmovable;
     PutBack();
     return false;
 }
 
+// Everything that can be known before the first file is moved.
+const char* MoveToSent::FindObstacle() {
+    if (!TakeUp(m_user, m_isQueued)) return kEarlierMove;
+    m_before = DictationRecord::Read(m_current.record);
+    if (m_before.result != LReadResult::Values) return kUnreadable;
+    if (LFile::IsReadOnly(m_current.record)) return kReadOnly;
+    return MakeRoom() ? "" : kSameNumber;
+}
+
+// A dictation that was sent under this name may be the only one of its kind.
+bool MoveToSent::MakeRoom() const {
+    if (!m_sent.AnyExists()) return true;
+    return m_isQueued(m_sent.audio) == QueueAnswer::No && RenumberDictation(m_user, m_sent);
+}
+
 // The audio goes last: as long as it is in Current, the dictation is not in Sent.
 bool MoveToSent::MoveAll(std::string_view recipient, int64_t now) {
-    if (m_hasNotes ? !MoveAway(m_current.notes, m_sent.notes) : !SetAside(m_sent.notes)) return false;
+    if (m_hasNotes && !MoveAway(m_current.notes, m_sent.notes)) return false;
     LProfile::Flush(m_current.record);
     if (!MoveAway(m_current.record, m_sent.record)) return false;
     DictationRecord values;
     values.sendDate = now;
     values.recipient = recipient;
     values.sendStatus = RecordKeys::kStatusSending;
-    WriteSendKeys(m_sent.record, values);
+    if (!WriteSendKeys(m_sent.record, values)) return false;
     LProfile::Flush(m_sent.record);
     return MoveAway(m_current.audio, m_sent.audio);
 }
 
 void MoveToSent::Commit() {
-    for (const LPath* sent : {&m_sent.notes, &m_sent.record, &m_sent.audio}) LFile::Delete(AsideOf(*sent));
-    LFile::Delete(m_note);
     m_pending = false;
+    DeleteJournal(m_journal);
 }
 
 // Ends as it began, with the audio: whatever moment the program is killed at, the next run can go on from
-// there.
-void MoveToSent::PutBack() {
+// there. False while the journal stays, with something to be done.
+bool MoveToSent::PutBack() {
     m_pending = false;
-    bool done = TakeBack(m_sent.audio, m_current.audio);
-    if (!LFile::Exists(m_current.record) && LFile::Exists(m_sent.record)) {
-        WriteSendKeys(m_sent.record, m_before);
-        LProfile::Flush(m_sent.record);
-        done = TakeBack(m_sent.record, m_current.record) && done;
-    }
-    if (m_hasNotes) done = TakeBack(m_sent.notes, m_current.notes) && done;
-    for (const LPath* sent : {&m_sent.notes, &m_sent.record, &m_sent.audio}) RestoreAside(*sent);
-    if (done) LFile::Delete(m_note);
+    bool done = TakeBack::Audio(m_user, m_sent, m_current);
+    done = TakeBack::Record(m_sent, m_current) && done;
+    const DictationRecord record = DictationRecord::Read(m_current.record);
+    if (record.sendStatus == RecordKeys::kStatusSending)
+        done = WriteSendKeys(m_current.record, m_before) && done;
+    LProfile::Flush(m_current.record);
+    if (m_hasNotes) done = TakeBack::Notes(m_sent, m_current) && done;
+    if (!done || record.result == LReadResult::Unreadable) return false;
+    return LFile::Delete(m_journal, kMoveWaitMs) || LFile::IsAbsent(m_journal);
 }
 
-bool MoveToSent::WriteNote() const {
+bool MoveToSent::WriteJournal() const {
     std::string text(LFileNameOf(m_current.record.View()));
     if (text.empty()) return false;
-    if (m_hasNotes) text.push_back(kNoteWithNotes);
-    return LFile::WriteWhole(m_note, m_note.WithExtension(".mo~"),
+    if (m_hasNotes) text.push_back(kJournalWithNotes);
+    return LFile::WriteWhole(m_journal, m_journal.WithExtension(LLeftOver::kJournal),
                              {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
-void MoveToSent::TakeUp(const CurrentUser& user, const std::function<bool(const LPath&)>& isQueued) {
-    const LPath note = NotePath(user);
-    std::vector<uint8_t> bytes;
-    if (!LFile::Exists(note)) return;
-    LFile::ReadWhole(note, kMaxNoteBytes, bytes);
-    std::string_view name(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const bool hasNotes = name.ends_with(kNoteWithNotes);
+bool MoveToSent::TakeUp(const CurrentUser& user, const AskQueue& isQueued) {
+    const LPath journal = JournalPath(user);
+    std::string text(kPathSize, '\0');
+    {
+        LFile file;
+        const LReadResult result = LFile::OpenToRead(journal, file);
+        if (result != LReadResult::Values) return result == LReadResult::Absent;
+        text.resize(file.Read({reinterpret_cast<uint8_t*>(text.data()), text.size()}));
+        if (text.empty() && file.Size() > 0) return false;
+    }
+    if (s_settledJournal == journal) return DeleteJournal(journal);
+    std::string_view name = text;
+    const bool hasNotes = name.ends_with(kJournalWithNotes);
     if (hasNotes) name.remove_suffix(1);
     // Only the name of a record may decide what is moved.
     if (!NumberOfFileName(LPath(name)) || LFileNameOf(name) != name) {
-        LTrace("MoveToSent::TakeUp unreadable note", note.View());
-        LFile::Delete(note);
-        return;
+        LTrace("MoveToSent::TakeUp unreadable journal", journal.View());
+        return DeleteJournal(journal);
     }
-    MoveToSent move(user, LPath(name));
+    MoveToSent move(user, LPath(name), isQueued);
     move.m_hasNotes = hasNotes;
-    move.m_pending = true;
-    if (move.IsComplete(isQueued)) move.Commit();
+    return move.Settle();
 }
 
-bool MoveToSent::IsComplete(const std::function<bool(const LPath&)>& isQueued) const {
-    if (LFile::Exists(m_current.record) || LFile::Exists(m_current.audio)) return false;
-    if (!LFile::Exists(m_sent.record) || !LFile::Exists(m_sent.audio)) return false;
-    if (isQueued(m_sent.audio)) return true;
-    const std::string status = DictationRecord::Read(m_sent.record).sendStatus;
-    return status == RecordKeys::kStatusSent || status == RecordKeys::kStatusFailed;
+// Decides what becomes of a move that was left; false while that cannot be known or done.
+bool MoveToSent::Settle() {
+    const QueueAnswer queued = m_isQueued(m_sent.audio);
+    if (queued == QueueAnswer::Yes) return DeleteJournal(m_journal);
+    const bool isMoved = LFile::IsAbsent(m_current.record) && LFile::IsAbsent(m_current.audio) &&
+                         !LFile::IsAbsent(m_sent.record) && !LFile::IsAbsent(m_sent.audio);
+    if (!isMoved) return PutBack();  // only what has moved as a whole gets into the queue
+    if (queued == QueueAnswer::Unknown) return false;
+    const DictationRecord record = DictationRecord::Read(m_sent.record);
+    if (record.result == LReadResult::Unreadable) return false;
+    const bool isSent = record.sendStatus != RecordKeys::kStatusSending;
+    return isSent ? DeleteJournal(m_journal) : PutBack();
 }

@@ -1,54 +1,64 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string_view>
 
 #include "base/LPath.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
 #include "store/DictationRecord.h"
+#include "store/QueueAnswer.h"
 
 // Moves one dictation from Current to Sent, for sending. Until Commit() everything can be put back, and is
 // put back by the destructor: a dictation is in Current as it was, or complete in Sent and in the queue.
-//     MoveToSent move(user, files.record);
+//     MoveToSent move(user, files.record, isQueued);
 //     if (!move.Run(description, LNowSeconds()) || !queue.Add(move.Sent().audio, ...)) return;   // put back
 //     move.Commit();
-// A note beside the user file names the dictation from before the first step until the commit, so that a
-// program that ends in between finds at its next start what is to be put back (RecoverDictations). Before
-// Run: transport stopped and notes saved, no file of the dictation open.
-// Thread: the window thread.
+// A journal beside the user file names the dictation from before the first step until the commit, so that a
+// program that ends in between finds at its next start what is to be put back (RecoverDictations). So does a
+// move that could not be put back because another program kept a file open: nothing else is moved before it
+// is. Before Run: transport stopped and notes saved, no file of the dictation open. Thread: the window
+// thread.
 class MoveToSent {
 public:
-    // record: any path of the dictation; its file name counts.
-    MoveToSent(const CurrentUser& user, const LPath& record);
+    // record: any path of the dictation; its file name counts. The user outlives the move.
+    MoveToSent(const CurrentUser& user, const LPath& record, AskQueue isQueued);
     ~MoveToSent();
     MoveToSent(const MoveToSent&) = delete;
     MoveToSent& operator=(const MoveToSent&) = delete;
 
     // Moves notes and record, writes "senddate", "recipient" and "sendstatus" into the moved record, moves
-    // the audio. A dictation without notes is complete; without record or audio the move fails. False when
-    // anything cannot be moved; everything is then back in Current.
+    // the audio. A dictation without notes is complete; without record or audio the move fails. What is in
+    // Sent under the same name gets a number of its own there. Files that others keep open are waited for,
+    // two seconds each. False when anything cannot be moved; everything is then back in Current, and Reason
+    // says why.
     bool Run(std::string_view recipient, int64_t now);
+    // Sentences for the user; empty unless Run failed.
+    const char* Reason() const { return m_reason; }
     const DictationFiles& Sent() const { return m_sent; }
-    // The dictation is in the queue. Files of the same name that were in Sent before are deleted only now.
+    // The dictation is in the queue.
     void Commit();
 
-    // Takes up the move that an earlier run of the program left, if it left one: commits it when the
-    // dictation is in the queue or was already sent, and puts it back otherwise. isQueued is asked with the
-    // path of the audio in Sent.
-    static void TakeUp(const CurrentUser& user, const std::function<bool(const LPath& sentAudio)>& isQueued);
+    // Takes up the move that an earlier one left, if it left one: commits it when the dictation is in the
+    // queue or was already sent, and puts it back otherwise. False while it stays, because the queue or a
+    // file cannot be read or moved.
+    static bool TakeUp(const CurrentUser& user, const AskQueue& isQueued);
 
 private:
-    bool WriteNote() const;
+    bool WriteJournal() const;
+    const char* FindObstacle();
+    bool MakeRoom() const;
     bool MoveAll(std::string_view recipient, int64_t now);
-    bool IsComplete(const std::function<bool(const LPath&)>& isQueued) const;
-    void PutBack();
+    bool Settle();
+    bool PutBack();
 
-    LPath m_note;
+    const CurrentUser& m_user;
+    AskQueue m_isQueued;
+    LPath m_journal;
     DictationFiles m_current;
     DictationFiles m_sent;
     DictationRecord m_before;  // for the keys of an earlier sending
+    const char* m_reason = "";
     bool m_hasNotes = false;
     bool m_pending = false;  // begun, and neither committed nor put back
 };

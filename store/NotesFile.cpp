@@ -1,6 +1,7 @@
 #include "store/NotesFile.h"
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 
@@ -25,9 +26,8 @@ std::string Preview(const LPath& notes) {
 
 bool Read(const LPath& notes, std::string& text) {
     text.clear();
-    if (!LFile::Exists(notes)) return true;
     std::vector<uint8_t> bytes;
-    if (!LFile::ReadWhole(notes, kMaxBytes, bytes)) {
+    if (LFile::TryRead(notes, kMaxBytes, bytes, 0) == LReadResult::Unreadable) {
         LTrace("NotesFile::Read unable to read file", notes.View());
         return false;
     }
@@ -38,17 +38,25 @@ bool Read(const LPath& notes, std::string& text) {
 bool Write(const LPath& notes, std::string_view text) {
     std::vector<uint8_t> bytes(text.begin(), text.end());
     bytes.push_back(0);
-    if (LFile::WriteWhole(notes, notes.WithExtension(kUnfinishedExtension), bytes)) return true;
+    if (LFile::WriteWhole(notes, notes.WithExtension(LLeftOver::kNotes), bytes)) return true;
     LTrace("NotesFile::Write unable to write file", notes.View());
     return false;
+}
+
+bool Append(const LPath& notes, const LPath& other) {
+    std::string text;
+    std::string added;
+    if (!Read(notes, text) || !Read(other, added)) return false;
+    const bool isWritten = text == added || added.empty() || Write(notes, text + "\r\n\r\n" + added);
+    return isWritten && LFile::Delete(other, kMoveWaitMs);
 }
 
 void RecoverUnfinished(const LPath& unfinished) {
     const LPath notes = unfinished.WithExtension(".txt");
     std::vector<uint8_t> bytes;
+    if (LFile::TryRead(unfinished, kMaxBytes, bytes) == LReadResult::Unreadable) return;
     // The zero byte is written last, so a text that ends in one is complete.
-    const bool complete =
-        LFile::ReadWhole(unfinished, kMaxBytes, bytes) && !bytes.empty() && bytes.back() == 0;
+    const bool complete = !bytes.empty() && bytes.back() == 0;
     if (!complete) {
         LFile::Delete(unfinished);
     } else if (!LFile::Replace(unfinished, notes)) {

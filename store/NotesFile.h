@@ -20,9 +20,12 @@ bool Read(const LPath& notes, std::string& text);
 // Replaces the file by the text and one zero byte. On failure (false) the old notes are as they were.
 bool Write(const LPath& notes, std::string_view text);
 
+// Adds another file's text behind the notes (a new paragraph), unless they are the same, and deletes that
+// file. False when one of them cannot be read or written; both are then as they were.
+bool Append(const LPath& notes, const LPath& other);
+
 // Ends a Write that was cut off, given the path of what it left beside the notes: a complete text takes the
 // place of the older notes, half a text goes.
 void RecoverUnfinished(const LPath& unfinished);
-inline constexpr char kUnfinishedExtension[] = ".tx~";
 
 }  // namespace NotesFile

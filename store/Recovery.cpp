@@ -4,6 +4,7 @@
 #include <span>
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
@@ -13,24 +14,26 @@
 #include "store/MoveToSent.h"
 #include "store/NotesFile.h"
 #include "store/SendToSettings.h"
+#include "store/TakeBack.h"
 
 namespace {
 
-constexpr int64_t kEmptyAudioBytes = 46;  // a header without a sample
-
 struct Found {
     bool record = false;
+    bool notes = false;
     bool audio = false;
     bool emptyAudio = false;  // not even a header
 };
 
-std::map<int32_t, Found> ListCurrent(const LPath& folder) {
+std::map<int32_t, Found> ListDictations(const LPath& folder) {
     std::map<int32_t, Found> found;
     LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
         const std::optional<int32_t> number = NumberOfFileName(LPath(entry.name));
-        if (!number || entry.isFolder) return true;
         const std::string_view extension = LSplitPath(entry.name).extension;
+        if (!number) return true;
         if (LEqualNoCase(extension, ".dat")) found[*number].record = true;
+        if (entry.isFolder) return true;
+        if (LEqualNoCase(extension, ".txt")) found[*number].notes = true;
         if (LEqualNoCase(extension, ".wav") && entry.size > kEmptyAudioBytes) found[*number].audio = true;
         if (LEqualNoCase(extension, ".wav") && entry.size == 0) found[*number].emptyAudio = true;
         return true;
@@ -38,30 +41,33 @@ std::map<int32_t, Found> ListCurrent(const LPath& folder) {
     return found;
 }
 
-void FetchNotes(const DictationFiles& sent, const DictationFiles& current) {
-    if (LFile::Exists(sent.notes) && !LFile::Exists(current.notes)) LFile::Move(sent.notes, current.notes);
-}
-
-// The record is in Sent when a move broke off there; otherwise the audio gets a new one.
+// The record is in Sent when a move broke off there; otherwise the audio gets a new one, with the old one's
+// name where another program keeps that from being moved.
 void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64_t now) {
     LTrace("RecoverDictations audio without a record", current.audio.View());
-    if (LFile::Exists(sent.record) && !LFile::Exists(sent.audio)) {
-        WriteSendKeys(sent.record, DictationRecord());
-        LProfile::Flush(sent.record);
-        if (LFile::Move(sent.record, current.record)) FetchNotes(sent, current);
-    }
-    if (LFile::Exists(current.record)) return;
-    const int64_t recorded = LFile(current.audio, LFile::Open::Read).WriteTime();
     DictationRecord values;
+    if (LFile::Exists(sent.record) && LFile::IsAbsent(sent.audio)) {
+        values = DictationRecord::Read(sent.record);
+        if (TakeBack::Record(sent, current)) WriteSendKeys(current.record, DictationRecord());
+    }
+    if (!LFile::IsAbsent(current.record)) return;
+    const int64_t recorded = LFile(current.audio, LFile::Open::Read).WriteTime();
+    values.number.reset();
+    values.result = LReadResult::Absent;
     RepairRecord(current.record, values, recorded > 0 ? recorded : now);
 }
 
-// The audio is in Sent when a recovery from there broke off. Most records without audio were just never
-// recorded.
-void GiveAudio(const DictationFiles& sent, const DictationFiles& current) {
-    if (!LFile::Exists(sent.audio) || LFile::Exists(sent.record) || LFile::Exists(current.audio)) return;
-    LTrace("RecoverDictations record without its audio", current.record.View());
-    if (LFile::Move(sent.audio, current.audio)) FetchNotes(sent, current);
+// Audio and notes that lie in Sent without a record belong to a dictation in Current, or have nobody at all.
+void TakeBackStray(const CurrentUser& user, int32_t number, const Found& found, int64_t now) {
+    const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, number);
+    const DictationFiles sent = current.InFolder(user.sentFolder);
+    if (found.audio) {
+        LTrace("RecoverDictations audio in Sent without a record", sent.audio.View());
+        const bool isOwn = !LFile::IsAbsent(current.audio);
+        const bool isBack = TakeBack::Audio(user, sent, current);
+        if (isBack && !isOwn && LFile::IsAbsent(current.record)) GiveRecord(sent, current, now);
+    }
+    if (found.notes && LFile::Exists(current.record)) TakeBack::Notes(sent, current);
 }
 
 // A change to a settings file that was not finished: "user.dat~" beside "user.dat".
@@ -73,16 +79,13 @@ void Discard(const LPath& path) {
     LFile::Delete(path);
 }
 
-bool IsCompleteWave(const LPath& path) {
-    LFile file(path, LFile::Open::Read);
-    return LIsWholeWave(file);
-}
-
-// Audio that was being rewritten: the old file stands until the new one is complete.
+// Audio that was being rewritten: the old file stands until the new one is complete. Without the old one it
+// is the recording, whole or not.
 void FinishAudio(const LPath& rewritten) {
     if (!NumberOfFileName(rewritten)) return;
     const LPath audio = rewritten.WithExtension(".wav");
-    const bool isWanted = !LFile::Exists(audio) && IsCompleteWave(rewritten);
+    const bool isWanted =
+        LFile::IsAbsent(audio) && LFile(rewritten, LFile::Open::Read).Size() > kEmptyAudioBytes;
     isWanted ? LFile::Move(rewritten, audio) : LFile::Delete(rewritten);
 }
 
@@ -93,12 +96,12 @@ struct LeftOver {
 constexpr LeftOver kAnywhere[] = {
     {".dat~", FinishProfile},
     {".ini~", FinishProfile},
-    {".re~", SendToSettings::RecoverUnfinished},
-    {".tx~", NotesFile::RecoverUnfinished},
-    {".mo~", Discard},
+    {LLeftOver::kRecipient, SendToSettings::RecoverUnfinished},
+    {LLeftOver::kNotes, NotesFile::RecoverUnfinished},
+    {LLeftOver::kJournal, Discard},
 };
 // In Sent, files of this name belong to the send thread.
-constexpr LeftOver kInCurrent[] = {{kUnfinishedAudioExtension, FinishAudio}};
+constexpr LeftOver kInCurrent[] = {{LLeftOver::kAudio, FinishAudio}};
 
 void Finish(const LPath& folder, std::span<const LeftOver> kinds) {
     std::vector<std::pair<const LeftOver*, LPath>> found;  // dealt with when the listing has ended
@@ -127,15 +130,17 @@ void FinishWhatWasBeingWritten(const CurrentUser& user) {
 
 }  // namespace
 
-void RecoverDictations(const CurrentUser& user, const std::function<bool(const LPath&)>& isQueued,
-                       int64_t now) {
+void RecoverDictations(const CurrentUser& user, const AskQueue& isQueued, int64_t now) {
     FinishWhatWasBeingWritten(user);
     MoveToSent::TakeUp(user, isQueued);
-    for (const auto& [number, found] : ListCurrent(user.currentFolder)) {
+    for (const auto& [number, found] : ListDictations(user.currentFolder)) {
         const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, number);
-        const DictationFiles sent = current.InFolder(user.sentFolder);
         if (found.emptyAudio) LFile::Delete(current.audio);
-        if (found.audio && !found.record) GiveRecord(sent, current, now);
-        if (found.record && !found.audio) GiveAudio(sent, current);
+        if (found.audio && !found.record) GiveRecord(current.InFolder(user.sentFolder), current, now);
+    }
+    for (const auto& [number, found] : ListDictations(user.sentFolder)) {
+        if (found.record || (!found.audio && !found.notes)) continue;
+        const LPath audio = DictationFiles::OfNumber(user.sentFolder, number).audio;
+        if (isQueued(audio) == QueueAnswer::No) TakeBackStray(user, number, found, now);
     }
 }

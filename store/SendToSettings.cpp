@@ -2,6 +2,7 @@
 
 #include "base/LBytes.h"
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
@@ -9,7 +10,6 @@
 namespace {
 
 constexpr uint32_t kVersion = 1;  // written; 0 has no flags and no encryption password
-constexpr char kUnfinishedExtension[] = ".re~";
 constexpr size_t kFileBytes = 1964;
 constexpr size_t kOldFileBytes = 1896;
 constexpr size_t kNameBytes = 32;
@@ -87,7 +87,7 @@ std::vector<uint8_t> SendToSettings::ToBytes() const {
 }
 
 bool SendToSettings::Save(const LPath& path) const {
-    if (LFile::WriteWhole(path, path.WithExtension(kUnfinishedExtension), ToBytes())) return true;
+    if (LFile::WriteWhole(path, path.WithExtension(LLeftOver::kRecipient), ToBytes())) return true;
     LTrace("SendToSettings::Save unable to write file", path.View());
     return false;
 }
@@ -115,7 +115,7 @@ std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, i
     SendToSettings recipient;
     if (!recipient.Load(RecipientPath(data.folder, user.number, index)))
         return LFormat("Recipient %d", static_cast<int>(index) + 1);
-    return DescribeRecipient(recipient, DefaultRecipient(user.userFile) == index);
+    return DescribeRecipient(recipient, DefaultRecipientIndex(user.userFile) == index);
 }
 
 int32_t RecipientCount(const LPath& userFile) {
@@ -123,7 +123,7 @@ int32_t RecipientCount(const LPath& userFile) {
     return count < 0 ? 0 : count;
 }
 
-std::optional<int32_t> DefaultRecipient(const LPath& userFile) {
+std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile) {
     const int32_t index = Settings::Read(userFile, UserKeys::kSendDefault);
     if (index < 0 || index >= RecipientCount(userFile)) return std::nullopt;
     return index;

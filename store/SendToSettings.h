@@ -52,12 +52,12 @@ LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index);
 // "<name> DEFAULT (<address>)", the word only for the default recipient.
 std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
 
-// The same of a user's recipient by its index, what the list of recipients and a sent dictation say of one; a record
-// that cannot be loaded is told by its number.
+// The same of a user's recipient by its index, what the list of recipients and a sent dictation say of one; a
+// record that cannot be loaded is told by its number.
 std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
 // How many recipients the user has.
 int32_t RecipientCount(const LPath& userFile);
 // The index of the user's default recipient; nothing when he has no recipients or the default is past their
 // end, and then nothing can be sent.
-std::optional<int32_t> DefaultRecipient(const LPath& userFile);
+std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile);

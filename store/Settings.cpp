@@ -10,21 +10,21 @@ namespace Settings {
 constexpr int32_t kDaySeconds = 86400;
 constexpr char kAbsent[] = "\x01";  // no value can be this
 
-int64_t ReadSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue) {
+int64_t ReadNumber(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue) {
     const std::string text = LProfile::Read(file, section, key, {});
     return text.empty() ? defaultValue : LParseInt64(text);
 }
 
-void WriteSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t value) {
+void WriteNumber(const LPath& file, std::string_view section, std::string_view key, int64_t value) {
     LProfile::Write(file, section, key, std::to_string(value));
 }
 
 int32_t ReadInt(const LPath& file, std::string_view section, std::string_view key, int32_t defaultValue) {
-    return Saturate(ReadSeconds(file, section, key, defaultValue));
+    return Saturate(ReadNumber(file, section, key, defaultValue));
 }
 
 void WriteInt(const LPath& file, std::string_view section, std::string_view key, int32_t value) {
-    WriteSeconds(file, section, key, value);
+    WriteNumber(file, section, key, value);
 }
 
 bool ParseBool(std::string_view text) {

@@ -29,9 +29,9 @@ using ::kSilenceDb;
 // Signed decimal; an empty or absent value yields the default.
 int32_t ReadInt(const LPath& file, std::string_view section, std::string_view key, int32_t defaultValue);
 void WriteInt(const LPath& file, std::string_view section, std::string_view key, int32_t value);
-// Seconds since 1970: decimal as above, but with room beyond the year 2038.
-int64_t ReadSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue);
-void WriteSeconds(const LPath& file, std::string_view section, std::string_view key, int64_t value);
+// Decimal as above in 64 bits: seconds since 1970, and user numbers, which have 32 bits without a sign.
+int64_t ReadNumber(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue);
+void WriteNumber(const LPath& file, std::string_view section, std::string_view key, int64_t value);
 // True exactly when the value begins with "t"; absent yields the default, an empty value is false.
 bool ReadBool(const LPath& file, std::string_view section, std::string_view key, bool defaultValue);
 void WriteBool(const LPath& file, std::string_view section, std::string_view key, bool value);
@@ -78,6 +78,8 @@ bool ParseBool(std::string_view text);
 int32_t ParseTime(std::string_view text);
 
 // Numbered lists inside one section: the count under "<prefix>count", the items under "<prefix><i><suffix>".
+// A count may promise anything, so a list ends at so many missing items in a row.
+inline constexpr int32_t kLargestGap = 16;
 int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix);
 void WriteListCount(const LPath& file, std::string_view section, std::string_view prefix, int32_t count);
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix = {});

@@ -131,7 +131,7 @@ using Settings::TextKey;
 inline constexpr char kSection[] = "file";
 inline constexpr IntKey kNumber{kSection, "number", 0};
 inline constexpr TextKey kName{kSection, "name", ""};
-inline constexpr char kDate[] = "date";  // seconds: Settings::ReadSeconds
+inline constexpr char kDate[] = "date";  // seconds: Settings::ReadNumber
 inline constexpr TextKey kPriority{kSection, "priority", "Normal"};
 inline constexpr char kSendDate[] = "senddate";  // seconds
 inline constexpr TextKey kRecipient{kSection, "recipient", ""};

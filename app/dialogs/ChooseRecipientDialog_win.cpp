@@ -20,7 +20,7 @@ private:
     // What cannot be read is not offered, so an item carries the recipient's index.
     bool InitDialog() override {
         const int count = std::min<int>(RecipientCount(m_state.user.userFile), kMostRecipients);
-        const std::optional<int32_t> defaultIndex = ::DefaultRecipient(m_state.user.userFile);
+        const std::optional<int32_t> defaultIndex = DefaultRecipientIndex(m_state.user.userFile);
         LRESULT selected = 0;
         for (int i = 0; i < count; ++i) {
             SendToSettings recipient;

@@ -2,6 +2,7 @@
 
 #include "base/LText.h"
 #include "base/LTime.h"
+#include "store/DictationRecord.h"
 #include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
 
@@ -16,7 +17,7 @@ constexpr char kCannotDelete[] =
     "list.";
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
-    "write-protected.";
+    "write-protected, or another program may be using your user file. Please try again.";
 
 std::string_view Trimmed(std::string_view text) {
     while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
@@ -46,11 +47,11 @@ std::vector<DictationFiles> DictationCommands::CurrentAlone() const {
 bool DictationCommands::Create() {
     TestHardDrive();
     if (!StopAndSave()) return false;
-    std::optional<NewDictation> created = ::CreateDictation(m_state.user, LNowSeconds());
+    std::optional<NewDictation> created = MakeDictation(m_state.user, LNowSeconds());
     // A record under another file name may claim the number: the new dictation must have a row of its own.
     while (created && m_list.HoldsNumber(created->number)) {
         DeleteDictationFiles(created->files);
-        created = ::CreateDictation(m_state.user, LNowSeconds());
+        created = MakeDictation(m_state.user, LNowSeconds());
     }
     if (!created) {
         m_runner.Tell(kCannotCreate);
@@ -77,7 +78,7 @@ void DictationCommands::Rename(std::string_view name) {
 bool DictationCommands::SetPriority(std::string_view priority) {
     bool all = true;
     for (const DictationFiles& files : m_list.Selected()) {
-        all = ::SetPriority(files.record, priority) && all;
+        all = StorePriority(files.record, priority) && all;
         m_list.UpdateFile(files.record);
     }
     if (!all) TellNotStored();
@@ -128,8 +129,8 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
 
 void DictationCommands::DeleteOldFiles() {
     const int32_t days = Settings::Read(m_state.data.settingsFile, SettingsKeys::kAutoDeleteDays);
-    ::DeleteOldFiles(m_state.user.sentFolder, days, LNowFileTime(),
-                     [this](const LPath& audio) { return m_queue.IsQueued(audio); });
+    DeleteOldDictations(m_state.user.sentFolder, days, LNowFileTime(),
+                        [this](const LPath& audio) { return m_queue.IsQueued(audio); });
 }
 
 void DictationCommands::TestHardDrive() {

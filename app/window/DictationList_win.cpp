@@ -7,8 +7,8 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
+#include "store/DictationRecord.h"
 #include "store/DictationStore.h"
-#include "store/SettingsKeys.h"
 
 namespace {
 
@@ -177,7 +177,7 @@ void DictationList::BeginRename() {
 }
 
 bool DictationList::Rename(const DictationFiles& files, std::string_view name) {
-    const bool isStored = Settings::Write(files.record, RecordKeys::kName, name);
+    const bool isStored = StoreName(files.record, name);
     UpdateFile(files.record);
     return isStored;
 }
@@ -291,8 +291,7 @@ LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
     LRESULT isTaken = FALSE;
     for (const Entry& entry : m_entries) {
         if (entry.number != number || edit.item.pszText == nullptr || *edit.item.pszText == 0) continue;
-        Settings::Write(entry.files.record, RecordKeys::kName, edit.item.pszText);
-        isTaken = TRUE;
+        isTaken = StoreName(entry.files.record, edit.item.pszText);
     }
     m_owner->AfterRename(number);
     return isTaken;

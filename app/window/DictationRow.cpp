@@ -11,10 +11,12 @@
 DictationRow LoadDictationRow(const LPath& record) {
     DictationRow row;
     row.files = DictationFiles::OfPath(record);
-    DictationRecord values = DictationRecord::Read(row.files.record);
-    if (LFile::Exists(row.files.record)) RepairRecord(row.files.record, values, LNowSeconds());
-    row.number = values.number.value_or(0);
-    row.name = values.name;
+    DictationRecord values = DictationRecord::Read(row.files.record, 0);
+    row.isUnreadable = values.result == LReadResult::Unreadable;
+    if (values.result == LReadResult::Values) RepairRecord(row.files.record, values, LNowSeconds());
+    const int32_t numberOfName = NumberOfFileName(row.files.record).value_or(0);
+    row.number = row.isUnreadable ? numberOfName : values.number.value_or(0);
+    row.name = row.isUnreadable ? LSplitPath(record.View()).name : values.name;
     row.date = values.date.value_or(0);
     row.priority = values.priority;
     row.duration = FormatDuration(LWaveFile::LengthMs(row.files.audio));

@@ -14,9 +14,13 @@ struct DictationRow {
     std::string duration;
     std::string priority;
     std::string notes;
+    // Another program keeps the record from being read: number and name are those of its file, and the row is
+    // to be loaded again later.
+    bool isUnreadable = false;
 };
 
-// Missing files give empty columns, a length of zero and the normal priority.
+// Missing files give empty columns, a length of zero and the normal priority. Waits for nobody. A record that
+// was cut off while it was written is mended (RepairRecord).
 DictationRow LoadDictationRow(const LPath& record);
 
 // "mm:ss", rounded to whole seconds.

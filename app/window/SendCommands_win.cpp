@@ -38,7 +38,7 @@ void SendCommands::TellNotSent(const DictationFiles& files, const char* reason) 
 }
 
 int SendCommands::DefaultRecipient() const {
-    const std::optional<int32_t> index = ::DefaultRecipient(m_state.user.userFile);
+    const std::optional<int32_t> index = DefaultRecipientIndex(m_state.user.userFile);
     if (!index) TellNoRecipients();
     return index.value_or(-1);
 }
@@ -50,6 +50,8 @@ int SendCommands::ChooseRecipient() const {
 }
 
 SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
+    const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
+    MoveToSent::TakeUp(m_state.user, isQueued);  // its recording may be waiting to come back
     if (!HasRecording(files.audio)) {
         TellNotSent(files, "It has no recording yet. Please record it first.");
         return Outcome::NothingToSend;
@@ -60,11 +62,9 @@ SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipi
     }
     const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
-    MoveToSent move(m_state.user, files.record);
+    MoveToSent move(m_state.user, files.record, isQueued);
     if (!move.Run(description, LNowSeconds())) {
-        TellNotSent(files,
-                    "One of its files may be open in another program, or the disk may be full. It stays in "
-                    "the list.");
+        TellNotSent(files, move.Reason());
         return Outcome::Failed;
     }
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))

@@ -49,6 +49,23 @@ TEST_F(SendItemTest, DeliversADctFileWithEverythingInItInPlaceOfWhatAnEarlierRun
     EXPECT_NEAR(context.progress.back(), 1.0, 1e-9);
 }
 
+// A folder of the file's name can no more be read than a file that another program holds.
+TEST_F(SendItemTest, NothingIsSentInTheNameOfNobody) {
+    const LPath dictation = world.AddDictation(5);
+    const LPath recipient = world.AddRecipient(0, world.ToShare());
+    for (const LPath& path : {world.FilesOf(5).record, world.FilesOf(5).notes, UserFilePath(world.data, 0)}) {
+        context.errors.clear();
+        const std::string text = ReadFileText(path);
+        LFile::Delete(path);
+        ASSERT_TRUE(LFile::MakeFolder(path));
+        EXPECT_EQ(Send(dictation, recipient), ProcessResult::Stopped) << path.c_str();
+        EXPECT_NE(Error().find("It stays in the queue"), std::string::npos);
+        LFile::DeleteFolder(path);
+        if (!text.empty()) WriteFileText(path, text);
+    }
+    EXPECT_TRUE(TempFolder::Names(world.share).empty());
+}
+
 TEST_F(SendItemTest, SendsARecordingThatACrashCutOffWhole) {
     SendToSettings recipient = world.ToShare();
     recipient.flags = SendToSettings::kSendWave;

@@ -81,8 +81,8 @@ TEST_F(SendQueueFileTest, KeepsItsEntriesInOrderInTheFile) {
     ASSERT_TRUE(queue.RemoveHead(Entry(1), count)) << "gone already";
     EXPECT_EQ(count, 2);
     EXPECT_EQ(Head(), Entry(2));
-    EXPECT_FALSE(queue.Holds(Entry(1).dictation));
-    EXPECT_TRUE(queue.Holds(LPath("c:\\SENT\\3.WAV")));
+    EXPECT_EQ(queue.Contains(Entry(1).dictation), QueueAnswer::No);
+    EXPECT_EQ(queue.Contains(LPath("c:\\SENT\\3.WAV")), QueueAnswer::Yes);
     EXPECT_EQ(Key("count"), "2");
     EXPECT_EQ(Key("file2"), "(none)");
     EXPECT_EQ(Key("sendto1"), "C:\\rec3.dat");

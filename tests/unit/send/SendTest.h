@@ -57,7 +57,7 @@ struct SendWorld {
         const DictationFiles files = FilesOf(number);
         Settings::Write(files.record, RecordKeys::kNumber, number);
         Settings::Write(files.record, RecordKeys::kName, "Letter " + std::to_string(number));
-        Settings::WriteSeconds(files.record, RecordKeys::kSection, RecordKeys::kDate, 1000000000);
+        Settings::WriteNumber(files.record, RecordKeys::kSection, RecordKeys::kDate, 1000000000);
         WriteFileText(files.audio, std::string(audio.begin(), audio.end()));
         WriteFileText(files.notes, "Hello");
         return files.audio;

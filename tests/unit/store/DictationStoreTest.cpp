@@ -1,5 +1,6 @@
 #include "store/DictationStore.h"
 
+#include "app/window/DictationRow.h"
 #include "base/LProfile.h"
 #include "base/LTime.h"
 #include "store/DictationRecord.h"
@@ -26,9 +27,27 @@ TEST_F(DictationStoreTest, NumbersWrapToZeroAndNeverNameAnOldDictationAgain) {
     }
 }
 
+// A folder of the file's name can no more be read than a file that another program holds.
+TEST_F(DictationStoreTest, WhatCannotBeReadIsNeitherNumberedNorWritten) {
+    ASSERT_TRUE(LFile::MakeFolder(m_user.userFile));
+    EXPECT_FALSE(NextDictationNumber(m_user).has_value());
+    EXPECT_FALSE(MakeDictation(m_user, 1).has_value());
+    EXPECT_EQ(UserDetails::Read(m_user.userFile).result, LReadResult::Unreadable);
+    ASSERT_TRUE(LFile::MakeFolder(Current(12).record));
+    const DictationRow row = LoadDictationRow(Current(12).record);
+    EXPECT_TRUE(row.isUnreadable);
+    EXPECT_EQ(row.number, 12);
+    EXPECT_EQ(row.name, "00000012");
+    for (int32_t number : {12, 13}) {
+        EXPECT_FALSE(StoreName(Current(number).record, "x"));
+        EXPECT_FALSE(StorePriority(Current(number).record, "Low"));
+    }
+    EXPECT_EQ(CountFiles(m_user.currentFolder), 0u) << "a record that is gone is not begun anew";
+}
+
 TEST_F(DictationStoreTest, ANewDictationIsNamedAfterItsLastThreeDigits) {
     Settings::Write(m_user.userFile, UserKeys::kNumber, 1007);
-    const std::optional<NewDictation> created = CreateDictation(m_user, 5000000000);
+    const std::optional<NewDictation> created = MakeDictation(m_user, 5000000000);
     ASSERT_TRUE(created.has_value());
     EXPECT_EQ(LFileNameOf(created->files.audio.View()), "00001007.wav");
     const DictationRecord record = DictationRecord::Read(created->files.record);
@@ -38,7 +57,7 @@ TEST_F(DictationStoreTest, ANewDictationIsNamedAfterItsLastThreeDigits) {
     EXPECT_EQ(record.priority, "Normal");
     CurrentUser elsewhere = m_user;
     elsewhere.currentFolder = m_temp.File("no such folder\\");
-    EXPECT_FALSE(CreateDictation(elsewhere, 0).has_value());
+    EXPECT_FALSE(MakeDictation(elsewhere, 0).has_value());
 }
 
 TEST_F(DictationStoreTest, ARecordThatWasCutOffGetsTheNumberOfItsName) {
@@ -68,21 +87,26 @@ TEST_F(DictationStoreTest, DeletingTakesAllThreeFilesAndWhatWasLeftBesideThem) {
     }
 }
 
-TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyWaitInTheQueue) {
+TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyHaveNoOtherHome) {
     MakeFiles(Sent(12), "old");
     MakeFiles(Sent(13), "waiting");
     WriteFileText(LPath::Join(m_user.sentFolder.View(), ".hidden"), "x");
+    MakeFiles(Sent(14), "failed", false);
+    LProfile::Write(Sent(14).record, "file", "sendstatus", "Send Failed");
+    WriteFileText(Sent(15).audio, std::string(100, 'x'));  // without a record
     const uint64_t unit = uint64_t{1} << 32;
     const uint64_t now = LNowFileTime();
     const LPath waiting = Sent(13).audio;
-    const auto isWaiting = [&](const LPath& audio) { return audio == waiting; };
-    DeleteOldFiles(m_user.sentFolder, 30, now + 30 * 202 * unit - unit, isWaiting);
-    DeleteOldFiles(m_user.sentFolder, 0, now + 10000 * 202 * unit, isWaiting);
-    DeleteOldFiles(m_user.sentFolder, INT32_MAX, now, isWaiting);
-    EXPECT_EQ(CountFiles(m_user.sentFolder), 7u);
-    DeleteOldFiles(m_user.sentFolder, 30, now + 30 * 202 * unit + unit, isWaiting);
+    const auto isQueued = [&](const LPath& audio) {
+        return audio == waiting ? QueueAnswer::Unknown : QueueAnswer::No;
+    };
+    DeleteOldDictations(m_user.sentFolder, 30, now + 30 * 202 * unit - unit, isQueued);
+    DeleteOldDictations(m_user.sentFolder, 0, now + 10000 * 202 * unit, isQueued);
+    DeleteOldDictations(m_user.sentFolder, INT32_MAX, now, isQueued);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 10u);
+    DeleteOldDictations(m_user.sentFolder, 30, now + 30 * 202 * unit + unit, isQueued);
     EXPECT_FALSE(Sent(12).AnyExists());
-    EXPECT_EQ(CountFiles(m_user.sentFolder), 4u);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 7u);
 }
 
 TEST_F(DictationStoreTest, TheDiskIsLowBelowTheThresholdInMegabytes) {

@@ -10,15 +10,19 @@ namespace {
 
 class MoveToSentTest : public StoreTest {
 protected:
-    static bool NotQueued(const LPath&) { return false; }
-    static bool Queued(const LPath&) { return true; }
-    void Recover(bool (*isQueued)(const LPath&) = NotQueued) { RecoverDictations(m_user, isQueued, 4000); }
+    static QueueAnswer NotQueued(const LPath&) { return QueueAnswer::No; }
+    static QueueAnswer Queued(const LPath&) { return QueueAnswer::Yes; }
+    static QueueAnswer Unknown(const LPath&) { return QueueAnswer::Unknown; }
+    void Recover(QueueAnswer (*isQueued)(const LPath&) = NotQueued) {
+        RecoverDictations(m_user, isQueued, 4000);
+    }
 
-    LPath Note() const { return LPath::Join(LFolderOf(m_user.userFile.View()), "moving.txt"); }
+    LPath Journal() const { return LPath::Join(LFolderOf(m_user.userFile.View()), "moving.txt"); }
 
-    void ExpectWhole(const DictationFiles& files, const std::string& mark, bool withNotes = true) {
+    void ExpectWhole(const DictationFiles& files, const std::string& mark, bool withNotes = true,
+                     int32_t number = 12) {
         EXPECT_EQ(DictationRecord::Read(files.record).name, mark);
-        EXPECT_EQ(DictationRecord::Read(files.record).number, 12);
+        EXPECT_EQ(DictationRecord::Read(files.record).number, number);
         EXPECT_TRUE(ReadFileText(files.audio).starts_with(mark + " audio")) << files.audio.c_str();
         EXPECT_EQ(LFile::Exists(files.notes), withNotes);
         EXPECT_TRUE(!withNotes || ReadFileText(files.notes).starts_with(mark + " notes"));
@@ -32,15 +36,16 @@ protected:
         EXPECT_EQ(record.recipient + record.sendStatus, "");
         EXPECT_EQ(CountFiles(m_user.currentFolder), withNotes ? 3u : 2u);
         EXPECT_EQ(CountFiles(m_user.sentFolder), filesInSent);
-        EXPECT_FALSE(LFile::Exists(Note()));
+        EXPECT_FALSE(LFile::Exists(Journal()));
     }
 };
 
 TEST_F(MoveToSentTest, MovesTheFilesAndMarksTheRecord) {
     for (bool withNotes : {true, false}) {
         MakeFiles(Current(12), "new", withNotes);
+        for (const LPath& path : {Sent(12).record, Sent(12).audio, Sent(12).notes}) LFile::Delete(path);
         MakeFiles(Sent(12), "old");
-        MoveToSent move(m_user, Current(12).audio);
+        MoveToSent move(m_user, Current(12).audio, NotQueued);
         ASSERT_TRUE(move.Run("Jo (jo@a)", 5000000000));
         EXPECT_EQ(move.Sent().audio, Sent(12).audio);
         move.Commit();
@@ -50,9 +55,11 @@ TEST_F(MoveToSentTest, MovesTheFilesAndMarksTheRecord) {
         EXPECT_EQ(record.recipient, "Jo (jo@a)");
         EXPECT_EQ(record.sendStatus, "Sending");
         EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
-        EXPECT_EQ(CountFiles(m_user.sentFolder), withNotes ? 3u : 2u)
+        const int32_t older = withNotes ? 1 : 2;
+        ExpectWhole(Sent(older), "old", true, older);
+        EXPECT_EQ(CountFiles(m_user.sentFolder), withNotes ? 6u : 8u)
             << "old notes are not the new dictation's";
-        EXPECT_FALSE(LFile::Exists(Note()));
+        EXPECT_FALSE(LFile::Exists(Journal()));
     }
 }
 
@@ -62,29 +69,29 @@ TEST_F(MoveToSentTest, PutsBackWhateverWasMovedWhenAFileCannotFollow) {
         MakeFiles(Current(12), "new");
         const LPath obstacle = Sent(12).record.WithExtension(blocked);
         ASSERT_TRUE(LFile::MakeFolder(obstacle));
-        EXPECT_FALSE(MoveToSent(m_user, Current(12).record).Run("Jo", 1)) << blocked;
+        EXPECT_FALSE(MoveToSent(m_user, Current(12).record, NotQueued).Run("Jo", 1)) << blocked;
         ExpectPutBack(true, 0);
         LFile::DeleteFolder(obstacle);
     }
     for (const LPath& missing : {Current(12).audio, Current(12).record}) {
         MakeFiles(Current(12), "new");
         LFile::Delete(missing);
-        EXPECT_FALSE(MoveToSent(m_user, Current(12).record).Run("Jo", 1)) << missing.c_str();
+        EXPECT_FALSE(MoveToSent(m_user, Current(12).record, NotQueued).Run("Jo", 1)) << missing.c_str();
         EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);
         EXPECT_EQ(CountFiles(m_user.sentFolder), 0u);
     }
 }
 
-TEST_F(MoveToSentTest, PutsBackWhatWasNotCommittedAndWhatItReplaced) {
+TEST_F(MoveToSentTest, PutsBackWhatWasNotCommitted) {
     MakeFiles(Current(12), "new", false);
     LProfile::Write(Current(12).record, "file", "sendstatus", "Typed");
     MakeFiles(Sent(12), "old");
     {
-        MoveToSent move(m_user, Current(12).record);
+        MoveToSent move(m_user, Current(12).record, NotQueued);
         ASSERT_TRUE(move.Run("Jo", 1));
     }
     ExpectWhole(Current(12), "new", false);
-    ExpectWhole(Sent(12), "old");
+    ExpectWhole(Sent(1), "old", true, 1);
     EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
     EXPECT_EQ(DictationRecord::Read(Current(12).record).sendStatus, "Typed") << "of an earlier sending";
     EXPECT_EQ(DictationRecord::Read(Current(12).record).recipient, "");
@@ -95,8 +102,7 @@ TEST_F(MoveToSentTest, TheNextStartPutsBackWhatIsNotInTheQueue) {
     for (bool withNotes : {true, false}) {
         for (int moved = 0; moved <= 3; ++moved) {
             MakeFiles(Current(12), "new", withNotes);
-            WriteFileText(Sent(12).notes.WithExtension("-txt.old"), "old notes");
-            WriteFileText(Note(), withNotes ? "00000012.dat+" : "00000012.dat");
+            WriteFileText(Journal(), withNotes ? "00000012.dat+" : "00000012.dat");
             if (moved > 0 && withNotes) LFile::Move(Current(12).notes, Sent(12).notes);
             if (moved > 1) {
                 LFile::Move(Current(12).record, Sent(12).record);
@@ -108,39 +114,71 @@ TEST_F(MoveToSentTest, TheNextStartPutsBackWhatIsNotInTheQueue) {
             }
             if (moved > 2) LFile::Move(Current(12).audio, Sent(12).audio);
             Recover();
-            ExpectPutBack(withNotes, 1);
-            EXPECT_EQ(ReadFileText(Sent(12).notes), "old notes") << moved;
-            LFile::Delete(Sent(12).notes);
+            ExpectPutBack(withNotes, 0);
         }
     }
+}
+
+// Another program held audio and notes when they were to go back; then the user recorded and typed anew.
+TEST_F(MoveToSentTest, ARecordingThatCouldNotGoBackIsListedBesideTheNextOne) {
+    MakeFiles(Current(12), "new");
+    LFile::Move(Current(12).audio, Sent(12).audio);
+    LFile::Move(Current(12).notes, Sent(12).notes);
+    WriteFileText(Journal(), "00000012.dat+");
+    WriteFileText(Current(12).audio, "second audio");
+    WriteFileText(Current(12).notes, std::string("typed meanwhile\0", 16));
+    MoveToSent again(m_user, Current(12).record, NotQueued);
+    ASSERT_TRUE(again.Run("Jo", 2));
+    again.Commit();
+    EXPECT_EQ(ReadFileText(Sent(12).audio), "second audio");
+    EXPECT_EQ(ReadFileText(Sent(12).notes), std::string("typed meanwhile\r\n\r\nnew notes\0", 30));
+    EXPECT_TRUE(ReadFileText(Current(1).audio).starts_with("new audio"));
+    EXPECT_EQ(DictationRecord::Read(Current(1).record).name, "new (2)");
+    EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
+}
+
+TEST_F(MoveToSentTest, NothingIsDecidedWhileTheQueueOrARecordCannotBeRead) {
+    MakeFiles(Sent(12), "new");
+    LProfile::Write(Sent(12).record, "file", "sendstatus", "Sending");
+    MakeFiles(Current(13), "other");
+    WriteFileText(Journal(), "00000012.dat+");
+    Recover(Unknown);
+    EXPECT_EQ(ReadFileText(Journal()), "00000012.dat+");
+    MoveToSent other(m_user, Current(13).record, Unknown);
+    EXPECT_FALSE(other.Run("Jo", 1)) << "its journal would take the place of the other's";
+    EXPECT_STRNE(other.Reason(), "");
+    LFile::Delete(Sent(12).record);
+    ASSERT_TRUE(LFile::MakeFolder(Sent(12).record));
+    Recover();
+    EXPECT_TRUE(LFile::Exists(Journal()) && LFile::Exists(Sent(12).audio));
 }
 
 TEST_F(MoveToSentTest, TheNextStartCompletesWhatIsInTheQueueOrSent) {
     for (const char* status : {"Sending", "Sent", "Send Failed"}) {
         MakeFiles(Sent(12), "new");
-        WriteFileText(Sent(12).record.WithExtension("-dat.old"), "old record");
         LProfile::Write(Sent(12).record, "file", "sendstatus", status);
-        WriteFileText(Note(), "00000012.dat+");
+        WriteFileText(Journal(), "00000012.dat+");
         Recover(std::string_view(status) == "Sending" ? Queued : NotQueued);
         ExpectWhole(Sent(12), "new");
         EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
-        EXPECT_FALSE(LFile::Exists(Note()));
+        EXPECT_FALSE(LFile::Exists(Journal()));
     }
 }
 
-TEST_F(MoveToSentTest, ANoteOfRubbishMovesNothing) {
+TEST_F(MoveToSentTest, AJournalOfRubbishMovesNothing) {
     MakeFiles(Sent(12), "sent");
     const std::string rubbish[] = {"", "..\\00000012.dat", "x", "00000012.dat\r\n00000013.dat",
                                    std::string(100000, '0')};
     for (const std::string& text : rubbish) {
-        WriteFileText(Note(), text);
+        WriteFileText(Journal(), text);
         Recover();
         ExpectWhole(Sent(12), "sent");
-        EXPECT_FALSE(LFile::Exists(Note()));
+        EXPECT_FALSE(LFile::Exists(Journal()));
     }
 }
 
-TEST_F(MoveToSentTest, RecordAndAudioFindEachOtherWithoutANote) {
+TEST_F(MoveToSentTest, RecordAndAudioFindEachOtherWithoutAJournal) {
     // Record gone ahead to Sent, audio left behind.
     MakeFiles(Current(12), "new");
     LFile::Move(Current(12).record, Sent(12).record);
@@ -174,7 +212,7 @@ TEST_F(MoveToSentTest, RecoveryLeavesWholeDictationsAndForeignFilesAlone) {
 }
 
 TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
-    const std::string wave("RIFF\x08\0\0\0WAVEdata", 16), cut("RIFF\x09\0\0\0WAVEdata", 16);
+    const std::string wave(47, 'w'), cut(50, 'c');
     const std::string notes("newer\0", 6), record = "[file]\r\nname=a\r\n", old = "old";
     const Bytes bytes = SendToSettings().ToBytes();
     const std::string recipient(bytes.begin(), bytes.end());
@@ -196,7 +234,7 @@ TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
         {"bgsend.dat", "bgsend.dat~", record, "[", record},
         {"00000007\\moving.txt", "00000007\\moving.mo~", "", "00000005.dat", ""},
         {"00000007\\Current\\00000005.wav", "00000007\\Current\\00000005.tmp", "", wave, wave},
-        {"00000007\\Current\\00000007.wav", "00000007\\Current\\00000007.tmp", "", cut, ""},
+        {"00000007\\Current\\00000007.wav", "00000007\\Current\\00000007.tmp", "", cut, cut},
         {"00000007\\Current\\00000004.wav", "00000007\\Current\\00000004.tmp", "", "RIFF", ""},
     };
     for (const auto& c : kCases) {

@@ -111,7 +111,7 @@ TEST_F(SendToSettingsTest, NobodyIsTheDefaultWhenItPointsPastTheEnd) {
     for (const auto& c : kCases) {
         Settings::Write(m_user.userFile, UserKeys::kSendCount, c.count);
         Settings::Write(m_user.userFile, UserKeys::kSendDefault, c.standard);
-        EXPECT_EQ(DefaultRecipient(m_user.userFile), c.expected) << c.count << " " << c.standard;
+        EXPECT_EQ(DefaultRecipientIndex(m_user.userFile), c.expected) << c.count << " " << c.standard;
     }
 }
 

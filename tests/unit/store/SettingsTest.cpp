@@ -25,8 +25,8 @@ TEST_F(SettingsTest, IntegersAndBooleansTakeTheirDefaultWhenEmptyOrAbsent) {
     EXPECT_FALSE(Settings::ReadBool(file, "s", "absent", false));
     Settings::WriteInt(file, "s", "least", INT32_MIN);
     EXPECT_EQ(Settings::ReadInt(file, "s", "least", 0), INT32_MIN);
-    Settings::WriteSeconds(file, "s", "late", 5000000000);
-    EXPECT_EQ(Settings::ReadSeconds(file, "s", "late", 0), 5000000000);
+    Settings::WriteNumber(file, "s", "late", 5000000000);
+    EXPECT_EQ(Settings::ReadNumber(file, "s", "late", 0), 5000000000);
 }
 
 TEST_F(SettingsTest, TimesAreReducedToADay) {
