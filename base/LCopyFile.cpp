@@ -38,7 +38,7 @@ Standing Compare(const LPath& path, const LPath& wanted) {
     if (!LFile::Exists(path)) return Standing::Nothing;
     LFile there(path, LFile::Open::Read), file(wanted, LFile::Open::Read);
     const int64_t size = there.Size();
-    if (!there.IsOpen() || !file.IsOpen() || size > file.Size()) return Standing::Other;
+    if (!there.IsOpen() || !file.IsOpen() || size < 0 || size > file.Size()) return Standing::Other;
     std::vector<uint8_t> a(kCopyBlockBytes), b(kCopyBlockBytes);
     for (int64_t left = size; left > 0;) {
         const size_t count = static_cast<size_t>(std::min<int64_t>(left, kCopyBlockBytes));

@@ -16,7 +16,7 @@ public:
     // Moves to a position from the start; a position beyond the end is allowed and reads nothing.
     virtual bool Seek(int64_t position) = 0;
     virtual int64_t Position() const = 0;
-    // The size now: a file that another stream is writing grows.
+    // The size now (a file that is being written grows); below 0 when it cannot be told.
     virtual int64_t Size() const = 0;
     // Whether somebody else has the stream open for writing, as far as that can be told.
     virtual bool IsBeingWritten() const { return false; }
