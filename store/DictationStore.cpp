@@ -68,18 +68,6 @@ bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
     return true;
 }
 
-std::vector<LPath> ListRecords(const LPath& folder) {
-    std::vector<LPath> records;
-    LListFolder(folder, "*.dat", [&](const LFolderEntry& entry) {
-        // Short names let the pattern match longer extensions too.
-        const bool isRecord = !entry.isFolder && LEqualNoCase(LSplitPath(entry.name).extension, ".dat");
-        const LPath path = isRecord ? LPath::Join(folder.View(), entry.name) : LPath();
-        if (!path.Empty()) records.push_back(path);
-        return true;
-    });
-    return records;
-}
-
 LPath SetAsideAudio(const DictationFiles& files) {
     for (int i = 1; i < 1000; ++i) {
         const LPath aside = files.audio.WithExtension(LFormat(LLeftOver::kSetAside, i));
@@ -89,30 +77,33 @@ LPath SetAsideAudio(const DictationFiles& files) {
 }
 
 // What was set aside, and what the end of the program left of a file that was being written.
-static void DeleteLeftOvers(const DictationFiles& files) {
-    const std::string_view folder = LFolderOf(files.audio.View());
-    std::vector<LPath> found;
-    LListFolder(LPath(folder), std::string(LSplitPath(files.audio.View()).name) + LLeftOver::kSetAsidePattern,
-                [&](const LFolderEntry& entry) {
-                    found.push_back(LPath::Join(folder, entry.name));
-                    return true;
-                });
-    found.push_back(files.audio.WithExtension(LLeftOver::kAudio));
-    found.push_back(files.notes.WithExtension(LLeftOver::kNotes));
-    found.push_back(LProfile::CopyOf(files.record));
-    for (const LPath& path : found) LFile::Delete(path);
+static bool IsLeftOver(const LPath& path, const DictationFiles& files) {
+    for (const LPath& unfinished :
+         {files.audio.WithExtension(LLeftOver::kAudio), files.notes.WithExtension(LLeftOver::kNotes),
+          LProfile::CopyOf(files.record)}) {
+        if (LEqualNoCase(path.View(), unfinished.View())) return true;
+    }
+    std::string_view setAside = LLeftOver::kSetAsidePattern;
+    setAside.remove_suffix(1);
+    return LEqualNoCase(LSplitPath(path.View()).extension.substr(0, setAside.size()), setAside);
 }
 
 bool DeleteDictationFiles(const DictationFiles& files) {
+    return DeleteDictationFiles(files, FolderListing(LPath(LFolderOf(files.record.View()))));
+}
+
+bool DeleteDictationFiles(const DictationFiles& files, const FolderListing& listing) {
     LProfile::Flush(files.record);
     for (const LPath* file : {&files.audio, &files.notes, &files.record}) {
-        if (LFile::Exists(*file) && !LFile::Delete(*file)) {
+        if (listing.SizeOf(file->View()) && LFile::Exists(*file) && !LFile::Delete(*file)) {
             LTrace("DeleteDictationFiles unable to delete file", file->View());
             return false;
         }
     }
     // Not before: they may be all that is left of a recording whose dictation stays.
-    DeleteLeftOvers(files);
+    for (const LPath& path : listing.OfBaseName(files.record)) {
+        if (IsLeftOver(path, files)) LFile::Delete(path);
+    }
     return true;
 }
 

@@ -2,11 +2,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 #include "base/LPath.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
+#include "store/FolderListing.h"
 #include "store/QueueAnswer.h"
 
 // The dictations of a user: files in his Current folder, and in his Sent folder once they are sent.
@@ -34,9 +34,6 @@ std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now);
 // that others keep open are waited for. False, with everything as it was, when one cannot be renamed.
 bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
 
-// The paths of all record files of a folder, in the order in which the file system yields them.
-std::vector<LPath> ListRecords(const LPath& folder);
-
 // Moves a file that stands under the audio's name but holds no audio out of the way of a recording, since it
 // may be all that is left of one ("00000012.bad1"). The new path, empty when it could not be moved.
 LPath SetAsideAudio(const DictationFiles& files);
@@ -44,6 +41,8 @@ LPath SetAsideAudio(const DictationFiles& files);
 // Deletes audio, notes and record, in this order, then what was set aside or left over. When one cannot be
 // deleted the rest stays and the result is false, so that audio in use is not left behind without its record.
 bool DeleteDictationFiles(const DictationFiles& files);
+// The same for one of many; listing: of their folder, made after the last of their files.
+bool DeleteDictationFiles(const DictationFiles& files, const FolderListing& listing);
 
 // Deletes the entries of a Sent folder that were created more than so many days ago (0 or less: none); the
 // files of one dictation go together, by the youngest of them. now is a file time. Audio that has no other

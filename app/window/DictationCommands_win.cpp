@@ -77,10 +77,9 @@ void DictationCommands::Rename(std::string_view name) {
 
 bool DictationCommands::SetPriority(std::string_view priority) {
     bool all = true;
-    for (const DictationFiles& files : m_list.Selected()) {
-        all = StorePriority(files.record, priority) && all;
-        m_list.UpdateFile(files.record);
-    }
+    const std::vector<DictationFiles> selected = m_list.Selected();
+    for (const DictationFiles& files : selected) all = StorePriority(files.record, priority) && all;
+    m_list.UpdateFiles(selected, FolderListing(m_state.user.currentFolder));
     if (!all) TellNotStored();
     return all;
 }
@@ -92,20 +91,20 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
         return false;
     // A device may have started something while the question stood.
     if (!StopAndSave()) return false;
-    bool all = true;
+    const FolderListing listing(m_state.user.currentFolder);
+    std::vector<DictationFiles> gone;
+    std::vector<DictationFiles> left;
     for (const DictationFiles& files : dictations) {
         if (!m_list.NumberOf(files.record)) continue;
-        if (DeleteDictationFiles(files)) {
-            m_notes.Forget(files.notes);
-            m_list.RemoveFile(files.record);
-        } else {
-            all = false;
-            m_list.UpdateFile(files.record);
-        }
+        const bool isGone = DeleteDictationFiles(files, listing);
+        if (isGone) m_notes.Forget(files.notes);
+        (isGone ? gone : left).push_back(files);
     }
+    m_list.RemoveFiles(gone);
+    if (!left.empty()) m_list.UpdateFiles(left, FolderListing(m_state.user.currentFolder));
     m_transport.EvAudioChanged();
-    if (!all) m_runner.Tell(kCannotDelete);
-    return all;
+    if (!left.empty()) m_runner.Tell(kCannotDelete);
+    return left.empty();
 }
 
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
@@ -120,7 +119,7 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
         const SendCommands::Outcome outcome = m_send.Send(files, recipient, isUnsaved);
         if (outcome == SendCommands::Outcome::Failed) return false;
-        if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFile(files.record);
+        if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFiles({files});
     }
     return true;
 }

@@ -4,15 +4,20 @@
 #include <array>
 
 #include "app/window/DateText_win.h"
-#include "base/LText.h"
+#include "app/window/ListViewChange_win.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/DictationRecord.h"
-#include "store/DictationStore.h"
 
 namespace {
 
 constexpr int kFontHeight = 16;  // pixels
+
+// A fill that is soon over is one step. Of a longer one nothing is told, and no message worked off, before the
+// progress dialog can stand.
+constexpr uint32_t kTellAfterMs = 300;
+constexpr uint32_t kTellPeriodMs = 100;
 
 struct Column {
     const char* heading;
@@ -21,6 +26,13 @@ struct Column {
 constexpr Column kColumns[] = {
     {"Dictation", 120}, {"Date", 70}, {"Time", 70}, {"Dur", 60}, {"Priority", 70}, {"Notes", 200},
 };
+
+constexpr int kColumnCount = static_cast<int>(std::size(kColumns));
+
+// In the order of the columns.
+std::array<std::string, kColumnCount> TextsOf(const DictationRow& row) {
+    return {row.name, FormatDate(row.date), FormatTimeOfDay(row.date), row.duration, row.priority, row.notes};
+}
 
 // Holds a counter up while it lives.
 class Quiet {
@@ -59,29 +71,46 @@ void DictationList::Attach(HWND list, Owner& owner) {
     SendMessageA(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
 }
 
-void DictationList::SetupFilesList(const LPath& folder) {
+ProcessResult DictationList::SetupFilesList(const LPath& folder, ProcessContext& context) {
+    ProcessResult result;
     {
         const Quiet quiet(m_quiet);
         SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
         ListView_DeleteAllItems(m_list);
-        m_entries.clear();
-        for (const LPath& record : ListRecords(folder)) AddFile(record);
+        m_rows.Clear();
+        result = AddFiles(FolderListing(folder), context);
         SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
         InvalidateRect(m_list, nullptr, TRUE);
         SelectOnly(Count() - 1);
     }
     m_owner->FileChanged();
+    return result;
 }
 
-int DictationList::AddFile(const LPath& record) {
-    if (record.Empty()) return -1;
-    const DictationRow row = LoadDictationRow(record);
-    if (const int index = IndexOfNumber(row.number); index >= 0) return index;
-    return Append(row);
+ProcessResult DictationList::AddFiles(const FolderListing& listing, ProcessContext& context) {
+    const std::vector<LPath> records = listing.Records();
+    ListView_SetItemCount(m_list, static_cast<int>(records.size()));
+    uint32_t toldTick = LTickMs();
+    uint32_t waitMs = kTellAfterMs;
+    for (const LPath& record : records) {
+        AddRow(LoadDictationRow(record, listing));
+        if (LTickMs() - toldTick < waitMs) continue;
+        if (waitMs == kTellAfterMs) context.SetStatus("Please wait...");
+        context.SetProgress(static_cast<double>(Count()) / static_cast<double>(records.size()));
+        if (context.CancelRequested()) return ProcessResult::Stopped;
+        toldTick = LTickMs();
+        waitMs = kTellPeriodMs;
+    }
+    return ProcessResult::Done;
 }
 
-int DictationList::Append(const DictationRow& row) {
+void DictationList::AddFile(const LPath& record) {
     const Quiet quiet(m_quiet);
+    if (!record.Empty()) AddRow(LoadDictationRow(record));
+}
+
+int DictationList::AddRow(const DictationRow& row) {
+    if (const int index = m_rows.IndexOf(row.number); index >= 0) return index;
     LVITEMA item = {};
     item.mask = LVIF_TEXT | LVIF_PARAM;
     item.iItem = Count();
@@ -90,70 +119,108 @@ int DictationList::Append(const DictationRow& row) {
     const int index =
         static_cast<int>(SendMessageA(m_list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item)));
     if (index < 0) {
-        LTrace("DictationList::Append InsertItem FAILED");
+        LTrace("DictationList::AddRow InsertItem FAILED");
         return index;
     }
-    m_entries.push_back({row.number, row.files});
-
-    const std::array texts = {FormatDate(row.date), FormatTimeOfDay(row.date), row.duration, row.priority,
-                              row.notes};
-    for (size_t i = 0; i < texts.size(); ++i) {
-        LVITEMA sub = {};
-        sub.iSubItem = static_cast<int>(i) + 1;
-        sub.pszText = const_cast<char*>(texts[i].c_str());
-        SendMessageA(m_list, LVM_SETITEMTEXTA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&sub));
-    }
+    m_rows.Append(row.number, row.files.record);
+    const auto texts = TextsOf(row);
+    for (int column = 1; column < kColumnCount; ++column)
+        SetText(index, column, texts[static_cast<size_t>(column)]);
     return index;
 }
 
+void DictationList::SetText(int index, int column, const std::string& text) {
+    LVITEMA item = {};
+    item.iSubItem = column;
+    item.pszText = const_cast<char*>(text.c_str());
+    SendMessageA(m_list, LVM_SETITEMTEXTA, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+}
+
+std::string DictationList::TextAt(int index, int column) const {
+    char text[kPathSize] = {};
+    if (index >= 0) ListView_GetItemText(m_list, index, column, text, sizeof text);
+    return text;
+}
+
 void DictationList::UpdateFile(const LPath& record) {
-    const Entry* entry = EntryOf(record);
-    if (entry == nullptr) {
-        AddFile(record);
-        return;
-    }
-    const Quiet quiet(m_quiet);
-    const int32_t number = entry->number;
-    const int old = IndexOfNumber(number);
-    const UINT state = ListView_GetItemState(m_list, old, LVIS_SELECTED | LVIS_FOCUSED);
-    SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
-    ListView_DeleteItem(m_list, old);
-    std::erase_if(m_entries, [&](const Entry& e) { return e.number == number; });
-    const int index = AddFile(record);
-    ListView_SetItemState(m_list, index, state, LVIS_SELECTED | LVIS_FOCUSED);
-    SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(m_list, nullptr, TRUE);
-    if ((state & LVIS_SELECTED) != 0) ListView_EnsureVisible(m_list, index, FALSE);
+    Update({LoadDictationRow(record)});
 }
 
 void DictationList::UpdateNumber(int32_t number) {
-    for (const Entry& entry : m_entries) {
-        if (entry.number != number) continue;
-        UpdateFile(LPath(entry.files.record));
-        return;
-    }
+    if (const int index = m_rows.IndexOf(number); index >= 0) UpdateFile(m_rows.RecordAt(index));
 }
 
-void DictationList::RemoveFile(const LPath& record) {
-    const Entry* entry = EntryOf(record);
-    if (entry == nullptr) return;
+void DictationList::UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing) {
+    std::vector<DictationRow> rows;
+    for (const DictationFiles& files : dictations) rows.push_back(LoadDictationRow(files.record, listing));
+    Update(rows);
+}
+
+void DictationList::Update(const std::vector<DictationRow>& rows) {
+    const Quiet quiet(m_quiet);
+    if (AreLast(rows)) {
+        for (const DictationRow& row : rows) ChangeTexts(m_rows.IndexOf(row.number), row);
+        return;
+    }
+    const bool followsCurrent = IsInView(CurrentIndex());
+    {
+        ListViewChange change(m_list);
+        for (const DictationRow& row : rows) MoveToEnd(row, change);
+    }
+    if (followsCurrent) ShowCurrent();
+}
+
+// Such rows stay where they are when one after the other moves to the end.
+bool DictationList::AreLast(const std::vector<DictationRow>& rows) const {
+    int index = Count() - static_cast<int>(rows.size());
+    return index >= 0 && std::all_of(rows.begin(), rows.end(), [&](const DictationRow& row) {
+               return m_rows.IndexOf(row.number) == index && m_rows.IndexOf(row.files.record) == index++;
+           });
+}
+
+void DictationList::ChangeTexts(int index, const DictationRow& row) {
+    const auto texts = TextsOf(row);
+    for (int column = 0; column < kColumnCount; ++column)
+        if (TextAt(index, column) != texts[static_cast<size_t>(column)])
+            SetText(index, column, texts[static_cast<size_t>(column)]);
+}
+
+void DictationList::MoveToEnd(const DictationRow& row, ListViewChange& change) {
+    UINT state = 0;
+    if (const int old = m_rows.IndexOf(row.files.record); old >= 0) {
+        state = ListView_GetItemState(m_list, old, LVIS_SELECTED | LVIS_FOCUSED);
+        change.Delete(old);
+        m_rows.Remove(old);
+    }
+    const int index = AddRow(row);
+    if (state != 0) ListView_SetItemState(m_list, index, state, LVIS_SELECTED | LVIS_FOCUSED);
+}
+
+void DictationList::RemoveFiles(const std::vector<DictationFiles>& dictations) {
     {
         const Quiet quiet(m_quiet);
-        const int32_t number = entry->number;
-        const int index = IndexOfNumber(number);
-        ListView_DeleteItem(m_list, index);
-        std::erase_if(m_entries, [&](const Entry& e) { return e.number == number; });
-        if (SelectedCount() == 0) SelectOnly(std::min(index, Count() - 1));
+        int place = -1;
+        {
+            ListViewChange change(m_list);
+            for (const DictationFiles& files : dictations) {
+                const int index = m_rows.IndexOf(files.record);
+                if (index < 0) continue;
+                change.Delete(place = index);
+                m_rows.Remove(index);
+            }
+        }
+        if (place < 0) return;
+        if (SelectedCount() == 0) SelectOnly(std::min(place, Count() - 1));
     }
     m_owner->FileChanged();
 }
 
 void DictationList::SelectFile(const LPath& record) {
-    const Entry* entry = EntryOf(record);
-    if (entry == nullptr) return;
+    const int index = m_rows.IndexOf(record);
+    if (index < 0) return;
     {
         const Quiet quiet(m_quiet);
-        SelectOnly(IndexOfNumber(entry->number));
+        SelectOnly(index);
     }
     m_owner->FileChanged();
 }
@@ -177,7 +244,9 @@ void DictationList::BeginRename() {
 }
 
 bool DictationList::Rename(const DictationFiles& files, std::string_view name) {
-    const bool isStored = StoreName(files.record, name);
+    const std::optional<std::string> changed = ChangedName(NameOf(files.record), name);
+    if (!changed) return true;
+    const bool isStored = StoreName(files.record, *changed);
     UpdateFile(files.record);
     return isStored;
 }
@@ -187,10 +256,14 @@ int DictationList::CurrentIndex() const {
     return focused >= 0 ? focused : ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
 }
 
+bool DictationList::IsInView(int index) const {
+    const int top = ListView_GetTopIndex(m_list);
+    return index >= top && index < top + ListView_GetCountPerPage(m_list);
+}
+
 std::optional<DictationFiles> DictationList::FilesAt(int index) const {
-    const Entry* entry = EntryAt(index);
-    if (entry == nullptr) return std::nullopt;
-    return entry->files;
+    if (!m_rows.Holds(index)) return std::nullopt;
+    return DictationFiles::OfPath(m_rows.RecordAt(index));
 }
 
 std::optional<DictationFiles> DictationList::Focused() const {
@@ -202,57 +275,21 @@ std::optional<DictationFiles> DictationList::First() const {
 }
 
 bool DictationList::IsSelected(const DictationFiles& files) const {
-    const Entry* entry = EntryOf(files.record);
-    return entry != nullptr &&
-           ListView_GetItemState(m_list, IndexOfNumber(entry->number), LVIS_SELECTED) != 0;
+    const int index = m_rows.IndexOf(files.record);
+    return index >= 0 && ListView_GetItemState(m_list, index, LVIS_SELECTED) != 0;
 }
 
 std::optional<int32_t> DictationList::NumberOf(const LPath& record) const {
-    const Entry* entry = EntryOf(record);
-    if (entry == nullptr) return std::nullopt;
-    return entry->number;
-}
-
-std::string DictationList::NameOf(const LPath& record) const {
-    char text[kPathSize] = {};
-    if (const Entry* entry = EntryOf(record))
-        ListView_GetItemText(m_list, IndexOfNumber(entry->number), 0, text, sizeof text);
-    return text;
+    const int index = m_rows.IndexOf(record);
+    if (index < 0) return std::nullopt;
+    return m_rows.NumberAt(index);
 }
 
 std::vector<DictationFiles> DictationList::Selected() const {
     std::vector<DictationFiles> selected;
     for (int i = -1; (i = ListView_GetNextItem(m_list, i, LVNI_SELECTED)) >= 0;)
-        if (const Entry* entry = EntryAt(i)) selected.push_back(entry->files);
+        if (const auto files = FilesAt(i)) selected.push_back(*files);
     return selected;
-}
-
-int DictationList::IndexOfNumber(int32_t number) const {
-    const bool known = std::any_of(m_entries.begin(), m_entries.end(),
-                                   [&](const Entry& entry) { return entry.number == number; });
-    if (!known) return -1;
-    LVFINDINFOA find = {};
-    find.flags = LVFI_PARAM;
-    find.lParam = number;
-    return static_cast<int>(
-        SendMessageA(m_list, LVM_FINDITEMA, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
-}
-
-const DictationList::Entry* DictationList::EntryAt(int index) const {
-    if (index < 0) return nullptr;
-    LVITEMA item = {};
-    item.mask = LVIF_PARAM;
-    item.iItem = index;
-    if (SendMessageA(m_list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item)) == FALSE) return nullptr;
-    for (const Entry& entry : m_entries)
-        if (entry.number == item.lParam) return &entry;
-    return nullptr;
-}
-
-const DictationList::Entry* DictationList::EntryOf(const LPath& record) const {
-    for (const Entry& entry : m_entries)
-        if (LEqualNoCase(entry.files.record.View(), record.View())) return &entry;
-    return nullptr;
 }
 
 bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {
@@ -281,18 +318,16 @@ void DictationList::EvItemChanged(const NMLISTVIEW& change) {
 }
 
 void DictationList::EvBeginLabelEdit(const NMLVDISPINFOA& edit) {
-    const Entry* entry = EntryAt(edit.item.iItem);
-    m_renamedNumber = entry != nullptr ? entry->number : 0;
+    m_renamedNumber.reset();
+    if (m_rows.Holds(edit.item.iItem)) m_renamedNumber = m_rows.NumberAt(edit.item.iItem);
     m_owner->BeforeRename();
 }
 
 LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
-    const int32_t number = m_renamedNumber;
-    LRESULT isTaken = FALSE;
-    for (const Entry& entry : m_entries) {
-        if (entry.number != number || edit.item.pszText == nullptr || *edit.item.pszText == 0) continue;
-        isTaken = StoreName(entry.files.record, edit.item.pszText);
-    }
-    m_owner->AfterRename(number);
-    return isTaken;
+    const int index = m_renamedNumber ? m_rows.IndexOf(*m_renamedNumber) : -1;
+    const char* typed = index >= 0 ? edit.item.pszText : nullptr;  // null: cancelled
+    const auto name = typed != nullptr ? ChangedName(TextAt(index, 0), typed) : std::nullopt;
+    const bool isStored = name && StoreName(m_rows.RecordAt(index), *name);
+    m_owner->AfterRename(name ? m_renamedNumber : std::nullopt);
+    return isStored ? TRUE : FALSE;
 }

@@ -9,11 +9,16 @@
 
 #include "app/transport/CurrentDictation.h"
 #include "app/window/DictationRow.h"
+#include "app/window/RowOrder.h"
+#include "base/LProcess.h"
 #include "ui/LWin.h"
 
+class ListViewChange;
+
 // The rows of the current user's dictations. Each row's item data is the dictation's number; the row acts on
-// the files of its record's file name, also when the number inside the record says otherwise. Thread: the
-// window thread.
+// the files of its record's file name, also when the number inside the record says otherwise. No operation
+// searches the rows, so a command on many costs as often what it costs on one. What is being looked at is
+// scrolled away only to show where the current dictation has gone. Thread: the window thread.
 class DictationList final : public DictationSelection {
 public:
     class Owner {
@@ -25,24 +30,28 @@ public:
         // message.
         virtual void SelectionMoved() = 0;
         virtual void PlayFromStart() = 0;
-        // Before the name of a row is edited, and when the editor has closed.
+        // Before the name of a row is edited, and when the editor closes: the number of the dictation whose
+        // record has a new name, if there is one.
         virtual void BeforeRename() = 0;
-        virtual void AfterRename(int32_t number) = 0;
+        virtual void AfterRename(std::optional<int32_t> renamed) = 0;
     };
 
     void Attach(HWND list, Owner& owner);
     // The font goes with the window.
     void ReleaseFont() { m_font.Reset(); }
 
-    // Empties the list and adds every record of the folder; the last row is selected and focused.
-    void SetupFilesList(const LPath& folder);
-    // Index of the row; a number that is listed already is not added again.
-    int AddFile(const LPath& record);
+    // Empties the list and adds every record of the folder; the last row is selected and focused. Stopped, it
+    // holds those that were added until then.
+    ProcessResult SetupFilesList(const LPath& folder, ProcessContext& context);
+    // A number that is listed already is not added again.
+    void AddFile(const LPath& record);
     // The row moves to the end and keeps its selection.
     void UpdateFile(const LPath& record);
     void UpdateNumber(int32_t number);
-    // The selection moves to the row that takes its place.
-    void RemoveFile(const LPath& record);
+    // The same for several, in the order given; listing: of their folder, as it is now.
+    void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
+    // When no row remains selected, the one that takes the place of the last is.
+    void RemoveFiles(const std::vector<DictationFiles>& dictations);
     // Makes this row the only selected one.
     void SelectFile(const LPath& record);
     // Scrolls to the current dictation, after the list has changed its size.
@@ -57,31 +66,32 @@ public:
     std::optional<DictationFiles> First() const override;
     bool IsSelected(const DictationFiles& files) const override;
     // The name in a record's row; empty when it has none.
-    std::string NameOf(const LPath& record) const;
-    bool HoldsNumber(int32_t number) const { return IndexOfNumber(number) >= 0; }
+    std::string NameOf(const LPath& record) const { return TextAt(m_rows.IndexOf(record), 0); }
+    bool HoldsNumber(int32_t number) const { return m_rows.IndexOf(number) >= 0; }
     // The number under which a record is listed.
     std::optional<int32_t> NumberOf(const LPath& record) const;
     // Taken before a command on several rows begins, since updating a row moves it.
     std::vector<DictationFiles> Selected() const;
 
-    // Renames a dictation's record and row; false when the record does not take it.
+    // Renames a dictation's record and row; a blank or unchanged name touches nothing. False when the record
+    // does not take it.
     bool Rename(const DictationFiles& files, std::string_view name);
 
     bool HandleNotify(const NMHDR& header, LRESULT& result);
 
 private:
-    struct Entry {
-        int32_t number;
-        DictationFiles files;
-    };
-
+    ProcessResult AddFiles(const FolderListing& listing, ProcessContext& context);
+    int AddRow(const DictationRow& row);
+    void Update(const std::vector<DictationRow>& rows);
+    bool AreLast(const std::vector<DictationRow>& rows) const;
+    void ChangeTexts(int index, const DictationRow& row);
+    void MoveToEnd(const DictationRow& row, ListViewChange& change);
+    void SetText(int index, int column, const std::string& text);
+    std::string TextAt(int index, int column) const;
     int CurrentIndex() const;
     std::optional<DictationFiles> FilesAt(int index) const;
-    int IndexOfNumber(int32_t number) const;
-    const Entry* EntryAt(int index) const;
-    const Entry* EntryOf(const LPath& record) const;
+    bool IsInView(int index) const;
     void SelectOnly(int index);
-    int Append(const DictationRow& row);
     void EvItemChanged(const NMLISTVIEW& change);
     void EvBeginLabelEdit(const NMLVDISPINFOA& edit);
     LRESULT EvEndLabelEdit(const NMLVDISPINFOA& edit);
@@ -89,7 +99,20 @@ private:
     HWND m_list = nullptr;
     Owner* m_owner = nullptr;
     LFont m_font;
-    std::vector<Entry> m_entries;
-    int32_t m_renamedNumber = 0;
+    RowOrder m_rows;  // the same rows in the same order as the list view's
+    std::optional<int32_t> m_renamedNumber;
     int m_quiet = 0;  // rows are being changed by us: the selection's moves are not the user's
+};
+
+// Fills a list from a folder, under a progress dialog when it takes longer.
+class LoadDictations final : public LProcess {
+public:
+    LoadDictations(DictationList& list, const LPath& folder) : m_list(list), m_folder(folder) {}
+    ProcessResult Process(ProcessContext& context) override {
+        return m_list.SetupFilesList(m_folder, context);
+    }
+
+private:
+    DictationList& m_list;
+    LPath m_folder;
 };

@@ -8,20 +8,49 @@
 #include "store/DictationRecord.h"
 #include "store/NotesFile.h"
 
-DictationRow LoadDictationRow(const LPath& record) {
+namespace {
+
+// Which of the files beside a record are worth opening.
+struct Worth {
+    bool audio = true;
+    bool notes = true;
+};
+
+DictationRow LoadFiles(const DictationFiles& files, const Worth& worth) {
     DictationRow row;
-    row.files = DictationFiles::OfPath(record);
+    row.files = files;
     DictationRecord values = DictationRecord::Read(row.files.record, 0);
     row.isUnreadable = values.result == LReadResult::Unreadable;
     if (values.result == LReadResult::Values) RepairRecord(row.files.record, values, LNowSeconds());
     const int32_t numberOfName = NumberOfFileName(row.files.record).value_or(0);
     row.number = row.isUnreadable ? numberOfName : values.number.value_or(0);
-    row.name = row.isUnreadable ? LSplitPath(record.View()).name : values.name;
+    row.name = row.isUnreadable ? LSplitPath(files.record.View()).name : values.name;
     row.date = values.date.value_or(0);
     row.priority = values.priority;
-    row.duration = FormatDuration(LWaveFile::LengthMs(row.files.audio));
-    row.notes = NotesFile::Preview(row.files.notes);
+    row.duration = FormatDuration(worth.audio ? LWaveFile::LengthMs(files.audio) : 0);
+    if (worth.notes) row.notes = NotesFile::Preview(files.notes);
     return row;
+}
+
+}  // namespace
+
+DictationRow LoadDictationRow(const LPath& record) {
+    return LoadFiles(DictationFiles::OfPath(record), {});
+}
+
+DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing) {
+    const DictationFiles files = DictationFiles::OfPath(record);
+    const auto holdsBytes = [&](const LPath& path) { return listing.SizeOf(path.View()).value_or(0) > 0; };
+    return LoadFiles(files, {holdsBytes(files.audio), holdsBytes(files.notes)});
+}
+
+std::optional<std::string> ChangedName(std::string_view name, std::string_view typed) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const size_t first = typed.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return std::nullopt;
+    typed = typed.substr(first, typed.find_last_not_of(kBlanks) + 1 - first);
+    if (typed == name) return std::nullopt;
+    return std::string(typed);
 }
 
 std::string FormatDuration(int32_t lengthMs) {

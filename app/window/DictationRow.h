@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "store/DictationFiles.h"
+#include "store/FolderListing.h"
 
 // What the list shows of one dictation, read from its three files with each opened once.
 struct DictationRow {
@@ -22,6 +25,11 @@ struct DictationRow {
 // Missing files give empty columns, a length of zero and the normal priority. Waits for nobody. A record that
 // was cut off while it was written is mended (RepairRecord).
 DictationRow LoadDictationRow(const LPath& record);
+// The same for one of many: what the listing of its folder says is missing or empty is not opened.
+DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing);
+
+// What a typed name makes of a dictation's name: nothing when it is blank or the same.
+std::optional<std::string> ChangedName(std::string_view name, std::string_view typed);
 
 // "mm:ss", rounded to whole seconds.
 std::string FormatDuration(int32_t lengthMs);

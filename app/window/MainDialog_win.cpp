@@ -20,6 +20,8 @@ constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
+constexpr char kNotAllListed[] =
+    "Not all dictations are listed.\n\nNone is lost: the others are listed when Corvane is started again.";
 constexpr char kLoseNotes[] =
     "The notes of \"%.80s\" could not be saved. The disk might be full or write-protected.\n\n"
     "Do you want to close Corvane and lose what you typed?";
@@ -146,15 +148,16 @@ bool MainDialog::InitDialog() {
     m_display.Attach(Window(), ShownUserName(m_state.user.details, m_state.user.number));
     m_notes.Attach(Item(IDC_NOTES), Window(), *this);
     m_list.Attach(Item(IDC_LIST), *this);
-    RecoverLeftovers();
-    m_list.SetupFilesList(m_state.user.currentFolder);
     m_display.ShowRecordMode(DefaultRecordMode());
     m_display.ShowPlaySpeed(ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed)));
     SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
+    FollowSelection();
+    ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
+    RedrawWindow(Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    RecoverLeftovers();
+    if (!FillList()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
-    ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
-    m_list.ShowCurrent();
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
@@ -172,6 +175,16 @@ void MainDialog::RecoverLeftovers() {
     m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
+}
+
+// False when the window is about to close.
+bool MainDialog::FillList() {
+    LoadDictations process(m_list, m_state.user.currentFolder);
+    const ProcessResult result = m_runner.RunProcess(process, "Loading Dictations");
+    if (result == ProcessResult::Stopped)
+        m_runner.Box(kNotAllListed, "Loading Dictations", MB_OK | MB_ICONINFORMATION);
+    if (m_runner.MayGoOn()) FollowSelection();  // once more: the commands that waited can be given now
+    return m_runner.MayGoOn();
 }
 
 void MainDialog::CloseWindow() {
@@ -543,9 +556,9 @@ void MainDialog::BeforeRename() {
     m_notes.Save();
 }
 
-void MainDialog::AfterRename(int32_t number) {
+void MainDialog::AfterRename(std::optional<int32_t> renamed) {
     // The row is made anew only after the list has closed its editor.
-    m_changedRows.push_back(number);
+    if (renamed) m_changedRows.push_back(*renamed);
     PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
 }
 

@@ -70,6 +70,7 @@ private:
     bool InitDialog() override;
     void DestroyDialog() override;
     void RecoverLeftovers();
+    bool FillList();
     bool MayClose();
     void CloseWindow();
 
@@ -125,7 +126,7 @@ private:
     void SelectionMoved() override;
     void PlayFromStart() override;
     void BeforeRename() override;
-    void AfterRename(int32_t number) override;
+    void AfterRename(std::optional<int32_t> renamed) override;
     // NotesBox::Owner
     void NotesSaved(const LPath& notesFile) override { PostRowChanged(notesFile.WithExtension(".dat")); }
     void UnsavedNotesChanged() override;

@@ -182,6 +182,9 @@ class Corvane:
         self.window, self.pid = found["hwnd"], found["pid"]
         wait_for(lambda: self.api(0) == 1, "an answering main window")
         self.start_seconds = time.monotonic() - started
+        # Whoever is answered while the list is filled sees this, since no message is worked off before it stands.
+        wait_for(lambda: not self.winctl.ask("find", DIALOG_CLASS, "Loading Dictations")["hwnd"], "a full list", 60)
+        self.fill_seconds = time.monotonic() - started
         return self
 
     def _find(self):
@@ -281,6 +284,9 @@ class Corvane:
 
     def list(self):
         return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])
+
+    def list_count(self):
+        return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"], 1 << 30)["count"]
 
     def rows(self):
         return self.list()["rows"]

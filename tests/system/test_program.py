@@ -39,26 +39,34 @@ def test_it_is_small_and_says_which_windows_it_is_made_for():
     assert re.search(r"MajorSubsystemVersion\s+4\b", text) and "Windows GUI" in text
 
 
-# Both limits are far from the usual figures (see the README): a noisy machine does not pass them, a fault that takes a
-# look at every dictation for every dictation, or a thread that turns idly, does.
-SLOW_START = 6.0  # seconds
+# Far from the usual figures (see the README): a noisy machine does not pass them, a fault that takes a look at every
+# dictation for every dictation, or a thread that turns idly, does.
+PAINTED_WITHIN = 6.0  # seconds more than with an empty list
+MOST_TIMES = 11  # for ten times the dictations
 HEAVY_LOAD = 0.05  # of a core
 
 
-def test_a_thousand_dictations_do_not_keep_the_user_waiting(corvane, data):
-    empty = min(start_and_close(corvane) for _ in range(2))
-    for number in range(1, 1001):
-        data.add_dictation(number, pcm_wav(800), b"a note\0")
-    full = start_and_close(corvane, rows=1000)
-    print(f"start-up: {empty:.2f} s empty, {full:.2f} s with 1,000 dictations")
-    assert full - empty <= SLOW_START
+def test_ten_times_the_dictations_take_ten_times_as_long_to_list(corvane, data):
+    def start(rows):
+        program = corvane()
+        assert program.list_count() == rows
+        program.close()
+        return program.start_seconds, program.fill_seconds
 
+    def add(first, last):
+        for number in range(first, last + 1):  # some without notes, some without sound yet
+            data.add_dictation(number, pcm_wav(800) if number % 10 else None, b"a note\0" if number % 2 else None)
 
-def start_and_close(corvane, rows=0):
-    program = corvane()
-    assert len(program.rows()) == rows if rows < 10 else program.list()["count"] == rows
-    program.close()
-    return program.start_seconds
+    painted, empty = min(start(0) for _ in range(2))
+    add(1, 1000)
+    few = min(start(1000)[1] for _ in range(2)) - empty
+    add(1001, 10000)
+    for _ in range(3):  # whatever else the machine does makes it more, never less
+        begun, filled = start(10000)
+        print(f"start-up: {empty:.2f} s, {few:.2f} s more for 1,000 dictations, {filled - empty:.2f} s for 10,000")
+        if filled - empty <= MOST_TIMES * few:
+            break
+    assert filled - empty <= MOST_TIMES * few and begun - painted <= PAINTED_WITHIN
 
 
 def test_recording_leaves_the_machine_to_others(corvane, data):

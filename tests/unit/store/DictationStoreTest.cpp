@@ -87,6 +87,23 @@ TEST_F(DictationStoreTest, DeletingTakesAllThreeFilesAndWhatWasLeftBesideThem) {
     }
 }
 
+TEST_F(DictationStoreTest, OneListingTellsWhichFilesThereAreAndHowLongTheyAre) {
+    WriteFileText(Current(1).record, "");
+    WriteFileText(Current(1).audio, "123");
+    for (const char* name : {"00000001.BAD1", "00000012.Dat", "00000001-dat.old", "1.data"})
+        WriteFileText(LPath::Join(m_user.currentFolder.View(), name), "x");
+    LFile::MakeFolder(Current(3).record);
+    const FolderListing listing(m_user.currentFolder);
+    EXPECT_EQ(listing.Records().size(), 2u);
+    EXPECT_EQ(listing.SizeOf(Current(1).record.View()), 0);
+    EXPECT_EQ(listing.SizeOf("00000001.WAV"), 3);
+    EXPECT_EQ(listing.SizeOf(Current(12).record.View()), 1);
+    for (const DictationFiles& files : {Current(3), Current(2), Sent(0)})
+        EXPECT_FALSE(listing.SizeOf(files.record.View()).has_value());
+    EXPECT_EQ(listing.OfBaseName(Current(1).notes).size(), 3u);
+    EXPECT_TRUE(FolderListing(m_temp.File("no such folder")).Records().empty());
+}
+
 TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyHaveNoOtherHome) {
     MakeFiles(Sent(12), "old");
     MakeFiles(Sent(13), "waiting");

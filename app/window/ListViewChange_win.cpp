@@ -1,0 +1,23 @@
+#include "app/window/ListViewChange_win.h"
+
+#include <commctrl.h>
+
+ListViewChange::ListViewChange(HWND list)
+    : m_list(list), m_top(ListView_GetTopIndex(list)), m_count(ListView_GetItemCount(list)) {
+    SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
+}
+
+void ListViewChange::Delete(int index) {
+    ListView_DeleteItem(m_list, index);
+    if (index < m_top) --m_top;
+}
+
+ListViewChange::~ListViewChange() {
+    SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
+    RECT row = {};
+    if (ListView_GetItemRect(m_list, 0, &row, LVIR_BOUNDS))
+        ListView_Scroll(m_list, 0, (m_top - ListView_GetTopIndex(m_list)) * (row.bottom - row.top));
+    // Rows are painted over rows; the ground is laid anew only where there are fewer of them.
+    RedrawWindow(m_list, nullptr, nullptr, RDW_VALIDATE | RDW_NOERASE);
+    InvalidateRect(m_list, nullptr, ListView_GetItemCount(m_list) < m_count);
+}
