@@ -108,19 +108,20 @@ TEST(PlatformFile, ADictationInUseStaysInCurrentAsItWas) {
     TempFolder folder;
     const DataFolder data = DataFolder::FromText(folder.Path().View());
     const CurrentUser user = SelectUser(data, 0);
+    const auto notQueued = [](const LPath&) { return QueueAnswer::No; };
     const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, 3);
     LProfile::Write(current.record, "file", "name", "Mrs Smith");
     WriteFileText(current.audio, "audio");
     WriteFileText(current.notes, "notes");
     for (const LPath* held : {&current.audio, &current.record, &current.notes}) {
         LFile reader(*held, LFile::Open::Read);
-        EXPECT_FALSE(MoveToSent(user, current.record).Run("Jo", 1));
+        EXPECT_FALSE(MoveToSent(user, current.record, notQueued).Run("Jo", 1));
         EXPECT_EQ(LProfile::Read(current.record, "file", "name", ""), "Mrs Smith");
         EXPECT_EQ(LProfile::Read(current.record, "file", "sendstatus", "none"), "none");
         EXPECT_TRUE(LFile::Exists(current.audio) && LFile::Exists(current.notes));
         EXPECT_FALSE(DictationFiles::OfNumber(user.sentFolder, 3).AnyExists());
     }
-    MoveToSent move(user, current.record);
+    MoveToSent move(user, current.record, notQueued);
     EXPECT_TRUE(move.Run("Jo", 1));
     move.Commit();
     EXPECT_EQ(LProfile::Read(move.Sent().record, "file", "sendstatus", ""), "Sending");

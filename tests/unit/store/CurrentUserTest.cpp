@@ -18,8 +18,8 @@ TEST(DataFolder, EndsInASeparatorUnlessThereIsNoRoom) {
     EXPECT_EQ(DataFolder::FromText(std::string(258, 'a')).folder.View().size(), 259u);
     EXPECT_EQ(DataFolder::FromText(std::string(259, 'a')).folder.View(), std::string(259, 'a'));
     EXPECT_TRUE(DataFolder::FromText(std::string(259, 'a')).settingsFile.Empty());
-    EXPECT_TRUE(DataFolder::FromText(std::string(216, 'a')).HasRoom());
-    EXPECT_FALSE(DataFolder::FromText(std::string(217, 'a')).HasRoom());
+    EXPECT_TRUE(DataFolder::FromText(std::string(215, 'a')).HasRoom());
+    EXPECT_FALSE(DataFolder::FromText(std::string(216, 'a')).HasRoom());
 }
 
 TEST_F(CurrentUserTest, AddingAUserKeepsWhatHisFoldersHold) {

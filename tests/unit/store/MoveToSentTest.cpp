@@ -131,7 +131,7 @@ TEST_F(MoveToSentTest, ARecordingThatCouldNotGoBackIsListedBesideTheNextOne) {
     ASSERT_TRUE(again.Run("Jo", 2));
     again.Commit();
     EXPECT_EQ(ReadFileText(Sent(12).audio), "second audio");
-    EXPECT_EQ(ReadFileText(Sent(12).notes), std::string("typed meanwhile\r\n\r\nnew notes\0", 30));
+    EXPECT_EQ(ReadFileText(Sent(12).notes), std::string("typed meanwhile\r\n\r\nnew notes\0", 29));
     EXPECT_TRUE(ReadFileText(Current(1).audio).starts_with("new audio"));
     EXPECT_EQ(DictationRecord::Read(Current(1).record).name, "new (2)");
     EXPECT_EQ(CountFiles(m_user.currentFolder), 2u);

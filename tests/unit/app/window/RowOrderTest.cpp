@@ -35,6 +35,8 @@ TEST(DictationRow, ANameIsChangedOnlyByAnotherText) {
     for (const auto& c : kCases) {
         const std::optional<std::string> name = ChangedName("Case 1", c.typed);
         EXPECT_EQ(name.has_value(), c.stored != nullptr) << c.typed;
-        if (name && c.stored) EXPECT_EQ(*name, c.stored);
+        if (name && c.stored) {
+            EXPECT_EQ(*name, c.stored);
+        }
     }
 }
