@@ -55,9 +55,10 @@ public:
     int64_t WriteTime() const;
 
     static bool Exists(const LPath& path);
-    // True only when the platform knows that no file has this name; a drive that does not answer proves
+    // True only when the platform knows that nothing has this name; a drive that does not answer proves
     // nothing.
     static bool IsAbsent(const LPath& path);
+    static bool IsFolder(const LPath& path);
     // Whether the file is marked as not to be written.
     static bool IsReadOnly(const LPath& path);
     // waitMs: how long to wait for others who keep the file open.

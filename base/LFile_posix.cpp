@@ -141,9 +141,12 @@ bool LFile::Exists(const LPath& path) {
 
 bool LFile::IsAbsent(const LPath& path) {
     struct stat info;
-    if (path.Empty()) return true;
-    if (stat(Native(path).c_str(), &info) == 0) return S_ISDIR(info.st_mode);
-    return errno == ENOENT || errno == ENOTDIR;
+    return path.Empty() || (stat(Native(path).c_str(), &info) != 0 && (errno == ENOENT || errno == ENOTDIR));
+}
+
+bool LFile::IsFolder(const LPath& path) {
+    struct stat info;
+    return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool LFile::IsReadOnly(const LPath& path) {

@@ -10,6 +10,11 @@
 
 namespace TakeBack {
 
+// A folder of a file's name is none of a dictation's files.
+static bool IsNone(const LPath& sent) {
+    return LFile::IsAbsent(sent) || LFile::IsFolder(sent);
+}
+
 static bool Move(const LPath& sent, const LPath& current) {
     if (LFile::Move(sent, current, kMoveWaitMs)) return true;
     LTrace("TakeBack::Move unable to move file", sent.View());
@@ -30,20 +35,20 @@ static bool MakeOwnDictation(const CurrentUser& user, const LPath& audio, const 
 }
 
 bool Audio(const CurrentUser& user, const DictationFiles& sent, const DictationFiles& current) {
-    if (LFile::IsAbsent(sent.audio)) return true;
+    if (IsNone(sent.audio)) return true;
     if (LFile::IsAbsent(current.audio)) return Move(sent.audio, current.audio);
     const LPath& record = LFile::IsAbsent(current.record) ? sent.record : current.record;
     return MakeOwnDictation(user, sent.audio, DictationRecord::Read(record).name);
 }
 
 bool Record(const DictationFiles& sent, const DictationFiles& current) {
-    if (LFile::IsAbsent(sent.record) || !LFile::IsAbsent(current.record)) return true;
+    if (IsNone(sent.record) || !LFile::IsAbsent(current.record)) return true;
     LProfile::Flush(sent.record);
     return Move(sent.record, current.record);
 }
 
 bool Notes(const DictationFiles& sent, const DictationFiles& current) {
-    if (LFile::IsAbsent(sent.notes)) return true;
+    if (IsNone(sent.notes)) return true;
     if (LFile::IsAbsent(current.notes)) return Move(sent.notes, current.notes);
     return NotesFile::Append(current.notes, sent.notes);
 }
