@@ -11,6 +11,7 @@ inline constexpr char kQueue[] = ".new";       // of the send queue: the file th
 inline constexpr char kNotes[] = ".tx~";       // of notes that are being saved
 inline constexpr char kRecipient[] = ".re~";   // of a recipient that is being saved
 inline constexpr char kJournal[] = ".mo~";     // of the journal of a move that is being written
+inline constexpr char kLock[] = ".lck";        // of a lock between programs; stays
 inline constexpr char kAudio[] = ".tmp";       // of audio that is being rewritten or converted
 inline constexpr char kSetAside[] = ".bad%d";  // of what stood under the audio's name and is no WAV file
 inline constexpr char kSetAsidePattern[] = ".bad*";

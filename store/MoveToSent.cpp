@@ -85,9 +85,14 @@ bool MoveToSent::Run(std::string_view recipient, int64_t now) {
     return false;
 }
 
+// Where no lock file can be made nothing can be moved either.
+LFileLock::Result MoveToSent::TakeTurn() {
+    return m_turn.Take(m_journal.WithExtension(LLeftOver::kLock), kMoveWaitMs);
+}
+
 // Everything that can be known before the first file is moved.
 const char* MoveToSent::FindObstacle() {
-    if (!TakeUp(m_user, m_isQueued)) return kEarlierMove;
+    if (TakeTurn() == LFileLock::Result::Held || !TakeUpJournal()) return kEarlierMove;
     m_before = DictationRecord::Read(m_current.record);
     if (m_before.result != LReadResult::Values) return kUnreadable;
     if (LFile::IsReadOnly(m_current.record)) return kReadOnly;
@@ -143,25 +148,31 @@ bool MoveToSent::WriteJournal() const {
 }
 
 bool MoveToSent::TakeUp(const CurrentUser& user, const AskQueue& isQueued) {
-    const LPath journal = JournalPath(user);
+    if (LFile::IsAbsent(JournalPath(user))) return true;
+    MoveToSent move(user, LPath(), isQueued);
+    return move.TakeTurn() != LFileLock::Result::Held && move.TakeUpJournal();
+}
+
+// Who has the turn finds only what somebody left who has ended, or could not finish.
+bool MoveToSent::TakeUpJournal() {
     std::string text(kPathSize, '\0');
     {
         LFile file;
-        const LReadResult result = LFile::OpenToRead(journal, file);
+        const LReadResult result = LFile::OpenToRead(m_journal, file);
         if (result != LReadResult::Values) return result == LReadResult::Absent;
         text.resize(file.Read({reinterpret_cast<uint8_t*>(text.data()), text.size()}));
         if (text.empty() && file.Size() > 0) return false;
     }
-    if (s_settledJournal == journal) return DeleteJournal(journal);
+    if (s_settledJournal == m_journal) return DeleteJournal(m_journal);
     std::string_view name = text;
     const bool hasNotes = name.ends_with(kJournalWithNotes);
     if (hasNotes) name.remove_suffix(1);
     // Only the name of a record may decide what is moved.
     if (!NumberOfFileName(LPath(name)) || LFileNameOf(name) != name) {
-        LTrace("MoveToSent::TakeUp unreadable journal", journal.View());
-        return DeleteJournal(journal);
+        LTrace("MoveToSent::TakeUp unreadable journal", m_journal.View());
+        return DeleteJournal(m_journal);
     }
-    MoveToSent move(user, LPath(name), isQueued);
+    MoveToSent move(m_user, LPath(name), m_isQueued);
     move.m_hasNotes = hasNotes;
     return move.Settle();
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/LFileLock.h"
 #include "base/LPath.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
@@ -45,6 +46,8 @@ public:
     static bool TakeUp(const CurrentUser& user, const AskQueue& isQueued);
 
 private:
+    LFileLock::Result TakeTurn();
+    bool TakeUpJournal();
     bool WriteJournal() const;
     const char* FindObstacle();
     bool MakeRoom() const;
@@ -55,6 +58,7 @@ private:
     const CurrentUser& m_user;
     AskQueue m_isQueued;
     LPath m_journal;
+    LFileLock m_turn;  // another Windows session may be moving on the same folder
     DictationFiles m_current;
     DictationFiles m_sent;
     DictationRecord m_before;  // for the keys of an earlier sending

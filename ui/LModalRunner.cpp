@@ -40,10 +40,14 @@ int LModalRunner::Box(std::string_view text, std::string_view caption, UINT flag
 }
 
 INT_PTR LModalRunner::RunModal(LDialog& dialog, int resource, WhatRuns whatRuns) {
+    return RunModal(whatRuns, [&](HWND owner) { return dialog.RunModal(resource, owner); });
+}
+
+INT_PTR LModalRunner::RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show) {
     if (whatRuns == WhatRuns::Stops) m_stop();
     if (!MayGoOn()) return -1;
     const Stay stay(*this, Standing::Question);
-    return dialog.RunModal(resource, m_window);
+    return show(m_window);
 }
 
 ProcessResult LModalRunner::RunProcess(LProcess& process, std::string_view title) {

@@ -33,6 +33,8 @@ public:
     void Tell(std::string_view text) { Box(text, "Error", MB_OK | MB_ICONEXCLAMATION); }
     // As LDialog::RunModal; -1 also when what runs could not be stopped.
     INT_PTR RunModal(LDialog& dialog, int resource, WhatRuns whatRuns);
+    // Whatever else is modal: show is given the owner. -1 when it was not called.
+    INT_PTR RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show);
     // Under the progress dialog; an error text of the process is shown.
     ProcessResult RunProcess(LProcess& process, std::string_view title);
 

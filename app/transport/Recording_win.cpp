@@ -97,7 +97,10 @@ bool Recording::ReadExisting(Target& target) {
     info.isOurLayout = true;
     {
         LFile file(audio, LFile::Open::Read);
-        if (!file.IsOpen() && LFile::Exists(audio)) {
+        uint8_t first = 0;
+        const bool isHeld =
+            file.IsOpen() ? file.Size() != 0 && !file.ReadExact({&first, 1}) : LFile::Exists(audio);
+        if (isHeld) {
             m_runner.Tell(kCannotOpen);
             return false;
         }

@@ -49,8 +49,8 @@ public:
     void DeleteOldFiles();
     // Warns when the disk is getting full, after old files have gone.
     void TestHardDrive();
-    // A change of a record that could not be stored.
-    void TellNotStored() { m_runner.Tell(kNotStored); }
+    // A change of a record that could not be stored: said when whoever finds it out has finished.
+    void TellNotStored() { m_runner.TellLater(kNotStored); }
 
 private:
     static const char kNotStored[];

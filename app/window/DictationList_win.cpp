@@ -252,8 +252,7 @@ bool DictationList::Rename(const DictationFiles& files, std::string_view name) {
 }
 
 int DictationList::CurrentIndex() const {
-    const int focused = ListView_GetNextItem(m_list, -1, LVNI_FOCUSED | LVNI_SELECTED);
-    return focused >= 0 ? focused : ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
+    return m_current ? m_rows.IndexOf(m_current.Files()->record) : -1;
 }
 
 bool DictationList::IsInView(int index) const {
@@ -328,6 +327,6 @@ LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
     const char* typed = index >= 0 ? edit.item.pszText : nullptr;  // null: cancelled
     const auto name = typed != nullptr ? ChangedName(TextAt(index, 0), typed) : std::nullopt;
     const bool isStored = name && StoreName(m_rows.RecordAt(index), *name);
-    m_owner->AfterRename(name ? m_renamedNumber : std::nullopt);
+    m_owner->AfterRename(name ? m_renamedNumber : std::nullopt, isStored);
     return isStored ? TRUE : FALSE;
 }

@@ -30,12 +30,14 @@ public:
         // message.
         virtual void SelectionMoved() = 0;
         virtual void PlayFromStart() = 0;
-        // Before the name of a row is edited, and when the editor closes: the number of the dictation whose
-        // record has a new name, if there is one.
+        // Before the name of a row is edited, and when the editor closes: the number of the dictation that was
+        // given a new name, if there is one, and whether its record took it.
         virtual void BeforeRename() = 0;
-        virtual void AfterRename(std::optional<int32_t> renamed) = 0;
+        virtual void AfterRename(std::optional<int32_t> renamed, bool isStored) = 0;
     };
 
+    // current: what the view follows, and what is renamed.
+    explicit DictationList(const CurrentDictation& current) : m_current(current) {}
     void Attach(HWND list, Owner& owner);
     // The font goes with the window.
     void ReleaseFont() { m_font.Reset(); }
@@ -96,6 +98,7 @@ private:
     void EvBeginLabelEdit(const NMLVDISPINFOA& edit);
     LRESULT EvEndLabelEdit(const NMLVDISPINFOA& edit);
 
+    const CurrentDictation& m_current;
     HWND m_list = nullptr;
     Owner* m_owner = nullptr;
     LFont m_font;

@@ -20,6 +20,7 @@ constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
+constexpr char kInUseFile[] = "inuse.lck";
 constexpr char kNotAllListed[] =
     "Not all dictations are listed.\n\nNone is lost: the others are listed when Corvane is started again.";
 constexpr char kLoseNotes[] =
@@ -28,6 +29,12 @@ constexpr char kLoseNotes[] =
 constexpr const char* kPriorities[] = {"High", "Normal", "Low"};  // in the order of the command numbers
 
 class AboutDialog final : public LDialog {};
+
+POINT CursorPlace() {
+    POINT at = {};
+    GetCursorPos(&at);
+    return at;
+}
 
 WindDirection DirectionOf(int button) {
     return button == IDC_REWIND || button == CM_REWIND ? WindDirection::Back : WindDirection::Forward;
@@ -77,7 +84,8 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_STOP, IDC_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
     {IDC_GOTOSTART, IDC_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
     {IDC_GOTOEND, IDC_GOTOEND, [](MainDialog& d, int) { return d.m_transport.GoToEnd(), true; }},
-    {IDC_INFOLINE, IDC_INFOLINK, [](MainDialog& d, int) { return d.ShowPopup(IDM_INFO), true; }},
+    {IDC_INFOLINE, IDC_INFOLINK,
+     [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
     {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
     {CM_SENDFILE, CM_SENDFILE,
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
@@ -122,6 +130,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
 
 MainDialog::MainDialog(AppState& state)
     : m_state(state),
+      m_list(m_current),
       m_transport(state, m_current, m_runner, *this),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
       m_devices(*this),
@@ -173,6 +182,10 @@ bool MainDialog::InitDialog() {
 // What an earlier run left half done is put right before anything is listed or sent.
 void MainDialog::RecoverLeftovers() {
     m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
+    // Another Windows session on the same folder is in the middle of what would look left over.
+    const LPath lock =
+        LPath::Join(UserFolderPath(m_state.data.folder, m_state.user.number).View(), kInUseFile);
+    if (m_inUse.TryTake(lock) == LFileLock::Result::Held) return;
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
 }
@@ -273,7 +286,7 @@ bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
         GetWindowRect(Item(IDC_LIST), &box);
         at = {box.left + 16, box.top + 32};
     }
-    ShowPopup(IDM_DICTATION, at);
+    m_display.ShowPopup(IDM_DICTATION, at, Situation());
     result = 0;
     return true;
 }
@@ -447,21 +460,6 @@ bool MainDialog::MayChange() {
     return IsOpen();
 }
 
-void MainDialog::ShowPopup(int resource) {
-    POINT at;
-    GetCursorPos(&at);
-    ShowPopup(resource, at);
-}
-
-void MainDialog::ShowPopup(int resource, POINT at) {
-    const HMENU menu = LoadMenuA(LInstance(), MAKEINTRESOURCEA(resource));
-    if (menu == nullptr) return;
-    const HMENU popup = GetSubMenu(menu, 0);
-    WindowDisplay::EnableCommands(popup, Situation());
-    TrackPopupMenu(popup, TPM_RIGHTBUTTON, at.x, at.y, 0, Window(), nullptr);
-    DestroyMenu(menu);
-}
-
 bool MainDialog::Wind(WindDirection direction, bool isDown) {
     if (!isDown) {
         m_transport.EndWinding(direction);
@@ -556,7 +554,8 @@ void MainDialog::BeforeRename() {
     m_notes.Save();
 }
 
-void MainDialog::AfterRename(std::optional<int32_t> renamed) {
+void MainDialog::AfterRename(std::optional<int32_t> renamed, bool isStored) {
+    if (renamed && !isStored) m_dictations.TellNotStored();
     // The row is made anew only after the list has closed its editor.
     if (renamed) m_changedRows.push_back(*renamed);
     PostMessageA(Window(), WM_ROWCHANGED, 0, 0);

@@ -15,6 +15,7 @@
 #include "app/window/NotesBox_win.h"
 #include "app/window/WindowDisplay_win.h"
 #include "app/window/WindowLayout_win.h"
+#include "base/LFileLock.h"
 #include "send/BGSend.h"
 #include "ui/LDialog.h"
 #include "ui/LIntroduction.h"
@@ -107,8 +108,6 @@ private:
 
     // Commands
     CommandSituation Situation() const;
-    void ShowPopup(int resource);
-    void ShowPopup(int resource, POINT at);
     bool Wind(WindDirection direction, bool isDown);
     bool SetRecordMode(RecordMode mode);
     bool SetPlaySpeed(PlaySpeed speed);
@@ -126,7 +125,7 @@ private:
     void SelectionMoved() override;
     void PlayFromStart() override;
     void BeforeRename() override;
-    void AfterRename(std::optional<int32_t> renamed) override;
+    void AfterRename(std::optional<int32_t> renamed, bool isStored) override;
     // NotesBox::Owner
     void NotesSaved(const LPath& notesFile) override { PostRowChanged(notesFile.WithExtension(".dat")); }
     void UnsavedNotesChanged() override;
@@ -162,6 +161,7 @@ private:
     std::atomic<HWND> m_postTo{nullptr};  // read by the send thread
     LModalRunner m_runner;
     BGSend m_queue;
+    LFileLock m_inUse;  // of the user's folder: who holds it may clear up what others left
     CurrentDictation m_current;
     DictationList m_list;
     NotesBox m_notes;

@@ -75,6 +75,15 @@ void WindowDisplay::EnableCommands(HMENU menu, const CommandSituation& situation
     }
 }
 
+void WindowDisplay::ShowPopup(int resource, POINT at, const CommandSituation& situation) const {
+    const HMENU menu = LoadMenuA(LInstance(), MAKEINTRESOURCEA(resource));
+    if (menu == nullptr) return;
+    const HMENU popup = GetSubMenu(menu, 0);
+    EnableCommands(popup, situation);
+    TrackPopupMenu(popup, TPM_RIGHTBUTTON, at.x, at.y, 0, m_window, nullptr);
+    DestroyMenu(menu);
+}
+
 void WindowDisplay::ShowSituation(CommandSituation situation) {
     situation.standing = CommandSituation::Standing::Nothing;
     m_view = situation.view;

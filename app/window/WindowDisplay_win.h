@@ -27,7 +27,8 @@ public:
 
     // Which buttons and menu items can be given; what stands before the window at the moment does not count.
     void ShowSituation(CommandSituation situation);
-    static void EnableCommands(HMENU menu, const CommandSituation& situation);
+    // The first menu of a resource, at a place of the screen; returns when it is closed.
+    void ShowPopup(int resource, POINT at, const CommandSituation& situation) const;
     // What runs has begun or ended.
     void ShowActivity();
     // Name, position and length of the current dictation, and what is being done with it.
@@ -50,6 +51,7 @@ public:
 
 private:
     HWND Item(int control) const { return GetDlgItem(m_window, control); }
+    static void EnableCommands(HMENU menu, const CommandSituation& situation);
     void LoadIcons();
     void SetPositionFont();
     void AddToolTips();

@@ -245,7 +245,9 @@ def test_the_space_bar_after_a_click_on_stop_records_nothing(program, data):
     middle_of(program, "IDC_STOP")
     key("click", "1")
     wait_status(program, STOPPED)
+    wait_for(lambda: program.row(1)["focused"], "the keyboard on the list")
     key("key", "space")
+    program.command("CM_PLAY")
     wait_status(program, PLAYING)
     program.command("CM_STOP")
     assert data.audio(1).read_bytes() == before
