@@ -7,7 +7,9 @@
 #include "app/StartUpPlan.h"
 #include "app/window/MainDialog_win.h"
 #include "audio/device/LDBDisplay_win.h"
+#include "audio/stream/LKernels.h"
 #include "base/LFile.h"
+#include "base/LProfileText.h"
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"
 #include "install/Installer_win.h"
@@ -89,7 +91,14 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
     LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles", request.folder.View());
 }
 
+// Two threads must not meet in the first use of these: on Windows 95 the library's guard of it fails.
+void MakeShared() {
+    Kernels();
+    LProfileLock();
+}
+
 void Run(StartingGate& gate) {
+    MakeShared();
     AppState state;
     state.data = FindDataFolder();
     if (!state.data.HasRoom()) {

@@ -112,5 +112,7 @@ struct LFolderEntry {
 
 // Calls visit for each entry of a folder that fits a pattern ("*.dat", "*.*"), in the order in which the file
 // system yields them, "." and ".." left out; visit returns false to end the listing.
-void LListFolder(const LPath& folder, std::string_view pattern,
+// False when the listing broke off, or the folder could not be listed: what was not named may be there all the same.
+// A folder that does not exist is an empty one.
+bool LListFolder(const LPath& folder, std::string_view pattern,
                  const std::function<bool(const LFolderEntry&)>& visit);

@@ -188,10 +188,10 @@ LPath LFile::MakeTemporary(std::string_view prefix) {
     return file ? LPath(path) : LPath();
 }
 
-void LListFolder(const LPath& folder, std::string_view pattern,
+bool LListFolder(const LPath& folder, std::string_view pattern,
                  const std::function<bool(const LFolderEntry&)>& visit) {
     DIR* list = folder.Empty() ? nullptr : opendir(Native(folder).c_str());
-    if (!list) return;
+    if (!list) return !folder.Empty() && errno == ENOENT;
     const std::string wanted = pattern == "*.*" ? "*" : LUpper(pattern);
     while (const dirent* found = readdir(list)) {
         LFolderEntry entry;
@@ -207,4 +207,5 @@ void LListFolder(const LPath& folder, std::string_view pattern,
         if (!visit(entry)) break;
     }
     closedir(list);
+    return true;
 }

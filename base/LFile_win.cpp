@@ -65,7 +65,7 @@ bool IsHeldByOthers(const LPath& file, DWORD error) {
 // ERROR_SUCCESS or the reason of the failure.
 DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
     using MoveFileEx = BOOL(WINAPI*)(LPCSTR, LPCSTR, DWORD);
-    static const auto moveFileEx = LSystemFunction<MoveFileEx>("MoveFileExA");
+    const auto moveFileEx = LSystemFunction<MoveFileEx>("MoveFileExA");
     if (moveFileEx) {
         const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH | MOVEFILE_COPY_ALLOWED;
         if (moveFileEx(finished.c_str(), target.c_str(), flags)) return ERROR_SUCCESS;
@@ -215,7 +215,7 @@ LFile::Attempt LFile::TryMove(const LPath& from, const LPath& to) {
 LFile::Attempt LFile::TryReplace(const LPath& finished, const LPath& target) {
     const DWORD error = ReplaceOnce(finished, target);
     if (error == ERROR_SUCCESS) return Attempt::Done;
-    return IsHeldByOthers(target, error) ? Attempt::Held : Attempt::Failed;
+    return IsHeldByOthers(Exists(target) ? target : finished, error) ? Attempt::Held : Attempt::Failed;
 }
 
 bool LFile::MakeFolder(const LPath& path) {
@@ -228,7 +228,7 @@ bool LFile::DeleteFolder(const LPath& path) {
 
 uint64_t LFile::FreeSpaceKb(const LPath& folder) {
     using GetDiskFreeSpaceEx = BOOL(WINAPI*)(LPCSTR, PULARGE_INTEGER, PULARGE_INTEGER, PULARGE_INTEGER);
-    static const auto getDiskFreeSpaceEx = LSystemFunction<GetDiskFreeSpaceEx>("GetDiskFreeSpaceExA");
+    const auto getDiskFreeSpaceEx = LSystemFunction<GetDiskFreeSpaceEx>("GetDiskFreeSpaceExA");
     ULARGE_INTEGER available;
     ULARGE_INTEGER total;
     if (getDiskFreeSpaceEx && getDiskFreeSpaceEx(folder.c_str(), &available, &total, nullptr)) {
@@ -253,13 +253,16 @@ LPath LFile::MakeTemporary(std::string_view prefix) {
     return LPath(name);
 }
 
-void LListFolder(const LPath& folder, std::string_view pattern,
+bool LListFolder(const LPath& folder, std::string_view pattern,
                  const std::function<bool(const LFolderEntry&)>& visit) {
     const LPath search = LPath::Join(folder.View(), pattern);
-    if (folder.Empty() || search.Empty()) return;
+    if (folder.Empty() || search.Empty()) return false;
     WIN32_FIND_DATAA found;
     const LOwned<FindTraits> list(FindFirstFileA(search.c_str(), &found));
-    if (!list) return;
+    if (!list) {
+        const DWORD error = GetLastError();
+        return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_NO_MORE_FILES;
+    }
     do {
         LFolderEntry entry;
         entry.name = found.cFileName;
@@ -268,6 +271,7 @@ void LListFolder(const LPath& folder, std::string_view pattern,
         entry.size = static_cast<int64_t>(Join(found.nFileSizeHigh, found.nFileSizeLow));
         entry.created = ToFileTime(found.ftCreationTime);
         entry.written = ToFileTime(found.ftLastWriteTime);
-        if (!visit(entry)) return;
+        if (!visit(entry)) return true;
     } while (FindNextFileA(list.Get(), &found));
+    return GetLastError() == ERROR_NO_MORE_FILES;
 }

@@ -17,7 +17,9 @@ std::string_view LTrimBlanks(std::string_view text);
 bool LIsProfileHeader(std::string_view line);
 bool LIsProfileHeader(std::string_view line, std::string_view section);
 
-inline constexpr size_t kLongestProfile = 64u << 20;  // bytes
+// Bytes of a file that is taken for a settings file. Ours have a few hundred; a larger one would be walked through at
+// each start, and Windows 95 itself reads no more than 64 KB.
+inline constexpr size_t kLongestProfile = 256u << 10;
 
 // A value as a reader gets it: without blanks and one pair of quotation marks around it, cut to 259
 // characters.

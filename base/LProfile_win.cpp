@@ -1,11 +1,13 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <vector>
 
 #include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LProfileText.h"
 #include "base/LThread.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
 
 // An empty path would make the platform use a file of its own.
@@ -44,11 +46,33 @@ bool HasRoom(const LPath& file) {
     return LFile::FreeSpaceKb(LPath(LFolderOf(file.View()))) >= static_cast<uint64_t>(size) / 1024 + kRoomKb;
 }
 
+constexpr uint32_t kTurnMs = 500;  // more than any change takes
+constexpr uint32_t kTurnRetryMs = 5;
+constexpr int kMostRefusals = 5;
+
+// The copy is made only where there is none, so that the programs of several sessions take turns. One that stays was
+// left by a program that ended.
+bool OpenCopy(const LPath& copy, LFile& made) {
+    const uint32_t begun = LTickMs();
+    for (int refusals = 0;; LSleep(kTurnRetryMs)) {
+        made = LFile(copy, LFile::Open::CreateAbsent);
+        if (made.IsOpen()) return true;
+        const uint32_t waitedMs = LTickMs() - begun;
+        if (!LFile::Exists(copy) && ++refusals > kMostRefusals) return false;  // nothing can be created here
+        if (waitedMs >= kTurnMs) LFile::Delete(copy);
+        if (waitedMs >= 2 * kTurnMs) return false;
+    }
+}
+
 bool MakeCopy(const LPath& file, const LPath& copy) {
-    if (copy.Empty()) return false;
-    if (LFile::Exists(file)) return CopyFileA(file.c_str(), copy.c_str(), FALSE);
-    LFile::Delete(copy);
-    return true;
+    LFile made;
+    if (copy.Empty() || !OpenCopy(copy, made)) return false;
+    std::vector<uint8_t> bytes;
+    const bool isRead = LFile::TryRead(file, kLongestProfile, bytes, 0) != LReadResult::Unreadable;
+    const bool isMade = isRead && made.WriteAll(bytes);
+    made.Close();
+    if (!isMade) LFile::Delete(copy);
+    return isMade;
 }
 
 bool ChangeCopy(const LPath& copy, const Change& change) {
@@ -76,15 +100,18 @@ bool ChangeFile(const LPath& file, const Change& change) {
     DropCache(file);
     if (IsAsWanted(file, change)) return true;
     const LPath copy = LProfile::CopyOf(file);
-    const bool changed = MakeCopy(file, copy) && ChangeCopy(copy, change) && LFile::Replace(copy, file);
+    const bool isMade = MakeCopy(file, copy);
+    if (!isMade && LFile::Exists(copy)) return false;  // another program's turn
+    bool changed = isMade && ChangeCopy(copy, change) && LFile::Replace(copy, file);
     if (!changed) {
         // A folder in which nothing may be created, or another program that keeps the file open. Where a file
         // is replaced in two steps it may be gone: then the copy is all there is.
-        LProfile::Recover(file);
-        if (!Apply(file, change)) return false;
+        if (isMade && LFile::IsAbsent(file)) LFile::Move(copy, file);
+        changed = Apply(file, change);
+        if (isMade) LFile::Delete(copy);
     }
     DropCache(file);
-    return true;
+    return changed;
 }
 
 }  // namespace

@@ -79,6 +79,7 @@ void BGSend::StartSending() {
         LLock lock(m_queueLock);
         if (m_isActive) {
             m_stopSending.Reset();
+            m_added.Signal();
             return;
         }
         m_isActive = true;
@@ -141,9 +142,10 @@ void BGSend::ThreadFunction() {
         if (work.isElsewhere) {
             m_stopSending.Wait(kElsewhereMs);
         } else if (work.isFinished || MakeFile(work) != ProcessResult::Stopped) {
+            m_keptInRow = 0;
             Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); });
         } else if (!IsCancelled(work)) {
-            m_stopSending.Wait(kKeptRetryMs);  // another program keeps its files from being read
+            KeepForLater(work, sending);
         }
     }
 }
@@ -185,8 +187,29 @@ ProcessResult BGSend::MakeFile(const Work& work) {
     ItemContext context(*this, work);
     SendItem item(work.entry, m_data, context);
     const ProcessResult result = item.Send();
-    SetError({context.Error(), item.DictationName(), item.TypistName()});
+    const bool isKept = result == ProcessResult::Stopped;
+    const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
+    if (!isKept || told == m_toldKept.end())
+        SetError({context.Error(), item.DictationName(), item.TypistName()});
+    if (!isKept && told != m_toldKept.end()) m_toldKept.erase(told);
+    if (isKept && told == m_toldKept.end() && !context.Error().empty())
+        m_toldKept.push_back(work.entry.dictation);
     return result;
+}
+
+// Another program keeps the files of a dictation from being read. Those behind it are not kept waiting; when all have
+// had their turn in vain, the next round takes its time, and whoever else sends may try.
+void BGSend::KeepForLater(const Work& work, LFileLock& sending) {
+    int32_t count = 0;
+    const bool isMoved = Persist(kRemoveLimitMs, [&] {
+        LLock lock(m_queueLock);
+        return work.era != m_era || m_queue.MoveHeadToEnd(work.entry, count);
+    });
+    if (!isMoved || ++m_keptInRow < count) return;
+    m_keptInRow = 0;
+    sending.Release();
+    m_added.Reset();
+    m_stopSending.WaitEither(m_added, kKeptRetryMs);
 }
 
 // Takes away what was sent or failed, unless the queue was emptied meanwhile. False when the file cannot be
@@ -238,13 +261,15 @@ void BGSend::SetProgress(double value) {
     if (m_owner) m_owner->PostSendProgress();
 }
 
-void BGSend::SetError(const SendError& error) {
+// False when another one is still to be told.
+bool BGSend::SetError(const SendError& error) {
     LLock lock(m_stateLock);
-    if (m_error || !error) return;
+    if (m_error || !error) return false;
     m_error = error;
     m_error.text.resize(std::min(m_error.text.size(), kLongestError));
+    return true;
 }
 
 void BGSend::TellUnusable() {
-    if (!m_toldUnusable.exchange(true)) SetError({kQueueUnwritable, {}, {}});
+    if (!m_toldUnusable && SetError({kQueueUnwritable, {}, {}})) m_toldUnusable = true;
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/LFileLock.h"
 #include "base/LPath.h"
@@ -82,6 +83,7 @@ private:
     bool TryTakeHead(Work& work, LFileLock& sending);
     ProcessResult MakeFile(const Work& work);
     bool TryRemoveHead(const Work& work);
+    void KeepForLater(const Work& work, LFileLock& sending);
     template <class Attempt>
     bool Persist(uint32_t limitMs, Attempt attempt);
     bool GoesOn();
@@ -91,7 +93,7 @@ private:
     void SetItemProgress(double itemFraction);
     void SetRange(int32_t entries);
     void SetProgress(double value);
-    void SetError(const SendError& error);
+    bool SetError(const SendError& error);
     void TellUnusable();
 
     BGSendOwner* m_owner = nullptr;
@@ -107,6 +109,11 @@ private:
     SendProgressRange m_range;
     SendError m_error;
 
+    // The thread's own: whose files could not be read, as the user was told, and how many in a row.
+    std::vector<LPath> m_toldKept;
+    int32_t m_keptInRow = 0;
+
+    LSignalObject m_added;           // there is something new to send
     LSignalObject m_stopSending;     // unlike the thread's own a start may withdraw it
     std::atomic<uint32_t> m_era{0};  // counts how often the queue was emptied; changes under m_queueLock
     std::atomic<bool> m_toldUnusable{false};  // that the queue file cannot be used, and it still cannot

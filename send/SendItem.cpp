@@ -19,6 +19,7 @@
 namespace {
 
 constexpr double kConversionEnd = 0.4;  // of the item
+constexpr uint32_t kStatusRetryMs = 50;
 
 constexpr char kNoCodec[] =
     "Unable open temporary compressed wav file.\n\n"
@@ -73,8 +74,8 @@ ProcessResult SendItem::Send() {
     if (m_context.CancelRequested()) return ProcessResult::Stopped;
     if (!m_entry.isWhole || m_files.audio.Empty() || !NamesRecipient(m_entry, m_data.folder))
         return RefuseDamaged();
-    if (m_record.result == LReadResult::Unreadable || m_sender.result == LReadResult::Unreadable)
-        return KeepForLater();
+    if (!CanBeRead()) return KeepForLater();
+    if (IsDelivered()) return ProcessResult::Done;
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
@@ -86,6 +87,21 @@ ProcessResult SendItem::Send() {
             LFormat("The notes are too long for a dictation file. Only their first %lu characters were sent.",
                     static_cast<unsigned long>(kDctLongestNotes)));
     return result;
+}
+
+// Whether no other program keeps anything that is needed from being read.
+bool SendItem::CanBeRead() const {
+    if (m_record.result == LReadResult::Unreadable || m_sender.result == LReadResult::Unreadable)
+        return false;
+    for (const LPath* path : {&m_files.audio, &m_entry.recipient})
+        if (LFile file; LFile::OpenToRead(*path, file) == LReadResult::Unreadable) return false;
+    return true;
+}
+
+// By an earlier run, which ended before it could remove the entry.
+bool SendItem::IsDelivered() const {
+    const std::string& status = m_record.sendStatus;
+    return !status.empty() && status != RecordKeys::kStatusSending && status != RecordKeys::kStatusFailed;
 }
 
 ProcessResult SendItem::RefuseDamaged() {
@@ -206,8 +222,18 @@ LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const
 }
 
 // A dictation that was recovered or deleted meanwhile has no record here, and must not get a new one.
-void SendItem::WriteStatus(std::string_view status) const {
-    if (LFile::Exists(m_files.record)) Settings::Write(m_files.record, RecordKeys::kSendStatus, status);
+void SendItem::WriteStatus(std::string_view status) {
+    const uint32_t begun = LTickMs();
+    while (!LFile::IsAbsent(m_files.record)) {
+        if (Settings::Write(m_files.record, RecordKeys::kSendStatus, status)) return;
+        if (LTickMs() - begun >= kMoveWaitMs) {
+            LTrace("SendItem::WriteStatus unable to write record", m_files.record.View());
+            m_context.SetError(LFormat("The record of the dictation could not be marked as \"%.20s\".",
+                                       std::string(status).c_str()));
+            return;
+        }
+        LSleep(kStatusRetryMs);
+    }
 }
 
 ProcessResult SendItem::Fail(std::string_view reason) {

@@ -48,7 +48,9 @@ private:
     DctHeader MakeDctHeader() const;
     int32_t Number() const;
     LPath OutputPath(const char* prefix, std::string_view extension) const;
-    void WriteStatus(std::string_view status) const;
+    bool CanBeRead() const;
+    bool IsDelivered() const;
+    void WriteStatus(std::string_view status);
     ProcessResult Fail(std::string_view reason);
 
     const SendQueueEntry& m_entry;

@@ -127,7 +127,7 @@ bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) 
     }
     if (isMine) FinishReplacement();
     std::vector<uint8_t> bytes;
-    if (!LFile::ReadWhole(m_path, kMostBytes, bytes) && LFile::Exists(m_path)) {
+    if (LFile::TryRead(m_path, kMostBytes, bytes, 0) == LReadResult::Unreadable) {
         LTrace("SendQueueFile::Enter unable to read file", m_path.View());
         return false;
     }
@@ -140,8 +140,8 @@ bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) 
 // Some platforms replace a file in two steps, and only a finished one ever replaces: without the file itself,
 // what stands beside it is the queue. Whoever has the turn finds only what somebody left who has ended.
 bool SendQueueFile::FinishReplacement() const {
-    if (!LFile::Exists(m_path)) return LFile::Move(m_unfinished, m_path);
-    LFile::Delete(m_unfinished);
+    if (LFile::IsAbsent(m_path)) return LFile::Move(m_unfinished, m_path);
+    if (LFile::Exists(m_path)) LFile::Delete(m_unfinished);
     return false;
 }
 
@@ -185,9 +185,24 @@ bool SendQueueFile::Append(const SendQueueEntry& entry, int32_t& count) {
     LFileLock turn;
     Contents contents;
     if (!Enter(Purpose::Change, turn, contents)) return false;
-    contents.entries.push_back({std::string(entry.dictation.View()), std::string(entry.recipient.View()),
-                                std::to_string(entry.user)});
-    if (!Write(contents)) return false;
+    // An earlier attempt may have got further than it could tell.
+    if (contents.entries.empty() || !(ToEntry(contents.entries.back()) == entry)) {
+        contents.entries.push_back({std::string(entry.dictation.View()), std::string(entry.recipient.View()),
+                                    std::to_string(entry.user)});
+        if (!Write(contents)) return false;
+    }
+    count = contents.Count();
+    return true;
+}
+
+bool SendQueueFile::MoveHeadToEnd(const SendQueueEntry& head, int32_t& count) {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    if (contents.Count() > 1 && contents.Head() == head) {
+        std::rotate(contents.entries.begin(), contents.entries.begin() + 1, contents.entries.end());
+        if (!Write(contents)) return false;
+    }
     count = contents.Count();
     return true;
 }

@@ -38,6 +38,8 @@ public:
     bool Append(const SendQueueEntry& entry, int32_t& count);
     // Takes the head away if it is this one; count becomes the number of those that are left.
     bool RemoveHead(const SendQueueEntry& head, int32_t& count);
+    // Puts the head behind all others if it is this one.
+    bool MoveHeadToEnd(const SendQueueEntry& head, int32_t& count);
     // With a count of 0 the queue is empty, though the old entries' keys stay until others take their place.
     bool Clear();
 

@@ -95,7 +95,8 @@ bool DeleteDictationFiles(const DictationFiles& files) {
 bool DeleteDictationFiles(const DictationFiles& files, const FolderListing& listing) {
     LProfile::Flush(files.record);
     for (const LPath* file : {&files.audio, &files.notes, &files.record}) {
-        if (listing.SizeOf(file->View()) && LFile::Exists(*file) && !LFile::Delete(*file)) {
+        const bool mayBeThere = !listing.IsWhole() || listing.SizeOf(file->View());
+        if (mayBeThere && !LFile::IsAbsent(*file) && !LFile::Delete(*file)) {
             LTrace("DeleteDictationFiles unable to delete file", file->View());
             return false;
         }
@@ -125,7 +126,9 @@ static bool IsNeeded(const DictationFiles& files, const AskQueue& isQueued) {
         return LFile::OpenToRead(files.audio, audio, 0) == LReadResult::Unreadable ||
                audio.Size() > kEmptyAudioBytes;
     }
-    return record.sendStatus == RecordKeys::kStatusSending || record.sendStatus == RecordKeys::kStatusFailed;
+    // One that was cut off says nothing.
+    return record.sendStatus.empty() || record.sendStatus == RecordKeys::kStatusSending ||
+           record.sendStatus == RecordKeys::kStatusFailed;
 }
 
 void DeleteOldDictations(const LPath& sentFolder, int32_t days, uint64_t now, const AskQueue& isQueued) {

@@ -6,7 +6,7 @@
 #include "base/LText.h"
 
 FolderListing::FolderListing(const LPath& folder) : m_folder(folder) {
-    LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
+    m_isWhole = LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
         if (entry.isFolder) return true;
         m_files.push_back({LUpper(entry.name), entry.name, entry.size});
         if (m_files.back().key.ends_with(".DAT")) m_records.push_back(entry.name);

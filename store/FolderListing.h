@@ -17,6 +17,9 @@ class FolderListing {
 public:
     explicit FolderListing(const LPath& folder);
 
+    // False when the listing broke off: what it does not name may be there all the same.
+    bool IsWhole() const { return m_isWhole; }
+
     // The paths of all record files, in the order in which the file system yields them.
     std::vector<LPath> Records() const;
     // Bytes of a file of this folder, given its path or its name; nothing where there is none.
@@ -35,6 +38,7 @@ private:
     std::vector<File>::const_iterator FirstFrom(std::string_view key) const;
 
     LPath m_folder;
+    bool m_isWhole;
     std::vector<File> m_files;           // in the order of their keys
     std::vector<std::string> m_records;  // names, as the file system yields them
 };

@@ -47,7 +47,7 @@ bool Append(const LPath& notes, const LPath& other) {
     std::string text;
     std::string added;
     if (!Read(notes, text) || !Read(other, added)) return false;
-    const bool isWritten = text == added || added.empty() || Write(notes, text + "\r\n\r\n" + added);
+    const bool isWritten = text.ends_with(added) || Write(notes, text + "\r\n\r\n" + added);
     return isWritten && LFile::Delete(other, kMoveWaitMs);
 }
 

@@ -25,19 +25,29 @@ struct Found {
     bool emptyAudio = false;  // not even a header
 };
 
+// A listing's size may be that of a moment before: only the file itself knows that it is empty.
+bool IsEmpty(const LPath& path) {
+    const LFile file(path, LFile::Open::Read);
+    return file.IsOpen() && file.Size() == 0;
+}
+
+// Nothing when the listing broke off: on the strength of half a listing nothing is moved.
 std::map<int32_t, Found> ListDictations(const LPath& folder) {
     std::map<int32_t, Found> found;
-    LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
+    const bool isWhole = LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
         const std::optional<int32_t> number = NumberOfFileName(LPath(entry.name));
         const std::string_view extension = LSplitPath(entry.name).extension;
         if (!number) return true;
         if (LEqualNoCase(extension, ".dat")) found[*number].record = true;
         if (entry.isFolder) return true;
         if (LEqualNoCase(extension, ".txt")) found[*number].notes = true;
-        if (LEqualNoCase(extension, ".wav") && entry.size > kEmptyAudioBytes) found[*number].audio = true;
-        if (LEqualNoCase(extension, ".wav") && entry.size == 0) found[*number].emptyAudio = true;
+        if (!LEqualNoCase(extension, ".wav")) return true;
+        const bool isEmpty = entry.size == 0 && IsEmpty(LPath::Join(folder.View(), entry.name));
+        if (isEmpty) found[*number].emptyAudio = true;
+        if (!isEmpty && (entry.size == 0 || entry.size > kEmptyAudioBytes)) found[*number].audio = true;
         return true;
     });
+    if (!isWhole) found.clear();
     return found;
 }
 
@@ -48,6 +58,7 @@ void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64
     DictationRecord values;
     if (LFile::Exists(sent.record) && LFile::IsAbsent(sent.audio)) {
         values = DictationRecord::Read(sent.record);
+        if (values.result == LReadResult::Unreadable) return;  // the next start has more luck
         if (TakeBack::Record(sent, current)) WriteSendKeys(current.record, DictationRecord());
     }
     if (!LFile::IsAbsent(current.record)) return;

@@ -99,7 +99,7 @@ bool Recording::ReadExisting(Target& target) {
         LFile file(audio, LFile::Open::Read);
         uint8_t first = 0;
         const bool isHeld =
-            file.IsOpen() ? file.Size() != 0 && !file.ReadExact({&first, 1}) : LFile::Exists(audio);
+            file.IsOpen() ? file.Size() != 0 && !file.ReadExact({&first, 1}) : !LFile::IsAbsent(audio);
         if (isHeld) {
             m_runner.Tell(kCannotOpen);
             return false;
@@ -200,7 +200,10 @@ void Recording::OnStopped(int32_t) {
         outcome.trouble = kWriteFailed;
     else if (m_recorder.GetEnding() == LSoundRecorder::Ending::DeviceLost)
         outcome.trouble = kDeviceLost;
+    const int32_t frames = m_sink->GetFrames();
     m_sink.Reset();  // closes the file
+    if (!outcome.trouble && recordedAnything && !LWaveFile::IsComplete(outcome.files.audio, frames))
+        outcome.trouble = kWriteFailed;
     PutBackSetAside();
     outcome.lengthMs = LWaveFile::LengthMs(outcome.files.audio);
     // The file ends with what was recorded; the next recording continues there.

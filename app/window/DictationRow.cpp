@@ -40,8 +40,11 @@ DictationRow LoadDictationRow(const LPath& record) {
 
 DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing) {
     const DictationFiles files = DictationFiles::OfPath(record);
-    const auto holdsBytes = [&](const LPath& path) { return listing.SizeOf(path.View()).value_or(0) > 0; };
-    return LoadFiles(files, {holdsBytes(files.audio), holdsBytes(files.notes)});
+    // A size of 0 may be that of a moment before: a recording that the power cut off still has its minutes.
+    const auto isThere = [&](const LPath& path) {
+        return !listing.IsWhole() || listing.SizeOf(path.View()).has_value();
+    };
+    return LoadFiles(files, {isThere(files.audio), isThere(files.notes)});
 }
 
 std::optional<std::string> ChangedName(std::string_view name, std::string_view typed) {

@@ -21,7 +21,7 @@ constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
 // False for a dictation whose recording was begun but never heard a word, too.
 bool HasRecording(const LPath& audio) {
     LFile file(audio, LFile::Open::Read);
-    if (!file.IsOpen()) return LFile::Exists(audio);
+    if (!file.IsOpen()) return !LFile::IsAbsent(audio);
     LWaveInfo info;
     return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
 }
@@ -68,7 +68,7 @@ SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipi
         return Outcome::Failed;
     }
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
-        return Outcome::Failed;  // the queue says why
+        return Outcome::Failed;  // the queue says why, and the move is taken back
     move.Commit();
     return Outcome::Queued;
 }

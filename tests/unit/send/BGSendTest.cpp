@@ -181,6 +181,10 @@ TEST_F(BGSendTest, AQueueFileThatCannotBeChangedIsToldOnceAndNothingIsSentTwice)
     EXPECT_FALSE(LFile::Exists(delivered)) << "it is removed, not sent once more";
     ASSERT_TRUE(Add(1));
     WaitForEnd();
+    EXPECT_FALSE(LFile::Exists(delivered)) << "nor by a later run, whose record says so";
+    Settings::Write(world.FilesOf(1).record, RecordKeys::kSendStatus, RecordKeys::kStatusSending);
+    ASSERT_TRUE(Add(1));
+    WaitForEnd();
     EXPECT_TRUE(LFile::Exists(delivered)) << "unless the user sends it again";
 
     queue.SetQueuePath(world.temp.File("missing\\bgsend.dat"));

@@ -106,7 +106,9 @@ TEST_F(DictationStoreTest, OneListingTellsWhichFilesThereAreAndHowLongTheyAre) {
 
 TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyHaveNoOtherHome) {
     MakeFiles(Sent(12), "old");
+    LProfile::Write(Sent(12).record, "file", "sendstatus", "Typed");
     MakeFiles(Sent(13), "waiting");
+    MakeFiles(Sent(16), "cut off");
     WriteFileText(LPath::Join(m_user.sentFolder.View(), ".hidden"), "x");
     MakeFiles(Sent(14), "failed", false);
     LProfile::Write(Sent(14).record, "file", "sendstatus", "Send Failed");
@@ -120,10 +122,10 @@ TEST_F(DictationStoreTest, OldSentFilesGoUnlessTheyHaveNoOtherHome) {
     DeleteOldDictations(m_user.sentFolder, 30, now + 30 * 202 * unit - unit, isQueued);
     DeleteOldDictations(m_user.sentFolder, 0, now + 10000 * 202 * unit, isQueued);
     DeleteOldDictations(m_user.sentFolder, INT32_MAX, now, isQueued);
-    EXPECT_EQ(CountFiles(m_user.sentFolder), 10u);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 13u);
     DeleteOldDictations(m_user.sentFolder, 30, now + 30 * 202 * unit + unit, isQueued);
     EXPECT_FALSE(Sent(12).AnyExists());
-    EXPECT_EQ(CountFiles(m_user.sentFolder), 7u);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 10u);
 }
 
 TEST_F(DictationStoreTest, TheDiskIsLowBelowTheThresholdInMegabytes) {
