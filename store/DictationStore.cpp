@@ -7,6 +7,7 @@
 #include "base/LFile.h"
 #include "base/LLeftOver.h"
 #include "base/LProfile.h"
+#include "base/LProfileText.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/DictationRecord.h"
@@ -17,9 +18,16 @@ static bool IsTaken(const CurrentUser& user, int32_t number) {
            DictationFiles::OfNumber(user.sentFolder, number).AnyExists();
 }
 
+// Whether a file can be read, and is too long to hold settings: no counter was ever in it.
+static bool IsNoProfile(const LPath& path) {
+    LFile file;
+    return LFile::OpenToRead(path, file, 0) == LReadResult::Values &&
+           file.Size() > static_cast<int64_t>(kLongestProfile);
+}
+
 std::optional<int32_t> NextDictationNumber(const CurrentUser& user) {
     const LProfileSection section(user.userFile, UserKeys::kNumber.section, kReadWaitMs);
-    if (section.Result() == LReadResult::Unreadable) return std::nullopt;
+    if (section.Result() == LReadResult::Unreadable && !IsNoProfile(user.userFile)) return std::nullopt;
     const std::string text = section.Read(UserKeys::kNumber.key, {});
     const int32_t stored = text.empty() ? UserKeys::kNumber.defaultValue : LParseInt(text);
     int32_t number = stored < 0 ? UserKeys::kNumber.defaultValue : stored % kDictationNumbers;

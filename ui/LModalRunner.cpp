@@ -73,7 +73,10 @@ LModalRunner::Standing LModalRunner::What() const {
 }
 
 bool LModalRunner::TakeClose() {
-    if (What() != Standing::Process) return true;
+    if (What() != Standing::Process) {
+        m_closeWanted = false;  // taken: who refuses it after all goes on
+        return true;
+    }
     m_closeWanted = true;
     CancelProcess();
     return false;

@@ -10,10 +10,6 @@ constexpr int kBarSteps = 1000;
 static int s_running = 0;
 static bool s_cancelAll = false;
 
-bool LProgressDialog::IsAnyRunning() {
-    return s_running > 0;
-}
-
 void LProgressDialog::CancelRunning() {
     s_cancelAll = s_running > 0;
 }

@@ -14,8 +14,6 @@ public:
     // Runs the process; an error text that it leaves is shown in a message box titled "Error".
     static ProcessResult Run(LProcess& process, HWND owner, std::string_view title);
 
-    // True while any process runs under a progress dialog: commands that would disturb it are refused.
-    static bool IsAnyRunning();
     // Asks whatever runs to end, as its Cancel button would.
     static void CancelRunning();
 

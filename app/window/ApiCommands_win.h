@@ -26,7 +26,7 @@ public:
         // 0 stopped, 1 recording, 2 waiting for the speaker's voice, 3 playing, 4 winding.
         virtual int Status() const = 0;
         // 0 when there is none.
-        virtual int32_t CurrentNumber() const = 0;
+        virtual int32_t CurrentNumber() = 0;
     };
 
     explicit ApiCommands(Target& target) : m_target(target) {}

@@ -19,6 +19,16 @@ constexpr Mask kBuilt = 1 << 7;  // no situation meets it
 constexpr Mask kTransport = kNoProcess;
 constexpr Mask kIdle = kNoProcess | kNoQuestion;
 
+struct Button {
+    int control;
+    int command;
+};
+// Those for winding act on their own press and release.
+constexpr Button kButtons[] = {
+    {IDC_NEW, CM_NEWFILE}, {IDC_SEND, CM_SENDFILE},       {IDC_PLAY, CM_PLAY},       {IDC_RECORD, CM_RECORD},
+    {IDC_STOP, CM_STOP},   {IDC_GOTOSTART, CM_GOTOSTART}, {IDC_GOTOEND, CM_GOTOEND},
+};
+
 struct CommandNeeds {
     int first;
     int last;
@@ -27,13 +37,7 @@ struct CommandNeeds {
 
 // In the order of the numbers; what is not listed needs that nothing stands before the window.
 constexpr CommandNeeds kNeeds[] = {
-    {IDC_SEND, IDC_SEND, kIdle | kRows},
-    {IDC_PLAY, IDC_PLAY, kTransport | kAudio},
-    {IDC_RECORD, IDC_RECORD, kTransport},
-    {IDC_STOP, IDC_STOP, kRunning},
-    {IDC_GOTOSTART, IDC_GOTOSTART, kTransport | kRows},
     {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
-    {IDC_GOTOEND, IDC_GOTOEND, kTransport | kRows},
     {IDC_DOCK, IDC_DOCK, kBuilt},
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
@@ -81,6 +85,12 @@ Mask NeedsOf(int command) {
 
 }  // namespace
 
+int MenuCommandOf(int control) {
+    for (const Button& button : kButtons)
+        if (button.control == control) return button.command;
+    return control;
+}
+
 bool IsCommandEnabled(int command, const CommandSituation& situation) {
-    return (NeedsOf(command) & ~Met(situation)) == 0;
+    return (NeedsOf(MenuCommandOf(command)) & ~Met(situation)) == 0;
 }

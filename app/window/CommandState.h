@@ -17,6 +17,9 @@ struct CommandSituation {
     Standing standing = Standing::Nothing;
 };
 
+// The menu command that a button of the main window stands for; every other number stands for itself.
+int MenuCommandOf(int control);
+
 // Whether a menu command or a button (by its number) can be given now. The menu, the buttons, the keys, the devices
 // and other programs all ask here.
 bool IsCommandEnabled(int command, const CommandSituation& situation);

@@ -73,6 +73,10 @@ bool DeviceCommands::Press(const Index& entry) {
 // The time of the press counts from the start of the recording: opening a slow device must not turn a tap into a
 // hold. A release that came before it started is judged by the hand alone.
 bool DeviceCommands::PressHeld(const Index& entry) {
+    if (m_pressing != nullptr && m_pressing->index == entry.index) {
+        m_pressing->releasedMs.reset();  // pressed again: the release before no longer counts
+        return false;
+    }
     Pressing pressing{entry.index, m_clock(), std::nullopt};
     Pressing* const outer = std::exchange(m_pressing, &pressing);
     const bool accepted = Press(entry);

@@ -15,6 +15,9 @@ constexpr char kCannotDelete[] =
     "A dictation could not be deleted completely.\n\n"
     "One of its files may be open in another program or be write-protected. What is left of it stays in the "
     "list.";
+constexpr char kRecordedOnto[] =
+    "The dictation was recorded onto while you were asked, and was not deleted.\n\n"
+    "Delete it again if you do not need what was said, either.";
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected, or another program may be using your user file. Please try again.";
@@ -30,8 +33,8 @@ std::string_view Trimmed(std::string_view text) {
 const char DictationCommands::kNotStored[] =
     "The change could not be stored.\n\n"
     "The dictation's file may be open in another program or be write-protected, or the disk may be full. "
-    "Nothing was "
-    "changed.";
+    "What could "
+    "not be stored stays as it was.";
 
 // False when the window is to close instead.
 bool DictationCommands::StopAndSave() {
@@ -86,16 +89,22 @@ bool DictationCommands::SetPriority(std::string_view priority) {
 
 bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     if (dictations.empty() || !StopAndSave()) return false;
+    const FolderListing asked(m_state.user.currentFolder);
     if (m_runner.Box(kConfirmDelete, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) !=
         IDYES)
         return false;
-    // A device may have started something while the question stood.
     if (!StopAndSave()) return false;
     const FolderListing listing(m_state.user.currentFolder);
     std::vector<DictationFiles> gone;
     std::vector<DictationFiles> left;
+    bool isRecordedOnto = false;
     for (const DictationFiles& files : dictations) {
         if (!m_list.NumberOf(files.record)) continue;
+        // A device may have recorded while the question stood: those words were not asked about.
+        if (listing.SizeOf(files.audio.View()) != asked.SizeOf(files.audio.View())) {
+            isRecordedOnto = true;
+            continue;
+        }
         const bool isGone = DeleteDictationFiles(files, listing);
         if (isGone) m_notes.Forget(files.notes);
         (isGone ? gone : left).push_back(files);
@@ -103,8 +112,9 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     m_list.RemoveFiles(gone);
     if (!left.empty()) m_list.UpdateFiles(left, FolderListing(m_state.user.currentFolder));
     m_transport.EvAudioChanged();
+    if (isRecordedOnto) m_runner.Tell(kRecordedOnto);
     if (!left.empty()) m_runner.Tell(kCannotDelete);
-    return left.empty();
+    return left.empty() && !isRecordedOnto;
 }
 
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
@@ -122,6 +132,21 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFiles({files});
     }
     return true;
+}
+
+// Who records or plays presses Escape to stop; in this box it would empty the queue. So it waits while anything runs,
+// and what a device began while it stood is what Escape meant.
+void DictationCommands::ShowSendError() {
+    if (m_transport.IsRunning() || m_runner.What() != LModalRunner::Standing::Nothing) return;
+    const SendError error = m_queue.TakeError();
+    if (!error) return;
+    const int answer = m_runner.Box(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
+    if (!m_runner.MayGoOn()) return;
+    if (answer != IDCANCEL) return m_queue.StartSending();
+    if (m_transport.IsRunning())
+        m_transport.Stop();
+    else
+        m_queue.ClearQueue();
 }
 
 // ---- Disk ------------------------------------------------------------------------------------------------

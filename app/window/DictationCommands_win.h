@@ -45,6 +45,9 @@ public:
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
 
+    // What went wrong with sending, once nothing runs and nothing stands.
+    void ShowSendError();
+
     // Sent dictations that are older than the user wants.
     void DeleteOldFiles();
     // Warns when the disk is getting full, after old files have gone.

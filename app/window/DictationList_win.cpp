@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "app/window/DateText_win.h"
 #include "app/window/ListViewChange_win.h"
@@ -123,6 +124,7 @@ int DictationList::AddRow(const DictationRow& row) {
         return index;
     }
     m_rows.Append(row.number, row.files.record);
+    if (row.isUnreadable) m_unreadable.push_back(row.files.record);
     const auto texts = TextsOf(row);
     for (int column = 1; column < kColumnCount; ++column)
         SetText(index, column, texts[static_cast<size_t>(column)]);
@@ -153,11 +155,24 @@ void DictationList::UpdateNumber(int32_t number) {
 void DictationList::UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing) {
     std::vector<DictationRow> rows;
     for (const DictationFiles& files : dictations) rows.push_back(LoadDictationRow(files.record, listing));
-    Update(rows);
+    Update(std::move(rows));
 }
 
-void DictationList::Update(const std::vector<DictationRow>& rows) {
+void DictationList::ReloadUnreadable() {
+    std::vector<DictationRow> rows;
+    for (const LPath& record : std::exchange(m_unreadable, {})) {
+        if (m_rows.IndexOf(record) >= 0) rows.push_back(LoadDictationRow(record));
+    }
+    if (!rows.empty()) Update(std::move(rows));
+}
+
+void DictationList::Update(std::vector<DictationRow> rows) {
     const Quiet quiet(m_quiet);
+    std::erase_if(rows, [this](const DictationRow& row) {  // what is shown of it is true until it can be read
+        const bool isKept = row.isUnreadable && m_rows.IndexOf(row.files.record) >= 0;
+        if (isKept) m_unreadable.push_back(row.files.record);
+        return isKept;
+    });
     if (AreLast(rows)) {
         for (const DictationRow& row : rows) ChangeTexts(m_rows.IndexOf(row.number), row);
         return;
@@ -328,5 +343,5 @@ LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
     const auto name = typed != nullptr ? ChangedName(TextAt(index, 0), typed) : std::nullopt;
     const bool isStored = name && StoreName(m_rows.RecordAt(index), *name);
     m_owner->AfterRename(name ? m_renamedNumber : std::nullopt, isStored);
-    return isStored ? TRUE : FALSE;
+    return FALSE;  // the list view would write into whatever row stands under the editor by now
 }

@@ -50,6 +50,8 @@ public:
     // The row moves to the end and keeps its selection.
     void UpdateFile(const LPath& record);
     void UpdateNumber(int32_t number);
+    // Tries once more to read the records that another program kept from being read.
+    void ReloadUnreadable();
     // The same for several, in the order given; listing: of their folder, as it is now.
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
     // When no row remains selected, the one that takes the place of the last is.
@@ -84,7 +86,7 @@ public:
 private:
     ProcessResult AddFiles(const FolderListing& listing, ProcessContext& context);
     int AddRow(const DictationRow& row);
-    void Update(const std::vector<DictationRow>& rows);
+    void Update(std::vector<DictationRow> rows);
     bool AreLast(const std::vector<DictationRow>& rows) const;
     void ChangeTexts(int index, const DictationRow& row);
     void MoveToEnd(const DictationRow& row, ListViewChange& change);
@@ -104,6 +106,7 @@ private:
     LFont m_font;
     RowOrder m_rows;  // the same rows in the same order as the list view's
     std::optional<int32_t> m_renamedNumber;
+    std::vector<LPath> m_unreadable;  // records of rows to be loaded again
     int m_quiet = 0;  // rows are being changed by us: the selection's moves are not the user's
 };
 

@@ -23,8 +23,9 @@ DictationRow LoadFiles(const DictationFiles& files, const Worth& worth) {
     row.isUnreadable = values.result == LReadResult::Unreadable;
     if (values.result == LReadResult::Values) RepairRecord(row.files.record, values, LNowSeconds());
     const int32_t numberOfName = NumberOfFileName(row.files.record).value_or(0);
-    row.number = row.isUnreadable ? numberOfName : values.number.value_or(0);
-    row.name = row.isUnreadable ? LSplitPath(files.record.View()).name : values.name;
+    row.number = values.number.value_or(numberOfName);
+    const bool isRead = values.result == LReadResult::Values;
+    row.name = isRead ? values.name : LSplitPath(files.record.View()).name;
     row.date = values.date.value_or(0);
     row.priority = values.priority;
     row.duration = FormatDuration(worth.audio ? LWaveFile::LengthMs(files.audio) : 0);

@@ -27,6 +27,8 @@ bool Keyboard::PreTranslateMessage(const MSG& message) {
             if (m_heldKey == 0 || message.wParam != m_heldKey) return false;
             ReleaseHeld();
             return true;
+        case WM_CHAR:  // a list view would look for a row of that name, and another dictation would be current
+            return message.hwnd == GetDlgItem(m_window, IDC_LIST);
         case WM_LBUTTONDBLCLK:
             return IsSecondClick(message);
         default:

@@ -76,14 +76,6 @@ const MainDialog::TimerEntry MainDialog::kTimers[] = {
 
 // In the order of the command numbers: first, last, what is done. False when it did nothing.
 const MainDialog::CommandEntry MainDialog::kCommands[] = {
-    {IDC_NEW, IDC_NEW, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
-    {IDC_SEND, IDC_SEND,
-     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
-    {IDC_PLAY, IDC_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
-    {IDC_RECORD, IDC_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
-    {IDC_STOP, IDC_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
-    {IDC_GOTOSTART, IDC_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
-    {IDC_GOTOEND, IDC_GOTOEND, [](MainDialog& d, int) { return d.m_transport.GoToEnd(), true; }},
     {IDC_INFOLINE, IDC_INFOLINK,
      [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
     {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
@@ -318,6 +310,7 @@ bool MainDialog::EvMenuLoop(WPARAM, LPARAM, LRESULT&) {
 
 bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
     m_isMenuOpen = false;
+    PostMessageA(Window(), WM_SHOWLATER, 0, 0);
     return false;
 }
 
@@ -378,7 +371,7 @@ bool MainDialog::EvSendProgress(WPARAM, LPARAM, LRESULT& result) {
 }
 
 bool MainDialog::EvSelectionMoved(WPARAM, LPARAM, LRESULT& result) {
-    if (m_selectionMoved) FollowSelection();
+    SettleSelection();
     result = 0;
     return true;
 }
@@ -389,8 +382,9 @@ bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
+// A box would end the name that is being edited, and close the menu.
 bool MainDialog::EvShowLater(WPARAM, LPARAM, LRESULT& result) {
-    m_runner.ShowLater();
+    if (!m_isMenuOpen && !m_list.IsRenaming()) m_runner.ShowLater();
     result = 0;
     return true;
 }
@@ -406,23 +400,14 @@ bool MainDialog::EvTimer(WPARAM wParam, LPARAM, LRESULT& result) {
 void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // the disk may have room again
-    ShowSendError();
+    const bool isHandBusy = m_isMenuOpen || m_list.IsRenaming();
+    if (!isHandBusy && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
+    if (!isHandBusy) m_dictations.ShowSendError();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
 void MainDialog::EvTimerSaveNotes() {
     m_notes.Save();
-}
-
-// The text waits while anything else takes the keys: who records or plays presses Escape to stop, and in this box it
-// would empty the queue.
-void MainDialog::ShowSendError() {
-    const bool isBusy = m_transport.IsRunning() || m_isMenuOpen || m_list.IsRenaming();
-    if (isBusy || m_runner.What() != LModalRunner::Standing::Nothing) return;
-    const SendError error = m_queue.TakeError();
-    if (!error) return;
-    const int answer = m_runner.Box(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
-    if (IsOpen()) answer == IDCANCEL ? m_queue.ClearQueue() : m_queue.StartSending();
 }
 
 // ---- Commands --------------------------------------------------------------------------------------------
@@ -442,12 +427,14 @@ CommandSituation MainDialog::Situation() const {
 
 bool MainDialog::Give(int command) {
     if (!IsOpen() || m_isClosing) return false;
-    if (m_selectionMoved && m_runner.What() != LModalRunner::Standing::Process) FollowSelection();
+    SettleSelection();
+    command = MenuCommandOf(command);
     if (!IsOpen() || !IsCommandEnabled(command, Situation())) return false;
     for (const CommandEntry& entry : kCommands) {
         if (command < entry.first || command > entry.last) continue;
         const bool isDone = entry.give(*this, command);
-        if (IsOpen()) m_display.LeaveButton();
+        const bool wasTyping = m_notes.LeftFor() != nullptr && m_notes.LeftFor() == GetFocus();
+        if (IsOpen()) m_display.LeaveButton(wasTyping ? Item(IDC_NOTES) : nullptr);
         return isDone;
     }
     return false;
@@ -456,7 +443,7 @@ bool MainDialog::Give(int command) {
 // As a menu's.
 bool MainDialog::MayChange() {
     if (!IsOpen() || m_isClosing || m_runner.What() != LModalRunner::Standing::Nothing) return false;
-    if (m_selectionMoved) FollowSelection();
+    SettleSelection();
     return IsOpen();
 }
 
@@ -518,7 +505,13 @@ int MainDialog::Status() const {
     return m_transport.IsWinding() ? 4 : 0;
 }
 
-int32_t MainDialog::CurrentNumber() const {
+void MainDialog::AppendNotes(std::string_view text) {
+    SettleSelection();
+    m_notes.Append(text);
+}
+
+int32_t MainDialog::CurrentNumber() {
+    SettleSelection();
     return m_current ? m_list.NumberOf(m_current.Files()->record).value_or(0) : 0;
 }
 
@@ -540,12 +533,17 @@ void MainDialog::FollowSelection() {
     m_display.ShowSituation(Situation());
 }
 
+// A move that is still to be followed; other programs' requests overtake it.
+void MainDialog::SettleSelection() {
+    if (m_selectionMoved && m_runner.What() != LModalRunner::Standing::Process) FollowSelection();
+}
+
 void MainDialog::SelectionMoved() {
     if (!std::exchange(m_selectionMoved, true)) PostMessageA(Window(), WM_SELECTIONMOVED, 0, 0);
 }
 
 void MainDialog::PlayFromStart() {
-    if (m_selectionMoved) FollowSelection();
+    SettleSelection();
     if (IsCommandEnabled(CM_PLAY, Situation())) m_transport.PlayFromStart();
 }
 
@@ -559,6 +557,7 @@ void MainDialog::AfterRename(std::optional<int32_t> renamed, bool isStored) {
     // The row is made anew only after the list has closed its editor.
     if (renamed) m_changedRows.push_back(*renamed);
     PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
+    PostMessageA(Window(), WM_SHOWLATER, 0, 0);
 }
 
 // A list in the middle of a click must not see its row move: it is made anew afterwards.

@@ -104,7 +104,6 @@ private:
     // Timers
     void EvTimerInfoLine();
     void EvTimerSaveNotes();
-    void ShowSendError();
 
     // Commands
     CommandSituation Situation() const;
@@ -117,6 +116,7 @@ private:
 
     // The dictation that the selection asks for becomes the current one, and all that is shown follows it.
     void FollowSelection();
+    void SettleSelection();
     void PostRowChanged(const LPath& record);
     void ApplyRowChanges();
 
@@ -147,11 +147,11 @@ private:
     void CloseLater() override { PostMessageA(Window(), WM_CLOSE, 0, 0); }
     bool MayChange() override;
     void RenameCurrent(std::string_view name) override { m_dictations.Rename(name); }
-    void AppendNotes(std::string_view text) override { m_notes.Append(text); }
+    void AppendNotes(std::string_view text) override;
     void SendCurrent() override { m_dictations.SendCurrent(); }
     void DeleteCurrent() override { m_dictations.DeleteCurrent(); }
     int Status() const override;
-    int32_t CurrentNumber() const override;
+    int32_t CurrentNumber() override;
     // Keyboard::Target
     void WindByKey(WindDirection direction, bool isDown) override { Wind(direction, isDown); }
     // BGSendOwner, called on the send thread

@@ -25,7 +25,9 @@ void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
 // A dialog selects the whole text of an edit control that the Tab key reaches; the next key typed would then
 // replace all the notes.
 LRESULT CALLBACK NotesBox::EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const auto* box = reinterpret_cast<const NotesBox*>(GetWindowLongA(window, GWL_USERDATA));
+    auto* box = reinterpret_cast<NotesBox*>(GetWindowLongA(window, GWL_USERDATA));
+    if (message == WM_KILLFOCUS) box->m_leftFor = reinterpret_cast<HWND>(wParam);
+    if (message == WM_SETFOCUS) box->m_leftFor = nullptr;
     const LRESULT result = CallWindowProcA(box->m_editProc, window, message, wParam, lParam);
     return message == WM_GETDLGCODE ? result & ~DLGC_HASSETSEL : result;
 }
@@ -82,8 +84,9 @@ void NotesBox::EvChange() {
 }
 
 void NotesBox::Append(std::string_view text) {
-    const bool isReadOnly = (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0;
-    if (m_file.Empty() || isReadOnly) return;
+    const auto isReadOnly = [this] { return (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0; };
+    if (isReadOnly()) Load(m_file);  // the file may have been held when it was loaded
+    if (m_file.Empty() || isReadOnly()) return;
     // The user may be typing in the middle of the notes.
     DWORD from = 0;
     DWORD to = 0;

@@ -35,6 +35,8 @@ public:
     // The dictation was deleted.
     void Forget(const LPath& notesFile);
 
+    // What took the keyboard from the notes last.
+    HWND LeftFor() const { return m_leftFor; }
     const LPath& File() const { return m_file; }
     const UnsavedNotes& Unsaved() const { return m_unsaved; }
 
@@ -46,6 +48,7 @@ private:
     WNDPROC m_editProc = nullptr;  // the platform's own
     HWND m_edit = nullptr;
     HWND m_dialog = nullptr;
+    HWND m_leftFor = nullptr;
     Owner* m_owner = nullptr;
     UnsavedNotes m_unsaved;
     LPath m_file;

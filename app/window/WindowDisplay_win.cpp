@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <span>
 
 #include "app/window/ControlNames.h"
 #include "app/window/TransportButton_win.h"
@@ -100,15 +101,25 @@ void WindowDisplay::ShowSituation(CommandSituation situation) {
     ShowPosition();
 }
 
-// Play takes nothing away. Where there is nothing to play, there is nothing that Record could take away either.
+// Play takes nothing away, nor does Go To Start where there is nothing to play: the next press of the space bar must
+// not record.
 void WindowDisplay::FocusHome() {
-    HWND home = Item(m_view == ViewMode::Compact ? IDC_PLAY : IDC_LIST);
-    if (!IsWindowEnabled(home)) home = Item(IDC_RECORD);
-    SetFocus(home);
+    constexpr int kFull[] = {IDC_LIST};
+    constexpr int kCompact[] = {IDC_PLAY, IDC_GOTOSTART, IDC_RECORD};
+    const bool isCompact = m_view == ViewMode::Compact;
+    for (int control : isCompact ? std::span<const int>(kCompact) : std::span<const int>(kFull)) {
+        if (!IsWindowEnabled(Item(control))) continue;
+        SetFocus(Item(control));
+        return;
+    }
 }
 
-void WindowDisplay::LeaveButton() {
-    if (FocusedButton() != 0) FocusHome();
+void WindowDisplay::LeaveButton(HWND cameFrom) {
+    if (FocusedButton() == 0) return;
+    if (cameFrom != nullptr && IsWindowEnabled(cameFrom) && IsWindowVisible(cameFrom))
+        SetFocus(cameFrom);
+    else
+        FocusHome();
 }
 
 // Its number; 0 when the keyboard is elsewhere, or in another program.

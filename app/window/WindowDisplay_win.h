@@ -46,8 +46,9 @@ public:
 
     // Where the keyboard is at home in a view: on the list, or on the transport where there is none.
     void FocusHome();
-    // A button that had its say must not take the next press of the space bar.
-    void LeaveButton();
+    // A button that had its say must not take the next press of the space bar. cameFrom: the control that had the
+    // keyboard before the button and gets it back; nullptr: it goes home.
+    void LeaveButton(HWND cameFrom);
 
 private:
     HWND Item(int control) const { return GetDlgItem(m_window, control); }

@@ -1,5 +1,6 @@
 """What the window offers: its menu, its list, and the ways in for other programs."""
 
+import subprocess
 import time
 
 from corvane import pcm_wav, wait_for
@@ -181,3 +182,32 @@ def test_the_chosen_view_is_kept(corvane, data):
     program.close()
     again = corvane()
     assert again.menu()[6001]["checked"]
+
+
+def test_a_hurried_hand_makes_one_dictation_and_stays_with_it(corvane, data):
+    for number in (1, 2, 3):
+        data.add_dictation(number, pcm_wav(8000), name=f"Case {number}")
+    program = corvane()
+    wait_for(lambda: program.describe()["foreground"], "the window in front")
+    left, top, right, bottom = program.control("IDC_NEW")["rect"]
+    at = [str((left + right) // 2), str((top + bottom) // 2)]
+    subprocess.run(["xdotool", "mousemove", *at, "click", "--repeat", "2", "--delay", "40", "1"], check=True)
+    wait_for(lambda: program.api(8) == 4, "a new dictation")
+    subprocess.run(["xdotool", "key", "c", "space", "Return"], check=True)
+    program.command("CM_PRIORITY_LOW")  # worked off after the keys
+    wait_for(lambda: data.record(4).get("priority") == "Low", "the priority of the new dictation")
+    assert program.api(8) == 4 and len(program.rows()) == 4 and program.api(7) == 0
+
+
+def test_a_change_that_cannot_be_stored_is_told_once(corvane, data):
+    base = data.add_dictation(1, pcm_wav(800))
+    base.with_suffix(".dat").chmod(0o444)
+    program = corvane()
+    for change in (lambda: program.api(5, "Harris"), lambda: program.command("CM_PRIORITY_HIGH")):
+        change()
+        assert "could not be stored" in program.wait_box("Error")
+        assert (program.api(8), program.api(7)) == (1, 0)  # answered while a box stands; changes are not made
+        program.api(10)
+        program.answer_box("Error", 1)
+        assert not program.boxes()
+    assert program.row(1)["texts"][0] == "Dictation 001" and program.row(1)["texts"][4] == "Normal"

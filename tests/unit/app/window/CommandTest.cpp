@@ -80,6 +80,18 @@ TEST(DeviceCommands, AReleaseWhileTheRecordingIsBeingPreparedCounts) {
     }
 }
 
+TEST(DeviceCommands, APedalThatIsPressedAgainWhileTheRecordingIsBeingPreparedRecords) {
+    Pedal pedal;
+    pedal.whileItStarts = [&] {
+        pedal.Release(1900);
+        pedal.Press(2500);
+    };
+    pedal.Press(1000);
+    EXPECT_TRUE(pedal.IsRunning());
+    pedal.Release(4000);
+    EXPECT_FALSE(pedal.IsRunning());
+}
+
 TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
     using Standing = CommandSituation::Standing;
     const CommandSituation kNone, kOne{.selectedRows = 1}, kTwo{.selectedRows = 2},
