@@ -111,7 +111,7 @@ def test_a_data_folder_beyond_the_platforms_limit_does_no_harm(winctl):
     program.process = subprocess.Popen(["wine", str(program.program)], stdin=subprocess.DEVNULL)
     try:
         box = wait_for(lambda: told(winctl, "data folder is too long"), "the refusal", 20)
-        winctl.ask("click", box["children"][0]["hwnd"])
+        winctl.ask("click", next(c["hwnd"] for c in box["children"] if c["class"] == "Button"))
         assert program.process.wait(10) == 0
     finally:
         program.kill()
