@@ -50,7 +50,7 @@ private:
 };
 
 // Notes what a process reports; asks it to stop after a number of tests, or once its progress has got so far.
-struct NotingContext final : ProcessContext {
+struct NotingContext : ProcessContext {
     bool CancelRequested() override {
         return cancelAfter-- == 0 || (progress.empty() ? 0 : progress.back()) >= cancelAt;
     }

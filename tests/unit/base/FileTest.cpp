@@ -129,35 +129,49 @@ TEST_F(FileTest, IsCopiedWholeOrTheTargetStaysAsItWas) {
     EXPECT_EQ(NamesNow(), (Names{"a", "b", "c.dct", "taken"}));
 }
 
+// Another program gives the unfinished copy's name to a file of its own once the copy is complete.
+struct OvertakenContext final : NotingContext {
+    bool CancelRequested() override {
+        if (!path.Empty() && !progress.empty() && progress.back() == 1.0) WriteFileText(path, "theirs");
+        return false;
+    }
+    LPath path;
+};
+
 // Two installations may use one folder, and number their dictations alike.
 TEST_F(FileTest, ACopyNeverTakesTheNameFromAnotherFile) {
     const std::string text = std::string(70000, 'x') + "end";
     const struct {
         const char* name;
-        std::string before;
-        bool isNamed;  // whether the unfinished copy can be made
-        std::string named, second, third;
+        std::string before, beside;
+        bool isOvertaken;
+        std::string named, third, besideAfter;
     } cases[] = {
-        {"other", "old", true, text, "second", "old"},
-        {"longer", text + "x", true, text, "second", text + "x"},
-        {"same", text, true, text, "second", ""},
-        {"cut off", text.substr(0, 66000), true, text, "second", ""},
-        {"direct", "", false, text, "second", ""},
-        {"other, direct", "old", false, "old", "second", text},
+        {"other", "old", "", false, text, "old", ""},
+        {"longer", text + "x", "", false, text, text + "x", ""},
+        {"same", text, "", false, text, "", ""},
+        {"cut off", text.substr(0, 66000), "", false, text, "", ""},
+        {"left over", "", text.substr(0, 66000), false, text, "", ""},
+        {"complete left over", "", text, false, text, "", ""},
+        {"another's", "", "theirs", false, text, "", "theirs"},
+        {"overtaken", "", "", true, text, "", "theirs"},
+        {"overtaken, other", "old", "", true, "old", text, "theirs"},
     };
     for (const auto& c : cases) {
         TempFolder folder;
         const auto file = [&](const char* name) { return folder.File(name); };
         WriteFileText(file("new"), text);
         if (!c.before.empty()) WriteFileText(file("d.dct"), c.before);
+        if (!c.beside.empty()) WriteFileText(file("d.cv~"), c.beside);
         WriteFileText(file("d (2).dct"), "second");
-        if (!c.isNamed) folder.Folder("d.cv~");
-        NotingContext context;
+        OvertakenContext context;
+        if (c.isOvertaken) context.path = file("d.cv~");
         EXPECT_EQ(LProcessCopyFile(file("new"), file("d.dct")).Process(context), ProcessResult::Done)
             << c.name;
         EXPECT_TRUE(ReadFileText(file("d.dct")) == c.named) << c.name;
-        EXPECT_TRUE(ReadFileText(file("d (2).dct")) == c.second) << c.name;
+        EXPECT_EQ(ReadFileText(file("d (2).dct")), "second") << c.name;
         EXPECT_TRUE(ReadFileText(file("d (3).dct")) == c.third) << c.name;
-        EXPECT_EQ(LFile::Exists(file("d.cv~")), false) << c.name;
+        EXPECT_EQ(ReadFileText(file("d.cv~")), c.besideAfter) << c.name;
+        EXPECT_FALSE(LFile::Exists(file("d (2).cv~"))) << c.name;
     }
 }
