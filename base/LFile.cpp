@@ -66,7 +66,7 @@ bool LFile::ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& 
 
 bool LFile::WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes) {
     if (target.Empty() || beside.Empty()) return false;
-    const bool existed = Exists(target);
+    const bool existed = !IsAbsent(target) && !IsFolder(target);
     LFile file(beside, Open::CreateNew);
     if (!file.IsOpen()) return false;
     const bool written = file.WriteAll(bytes) && file.Flush();

@@ -24,15 +24,16 @@ std::string Preview(const LPath& notes) {
     return text;
 }
 
-bool Read(const LPath& notes, std::string& text) {
-    text.clear();
+static LReadResult TryRead(const LPath& notes, std::string& text) {
     std::vector<uint8_t> bytes;
-    if (LFile::TryRead(notes, kMaxBytes, bytes, 0) == LReadResult::Unreadable) {
-        LTrace("NotesFile::Read unable to read file", notes.View());
-        return false;
-    }
+    const LReadResult result = LFile::TryRead(notes, kMaxBytes, bytes, 0);
+    if (result == LReadResult::Unreadable) LTrace("NotesFile::Read unable to read file", notes.View());
     text = LBeforeZero(AsText(bytes));
-    return true;
+    return result;
+}
+
+bool Read(const LPath& notes, std::string& text) {
+    return TryRead(notes, text) != LReadResult::Unreadable;
 }
 
 bool Write(const LPath& notes, std::string_view text) {
@@ -46,7 +47,8 @@ bool Write(const LPath& notes, std::string_view text) {
 bool Append(const LPath& notes, const LPath& other) {
     std::string text;
     std::string added;
-    if (!Read(notes, text) || !Read(other, added)) return false;
+    // What was not read is not deleted.
+    if (!Read(notes, text) || TryRead(other, added) != LReadResult::Values) return false;
     const bool isWritten = text.ends_with(added) || Write(notes, text + "\r\n\r\n" + added);
     return isWritten && LFile::Delete(other, kMoveWaitMs);
 }
@@ -54,7 +56,7 @@ bool Append(const LPath& notes, const LPath& other) {
 void RecoverUnfinished(const LPath& unfinished) {
     const LPath notes = unfinished.WithExtension(".txt");
     std::vector<uint8_t> bytes;
-    if (LFile::TryRead(unfinished, kMaxBytes, bytes) == LReadResult::Unreadable) return;
+    if (LFile::TryRead(unfinished, kMaxBytes, bytes) != LReadResult::Values) return;
     // The zero byte is written last, so a text that ends in one is complete.
     const bool complete = !bytes.empty() && bytes.back() == 0;
     if (!complete) {

@@ -24,13 +24,12 @@ static LSoundSink OpenOn(std::unique_ptr<LStream> stream, const LPath& path, int
 
 LSoundSink LDeferredSink::Open(const LPath& path, int32_t startFrames, int bits, uint8_t channels,
                                int32_t sampleRate) {
-    const bool existed = LFile::Exists(path);
     auto file = std::make_unique<LFile>(path, LFile::Open::Write);
     if (!file->IsOpen()) {
         LTrace("LDeferredSink::Open unable to open file:", path.View());
         file.reset();
     }
-    return OpenOn(std::move(file), existed ? LPath() : path, startFrames, bits, channels, sampleRate);
+    return OpenOn(std::move(file), path, startFrames, bits, channels, sampleRate);
 }
 
 LSoundSink LDeferredSink::Open(std::unique_ptr<LStream> stream, int32_t startFrames, int bits,
@@ -40,8 +39,9 @@ LSoundSink LDeferredSink::Open(std::unique_ptr<LStream> stream, int32_t startFra
 
 LDeferredSink::LDeferredSink(std::unique_ptr<LStream> stream, const LPath& path, int32_t startFrames,
                              int bits, uint8_t channels, int32_t sampleRate)
-    : LSoundSinkBase(sampleRate, channels), m_stream(std::move(stream)), m_path(path), m_bits(bits) {
+    : LSoundSinkBase(sampleRate, channels), m_stream(std::move(stream)), m_bits(bits) {
     const int64_t fileBytes = m_stream ? m_stream->Size() : -1;
+    if (fileBytes == 0) m_path = path;  // a file with contents is never removed
     if (fileBytes < 0 || sampleRate < 1) {
         SetError();
         return;

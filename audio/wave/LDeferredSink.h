@@ -4,8 +4,8 @@
 
 // The sink of a recording: a PCM file that is opened at once, so that one that is locked or read-only shows
 // as error bit before the device starts, but written to and cut only when the first audio arrives. A
-// recording that delivers nothing, or of which the disk takes nothing, leaves no file where there was none;
-// one that delivers nothing leaves an old file as it was. The file is one of our layout, or empty, or
+// recording that delivers nothing, or of which the disk takes nothing, leaves no file where there was none
+// or an empty one; one that delivers nothing leaves an old file as it was. The file is one of our layout, or empty, or
 // missing; another one is refused when frames of it are to be kept. Written data are handed to the disk every
 // ten seconds.
 // Units:  GetFrames() starts at startFrames, limited to the whole frames that the file holds.
@@ -18,7 +18,7 @@ public:
     static LSoundSink Open(std::unique_ptr<LStream> stream, int32_t startFrames, int bits, uint8_t channels,
                            int32_t sampleRate);
 
-    // The way in is Open. path is the file to remove again when it holds no audio, or empty.
+    // The way in is Open. path is the file to remove again when it was empty and gets no audio, or no path.
     LDeferredSink(std::unique_ptr<LStream> stream, const LPath& path, int32_t startFrames, int bits,
                   uint8_t channels, int32_t sampleRate);
     ~LDeferredSink() override;

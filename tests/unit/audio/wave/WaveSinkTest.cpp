@@ -142,6 +142,11 @@ TEST(DeferredSink, LeavesTheFileAloneUntilAudioArrives) {
     EXPECT_FALSE(LDeferredSink::Open(folder.File("new.wav"), 0, 16, 1, 8000)->IsError());
     EXPECT_FALSE(LFile::Exists(folder.File("new.wav")));
     EXPECT_TRUE(LDeferredSink::Open(folder.File("none/a.wav"), 0, 16, 1, 8000)->IsError());
+
+    const ScratchFile old(Recording(3));
+    auto opened = std::make_unique<LFile>(old.path, LFile::Open::Write);
+    LSoundSink::Make<LDeferredSink>(std::move(opened), old.path, 0, 16, uint8_t{1}, 8000).Reset();
+    EXPECT_EQ(old.Contents(), Recording(3)) << "whatever the path's drive answered";
 }
 
 TEST(DeferredSink, RemovesItsFileWhenTheDiskTookNoAudio) {
