@@ -132,31 +132,38 @@ Flow LSRCACMWave::Convert(LAcmConversion::Flag flag) {
 }
 
 // Many a writer puts a byte rate into the file that is several times too high or too low; what is sought by it
-// is another place. The first second of the material, decoded to its end, tells: before that a codec may hold
-// any amount back.
+// is another place. Excerpts from all over the material tell. Each is decoded to its end, since before that a
+// codec may hold any amount back. One that begins amid a block loses part of it, and where the rate varies four
+// say little: what is written is believed unless it is far off.
 void LSRCACMWave::CheckByteRate() {
-    constexpr int64_t kLeastBytes = 4096;
-    constexpr int64_t kMostBytes = 16384;
+    constexpr int32_t kExcerpts = 4;
+    constexpr int64_t kMostBlocksBytes = 16384;
     if (m_isChecked) return;
     m_isChecked = true;
     const int64_t allBytes = m_dataBytes;
-    m_dataBytes = std::min(allBytes, Clamp(m_scale.bytes, kLeastBytes, kMostBytes));
-    GoTo(0);
-    while (Decode()) {
+    const int64_t quarterSecond = Clamp<int64_t>(m_scale.bytes / kExcerpts, 2048, 8192);
+    const int64_t bytes = Clamp(2 * int64_t{m_blockAlign}, quarterSecond, kMostBlocksBytes);
+    Extent found;
+    for (int32_t i = 0; i < kExcerpts; ++i) {
+        const int64_t at = i * allBytes / kExcerpts / m_blockAlign * m_blockAlign;
+        m_dataBytes = std::min(allBytes, at + bytes);
+        GoTo(at);
+        while (Decode()) m_codec.TakeOutput(m_codec.Output().size());
+        found.bytes += m_decoded.bytes;
+        found.frames += m_decoded.frames;
     }
     m_dataBytes = allBytes;
-    const int64_t told = FramesOf(m_decoded.bytes);
-    const bool isNear = told * 4 <= m_decoded.frames * 5 && told * 5 >= m_decoded.frames * 4;
-    const bool isUsable = m_decoded.bytes > 0 && m_decoded.frames > 0 && m_decoded.frames < INT32_MAX;
-    if (isUsable && !isNear) m_scale = m_decoded;
+    const int64_t told = FramesOf(found.bytes);
+    const bool isUsable = found.bytes > 0 && found.frames > 0 && found.frames < INT32_MAX;
+    if (isUsable && (told > 2 * found.frames || found.frames > 2 * told)) m_scale = found;
 }
 
-// Whether what the codec left is less than a block. Where the format has no blocks that anyone told us, a
-// block is a moment of what was decoded: one of MP3 lasts up to 72 ms, and the block align says one byte.
+// Whether what the codec left is less than a block. Where the block align is only what the file claims, a block
+// is a moment of what was decoded: one of MP3 lasts up to 72 ms.
 bool LSRCACMWave::IsLeftOver(int64_t bytes) const {
     constexpr int64_t kLongestBlockMs = 150;
-    if (bytes < m_blockAlign) return true;
-    if (m_blockFrames > 0) return false;
+    if (bytes == 0) return true;
+    if (m_blockFrames > 0) return bytes < m_blockAlign;
     return bytes * m_decoded.frames < kLongestBlockMs * GetSampleRate() / 1000 * m_decoded.bytes;
 }
 
@@ -195,6 +202,12 @@ int64_t LSRCACMWave::AlignedOffset(int32_t frame) const {
     return SeekOffset(frame - LAcmWarmUpFrames(m_format)) / m_blockAlign * m_blockAlign;
 }
 
+// Where to begin when a place lies beyond the end by an estimate alone: someone may be there, and be hearing
+// what the estimate denies.
+int64_t LSRCACMWave::LastSecondOffset() const {
+    return AlignedOffset(Saturate(FrameAt(m_dataBytes) - GetSampleRate()));
+}
+
 void LSRCACMWave::GoTo(int64_t offset) {
     m_codec.Restart();
     m_end = -1;
@@ -209,9 +222,14 @@ void LSRCACMWave::Seek(int32_t frame) {
     m_position = frame;
     if (IsError()) return;
     if (frame > kBlockFrames) CheckByteRate();
-    if (SeekOffset(frame) > m_dataBytes || (m_total >= 0 && frame >= m_total)) {
+    const bool isBeyond = SeekOffset(frame) > m_dataBytes;
+    if ((isBeyond && m_blockFrames > 0) || (m_total >= 0 && frame >= m_total)) {
         GoTo(m_dataBytes);
         EndAt(m_total >= 0 ? m_total : FrameAt(m_dataBytes));
+        return;
+    }
+    if (isBeyond) {
+        GoTo(LastSecondOffset());
         return;
     }
     const int64_t offset = AlignedOffset(std::max(frame, 0));

@@ -10,8 +10,9 @@
 // A WAV file whose data only a codec can read, as a source of 16-bit quality. It decodes as far as it is
 // read, so its length is an estimate until the end was reached; while input is left it is beyond the
 // position. The estimate and Seek go by the codec's blocks where the format tells how many frames they hold.
-// Elsewhere they go by the file's byte rate, which a Seek compares with the first second of the material, until
-// all of it was decoded. Seek keeps a position below 0 as it is (silence, as a filter's pre-roll).
+// Elsewhere they go by the file's byte rate, which a Seek compares with excerpts of the material, until all of
+// it was decoded; a Seek beyond such an estimate goes to the last second. Seek keeps a position below 0 as it is
+// (silence, as a filter's pre-roll).
 // Errors: no codec for the format, or one that refuses to work, sets the error bit. A codec that fails or
 //         stops yielding later on ends the material; IsWhole() tells.
 class LSRCACMWave final : public LSoundSourceBase {
@@ -45,6 +46,7 @@ private:
     int64_t SeekOffset(int32_t frame) const;
     int64_t FrameAt(int64_t offset) const;
     int64_t AlignedOffset(int32_t frame) const;
+    int64_t LastSecondOffset() const;
     void GoTo(int64_t offset);
     void Discard(int64_t frames);
     void CheckByteRate();

@@ -262,12 +262,31 @@ TEST(AcmSource, GoesByWhatItHasDecodedWhenTheByteRateIsWrong) {
             EXPECT_EQ(read, Part(samples, to, 1000)) << to << " at " << byteRate;
         }
     }
+    // A rate that varies has its average in the head; blocks of a quarter of the frames are not the rule.
+    Bytes varying = Encoded(samples);
+    for (size_t at = 49; at < 49 + 20000; at += 9) varying[at] = 2;
+    LSoundSource source = OpenSource(WithByteRate(varying, 10385));
+    for (const int32_t to : {30000, 50000, 80000}) {
+        source->Seek(to);
+        EXPECT_NEAR(source->GetLength(), 86662, 2000) << to;
+    }
+}
+
+TEST(AcmSource, AnEstimateEndsNothing) {
+    const Samples samples = Ramp(100000);
+    // As if there were 66,667 frames.
+    LSoundSource source = OpenSource(WithByteRate(Encoded(samples), 13500));
+    source->Seek(80000);
+    Samples last(8000);
+    source->Read(last.data(), 8000);
+    EXPECT_EQ(last, Part(samples, 87992, 8000));
+    EXPECT_LT(source->GetPosition(), source->GetLength());
 }
 
 TEST(AcmSource, MissesWhatCannotBeReadButNoPartOfABlock) {
     const Bytes file = Encoded(Ramp(80000));
-    const auto isWhole = [](Bytes bytes, size_t readable) {
-        bytes[32] = 1;  // the block align of MP3, which has larger blocks nevertheless
+    const auto isWhole = [](Bytes bytes, size_t readable, uint16_t blockAlign) {
+        std::ranges::copy(Little(blockAlign, 2), bytes.begin() + 32);
         auto stream = std::make_unique<DyingFile>(bytes);
         LWaveInfo info;
         EXPECT_TRUE(LWaveFile::ReadInfo(*stream, info));
@@ -276,8 +295,13 @@ TEST(AcmSource, MissesWhatCannotBeReadButNoPartOfABlock) {
         ReadToEnd(source, kBlockFrames);
         return source->IsWhole();
     };
-    EXPECT_TRUE(isWhole(Bytes(file.begin(), file.end() - 5), file.size())) << "a block that was cut off";
-    EXPECT_FALSE(isWhole(file, file.size() - 5)) << "a block that cannot be read";
+    // The block align of MP3, which has larger blocks nevertheless; and one that is too large.
+    for (const uint16_t blockAlign : {uint16_t{1}, uint16_t{20000}}) {
+        EXPECT_TRUE(isWhole(Bytes(file.begin(), file.end() - 5), file.size(), blockAlign)) << "cut off";
+        EXPECT_FALSE(isWhole(file, file.size() - 5, blockAlign)) << "a block that cannot be read";
+        const WithFault with(Fault::Fails, 9);
+        EXPECT_FALSE(isWhole(file, file.size(), blockAlign)) << "a codec that fails";
+    }
 }
 
 TEST(AcmSource, WaitsForACodecThatTakesAllAtOnce) {
