@@ -122,6 +122,7 @@ bool MoveToSent::MoveAll(std::string_view recipient, int64_t now) {
 void MoveToSent::Commit() {
     m_pending = false;
     DeleteJournal(m_journal);
+    m_turn.Release();
 }
 
 // Ends as it began, with the audio: whatever moment the program is killed at, the next run can go on from
