@@ -50,24 +50,32 @@ public:
         return hour;
     }
     ~Hour() {
-        for (const char* name : {"00000001.wav", "00000001.dat", "plain.dat", "secret.dat", "sox.wav"})
+        for (const char* name :
+             {"Sent\\00000001.wav", "Sent\\00000001.dat", "Sent\\sox.wav", "rec0.dat", "rec1.dat"})
             LFile::Delete(File(name));
+        LFile::DeleteFolder(File("Sent"));
+        LFile::DeleteFolder(UserFolderPath(m_folder, 0));
         LFile::DeleteFolder(m_folder);
     }
-    LPath File(std::string_view name) const { return LPath::Join(m_folder.View(), name); }
+    const LPath& DataFolderPath() const { return m_folder; }
+    // A file below the folder of user 0.
+    LPath File(std::string_view name) const { return LPath::Join(UserFolderPath(m_folder, 0).View(), name); }
 
 private:
     Hour() : m_folder(LFile::MakeTemporary("cvb")) {
         LFile::Delete(m_folder);
         LFile::MakeFolder(m_folder);
-        Settings::Write(File("00000001.dat"), RecordKeys::kNumber, 1);
+        m_folder.Append("/");
+        LFile::MakeFolder(UserFolderPath(m_folder, 0));
+        LFile::MakeFolder(File("Sent"));
+        Settings::Write(File("Sent\\00000001.dat"), RecordKeys::kNumber, 1);
         SendToSettings recipient;
-        recipient.Save(File("plain.dat"));
+        recipient.Save(File("rec0.dat"));
         recipient.flags = SendToSettings::kEncrypt;
         recipient.encryptionPassword = "a pass phrase";
-        recipient.Save(File("secret.dat"));
+        recipient.Save(File("rec1.dat"));
 
-        const LSoundSink sink = LWaveFile::OpenSinkPCM(File("00000001.wav"), 16, 1, kRate);
+        const LSoundSink sink = LWaveFile::OpenSinkPCM(File("Sent\\00000001.wav"), 16, 1, kRate);
         std::vector<int32_t> block(kBlockFrames);
         for (int32_t done = 0; done < kHourFrames;) {
             const int32_t frames = std::min(kBlockFrames, kHourFrames - done);
@@ -82,8 +90,8 @@ private:
 
 void Convert(benchmark::State& state, const char* recipient) {
     const Hour& hour = Hour::Get();
-    const SendQueueEntry entry{hour.File("00000001.wav"), hour.File(recipient), 0, true};
-    const DataFolder data = DataFolder::FromText(LFolderOf(entry.dictation.View()));
+    const SendQueueEntry entry{hour.File("Sent\\00000001.wav"), hour.File(recipient), 0, true};
+    const DataFolder data = DataFolder::FromText(hour.DataFolderPath().View());
     Silent context;
     LPath file;
     for (auto _ : state) {
@@ -103,8 +111,8 @@ std::string Native(const LPath& path) {
 // Without dither, which is the faster of its two ways.
 void ConvertWithSox(benchmark::State& state) {
     const Hour& hour = Hour::Get();
-    std::string arguments[] = {"sox", "-D", Native(hour.File("00000001.wav")),
-                               "-b",  "8",  Native(hour.File("sox.wav"))};
+    std::string arguments[] = {"sox", "-D", Native(hour.File("Sent\\00000001.wav")),
+                               "-b",  "8",  Native(hour.File("Sent\\sox.wav"))};
     char* argv[std::size(arguments) + 1] = {};
     for (size_t i = 0; i < std::size(arguments); ++i) argv[i] = arguments[i].data();
     for (auto _ : state) {
@@ -123,7 +131,7 @@ void Settle(benchmark::internal::Benchmark* bench) {
 }
 
 BENCHMARK(ConvertWithSox)->Name(kSoxBench)->Apply(Settle);
-BENCHMARK_CAPTURE(Convert, plain, "plain.dat")->Name(kPlainDctBench)->Apply(Settle);
-BENCHMARK_CAPTURE(Convert, encrypted, "secret.dat")->Name(kEncryptedDctBench)->Apply(Settle);
+BENCHMARK_CAPTURE(Convert, plain, "rec0.dat")->Name(kPlainDctBench)->Apply(Settle);
+BENCHMARK_CAPTURE(Convert, encrypted, "rec1.dat")->Name(kEncryptedDctBench)->Apply(Settle);
 
 }  // namespace

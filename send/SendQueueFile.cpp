@@ -50,6 +50,12 @@ SendQueueEntry ToEntry(const Values& values) {
     return entry;
 }
 
+// Without what could not be written again: a value ends before its first control byte.
+std::string_view BeforeControl(std::string_view value) {
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; };
+    return value.substr(0, static_cast<size_t>(std::ranges::find_if(value, isControl) - value.begin()));
+}
+
 // Takes the first line off a text.
 std::string_view TakeLine(std::string_view& text) {
     const size_t length = std::min(text.find_first_of("\r\n"), text.size());
@@ -69,7 +75,8 @@ public:
             if (line.starts_with('[')) {
                 isInside = LEqualNoCase(line.substr(1, line.find(']') - 1), kSection);
             } else if (isInside && equals != std::string_view::npos) {
-                TakeKey(LTrimBlanks(line.substr(0, equals)), LProfileValue(line.substr(equals + 1)));
+                TakeKey(LTrimBlanks(line.substr(0, equals)),
+                        LProfileValue(BeforeControl(line.substr(equals + 1))));
             }
         }
     }

@@ -153,7 +153,8 @@ LWaveFileFormat LAcmRecord(const LWaveFileFormat& format) {
     const LWaveFileFormat plain = Plain(format);
     if (plain.Tag() == kFormatTagPcm) {
         const int bytes = (plain.BitsPerSample() + 7) / 8;
-        if (bytes < 1 || bytes > 4 || bytes * plain.Channels() > 0xFFFF)
+        const uint64_t align = static_cast<uint64_t>(bytes) * plain.Channels();
+        if (bytes < 1 || bytes > 4 || align > 0xFFFF || align * plain.SampleRate() > 0xFFFFFFFF)
             return Remake(plain, kFormatTagPcm, 0, {});
         return LWaveFileFormat::Pcm(static_cast<uint16_t>(8 * bytes), plain.Channels(), plain.SampleRate());
     }
