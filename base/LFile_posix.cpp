@@ -1,13 +1,14 @@
 #include "base/LFile.h"
 
 #include <dirent.h>
-#include <errno.h>
 #include <fcntl.h>
 #include <fnmatch.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
 
 #include "base/LOwned.h"

@@ -1,18 +1,20 @@
 #pragma once
 
 // Under which names files stand beside those that they belong to while something is written, or after its end
-// at a wrong moment: in one place, so that no two kinds meet. All but the first take the place of the
+// at a wrong moment: in one place, so that no two kinds meet. All but the first and the two whole names of locks take the place of the
 // extension; what recovery does with them stands in store/Recovery.cpp.
 namespace LLeftOver {
 
-inline constexpr char kProfile[] = "~";        // behind a settings file: the file with one more change
-inline constexpr char kCopy[] = ".cv~";        // of a file that is being copied, in a typist's folder
-inline constexpr char kQueue[] = ".new";       // of the send queue: the file that is to replace it
-inline constexpr char kNotes[] = ".tx~";       // of notes that are being saved
-inline constexpr char kRecipient[] = ".re~";   // of a recipient that is being saved
-inline constexpr char kJournal[] = ".mo~";     // of the journal of a move that is being written
-inline constexpr char kLock[] = ".lck";        // of a lock between programs; stays
-inline constexpr char kAudio[] = ".tmp";       // of audio that is being rewritten or converted
+inline constexpr char kProfile[] = "~";            // behind a settings file: the file with one more change
+inline constexpr char kCopy[] = ".cv~";            // of a file that is being copied, in a typist's folder
+inline constexpr char kQueue[] = ".new";           // of the send queue: the file that is to replace it
+inline constexpr char kNotes[] = ".tx~";           // of notes that are being saved
+inline constexpr char kRecipient[] = ".re~";       // of a recipient that is being saved
+inline constexpr char kJournal[] = ".mo~";         // of the journal of a move that is being written
+inline constexpr char kLock[] = ".lck";            // of a lock between programs; stays
+inline constexpr char kInUseLock[] = "inuse.lck";  // in a user's folder, while a program runs for him
+inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, while a program sends
+inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
 inline constexpr char kSetAside[] = ".bad%d";  // of what stood under the audio's name and is no WAV file
 inline constexpr char kSetAsidePattern[] = ".bad*";
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/LLeftOver.h"
 #include "base/LTime.h"
 #include "send/SendItem.h"
 
@@ -15,7 +16,7 @@ static constexpr uint32_t kReadLimitMs = 5000;
 static constexpr uint32_t kRemoveLimitMs = 2000;
 static constexpr uint32_t kChangeLimitMs = 500;
 static constexpr uint32_t kRetryMs = 50;
-// How long an item waits whose record or user file could not be read.
+// How long all wait when each had its turn and none of their files could be read.
 static constexpr uint32_t kKeptRetryMs = 60000;
 static constexpr uint32_t kLateRetryMs = 1000;  // after it told
 static constexpr uint32_t kElsewhereMs = 1000;  // between two looks while another program sends
@@ -56,7 +57,7 @@ BGSend::~BGSend() {
 void BGSend::SetQueuePath(const LPath& path) {
     LLock lock(m_queueLock);
     m_queue.SetPath(path);
-    m_sendingLock = LPath::Join(LFolderOf(path.View()), "sending.lck");
+    m_sendingLock = LPath::Join(LFolderOf(path.View()), LLeftOver::kSendingLock);
     m_data = DataFolder::FromText(LFolderOf(path.View()));
 }
 

@@ -27,7 +27,7 @@ public:
     SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
 
     // All of it. Stopped: nothing has arrived, and the entry is to be sent again; with an error text when
-    // record, notes or user file could not be read for a second.
+    // record, audio, notes, recipient or user file could not be read for a second.
     ProcessResult Send();
     // The conversion alone: makes the file that the recipient wants, beside the dictation. Nothing of it is
     // left unless the result is Done.

@@ -120,7 +120,7 @@ struct SendQueueFile::Contents {
 void SendQueueFile::SetPath(const LPath& path) {
     m_path = path;
     m_unfinished = path.WithExtension(LLeftOver::kQueue);
-    m_lock = path.WithExtension(".lck");
+    m_lock = path.WithExtension(LLeftOver::kLock);
 }
 
 // Takes this program's turn and reads the file. Where no lock file can be made nobody changes anything, and

@@ -86,14 +86,6 @@ void WriteLevel(const LPath& file, std::string_view section, std::string_view ke
     LProfile::Write(file, section, key, LFormatLevel(levelDb));
 }
 
-int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix) {
-    return ReadInt(file, section, std::string(prefix) + "count", 0);
-}
-
-void WriteListCount(const LPath& file, std::string_view section, std::string_view prefix, int32_t count) {
-    WriteInt(file, section, std::string(prefix) + "count", count);
-}
-
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix) {
     return std::string(prefix) + std::to_string(index) + std::string(suffix);
 }

@@ -80,8 +80,6 @@ int32_t ParseTime(std::string_view text);
 // Numbered lists inside one section: the count under "<prefix>count", the items under "<prefix><i><suffix>".
 // A count may promise anything, so a list ends at so many missing items in a row.
 inline constexpr int32_t kLargestGap = 16;
-int32_t ReadListCount(const LPath& file, std::string_view section, std::string_view prefix);
-void WriteListCount(const LPath& file, std::string_view section, std::string_view prefix, int32_t count);
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix = {});
 // Takes the value of one item away and gives it to another; an item without a key leaves none. Whenever the
 // program ends, the value is under one key or under both.

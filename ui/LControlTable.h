@@ -6,9 +6,10 @@
 #include <span>
 #include <vector>
 
+#include "base/LProfile.h"
 #include "ui/LDBEdit.h"
 
-constexpr int32_t kMostSettingBytes = 259;  // of a text in a settings file
+constexpr int32_t kMostSettingBytes = LProfile::kMaxText;  // of a text in a settings file
 
 // What a control edits: a text, or the number behind a tick (0 or 1), a choice, a level in dB or a number
 // field.

@@ -31,7 +31,7 @@ public:
     int Box(std::string_view text, std::string_view caption, UINT flags);
     // "Error" with OK.
     void Tell(std::string_view text) { Box(text, "Error", MB_OK | MB_ICONEXCLAMATION); }
-    // As LDialog::RunModal; -1 also when what runs could not be stopped.
+    // As LDialog::RunModal; -1 also when the window is gone or is to close.
     INT_PTR RunModal(LDialog& dialog, int resource, WhatRuns whatRuns);
     // Whatever else is modal: show is given the owner. -1 when it was not called.
     INT_PTR RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show);

@@ -6,9 +6,10 @@
 // goes by whole characters.
 static void CutToBytes(std::string& text, size_t mostBytes) {
     const char* end = text.c_str();
-    for (const char* next = end; *end != 0; end = next) {
-        next = CharNextA(end);
+    while (*end != 0) {
+        const char* next = CharNextA(end);
         if (static_cast<size_t>(next - text.c_str()) > mostBytes) break;
+        end = next;
     }
     text.resize(static_cast<size_t>(end - text.c_str()));
 }

@@ -4,12 +4,13 @@
 #include <string>
 #include <string_view>
 
+#include "base/LProfile.h"
 #include "ui/LDialog.h"
 
 // Asks the user for one line of text. Thread: the window thread.
 class LTextEditDlg final : public LDialog {
 public:
-    static constexpr size_t kMostBytes = 259;
+    static constexpr size_t kMostBytes = LProfile::kMaxText;
 
     // The text is filled in and selected, so that typing replaces it. The answer has at most 259 bytes;
     // nothing when the user cancels.

@@ -57,7 +57,7 @@ private:
 
 }  // namespace
 
-int ChooseRecipient(const AppState& state, LModalRunner& runner) {
+int AskForRecipient(const AppState& state, LModalRunner& runner) {
     ChooseRecipientDialog dialog(state);
     runner.RunModal(dialog, IDD_CHOOSE, LModalRunner::WhatRuns::Stops);
     return dialog.Chosen();

@@ -5,4 +5,4 @@
 
 // Lets the user choose a recipient from the list of his; the default one is chosen at first. The index, -1 when he
 // cancels. Thread: the window thread.
-int ChooseRecipient(const AppState& state, LModalRunner& runner);
+int AskForRecipient(const AppState& state, LModalRunner& runner);

@@ -6,7 +6,8 @@
 
 // What decides which commands can be given.
 struct CommandSituation {
-    // What stands before the window: a box or a dialog, or a long process.
+    // What stands before the window: a box or a dialog, or a long process. As LModalRunner::Standing, which this
+    // portable half does not know.
     enum class Standing { Nothing, Question, Process };
 
     ViewMode view = ViewMode::Normal;

@@ -1,6 +1,5 @@
 #include "app/window/DictationCommands_win.h"
 
-#include "base/LText.h"
 #include "base/LTime.h"
 #include "store/DictationRecord.h"
 #include "store/DictationStore.h"
@@ -21,12 +20,6 @@ constexpr char kRecordedOnto[] =
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected, or another program may be using your user file. Please try again.";
-
-std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && LIsBlank(text.back())) text.remove_suffix(1);
-    return text;
-}
 
 }  // namespace
 
@@ -72,10 +65,9 @@ bool DictationCommands::BeginRename() {
 }
 
 void DictationCommands::Rename(std::string_view name) {
-    name = Trimmed(name);
-    if (!m_current || name.empty() || !StopAndSave() || !m_current) return;
-    const DictationFiles files = *m_current.Files();
-    if (m_list.NameOf(files.record) != name && !m_list.Rename(files, name)) TellNotStored();
+    if (!m_current || !ChangedName(m_list.NameOf(m_current.Files()->record), name)) return;
+    if (!StopAndSave() || !m_current) return;
+    if (!m_list.Rename(*m_current.Files(), name)) TellNotStored();
 }
 
 bool DictationCommands::SetPriority(std::string_view priority) {

@@ -154,6 +154,7 @@ void DictationList::UpdateNumber(int32_t number) {
 
 void DictationList::UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing) {
     std::vector<DictationRow> rows;
+    rows.reserve(dictations.size());
     for (const DictationFiles& files : dictations) rows.push_back(LoadDictationRow(files.record, listing));
     Update(std::move(rows));
 }

@@ -47,13 +47,14 @@ public:
     ProcessResult SetupFilesList(const LPath& folder, ProcessContext& context);
     // A number that is listed already is not added again.
     void AddFile(const LPath& record);
-    // The row moves to the end and keeps its selection.
+    // The row moves to the end and keeps its selection; one that is last changes in place. While the record cannot be
+    // read the row stays as it is.
     void UpdateFile(const LPath& record);
     void UpdateNumber(int32_t number);
-    // Tries once more to read the records that another program kept from being read.
-    void ReloadUnreadable();
     // The same for several, in the order given; listing: of their folder, as it is now.
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
+    // Tries once more to read the records that another program kept from being read.
+    void ReloadUnreadable();
     // When no row remains selected, the one that takes the place of the last is.
     void RemoveFiles(const std::vector<DictationFiles>& dictations);
     // Makes this row the only selected one.

@@ -25,7 +25,8 @@ struct DictationRow {
 // Missing files give empty columns, a length of zero and the normal priority. Waits for nobody. A record that
 // was cut off while it was written is mended (RepairRecord).
 DictationRow LoadDictationRow(const LPath& record);
-// The same for one of many: what the listing of its folder says is missing or empty is not opened.
+// The same for one of many: what a whole listing of its folder lacks is not opened. A listed size of 0 is not
+// believed.
 DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing);
 
 // What a typed name makes of a dictation's name: nothing when it is blank or the same.

@@ -7,6 +7,7 @@
 
 #include "app/dialogs/IntroductionPages_win.h"
 #include "app/window/HoldButton_win.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
@@ -20,7 +21,6 @@ constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
-constexpr char kInUseFile[] = "inuse.lck";
 constexpr char kNotAllListed[] =
     "Not all dictations are listed.\n\nNone is lost: the others are listed when Corvane is started again.";
 constexpr char kLoseNotes[] =
@@ -176,7 +176,7 @@ void MainDialog::RecoverLeftovers() {
     m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
     // Another Windows session on the same folder is in the middle of what would look left over.
     const LPath lock =
-        LPath::Join(UserFolderPath(m_state.data.folder, m_state.user.number).View(), kInUseFile);
+        LPath::Join(UserFolderPath(m_state.data.folder, m_state.user.number).View(), LLeftOver::kInUseLock);
     if (m_inUse.TryTake(lock) == LFileLock::Result::Held) return;
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());

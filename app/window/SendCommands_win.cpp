@@ -46,7 +46,7 @@ int SendCommands::DefaultRecipient() const {
 int SendCommands::ChooseRecipient() const {
     // Without a usable default the settings want attention, whichever way is chosen.
     if (DefaultRecipient() < 0) return -1;
-    return ::ChooseRecipient(m_state, m_runner);
+    return AskForRecipient(m_state, m_runner);
 }
 
 SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {

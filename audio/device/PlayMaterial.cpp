@@ -49,7 +49,7 @@ int32_t PlayMaterial::BufferFrames() const {
 
 size_t PlayMaterial::TailBuffers() const {
     const int32_t frames = MsToFrames(kTailMs, m_top->GetSampleRate());
-    return static_cast<size_t>(frames / BufferFrames() + (frames % BufferFrames() > 0 ? 1 : 0));
+    return static_cast<size_t>(RoundUp(frames, BufferFrames())) / static_cast<size_t>(BufferFrames());
 }
 
 void PlayMaterial::Seek(int32_t sourceFrame) {

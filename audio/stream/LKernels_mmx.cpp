@@ -12,7 +12,7 @@ struct Mmx {
     static constexpr size_t kLanes = 2;
     // The registers are those of the floating-point unit, which finds its own empty again.
     struct Scope {
-        Scope() {}
+        Scope() = default;
         ~Scope() { _mm_empty(); }
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;

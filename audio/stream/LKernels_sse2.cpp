@@ -10,7 +10,7 @@ struct Sse2 {
     using Word = __m128i;
     static constexpr size_t kLanes = 4;
     struct Scope {
-        Scope() {}
+        Scope() = default;
     };
 
     static Word Load(const void* from) { return _mm_loadu_si128(static_cast<const Word*>(from)); }

@@ -16,10 +16,6 @@ bool LSoundTime::SetSamples(int32_t samples, int32_t sampleRate) {
     return true;
 }
 
-void LSoundTime::SetMilliseconds(int32_t milliseconds) {
-    SetSamples(milliseconds, 1000);
-}
-
 std::string LSoundTime::Print(Form form) const {
     const long h = Hours(), m = Minutes(), s = Seconds(), ms = m_milliseconds;
     switch (form) {

@@ -30,7 +30,6 @@ public:
 
     // False, with the time left as it was, when the rate is below 1.
     bool SetSamples(int32_t samples, int32_t sampleRate);
-    void SetMilliseconds(int32_t milliseconds);
 
     int32_t Hours() const { return m_seconds / 3600; }
     int32_t Minutes() const { return m_seconds / 60 % 60; }

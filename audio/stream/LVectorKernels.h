@@ -25,7 +25,7 @@ class LVectorKernels {
     }
 
     static uint32_t Peak(const int32_t* samples, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         // Unsigned comparison of magnitudes: vectors compare signed, so both sides are shifted down by 2^31.
         const Word bias = V::All32(INT32_MIN);
         Word peaks = bias;
@@ -45,7 +45,7 @@ class LVectorKernels {
 
     // Each PCM sample goes to the top of its 32 bits; the shift back down extends the sign.
     static void FromPcm8s(const uint8_t* pcm, int32_t* samples, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         const Word zero = V::Zero();
         size_t i = 0;
         for (; i + 4 * kLanes <= count; i += 4 * kLanes) {
@@ -60,7 +60,7 @@ class LVectorKernels {
     }
 
     static void FromPcm16s(const uint8_t* pcm, int32_t* samples, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         const Word zero = V::Zero();
         size_t i = 0;
         for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
@@ -81,7 +81,7 @@ class LVectorKernels {
     }
 
     static void ToPcm8s(const int32_t* samples, uint8_t* pcm, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         const auto bytes = [&](size_t at) { return Bytes(V::Load(samples + at)); };
         size_t i = 0;
         for (; i + 4 * kLanes <= count; i += 4 * kLanes) {
@@ -96,7 +96,7 @@ class LVectorKernels {
     static Word Words(Word v) { return V::Shift(V::Left(V::Add(v, V::All32(8)), 12), 16); }
 
     static void ToPcm16s(const int32_t* samples, uint8_t* pcm, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         size_t i = 0;
         for (; i + 2 * kLanes <= count; i += 2 * kLanes)
             V::Store(pcm + 2 * i,
@@ -124,7 +124,7 @@ class LVectorKernels {
     // kChannels of 1 or 2: a vector holds kLanes frames or half as many.
     template <size_t kChannels>
     static void RampOf(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         constexpr size_t kFrames = kLanes / kChannels;
         int32_t gains[kLanes];
         for (size_t lane = 0; lane < kLanes; ++lane)
@@ -148,7 +148,7 @@ class LVectorKernels {
     }
 
     static void Narrow(const int32_t* samples, int16_t* narrowed, size_t count) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         // (v >> 4) + (v >> 3 & 1) is (v + 8) >> 4 without overflow.
         const auto rounded = [&](size_t at) {
             const Word v = V::Load(samples + at);
@@ -192,7 +192,7 @@ class LVectorKernels {
     template <size_t kHalf>
     static void InterpolateBy(const LSincRows& rows, uint32_t phase, const int16_t* history, int32_t* out,
                               size_t count, size_t stride) {
-        const Scope scope;
+        [[maybe_unused]] const Scope scope{};
         const uint32_t whole = rows.step / rows.phases, part = rows.step % rows.phases;
         size_t at = 0;
         const auto next = [&] {

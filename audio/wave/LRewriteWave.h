@@ -2,19 +2,20 @@
 
 #include "audio/wave/LAcm.h"
 #include "audio/wave/LWaveFile.h"
+#include "base/LLeftOver.h"
 #include "base/LPath.h"
 #include "base/LProcess.h"
 
 // Gives a WAV file the layout that recordings continue on: PCM of at most 16 bits, our 46-byte head and nothing
 // after the data. PCM samples of up to 16 bits stay as they are, byte for byte, wider ones are rounded to 16
 // bits, and every other format is decoded to 16 bits of the same rate and channels. A compressed file that its
-// codec does not decode to the end is refused. The new file is written beside the old one (extension ".tmp"), checked, flushed and swapped in; until then
-// the old one is untouched, and every other end removes the temporary file. A file that has our layout
-// already is left alone.
+// codec does not decode to the end is refused. The new file is written beside the old one (extension ".tmp"),
+// checked, flushed and swapped in; until then the old one is untouched, and every other end removes the temporary
+// file. A file that has our layout already is left alone.
 class LRewriteWave final : public LProcess {
 public:
     explicit LRewriteWave(const LPath& path, LAcmOpener opener = LAcmOpen)
-        : m_path(path), m_temporary(path.WithExtension(".tmp")), m_opener(opener) {}
+        : m_path(path), m_temporary(path.WithExtension(LLeftOver::kAudio)), m_opener(opener) {}
     ProcessResult Process(ProcessContext& context) override;
 
     // Whether this machine can: PCM always (of up to 32 bits), another format when there is a codec for it.

@@ -41,7 +41,7 @@ def test_it_is_small_and_says_which_windows_it_is_made_for():
 
 # Far from the usual figures (see the README): a noisy machine does not pass them, a fault that takes a look at every
 # dictation for every dictation, or a thread that turns idly, does.
-PAINTED_WITHIN = 6.0  # seconds more than with an empty list
+PAINTED_WITHIN = 0.5  # of the fill of 10,000 dictations: who fills before painting takes all of it
 MOST_TIMES = 11  # for ten times the dictations
 HEAVY_LOAD = 0.05  # of a core
 
@@ -66,7 +66,7 @@ def test_ten_times_the_dictations_take_ten_times_as_long_to_list(corvane, data):
         print(f"start-up: {empty:.2f} s, {few:.2f} s more for 1,000 dictations, {filled - empty:.2f} s for 10,000")
         if filled - empty <= MOST_TIMES * few:
             break
-    assert filled - empty <= MOST_TIMES * few and begun - painted <= PAINTED_WITHIN
+    assert filled - empty <= MOST_TIMES * few and begun - painted <= PAINTED_WITHIN * (filled - empty)
 
 
 def test_recording_leaves_the_machine_to_others(corvane, data):
