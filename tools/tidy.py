@@ -45,6 +45,8 @@ def dependencies(build):
 def for_clang(entry):
     """A command of the mingw compiler as clang understands it."""
     words = shlex.split(entry["command"])
+    while Path(words[0]).name in ("ccache", "sccache"):
+        words.pop(0)
     include = subprocess.run([words[0], "-print-file-name=include"], capture_output=True, text=True).stdout.strip()
     library = Path(include).parent / "include" / "c++"
     paths = [library, library / MINGW, library / "backward", Path("/usr") / MINGW / "include"]
