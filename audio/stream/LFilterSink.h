@@ -2,9 +2,11 @@
 
 #include "audio/stream/LSoundSink.h"
 
-// A sink that wraps another one and passes on what it does not change. It counts the frames that it is given,
-// on top of those that the wrapped sink holds already, and has the wrapped sink's channels and error bit; an
-// empty handle sets the error bit. A cut goes as far as the wrapped sink cuts: some do not.
+// The base of sinks that wrap another sink: it passes every call on, and a filter overrides the calls that it
+// changes. It has the wrapped sink's channels and error bit; an empty handle sets the error bit.
+// Units:  GetFrames() counts the frames given to this sink, on top of those that the wrapped sink held at
+//         first. After a cut it is the wrapped sink's count, since not every sink can be cut.
+// Thread: that of the wrapped sink.
 class LFilterSink : public LSoundSinkBase {
 public:
     void Write(const int32_t* samples, int32_t frames) override {

@@ -2,8 +2,10 @@
 
 #include "audio/stream/LSoundSource.h"
 
-// A source that wraps another one and passes on what it does not change. It has the wrapped source's error
-// bit.
+// The base of sources that wrap another source: it passes every call on, and a filter overrides the calls
+// that it changes. It has the wrapped source's error bit.
+// Units:  those of the wrapped source, unless the filter says otherwise.
+// Thread: that of the wrapped source.
 class LFilterSource : public LSoundSourceBase {
 public:
     int32_t GetPosition() const override { return m_source->GetPosition(); }

@@ -7,6 +7,13 @@
 #include "audio/stream/LSample.h"
 #include "base/LProcessor.h"
 
+// The plain loops, and the choice between the three versions. The plain ones define the result: the vector
+// loops (LVectorKernels.h) match them to the bit and call them for the samples that fill no whole vector.
+// A build for SSE2 alone was rejected, since the program runs on processors from the first Pentium on; a
+// build for the oldest processor alone would leave most of a newer one unused. The choice asks the platform
+// as well as the processor: Windows 95 does not save the SSE registers when it changes threads, so two
+// threads that use them would spoil each other's sound. It gets the MMX loops, whose registers it saves.
+
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "16-bit PCM is taken as it stands");
@@ -72,18 +79,19 @@ void Narrow(const int32_t* samples, int16_t* narrowed, size_t count) {
         narrowed[i] = static_cast<int16_t>((std::clamp(samples[i], -0x80000, 0x7FFF0) + 8) >> 4);
 }
 
-// A half as the sums of its even and of its odd slots. For the worst of inputs a half may exceed 32 bits, but
-// never one of the two.
+// The dot product of one half of a row, as the sums of its even and of its odd slots. For the worst of inputs
+// a half may exceed 32 bits, but neither of the two sums does.
 struct HalfSum {
     int32_t even;
     int32_t odd;
+    // (even + odd) >> 1, without forming the sum.
     int32_t Halved() const { return (even >> 1) + (odd >> 1) + (even & odd & 1); }
 };
 
 template <size_t kHalf>
 HalfSum SumHalf(const int16_t* history, const int16_t* row) {
     HalfSum sum{0, 0};
-#pragma GCC unroll 16  // a third of the time in the 32-bit build
+#pragma GCC unroll 16  // takes a third off the time of the 32-bit build
     for (size_t i = 0; i < kHalf; i += 2) {
         sum.even += history[i] * row[i];
         sum.odd += history[i + 1] * row[i + 1];
@@ -91,7 +99,7 @@ HalfSum SumHalf(const int16_t* history, const int16_t* row) {
     return sum;
 }
 
-// (a + b + 1024) >> 11 without its sum.
+// (a + b + 1024) >> 11, without forming a + b, which may exceed 32 bits.
 int32_t Round(int32_t a, int32_t b) {
     return (a >> 11) + (b >> 11) + (((a & 2047) + (b & 2047) + 1024) >> 11);
 }
@@ -120,6 +128,7 @@ void Interpolate(const LSincRows& rows, uint32_t phase, const int16_t* history, 
         InterpolateBy<8>(rows, phase, history, out, count, stride);
 }
 
+// Both halves of the SSE2 test are needed: the processor has the registers, the platform saves them.
 const LKernels& Choose() {
     __builtin_cpu_init();
     if (__builtin_cpu_supports("sse2") && LPlatformSavesSse()) return kSse2Kernels;

@@ -1,4 +1,4 @@
-// Compiled for MMX and nothing newer.
+// The MMX loops. Compiled with the options for MMX and nothing newer.
 #include <mmintrin.h>
 
 #include <cstring>
@@ -7,10 +7,12 @@
 
 namespace {
 
+// The operations that LVectorKernels needs, in vectors of two 32-bit lanes.
 struct Mmx {
     using Word = __m64;
     static constexpr size_t kLanes = 2;
-    // The registers are those of the floating-point unit, which finds its own empty again.
+    // MMX shares its registers with the floating-point unit. They are emptied at the end of each loop, so
+    // that the next floating-point operation finds them free.
     struct Scope {
         Scope() = default;
         ~Scope() { _mm_empty(); }
@@ -67,7 +69,7 @@ struct Mmx {
     }
 };
 
-// In two lanes these take more steps than the plain loops take in one register.
+// Two loops stay plain: in two lanes they take more steps than the plain loops take in one register.
 uint32_t Peak(const int32_t* samples, size_t count) {
     return kPlainKernels.peak(samples, count);
 }

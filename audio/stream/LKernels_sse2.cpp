@@ -1,11 +1,12 @@
-// Compiled for SSE2, and with a stack that is aligned anew, since Windows does not keep it aligned to 16
-// bytes.
+// The SSE2 loops. Compiled with the options for SSE2, and with a stack that each function aligns anew, since
+// Windows does not keep it aligned to 16 bytes.
 #include <emmintrin.h>
 
 #include "audio/stream/LVectorKernels.h"
 
 namespace {
 
+// The operations that LVectorKernels needs, in vectors of four 32-bit lanes.
 struct Sse2 {
     using Word = __m128i;
     static constexpr size_t kLanes = 4;
@@ -43,7 +44,7 @@ struct Sse2 {
     static Word Pack16(Word a, Word b) { return _mm_packus_epi16(a, b); }
     static Word MultiplyAdd(Word a, Word b) { return _mm_madd_epi16(a, b); }
 
-    using Sums = Word;  // first, second, first, second
+    using Sums = Word;  // partial sums of the first, second, first and second half
     static Sums Fold(Word first, Word second) { return Add(Low32(first, second), High32(first, second)); }
     struct Places {
         Word firstEven, firstOdd, secondEven, secondOdd;

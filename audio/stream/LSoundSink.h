@@ -5,22 +5,23 @@
 
 #include "audio/stream/LSample.h"
 
-// A consumer of audio blocks: a file, or a filter that wraps another sink. Destruction flushes what the stage
-// still holds and closes its target.
+// A consumer of audio blocks: a file, or a filter that wraps another sink. Its destructor writes the samples
+// that the stage still holds and closes the target.
 // Units:  counts are frames; samples are interleaved, on the 20-bit scale.
-// Errors: a constructor or a Write that fails sets the error bit.
+// Errors: a constructor or a Write that fails sets the error bit, which stays set.
 // Thread: one at a time. The recorder owns its sink from Start() to Stop().
 class LSoundSinkBase {
 public:
-    // sampleRate in Hz; channels (0: 1 and the error bit).
+    // sampleRate in Hz; channels 1 to 255 (0 counts as 1 and sets the error bit).
     LSoundSinkBase(int32_t sampleRate, uint8_t channels);
     virtual ~LSoundSinkBase() = default;
     LSoundSinkBase(const LSoundSinkBase&) = delete;
     LSoundSinkBase& operator=(const LSoundSinkBase&) = delete;
 
-    // At most kBlockFrames frames. An override counts what it takes with AddFrames.
+    // At most kBlockFrames frames. An override counts the frames that it takes with AddFrames.
     virtual void Write(const int32_t* samples, int32_t frames) = 0;
-    // Cuts what was written back to that many frames (ignored when more than was written; below 0 means 0).
+    // Cuts the written material back to that many frames. Ignored when fewer were written; below 0 means 0. A
+    // sink that cannot cut, as the base, does nothing.
     virtual void Truncate(int32_t frames);
 
     int32_t GetFrames() const { return m_frames; }
@@ -44,7 +45,9 @@ private:
     uint16_t m_references = 0;
 };
 
-// The counted handle through which alone sinks are shared. Unlike a source's it may be empty.
+// The counted handle on a sink: sinks are made by Make() and shared through their handles alone, and the last
+// handle destroys the sink. Unlike a source's handle it may be empty.
+// Thread: handles on the same sink are copied and dropped on one thread at a time.
 class LSoundSink {
 public:
     LSoundSink() = default;

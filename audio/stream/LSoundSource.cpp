@@ -5,7 +5,7 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
-// What a handle holds when it has no source of its own: silence without end.
+// The source of an empty handle: silence without end, of length 0. It spares each caller a test for null.
 class LNullSource final : public LSoundSourceBase {
 public:
     LNullSource() : LSoundSourceBase(11025, 1, kNullSourceLevel) { SetError(); }

@@ -24,11 +24,11 @@ public:
     virtual int32_t GetPosition() const = 0;
     virtual int32_t GetLength() const = 0;
     virtual void Seek(int32_t frame) = 0;  // below 1: the start; beyond the length: the end
-    // True while the material may still grow, because it is being recorded. GetLength() is that of now; who
-    // reads beyond it gets silence in place of what comes later.
+    // True while the material may still grow, because it is being recorded. GetLength() is then that of now;
+    // a Read beyond it yields silence in place of the sound that is recorded there later.
     virtual bool IsGrowing() const { return false; }
-    // Once the end was reached: whether all the material was delivered. False when it ended early, since a codec
-    // failed.
+    // Once the end was reached: whether all the material was delivered. False when it ended early, because a
+    // codec failed or the file could not be read.
     virtual bool IsWhole() const { return true; }
 
     int32_t GetSampleRate() const { return m_sampleRate; }
@@ -53,8 +53,9 @@ private:
     uint16_t m_references = 0;
 };
 
-// The counted handle through which alone sources are shared. It is never empty: without a source of its own
-// it holds a null source (11025 Hz, mono, level 0x200000, error bit set), so callers can always ask it.
+// The counted handle on a source: sources are made by Make() and shared through their handles alone, and the
+// last handle destroys the source. It is never empty: without a source of its own it holds a null source
+// (11025 Hz, mono, level 0x200000, error bit set), so callers can always ask it.
 // Thread: handles on the same source are copied and dropped on one thread at a time.
 class LSoundSource {
 public:

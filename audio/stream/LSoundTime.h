@@ -13,8 +13,10 @@ constexpr int32_t MsToFrames(int32_t milliseconds, int32_t sampleRate) {
     return sampleRate < 1 ? 0 : Saturate(int64_t{milliseconds} * sampleRate / 1000);
 }
 
-// A length or position as it is shown: hours, minutes, seconds and milliseconds. Negative times count as 0;
-// parts that a form does not show are cut off, not rounded.
+// A length or position in the form that the user reads: hours, minutes, seconds and milliseconds. Negative
+// times count as 0; a part that a form does not show is cut off, not rounded.
+// Units:  frames in, at a rate in Hz; milliseconds out.
+// Thread: one at a time.
 class LSoundTime {
 public:
     enum class Form {

@@ -2,17 +2,21 @@
 
 #include "audio/stream/LKernels.h"
 
-// The hot loops of LKernels, written once for vectors of 32-bit lanes; what is left over when no vector is full
-// goes to the plain loops, which compute with integers alone. Included by one file for each instruction set V,
-// and without functions of the library: one that is compiled there for V may be what the linker then gives to
-// everyone. V has
+// The hot loops of LKernels, written once for vectors of 32-bit lanes. The samples that fill no whole vector
+// go to the plain loops, which compute with integers alone and so agree to the bit.
+// One file for each instruction set V includes this header and is compiled for V. It must call no function of
+// the library here: the linker keeps one copy of an inline function for the whole program, and that copy
+// might use V's instructions on a processor without them. V has
 //
-//   Word, kLanes              a vector and its number of 32-bit lanes, even
-//   Scope                     an object that lives while vectors are in use
-//   Load, Store, LoadAligned, Zero, All8, All32, First                from and to memory and integers
-//   Add, Sub, And, Or, Xor, AndNot, Left, Right, Shift (arithmetic), Equal, Greater             of 32-bit lanes
-//   Low8 to High32 (interleave), Pack32, Pack16 (saturate; to unsigned), MultiplyAdd (of pairs of 16 bits)
-//   Sums, Fold, Gather        the sums of one sample's two halves, and those of kLanes samples by their places
+//   Word, kLanes                    a vector and its number of 32-bit lanes, even
+//   Scope                           an object that lives while vectors are in use
+//   Load, Store, LoadAligned, Zero, All8, All32, First     from and to memory and integers
+//   Add, Sub, And, Or, Xor, AndNot, Left, Right, Shift (arithmetic), Equal, Greater     of 32-bit lanes
+//   Low8 to High32                  interleave the low or high half of two vectors
+//   Pack32, Pack16                  narrow with saturation, Pack16 to unsigned
+//   MultiplyAdd                     sums of two neighbouring products of 16 bits
+//   Sums, Fold                      the partial sums of the two halves of one sample
+//   Gather                          those of kLanes samples, sorted by half and place
 template <class V>
 class LVectorKernels {
     using Word = typename V::Word;
@@ -26,7 +30,7 @@ class LVectorKernels {
 
     static uint32_t Peak(const int32_t* samples, size_t count) {
         [[maybe_unused]] const Scope scope{};
-        // Unsigned comparison of magnitudes: vectors compare signed, so both sides are shifted down by 2^31.
+        // Vectors compare signed, but the magnitude of -2^31 is 2^31: both sides are shifted down by 2^31.
         const Word bias = V::All32(INT32_MIN);
         Word peaks = bias;
         size_t i = 0;
@@ -71,8 +75,8 @@ class LVectorKernels {
         kPlainKernels.fromPcm16(pcm + 2 * i, samples + i, count - i);
     }
 
-    // Samples as bytes, each in 32 bits. What lies from 0x7F800 to 0x7FFFF rounds to 0 and is taken one down, to
-    // 255.
+    // Rounds samples to bytes, one in each lane. The values from 0x7F800 to 0x7FFFF round up to 256, whose
+    // low byte is 0; the comparison takes 1 off, which gives 255 (see ToPcm8).
     static Word Bytes(Word v) {
         const Word top = V::Equal(V::Shift(v, 11), V::All32(0xFF));
         const Word rounded = V::Shift(V::Add(v, V::All32(2048)), 12);
@@ -92,7 +96,7 @@ class LVectorKernels {
         kPlainKernels.toPcm8(samples + i, pcm + i, count - i);
     }
 
-    // Samples rounded and wrapped to 16 bits, so that packing finds nothing to saturate.
+    // Rounds samples and wraps them to 16 bits, so that packing finds nothing to saturate.
     static Word Words(Word v) { return V::Shift(V::Left(V::Add(v, V::All32(8)), 12), 16); }
 
     static void ToPcm16s(const int32_t* samples, uint8_t* pcm, size_t count) {
@@ -104,10 +108,9 @@ class LVectorKernels {
         kPlainKernels.toPcm16(samples + i, pcm + 2 * i, count - i);
     }
 
-    // The product in halves of 12 bits, from multiplications of 16 bits. The high half of a value, up to 20
-    // bits, is split once more into a * 2^12 + b; with the low half c, and the gain's halves H and L, the product
-    // (a * 2^12 + b) * H + (((a * 2^12 + b) * L + c * H) >> 12) is a * H * 2^12 + (b * H + a * L) +
-    // ((b * L + c * H) >> 12).
+    // TimesGain from multiplications of 16 bits. The high half of a value, up to 20 bits, is split once more
+    // into a * 2^12 + b. With the low half c, and the gain's halves H and L, the product (a * 2^12 + b) * H +
+    // (((a * 2^12 + b) * L + c * H) >> 12) is a * H * 2^12 + (b * H + a * L) + ((b * L + c * H) >> 12).
     static Word Multiply(Word v, Word gain) {
         const Word mask = V::All32(0xFFF), upper = V::All32(-0x10000);
         const Word gainHigh = V::Right(gain, 12);
@@ -121,7 +124,7 @@ class LVectorKernels {
         return V::Add(V::Add(V::Left(aHigh, 12), ab), V::Right(bc, 12));
     }
 
-    // kChannels of 1 or 2: a vector holds kLanes frames or half as many.
+    // kChannels is 1 or 2: a vector holds kLanes frames, or half as many.
     template <size_t kChannels>
     static void RampOf(const LGainRamp& ramp, const int32_t* in, int32_t* out, size_t frames) {
         [[maybe_unused]] const Scope scope{};
@@ -159,7 +162,7 @@ class LVectorKernels {
         kPlainKernels.narrow(samples + i, narrowed + i, count - i);
     }
 
-    // Of one sample: each half as two partial sums, of which none exceeds 32 bits for any input.
+    // The partial sums of one sample: two for each half, of which none exceeds 32 bits for any input.
     template <size_t kHalf>
     static typename V::Sums SumHalves(const int16_t* history, const int16_t* row) {
         const auto product = [](const int16_t* samples, const int16_t* coefficients) {
@@ -174,13 +177,14 @@ class LVectorKernels {
         return V::Fold(first, second);
     }
 
-    // (a + b) >> 1 without its sum.
+    // (a + b) >> 1, without forming a + b, which may exceed 32 bits.
     static Word Halved(Word a, Word b) {
         return V::Add(V::And(a, b), V::Shift(V::Xor(a, b), 1));
     }
 
-    // (a + b + 1024) >> 11 without its sum: what halving drops is below a step of the result. There is room for the
-    // 512, as the magnitudes of a row sum to at most 2.41 times 65536, where four times would fill the 32 bits.
+    // (a + b + 1024) >> 11, without forming a + b. The bit that halving drops is below a step of the result.
+    // There is room for the 512: the magnitudes of a row sum to at most 2.41 times 65536, and only four times
+    // would fill the 32 bits.
     static Word Rounded(Word a, Word b) {
         return V::Shift(V::Add(Halved(a, b), V::All32(512)), 10);
     }
@@ -195,7 +199,7 @@ class LVectorKernels {
             const typename V::Sums sums =
                 SumHalves<kHalf>(history + at, rows.rows + size_t{phase} * (2 * kHalf));
             phase += part;
-            // Without a jump, which the processor would often foretell wrongly.
+            // Arithmetic in place of a branch, which the processor would often predict wrongly.
             const uint32_t less = phase - rows.phases, carries = (less >> 31) ^ 1;
             at += whole + carries;
             phase = less + (rows.phases & (carries - 1));
