@@ -3,24 +3,33 @@
 #include <algorithm>
 #include <bit>
 
+// A normalised cross-correlation in two steps. The first step averages the sound down to about 4000 Hz and
+// tries every candidate; the second tries the frames around the winner at the full rate, with every stride-th
+// sample. A coarse search at 8000 Hz was rejected: it costs more than twice as much and, on synthetic speech,
+// lands a little further from the original.
+// The score of a candidate is its correlation with the expected wave over the root of its energy. Scores are
+// compared squared and multiplied crosswise, without root or division, and the energy slides from one
+// candidate to the next; together that is four times as fast. Samples are scaled to 11 bits by the common
+// peak, so quiet speech is matched as precisely as loud speech.
+
 namespace {
 
-// The strong harmonics of speech, by which it is matched, lie below 2 kHz.
+// The strong harmonics of speech, by which it is matched, lie below 2 kHz: 4000 samples per second hold them.
 constexpr int32_t kCoarseRate = 4000;
 
-// Samples of so many bits and a sign: the sum of 500 products fits into 32 bits, and an overlap of 10 ms has at
-// most 80 terms, of samples at less than twice the coarse rate.
+// Magnitude bits of a scaled sample: the sum of 500 products of two then fits into 32 bits. An overlap of 10
+// ms has at most 80 terms, since the coarse rate is below 8000 Hz (a stride is a whole number of frames).
 constexpr int kSampleBits = 11;
 
 using Wave = std::vector<int16_t>;
 
-// To samples of kSampleBits.
+// Scales samples to kSampleBits by a shift, up or down.
 void Scale(const std::vector<int32_t>& from, Wave& to, int shift) {
     const int down = std::max(shift, 0), up = std::max(-shift, 0);
     for (size_t i = 0; i < to.size(); ++i) to[i] = static_cast<int16_t>((from[i] >> down) * (1 << up));
 }
 
-// The mean of each stride of samples.
+// Averages each group of stride samples into one.
 void Coarsen(const Wave& from, Wave& to, int32_t stride) {
     const int16_t* next = from.data();
     for (int16_t& mean : to) {
@@ -30,15 +39,16 @@ void Coarsen(const Wave& from, Wave& to, int32_t stride) {
     }
 }
 
-// Looks for the candidate with the greatest correlation over the root of its energy: the size of a wave does
-// not matter, its shape does. Squares are compared, crosswise: neither root nor division.
+// Finds the candidate with the greatest correlation over the root of its energy: shape counts, loudness does
+// not.
 class Search {
 public:
-    // Every stride-th sample takes part.
+    // Every stride-th sample is compared.
     Search(const Wave& expected, const Wave& window, int32_t stride)
         : m_expected(expected), m_window(window.data()), m_stride(static_cast<size_t>(stride)) {}
 
-    // Candidates first to last; start is as good as any unless another is better.
+    // Tries the candidates first to last. start wins ties, and when no candidate correlates with the expected
+    // wave.
     int32_t Best(int32_t start, int32_t first, int32_t last) {
         m_best = start;
         Try(start, Energy(start));
@@ -59,7 +69,7 @@ private:
         for (size_t i = 0; i < m_expected.size(); i += m_stride) energy += Square(heard[i]);
         return energy;
     }
-    // By which the energy of the next candidate is greater.
+    // The difference between the energy of the next candidate and that of this one.
     int32_t Gained(int32_t candidate) const {
         const int16_t* heard = m_window + candidate;
         return Square(heard[m_expected.size()]) - Square(heard[0]);
@@ -69,7 +79,7 @@ private:
         int32_t match = 0;
         for (size_t i = 0; i < m_expected.size(); i += m_stride) match += m_expected[i] * heard[i];
         if (match <= 0) return;
-        // Of 31 bits 19 stay of either: squared and multiplied they fit into 63.
+        // Of 31 bits 19 remain: the square of one times another fits into 63.
         const int64_t scaled = match >> kDropBits, square = scaled * scaled;
         const int64_t scaledEnergy = (energy >> kDropBits) + 1;
         if (square * m_bestEnergy <= m_bestSquare * scaledEnergy) return;
@@ -100,8 +110,8 @@ LBestJoin::LBestJoin(int32_t sampleRate, uint8_t channels, int32_t overlap, int3
       m_coarseExpected(m_expected.size() / static_cast<size_t>(m_stride)),
       m_coarseWindow(m_window.size() / static_cast<size_t>(m_stride)) {}
 
-// Adds the channels up, the first one twice: so it is not lost in a second one of opposite phase, nor is the
-// second one when the first is silent. Gives the peak, or the given one if that is higher.
+// Sums the channels, the first one twice. It is then not cancelled by a second channel of opposite phase, and
+// the second one still counts when the first is silent. Returns the peak, or the given one if that is higher.
 uint32_t LBestJoin::Mix(const int32_t* samples, std::vector<int32_t>& mixed, uint32_t peak) const {
     for (int32_t& sum : mixed) {
         sum = *samples;

@@ -35,8 +35,8 @@ bool LPRSourceToSink::Match(ProcessContext& context) {
     if (m_source->IsError())
         return Refuse(context, "LPRSourceToSink::Process no channel converter",
                       "Audio with this number of channels cannot be converted.");
-    // The rate converter cuts off at full scale what the limiter turns down; behind it stands another, since the
-    // converter overshoots.
+    // The rate converter clips at full scale, so a limiter before it turns loud sound down; another one
+    // behind it takes the converter's own overshoot.
     m_source = LSRCPeakLimit::OpenSource(m_source);
     m_source = LSRCConvertRate::OpenSource(m_source, m_sink ? m_sink->GetSampleRate() : 44100);
     if (m_source->IsError())
@@ -46,8 +46,8 @@ bool LPRSourceToSink::Match(ProcessContext& context) {
     return true;
 }
 
-// A length may be an estimate that moves while we read; the end is where the position meets the length of that
-// moment. Only the progress goes by the first one.
+// A length may be an estimate that moves while the source is read. The end is where the position meets the
+// length of that moment; only the progress goes by the first length.
 ProcessResult LPRSourceToSink::Pump(ProcessContext& context) {
     const double total = std::max(m_source->GetLength(), 1);
     std::vector<int32_t> block(size_t{kBlockFrames} * m_source->GetChannels());

@@ -4,12 +4,13 @@
 #include "audio/stream/LSoundSource.h"
 #include "base/LProcess.h"
 
-// Pumps a whole source into a sink, matched to the sink's channels, sample rate and range. Without a sink the
-// source is read to its end all the same (mono, 44100 Hz).
-// Both handles are dropped when the process ends, which flushes and closes the sink; a caller that wants to
-// know what the sink holds then keeps a handle of its own.
+// Pumps a whole source into a sink. It first matches the source to the sink's channels, sample rate and
+// range. Without a sink the source is read to its end all the same (mono, 44100 Hz).
+// The process drops both handles when it ends, which flushes and closes the sink. A caller that needs the
+// sink's frame count afterwards keeps a handle of its own.
 // Errors: Failed, with an error text for the user, when either end has its error bit set, when the source
-// cannot be matched to the sink, and when the sink cannot take more (disk full).
+//         cannot be matched to the sink, and when the sink cannot take more (disk full).
+// Thread: the one that runs the process; source and sink belong to it meanwhile.
 class LPRSourceToSink final : public LProcess {
 public:
     LPRSourceToSink(const LSoundSource& source, const LSoundSink& sink) : m_source(source), m_sink(sink) {}

@@ -8,13 +8,13 @@
 #include "audio/stream/LFilterSource.h"
 
 // A filter that changes the sampling rate by windowed-sinc interpolation with 63 taps, mono and stereo. The
-// output is not delayed, and after Seek() it is the same, sample for sample, as without.
-//
+// output is not delayed, and after Seek() it is the same, sample for sample, as in an uninterrupted run.
 // It reads no further ahead than the filter reaches (31 frames). While the wrapped source is growing, its
-// newest 31 frames are not yet part of the length, so that a reader who stays within it never hears the
+// newest 31 frames are not yet part of the length, so a reader within the length never hears the
 // present end as silence.
-// Input beyond 16-bit full scale is held there, so a source with such a level passes a limiter (LSRCPeakLimit)
-// first; the output may overshoot, hence the doubled level.
+// Input beyond 16-bit full scale is clipped, so a source with such a level passes a limiter (LSRCPeakLimit)
+// first. The output may overshoot, hence the doubled level.
+// Units:  frames of the new rate.
 // Errors: the error bit (traced) for a rate below 1, more than two channels, or rates that LSincFilter does
 //         not convert. Such a stage has no length and delivers silence.
 class LSRCConvertRate final : public LFilterSource {
@@ -36,5 +36,5 @@ private:
 
     std::optional<LSincFilter> m_filter;  // both unless in error
     std::optional<LSincHistory> m_history;
-    std::vector<int32_t> m_block;  // as the wrapped source delivers it
+    std::vector<int32_t> m_block;  // a block of the wrapped source
 };

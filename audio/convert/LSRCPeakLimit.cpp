@@ -5,6 +5,15 @@
 #include "audio/stream/LKernels.h"
 #include "base/LArith.h"
 
+// The sound runs through three blocks of 28.6 ms: one that is delivered and two that follow it. Each block
+// has the gain that brings its peak down to the limit. One gain for each block alone would jump where a loud
+// block begins, so the gain moves along a straight line: towards the lowest of the three gains, or towards
+// their mean with the gain before when that is lower. It falls as soon as a peak comes into sight and rises
+// over several blocks.
+// Clipping at the limit was rejected: a tone of twice full scale then has overtones only 13 dB below it. A
+// limiter stands before a rate converter, which clips, and another behind it, since the filter overshoots
+// (LPRSourceToSink).
+
 static int32_t HeldLimit(int32_t limit) {
     return Clamp(limit, 0, LSRCPeakLimit::kHighestLimit);
 }
@@ -31,8 +40,8 @@ void LSRCPeakLimit::Seek(int32_t frame) {
 }
 
 int32_t LSRCPeakLimit::GetPosition() const {
-    // A position that has reached the end of its range no longer moves; nor must ours stay short of it, or
-    // whoever reads up to the length would never arrive.
+    // A position that has reached the top of its range no longer moves. Ours must not stay short of it, or a
+    // reader that reads up to the length would never arrive.
     const int32_t position = m_source->GetPosition();
     if (position == INT32_MAX) return position;
     int64_t delivered = int64_t{position} + m_offset;
@@ -76,8 +85,9 @@ void LSRCPeakLimit::NextBlock() {
     m_last->gain = kUnityGain;
 }
 
-// Reads ahead as far as the blocks reach, of a growing source as far as it has grown; but when nothing is left
-// to deliver, what is wanted comes from beyond its end, as silence. Tells whether anything came.
+// Reads ahead as far as the three blocks reach, but of a growing source only as far as it has grown. When no
+// frame is left to deliver, the wanted frames are read beyond that end, as silence. Returns whether any frame
+// came.
 bool LSRCPeakLimit::Fetch(int32_t wantedFrames) {
     int32_t allowed = INT32_MAX;
     if (m_last->frames < m_blockFrames && m_source->IsGrowing()) {
@@ -100,21 +110,23 @@ void LSRCPeakLimit::Append(Block& block, int32_t frames) {
     int32_t* place = block.samples.data() + Values(block.frames);
     m_source->Read(place, frames);
     const uint32_t peak = Kernels().peak(place, Values(frames));
-    block.gain = std::min(block.gain, GainFor(peak));  // what comes in parts has the gain of its loudest part
+    // A block that is read in parts has the gain of its loudest part.
+    block.gain = std::min(block.gain, GainFor(peak));
     block.frames += frames;
 }
 
-// The divisor is more than peak / 64, so that peak times gain is less than the limit; the highest limit and
-// the highest peak, 2^31, stay within 32 unsigned bits.
+// limit / peak as a gain of 24 bits, in integers of 32 bits. The divisor is more than peak / 64, so peak
+// times gain is less than the limit. The highest limit and the highest peak, 2^31, stay within 32 unsigned
+// bits.
 int32_t LSRCPeakLimit::GainFor(uint32_t peak) const {
     const uint32_t limit = static_cast<uint32_t>(GetLevel());
     if (peak <= limit) return kUnityGain;
     return static_cast<int32_t>(((limit << 9) / ((peak + 64) >> 6)) << 9);
 }
 
-// Sets the ramp for the rest of the block. It begins and ends at or below the gain of this block and of the
-// one after it, and a ramp between the two stays there: no frame passes louder than the limit. It falls as
-// soon as a peak is in sight and rises over several blocks.
+// Sets the ramp for the rest of the block. It ends at or below the gain of this block and of the next one,
+// and it begins at or below the gain of this block. Every gain between the two stays there as well, so no
+// frame passes louder than the limit.
 void LSRCPeakLimit::Aim() {
     const int32_t now = m_now->gain, next = m_next->gain, last = m_last->gain;
     const int32_t target = std::min({now, next, last, (m_gainBefore + now + next + last) / 4});

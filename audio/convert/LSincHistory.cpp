@@ -5,6 +5,11 @@
 #include "audio/stream/LSample.h"
 #include "base/LArith.h"
 
+// A plain array for each channel. New frames are appended at its end; when there is no room, the window and
+// the frames behind it move to the front. So the frames of a window always lie in one piece, as the kernels
+// need them: a ring buffer would split the window at its seam. Frames are stored as 16 bits, which halves the
+// memory traffic and lets the vector loops multiply 16-bit pairs.
+
 LSincHistory::LSincHistory(const LSincFilter& filter, uint8_t channels, int32_t capacity, int32_t ahead)
     : m_filter(filter),
       m_channels(channels),
@@ -22,7 +27,7 @@ void LSincHistory::Restart(int32_t silentFrames, int32_t phase) {
     m_phase = phase;
 }
 
-// Moves the window to the front.
+// Moves the window, and all frames behind its start, to the front.
 void LSincHistory::MakeRoom() {
     const int32_t dropped = std::min(m_start, m_end);
     for (uint8_t channel = 0; channel < m_channels; ++channel)
@@ -48,7 +53,7 @@ int32_t LSincHistory::Append(const int32_t* samples, int32_t frames) {
 }
 
 int32_t LSincHistory::Convert(int32_t* samples, int32_t frames) {
-    const int32_t spare = Held() - m_ahead;  // places the window may move on to
+    const int32_t spare = Held() - m_ahead;  // frames by which the window can still move on
     if (spare < 0) return 0;
     const int64_t phases = m_filter.Phases(), step = m_filter.Step();
     const int64_t possible = ((spare + 1) * phases - m_phase + step - 1) / step;
@@ -72,7 +77,7 @@ void LSincHistory::Rewind(int32_t cut, int32_t held, int32_t phase) {
     if (end >= held && end >= 0) m_end = end;
     m_start = m_end - held;
     if (m_start < 0) {
-        // So little was ever taken that silence comes before it.
+        // Fewer frames were ever taken than the window holds: silence stands before them.
         const int32_t silent = -m_start;
         for (uint8_t channel = 0; channel < m_channels; ++channel) {
             std::copy_backward(Channel(channel), Channel(channel) + m_end, Channel(channel) + held);

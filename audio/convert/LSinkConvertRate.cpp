@@ -6,10 +6,18 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// Rate conversion that pushes: each Write appends to the history (LSincHistory), and every output frame whose
+// window is full goes into a block, which is passed on when it is full and at the end. The destructor appends
+// silence, so that the last input frames get their output too.
+// Truncate has to undo: it finds the first output frame behind the cut, takes back the buffered output, cuts
+// the other sink where output was passed on already, and moves the history's window back to that frame.
+// Frames that the other sink held at first are counted apart (m_sinkFrames, m_firstFrame), so a cut never
+// reaches them.
+
 static constexpr int32_t kTaps = 15;
 static constexpr int32_t kReach = kTaps / 2;
 static constexpr int32_t kCapacity = kBlockFrames + kTaps;
-// What follows the last input frame, so that its output frames are made too.
+// Silence that follows the last input frame, so that the output frames at its end can be made.
 static constexpr std::array<int32_t, kReach + 1> kSilence{};
 
 LSoundSink LSinkConvertRateBase::OpenSink(const LSoundSink& sink, int32_t inputRate) {
@@ -68,8 +76,9 @@ void LSinkConvertRateBase::PassOn() {
     if (m_sink->IsError()) SetError();
 }
 
-// The next output frame to be made is the one after those made so far, or the first that lies behind the cut.
-// Where the other sink would have to cut and does not, nothing is cut: what is on its way may be speech.
+// next is the output frame to be made first afterwards: the one after those made so far, or the first one
+// behind the cut. Where the other sink would have to be cut and cannot be, nothing is cut, since the frames
+// in the buffers may be speech.
 void LSinkConvertRateBase::Truncate(int32_t frames) {
     if (!m_history || frames > GetFrames()) return;
     const int32_t written = GetFrames() - m_firstFrame;

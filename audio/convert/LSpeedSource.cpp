@@ -4,14 +4,23 @@
 
 #include "base/LArith.h"
 
+// Waveform similarity overlap and add. The tail of a segment, the 10 ms behind its hop, is the natural
+// continuation of the sound just heard. LBestJoin looks for it around the place that the speed asks for; the
+// segment found there is cross-faded with the tail. The speed determines how far the place moves for each
+// hop.
+// The lengths were found by measuring synthetic speech of two voices: longer segments, fades and reaches
+// sounded more like an echo and measured worse. A segment is placed by its middle rather than its beginning,
+// which halved the spectral distance to the original. The search is in integers, so every build plays the
+// same.
+
 namespace {
 
-// A reach of 8 ms to both sides holds a period of the deepest voice (62 Hz).
+// The reach, 8 ms to both sides, holds one period of the deepest voice (62 Hz).
 constexpr int32_t kHopMs = 20;
 constexpr int32_t kFadeMs = 10;
 constexpr int32_t kReachMs = 8;
 
-constexpr int32_t kReadFrames = 2048;  // the least that is asked of the wrapped source at a time
+constexpr int32_t kReadFrames = 2048;  // the least that one Read of the wrapped source asks for
 
 int32_t FramesOf(int32_t ms, int32_t sampleRate) {
     return std::max(static_cast<int32_t>(int64_t{ms} * sampleRate / 1000), 1);
@@ -47,7 +56,7 @@ LSpeedSource::LSpeedSource(const LSoundSource& source, int32_t percent)
 }
 
 int32_t LSpeedSource::GetLength() const {
-    // In this order: what has stopped growing has its final length.
+    // Ask in this order: once a source has stopped growing, its length is final.
     const bool isGrowing = IsGrowing();
     const int32_t length = m_source->GetLength();
     if (!isGrowing) return FromSourceFrame(length, m_percent);
@@ -77,7 +86,8 @@ void LSpeedSource::Read(int32_t* samples, int32_t frames) {
     m_position = Saturate(int64_t{m_position} + frames);
 }
 
-// Makes the segment that begins at the position: the next one, or after a jump the first.
+// Makes the segment that begins at the position: the one that continues the last, or after a jump a first
+// one.
 void LSpeedSource::MakeSegment() {
     if (m_hasSegment && m_position == m_segmentAt + m_hop)
         ContinueFrom(NextStart());
@@ -87,6 +97,7 @@ void LSpeedSource::MakeSegment() {
     m_hasSegment = true;
 }
 
+// The first segment after a jump: taken as it stands, without a fade.
 void LSpeedSource::BeginAt(int64_t start) {
     m_window.clear();
     m_windowStart = start;
@@ -101,9 +112,10 @@ void LSpeedSource::ContinueFrom(int64_t start) {
     m_fade.Cross(m_tail.data(), m_segment.data());
 }
 
-// Where in the wrapped source the next segment begins, with its samples in the window. After a jump that is
-// not before the window, which begins there. The last two segments are laid so that the material ends with
-// them, the second continuing the first: the end is heard whole, not half-way through a fade.
+// The frame of the wrapped source at which the next segment begins; its samples are then in the window. After
+// a jump it is not before the window, which begins at the jump. The last two segments are placed so that the
+// material ends with them, the second continuing the first: the end is heard whole, not half-way through a
+// fade.
 int64_t LSpeedSource::NextStart() {
     const int64_t place =
         std::max(ToSourceFrame(m_position, m_percent) + int64_t{m_lead}, m_windowStart + m_reach);
@@ -120,8 +132,8 @@ int64_t LSpeedSource::NextStart() {
     return place - m_reach + m_join.Find(Tail(), InWindow(place - m_reach));
 }
 
-// Moves the window on so that it holds the wrapped source from one frame to before another, and reads ahead
-// where there is something to read.
+// Moves the window on so that it holds the frames `from` to `to` of the wrapped source, and reads ahead as
+// far as frames are present.
 void LSpeedSource::Fill(int64_t from, int64_t to) {
     int64_t end = m_windowStart + static_cast<int64_t>(m_window.size() / GetChannels());
     const int64_t start = std::min(from, end);

@@ -8,11 +8,15 @@
 #include "audio/convert/LFade.h"
 #include "audio/stream/LFilterSource.h"
 
-// Plays a source slower or faster at the speaker's own pitch, by overlap and add: segments of 20 ms, each
-// begun where the wave best continues the one before, within 8 ms of where the speed would have it.
-// Positions and lengths are frames of what it delivers; ToSourceFrame and FromSourceFrame convert.
-// While the wrapped source grows, GetLength() is what can be made from what is there, and nothing is read
-// beyond that. What is delivered after a Seek depends on its position alone.
+// Plays a source slower or faster at the speaker's own pitch, by overlap and add. Segments of 20 ms follow
+// each other; each begins where the wave best continues the one before, within 8 ms of the place that the
+// speed asks for.
+// While the wrapped source grows, GetLength() is the length that can be made from the frames present, and
+// nothing is read beyond them. The output after a Seek depends on its position alone.
+// Units:  positions and lengths are frames of the output; ToSourceFrame and FromSourceFrame convert. Speeds
+//         are percent of normal.
+// Source: waveform similarity overlap and add (WSOLA; W. Verhelst and M. Roelands, 1993).
+// Thread: one at a time, but for the two static functions.
 class LSpeedSource final : public LFilterSource {
 public:
     static constexpr int32_t kSlowPercent = 70;
@@ -25,9 +29,10 @@ public:
     // percent is held between kSlowestPercent and kFastestPercent.
     static LSoundSource OpenSource(const LSoundSource& source, int32_t percent);
 
-    // The wrapped source's frame that is heard at a frame of ours, and back: the first frame of ours at which
-    // it has been reached. Below normal speed there and back is where one started, above it up to one frame
-    // later, so who names a place in the wrapped source holds it to its length. Pure arithmetic: any thread.
+    // ToSourceFrame: the wrapped source's frame that is heard at a frame of the output. FromSourceFrame: the
+    // first frame of the output at which a frame of the wrapped source has been reached. There and back is
+    // the same frame below normal speed and up to one frame later above it, so a caller holds the result to
+    // the wrapped source's length. Pure arithmetic: any thread.
     static int32_t ToSourceFrame(int32_t frame, int32_t percent);
     static int32_t FromSourceFrame(int32_t sourceFrame, int32_t percent);
 
@@ -51,15 +56,16 @@ private:
 
     const int32_t m_percent;
     const int32_t m_hop;    // frames from one segment to the next
-    const int32_t m_reach;  // how far a segment may begin from its place
+    const int32_t m_reach;  // how far from its place a segment may begin
     LFade m_fade;
-    const int32_t m_lead;  // puts the middle of a segment, rather than its beginning, where the speed has it
+    // Shifts a segment so that its middle, not its beginning, lies at the place that the speed asks for.
+    const int32_t m_lead;
     LBestJoin m_join;
 
-    std::vector<int32_t> m_segment;  // a hop to deliver, then what fades into the next segment
-    int64_t m_segmentAt = 0;         // the frame of ours at which it begins
+    std::vector<int32_t> m_segment;  // a hop to deliver, then the tail, which fades into the next segment
+    int64_t m_segmentAt = 0;         // output frame at which m_segment begins
     bool m_hasSegment = false;
-    std::vector<int32_t> m_tail;  // what fades into the segment being made
+    std::vector<int32_t> m_tail;  // tail of the segment before, while one is made
 
     std::vector<int32_t> m_window;  // the wrapped source's samples around the place
     int64_t m_windowStart = 0;      // the first of them

@@ -5,13 +5,20 @@
 
 #include "base/LArith.h"
 
+// Each tenth of a second of output is a snippet of 120 ms of the source, of which the first 20 ms are a
+// cross-fade with the end of the snippet before. The place of snippet n in the source is the integral of the
+// speed over n tenths of a second. So a snippet can be made alone: a Seek needs no history, and any thread
+// can compute the place that is heard at a frame.
+// Placing snippets by similarity, as LSpeedSource does, was rejected, since it ties each snippet to all
+// before it.
+
 namespace {
 
 constexpr int kSpeedBits = 16;
 constexpr int32_t kMaxRampFrames = 1 << 24;
 
-// A tenth of a second between joins and a fiftieth for each join: every snippet is 120 ms long, 80 of them
-// alone. Shorter ones cut syllables up, longer ones hide how fast the tape runs.
+// A tenth of a second from join to join and a fiftieth for the join: a snippet is 120 ms long, of which 80 ms
+// are heard alone. Shorter snippets cut syllables up, longer ones hide how fast the tape runs.
 constexpr int32_t kStepsPerSecond = 10;
 constexpr int32_t kFadesPerSecond = 50;
 
@@ -42,9 +49,9 @@ WindSource::WindSource(const LSoundSource& source, double initialSpeed, double f
       m_snippet(Values(m_snippetFrames)),
       m_tail(Values(m_fade.Frames())) {}
 
-// How far the read position has moved when so many frames were delivered, were there no end. The speed
-// follows 3x^2 - 2x^3 over the ramp, which begins and ends level; its integral is x^3 - x^4/2. Integers only,
-// so that every build cuts at the same frames.
+// Source frames between the start and the read position after that many output frames, were there no end.
+// Over the ramp the speed follows 3x^2 - 2x^3, which begins and ends level; its integral is x^3 - x^4 / 2.
+// Integers only, so that every build cuts at the same frames.
 int32_t WindSource::Travelled(int64_t frame) const {
     int64_t gained = m_speedChange * (2 * frame - m_rampFrames) / 2;
     if (frame < m_rampFrames) {
@@ -56,8 +63,8 @@ int32_t WindSource::Travelled(int64_t frame) const {
     return Saturate((m_initialSpeed * frame + gained) >> kSpeedBits);
 }
 
-// The number of whole steps before the last snippet must begin. What is left over lengthens the last step:
-// shortening it would sound the same words twice.
+// The number of whole steps before the last snippet begins, by binary search. The rest lengthens the last
+// step; shortening it would play the same words twice.
 int32_t WindSource::CountSteps() const {
     const int32_t toLast = m_distance - m_snippetFrames;
     int32_t low = 0, high = toLast / m_stepFrames;  // the speed is at least 1
@@ -71,6 +78,7 @@ int32_t WindSource::CountSteps() const {
     return low;
 }
 
+// The source frame at which a snippet begins; the last one is moved to the very end or start.
 int32_t WindSource::SnippetStart(int32_t snippet) const {
     const int32_t toLast = m_distance - m_snippetFrames;
     const int32_t moved = snippet < m_lastSnippet ? Travelled(int64_t{snippet} * m_stepFrames) : toLast;
@@ -96,8 +104,8 @@ void WindSource::ReadSource(int32_t start, int32_t* samples, int32_t frames) {
     }
 }
 
-// The tail comes from the snippet before: at hand when that was the last one made, read otherwise. The
-// first snippet rises from silence, the last one sinks into it.
+// Reads a snippet and fades it in. The tail of the snippet before is at hand when that was the last one made,
+// and is read otherwise. The first snippet rises from silence, the last one fades out.
 void WindSource::MakeSnippet(int32_t snippet) {
     int32_t* const tailInSnippet = m_snippet.data() + (m_snippet.size() - m_tail.size());
     if (snippet == 0)

@@ -7,17 +7,19 @@
 #include "audio/convert/LFade.h"
 #include "audio/stream/LFilterSource.h"
 
-// Runs through a source faster than it was spoken, forwards or backwards, and stays audible: short snippets,
-// each played forwards, joined by cross-fades. Begins where the wrapped source stands when it is built and
-// ends exactly at its end, or backwards at its start; the last snippet is the one that lies there.
-// Units:  frames of what it delivers. GetLength() is known from the beginning and does not change, so a
-//         source that is still being recorded is wound to where it had grown when this was built.
+// Runs through a source faster than it was spoken, forwards or backwards, and stays audible: it plays short
+// snippets, each forwards, joined by cross-fades. It begins at the wrapped source's position when it is built
+// and ends exactly at the source's end, or backwards at its start; the last snippet is the one that lies
+// there. The output after a Seek equals that of an uninterrupted run.
+// Units:  frames of the output. GetLength() is known from the beginning and does not change: a source that is
+//         still being recorded is wound to the length it had when this was built.
 // Cost:   a seek and a read of the wrapped source for each tenth of a second.
-// Output after a Seek equals that of an uninterrupted run.
+// Thread: one at a time; ToSourceFrame any.
 class WindSource final : public LFilterSource {
 public:
-    // Speeds in multiples of normal, negative for backwards, their magnitude held between 1 and 64; the
-    // initial one gives the direction. The speed changes smoothly from the first to the second within rampMs.
+    // Speeds are multiples of normal, negative for backwards; their magnitude is held between 1 and 64, and
+    // the sign of the initial one gives the direction. The speed changes smoothly from the first to the
+    // second within rampMs.
     WindSource(const LSoundSource& source, double initialSpeed, double finalSpeed, int32_t rampMs);
 
     void Read(int32_t* samples, int32_t frames) override;
@@ -26,8 +28,8 @@ public:
     void Seek(int32_t frame) override;
     bool IsGrowing() const override { return false; }
 
-    // The wrapped source's frame that is heard at a frame of ours, where listening would go on after a stop:
-    // forwards the frame itself, backwards the beginning of the snippet. It never turns back, and at
+    // The wrapped source's frame that is heard at a frame of the output, where listening continues after a
+    // stop: forwards the frame itself, backwards the beginning of the snippet. It never turns back, and at
     // GetLength() it is the end or the start. Any thread.
     int32_t ToSourceFrame(int32_t frame) const;
 
@@ -45,16 +47,16 @@ private:
     const int32_t m_speedChange;
     const int32_t m_rampFrames;
 
-    const int32_t m_stepFrames;     // from the beginning of a snippet to that of the next
-    const int32_t m_start;          // where the wrapped source stood
-    const int32_t m_distance;       // from there to the end or the start
+    const int32_t m_stepFrames;     // output frames from the beginning of a snippet to that of the next
+    const int32_t m_start;          // the wrapped source's position at construction
+    const int32_t m_distance;       // from m_start to the end or the start
     const int32_t m_snippetFrames;  // a step and a fade, or all there is if that is less
     const int32_t m_lastSnippet;
     const int32_t m_length;
 
     LFade m_fade;
-    std::vector<int32_t> m_snippet;  // ready to be delivered, and behind it what fades into the next
-    std::vector<int32_t> m_tail;     // what fades into the next snippet
+    std::vector<int32_t> m_snippet;  // a step to deliver, then the tail
+    std::vector<int32_t> m_tail;     // the tail of the snippet before, which fades into the next
     int32_t m_ready = -1;            // the snippet in m_snippet, or -1
     int32_t m_position = 0;
 };
