@@ -10,8 +10,8 @@
 // A filter that changes the sampling rate by windowed-sinc interpolation with 63 taps, mono and stereo. The
 // output is not delayed, and after Seek() it is the same, sample for sample, as in an uninterrupted run.
 // It reads no further ahead than the filter reaches (31 frames). While the wrapped source is growing, its
-// newest 31 frames are not yet part of the length, so a reader within the length never hears the
-// present end as silence.
+// newest 31 frames are not yet part of the length, so a reader within the length never hears the present end
+// as silence.
 // Input beyond 16-bit full scale is clipped, so a source with such a level passes a limiter (LSRCPeakLimit)
 // first. The output may overshoot, hence the doubled level.
 // Units:  frames of the new rate.

@@ -8,6 +8,11 @@
 #include "base/LArith.h"
 #include "base/LBytes.h"
 
+// The mending of format records. The samples per block and the byte rate are computed again rather than
+// checked: common writers store wrong ones, and their files should play. A record that cannot be mended is
+// refused by block align 0. A file of 60 bytes with 65,536 frames in a block once ended the program in a
+// codec, which computes the count in 16 bits and divides by it.
+
 namespace {
 
 constexpr uint16_t kTagMsAdpcm = 0x0002;
@@ -17,21 +22,24 @@ constexpr uint16_t kTagImaAdpcm = 0x0011;
 constexpr uint16_t kTagGsm610 = 0x0031;
 constexpr uint16_t kTagExtensible = 0xFFFE;
 
-// An extensible record's extra bytes: valid bits u16, channel mask u32, sub-format identifier (16 bytes, the
-// first two of which are the plain tag).
+// The extra bytes of an extensible record: valid bits u16, channel mask u32, sub-format identifier (16
+// bytes). An identifier of the standard family is the plain tag u16 followed by these 14 bytes.
 constexpr size_t kSubFormatOffset = LWaveFileFormat::kFixedSize + 6;
 constexpr uint16_t kExtensibleExtra = 22;
 constexpr std::array<uint8_t, 14> kStandardFamily = {0, 0, 0,    0,    0x10, 0,    0x80,
                                                      0, 0, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
-// Samples per block and number of coefficient pairs, then the pairs: seven are laid down, a file may add its
-// own.
+// The extra bytes of Microsoft ADPCM: samples per block u16, number of coefficient pairs u16, then the pairs.
+// The format's definition lays down these seven pairs; a file may add its own behind them.
 constexpr size_t kMsAdpcmPairsOffset = 4;
 constexpr size_t kMsAdpcmPairBytes = 4;
 constexpr std::array<int16_t, 14> kMsAdpcmPairs = {256, 0,   512, -256, 0,    0,   192,
                                                    64,  240, 0,   460,  -208, 392, -232};
 
-// Frames that a block of each codec holds, 0 when the block is too short or none of the codec's.
+// Frames in a block of each codec, 0 when the block is too short or none of the codec's. For each channel a
+// block of Microsoft ADPCM has 7 header bytes with 2 samples, then 4 bits a sample; one of IMA ADPCM 4 header
+// bytes with 1 sample, then groups of 4 bytes with 8 samples. GSM 6.10 packs two frames of 160 samples into
+// 65 bytes.
 int32_t MsAdpcmFrames(int32_t align, int32_t channels) {
     return align <= 7 * channels ? 0 : (align - 7 * channels) * 2 / channels + 2;
 }
@@ -42,7 +50,7 @@ int32_t Gsm610Frames(int32_t align, int32_t channels) {
     return channels == 1 && align == 65 ? 320 : 0;
 }
 
-// One byte per sample.
+// The G.711 laws: one byte for each sample.
 bool IsLaw(uint16_t tag) {
     return tag == kTagALaw || tag == kTagMuLaw;
 }
@@ -62,8 +70,8 @@ const BlockCodec* FindBlockCodec(uint16_t tag) {
     return found == std::end(kBlockCodecs) ? nullptr : found;
 }
 
-// 0 when the block is impossible, also one whose count does not fit into its field: codecs compute with the
-// field's 16 bits, and divide by what comes out.
+// The frames in a block of the record's size. 0 when there can be none, also when the count exceeds its
+// field: codecs compute with the field's 16 bits, and divide by the result.
 uint16_t TrueBlockFrames(const BlockCodec& codec, const LWaveFileFormat& format) {
     if (format.Channels() == 0) return 0;
     const int32_t frames = codec.frames(format.BlockAlign(), format.Channels());
@@ -101,7 +109,8 @@ LWaveFileFormat Plain(const LWaveFileFormat& format) {
     return Remake(format, tag, format.BlockAlign(), extra.subspan(kExtensibleExtra));
 }
 
-// The coefficient pairs, as many as are said to be there. Codecs read that many, wherever the record ends.
+// Adds the record's coefficient pairs, or the seven standard ones when it holds fewer than it claims: a codec
+// reads as many as are claimed, wherever the record ends.
 void AddMsAdpcmPairs(const LWaveFileFormat& format, LByteWriter& extra) {
     const auto old = format.Record().subspan(LWaveFileFormat::kFixedSize);
     LByteReader in(old);
@@ -127,8 +136,10 @@ LWaveFileFormat WithTrueBlock(const BlockCodec& codec, const LWaveFileFormat& fo
     return Remake(format, format.Tag(), format.BlockAlign(), extra.View());
 }
 
-// Codecs derive buffer sizes from the byte rate, and refuse a file over it or divide by zero. It follows from
-// the blocks where they are known; elsewhere it is kept unless nothing can have so few bytes, or so many.
+// Replaces a byte rate that cannot be. Codecs derive buffer sizes from it, refuse a file whose rate is too
+// high, or divide by it. Where the frames of a block are known the rate follows from them. Elsewhere the
+// stored one is kept unless it is below one byte for 64 frames or above eight bytes for a sample; then the
+// sample rate takes its place.
 LWaveFileFormat WithTrueByteRate(const LWaveFileFormat& format) {
     constexpr uint64_t kMostFramesPerByte = 64;
     constexpr uint64_t kMostBytesPerSample = 8;
@@ -175,8 +186,9 @@ int32_t LAcmBlockFrames(const LWaveFileFormat& record) {
     return record.Tag() == kFormatTagPcm || IsLaw(record.Tag()) ? 1 : 0;
 }
 
-// GSM 6.10 predicts from what it has decoded. Spoken sound from a wrong start was right to the bit after 600
-// to 3600 frames.
+// GSM 6.10 predicts each sample from earlier ones. Measured on speech, decoding from a wrong start was right
+// to the bit after 600 to 3600 frames; a little less than kBlockFrames is decoded, which leaves room for
+// more.
 int32_t LAcmWarmUpFrames(const LWaveFileFormat& record) {
     return record.Tag() == kTagGsm610 ? std::max(kBlockFrames - LAcmBlockFrames(record), 0) : 0;
 }

@@ -2,11 +2,18 @@
 
 #include <algorithm>
 
-// A block of 8192 frames of 255 channels has 4 MB; a codec that wants more than this for it is out of its mind.
+// The one place that stands between a codec and our memory. The manager lets a codec report any consumed and
+// produced length. Trusting it would read or copy beyond a buffer, or lose input without notice, so Settle
+// compares both lengths with the buffers.
+// A decoder may hold material back and yield it later without being fed. A small fixed allowance for that was
+// rejected: a common decoder takes all its input at once and gives it out buffer by buffer, and three
+// quarters of five minutes were lost. Each piece of input now pays for 64 conversions without input, so that
+// no loop around Convert runs for ever.
+
+// The largest buffer a codec may ask for. 8192 frames of 255 channels take 4 MB of PCM.
 static constexpr uint32_t kMostBufferBytes = 16u << 20;
-// A codec may hold back material and give it out without being fed, but not for ever. There are decoders that
-// take all the input at once and give out one buffer after the other; nothing says less per byte than speech at
-// 64 frames, and so each piece of input may become as many buffers.
+// Conversions without input that each piece of input pays for. No codec packs more than about 64 frames of
+// speech into a byte, so a buffer of input becomes at most as many buffers of output.
 static constexpr int64_t kUnfedConversions = 64;
 
 LAcmStream::LAcmStream() : m_unfedLeft(kUnfedConversions) {}
@@ -46,13 +53,14 @@ LAcmStream::Flow LAcmStream::Convert(LAcmConversion::Flag flag) {
     if (!m_isPrepared) return Flow::Failed;
     m_isFresh = false;
     LAcmConversion::Used used;
-    // Not every codec converts nothing at the end: then it holds nothing back.
+    // Some codecs refuse to convert empty input at the end: they hold nothing back.
     const bool mayRefuse = m_inputUsed == 0 && flag == LAcmConversion::Flag::End;
     if (!m_conversion->Convert(static_cast<uint32_t>(m_inputUsed), flag, used))
         return mayRefuse ? Flow::Idle : Flow::Failed;
     return Settle(used);
 }
 
+// Checks and books the codec's own count of the bytes that a conversion consumed and produced.
 LAcmStream::Flow LAcmStream::Settle(const LAcmConversion::Used& used) {
     if (used.input > m_inputUsed || used.output > m_output.size()) return Flow::Failed;
     if (used.input > 0) m_unfedLeft += kUnfedConversions;

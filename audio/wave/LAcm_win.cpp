@@ -7,11 +7,14 @@
 
 #include "audio/wave/LAcm.h"
 
+// The compression manager of Windows (msacm32). A conversion keeps its stream, both formats and the prepared
+// header, so that it can be opened anew: see Restart.
+
 namespace {
 
 static_assert(sizeof(WAVEFORMATEX) == LWaveFileFormat::kFixedSize);
 
-// The manager's functions do not change the records, although they do not say so.
+// The manager does not change the records, although its functions take them without const.
 WAVEFORMATEX* Record(const LWaveFileFormat& format) {
     return reinterpret_cast<WAVEFORMATEX*>(const_cast<uint8_t*>(format.Bytes().data()));
 }
@@ -57,7 +60,8 @@ public:
         return true;
     }
 
-    // Not every codec forgets what came before when it is told to start anew; a new stream of it does.
+    // Opens a new stream in place of this one. Some codecs do not forget the material before when they are
+    // merely told to start anew; that is the fallback where no second stream opens.
     bool Restart() override {
         m_start = ACM_STREAMCONVERTF_START;
         HACMSTREAM stream = nullptr;

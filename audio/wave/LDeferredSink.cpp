@@ -7,7 +7,14 @@
 #include "base/LFile.h"
 #include "base/LTrace.h"
 
-static constexpr int32_t kFlushSeconds = 10;
+// The sink in two states. Until the first Write it holds only the open stream and the frame at which the
+// recording begins; the first Write makes an LSNKPCMFile of the stream, which writes its header and cuts the
+// file there. Cutting when the device starts was rejected: a device that starts and then delivers nothing
+// would cost the end of the old recording. Opening the file only at the first Write was rejected too, since
+// the user would hear of a locked file after having spoken.
+// A file that was empty at the start is deleted again when it gets no audio; one with contents never is.
+
+static constexpr int32_t kFlushSeconds = 10;  // the most that a power failure costs
 
 static int BytesPerSample(int bits) {
     return bits <= 8 ? 1 : 2;

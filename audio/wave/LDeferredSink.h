@@ -2,14 +2,15 @@
 
 #include "audio/wave/LSNKPCMFile.h"
 
-// The sink of a recording: a PCM file that is opened at once, so that one that is locked or read-only shows
-// as error bit before the device starts, but written to and cut only when the first audio arrives. A
-// recording that delivers nothing, or of which the disk takes nothing, leaves no file where there was none
-// or an empty one; one that delivers nothing leaves an old file as it was. The file is one of our layout, or empty, or
-// missing; another one is refused when frames of it are to be kept. Written data are handed to the disk every
-// ten seconds.
-// Units:  GetFrames() starts at startFrames, limited to the whole frames that the file holds.
+// The sink of a recording: a PCM file that is opened at once but changed only when the first audio arrives. A
+// file that is locked or read-only so shows as error bit before the device starts.
+// A recording that delivers nothing leaves an old file as it was. One that delivers nothing, or of which the
+// disk takes nothing, leaves no file where there was none or an empty one. An existing file whose frames are
+// to be kept must have our layout (LRewriteWave gives it); another one is refused. Written data are handed to
+// the disk every ten seconds.
+// Units:  frames. GetFrames() starts at startFrames, limited to the whole frames that the file holds.
 // Errors: as LSNKPCMFileBase.
+// Thread: one at a time.
 class LDeferredSink final : public LSoundSinkBase {
 public:
     // An empty handle when bits are not 1 to 16.

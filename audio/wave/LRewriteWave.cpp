@@ -9,6 +9,14 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 
+// Copies the audio into a temporary file with the pump (LPRSourceToSink), then proves the copy before it
+// replaces the original: the source delivered all of its material, at least as many frames arrived as the
+// head promises, and the file read again from the disk holds them. The original is lost afterwards, and a
+// codec that failed on the way once left a source that called itself whole. The copy stands beside the
+// original, so an end of the program half-way leaves a whole file.
+// PCM is read directly, even in an extensible record and beyond 16 bits: the platform's codecs need not know
+// those.
+
 static ProcessResult Fail(ProcessContext& context, std::string_view trace, const LPath& path) {
     LTrace(trace, path.View());
     context.SetError(
@@ -17,7 +25,7 @@ static ProcessResult Fail(ProcessContext& context, std::string_view trace, const
     return ProcessResult::Failed;
 }
 
-// What stands in the file, whatever tag it was given: PCM may come in an extensible record.
+// The info with the plain format of the audio: PCM may come in an extensible record.
 static LWaveInfo Plain(LWaveInfo info) {
     info.format = LAcmRecord(info.format);
     return info;

@@ -87,7 +87,7 @@ void LSNKACMFile::Write(const int32_t* samples, int32_t frames) {
     if (!IsError()) AddFrames(frames);
 }
 
-// As many values as the input buffer has room for.
+// Puts as many values as there is room for into the input buffer, and returns their number.
 size_t LSNKACMFile::Feed(const int32_t* samples, size_t count) {
     const auto room = m_codec.FreeInput();
     count = std::min(count, room.size() / 2);
@@ -103,8 +103,8 @@ Flow LSNKACMFile::Convert(LAcmConversion::Flag flag) {
     return flow;
 }
 
-// There are codecs that leave at the end what does not fill a block. Nothing of it may be lost: the block is
-// filled with silence.
+// Brings out the end of the material. Some codecs leave input that does not fill a block; none of it may be
+// lost, so silence fills the block.
 void LSNKACMFile::Flush() {
     Drain();
     const int32_t blockFrames = LAcmBlockFrames(m_format);
@@ -118,7 +118,8 @@ void LSNKACMFile::Flush() {
     Drain();
 }
 
-// Ends, since each turn consumes input, and a codec yields without that only a number of times.
+// Converts until the codec yields nothing more. The loop ends: each turn consumes input, or uses up the
+// budget of LAcmStream for conversions without any.
 void LSNKACMFile::Drain() {
     Flow flow;
     do flow = Convert(LAcmConversion::Flag::End);

@@ -9,14 +9,16 @@
 #include "base/LStream.h"
 #include "base/LWaveFileFormat.h"
 
-// Writes a WAV file through a codec of the machine: from 16-bit samples into any format that one can make. An
-// existing file is replaced, but only once there is a codec. While it is open both sizes in the head say
-// "unknown"; the destructor has the codec give out what it holds back and writes the real sizes.
+// Writes a WAV file through a codec of the machine: from 16-bit samples into any format that some codec
+// makes. The codec is opened first, so a missing one leaves an existing file untouched; after that an
+// existing file is replaced. While the file is open both sizes in its head say "unknown"; the destructor
+// makes the codec give out the material that it holds back and writes the real sizes.
 // Units:  GetFrames() counts the frames that were handed to the codec.
 // Errors: a missing codec or file sets the error bit, and so does a Write that the codec or the disk does not
-//         take. What the disk did take is kept, to the last whole block; later Writes do nothing. Head and
-//         data agree whenever the head can be written. A file that lacks only what was to come at the very end
-//         keeps its unknown sizes: nobody can ask the sink any more.
+//         take. The bytes that the disk took are kept, to the last whole block; later Writes do nothing. Head
+//         and data agree whenever the head can be written. A file that lacks only its very end keeps its
+//         unknown sizes, as a mark for its reader: nobody can ask the sink any more.
+// Thread: one at a time.
 class LSNKACMFile final : public LSoundSinkBase {
 public:
     LSNKACMFile(const LWaveFileFormat& format, const LPath& path, LAcmOpener opener = LAcmOpen);

@@ -8,6 +8,13 @@
 #include "base/LFile.h"
 #include "base/LTrace.h"
 
+// The header says "unknown" in both size fields from the first byte on, which every reader takes as "to the
+// end of the file". So a recording that a crash cuts off is a normal recording, and the next start needs no
+// repair step. The destructor writes the real sizes.
+// When the disk takes only part of a block, the file is cut back to the last whole frame, so that head and
+// data agree. Written audio is handed to the disk every few seconds of material rather than with each block,
+// since the disk may be slow; the recorder's ring of buffers covers the wait.
+
 static std::unique_ptr<LStream> OpenFile(const LPath& path) {
     auto file = std::make_unique<LFile>(path, LFile::Open::Write);
     if (file->IsOpen()) return file;

@@ -7,14 +7,15 @@
 #include "base/LPath.h"
 #include "base/LStream.h"
 
-// Writes a PCM WAV file with our 46-byte head. While it is open both sizes in the head say "unknown", so that
-// the file can be read meanwhile and after a crash; the destructor writes the real ones. The first
-// startFrames frames of an existing file are kept (as far as the file holds them), everything after them is
-// cut off at once, also when startFrames is 0.
-// Units:  GetFrames() counts whole frames in the file, those kept included.
+// Writes a PCM WAV file with our 46-byte head (LWaveHeader.h). While it is open both sizes in the head say
+// "unknown", so the file can be read meanwhile and after a crash; the destructor writes the real ones. The
+// first startFrames frames of an existing file are kept, as far as the file holds them. All others are cut
+// off at once, also when startFrames is 0.
+// Units:  GetFrames() counts whole frames in the file, including the kept ones.
 // Errors: a target that cannot be opened or prepared sets the error bit, and so does a Write that the disk
-//         does not take whole. What it did take is kept, to the last whole frame; later Writes do nothing.
-//         Head and data agree whenever the head can be written.
+//         does not take whole. The bytes that it took are kept, to the last whole frame; later Writes do
+//         nothing. Head and data agree whenever the head can be written.
+// Thread: one at a time.
 class LSNKPCMFileBase : public LSoundSinkBase {
 public:
     ~LSNKPCMFileBase() override;
@@ -22,15 +23,15 @@ public:
     void Write(const int32_t* samples, int32_t frames) override;
     void Truncate(int32_t frames) override;
 
-    // An 8-bit file for 1 to 8 bits, a 16-bit file for 9 to 16; an empty handle for others.
-    // flushSeconds: the file is handed to the disk itself after every so many seconds of audio and at the
-    // end, against power failure; 0: never.
+    // An 8-bit file for 1 to 8 bits, a 16-bit file for 9 to 16; an empty handle for others. flushSeconds: the
+    // written data are handed to the disk itself after every so many seconds of audio and at the end, against
+    // a power failure; 0: never.
     static LSoundSink Open(const LPath& path, int32_t startFrames, int bits, uint8_t channels,
                            int32_t sampleRate, int32_t flushSeconds = 0);
     static LSoundSink Open(std::unique_ptr<LStream> stream, int32_t startFrames, int bits, uint8_t channels,
                            int32_t sampleRate, int32_t flushSeconds = 0);
 
-    // Whole frames behind the head of a file of that size.
+    // Whole frames behind the head of a file of fileBytes bytes.
     static int32_t FramesHeld(int64_t fileBytes, int bytesPerSample, uint8_t channels);
 
 protected:

@@ -7,6 +7,17 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// Read takes decoded frames from the codec's output buffer. When that is empty it tops the input up and
+// converts again; at the end of the data one more conversion brings out the material that the codec holds
+// back.
+// A seek has to guess in formats without a block length. The header's byte rate alone was rejected: common
+// writers store one that is several times too high or low, so a seek lands elsewhere and the position shows a
+// wrong time. Measuring the first second alone was rejected too, since where the rate varies it seldom is
+// that of the whole: a right length of a minute became 20 s. Four excerpts decide between header and
+// measurement.
+// An estimate never ends material that is still heard: while input is left, GetLength() stays beyond the
+// position. A seek opens the codec anew (LAcm_win.cpp) and begins early enough for its prediction to settle.
+
 using Flow = LAcmStream::Flow;
 
 LSRCACMWave::LSRCACMWave(std::unique_ptr<LReadStream> stream, const LWaveInfo& info, LAcmOpener opener)
@@ -37,7 +48,7 @@ LSRCACMWave::~LSRCACMWave() {
     if (!m_codec.Close()) LTrace("LSRCACMWave::~LSRCACMWave acmStreamClose ERROR");
 }
 
-// A block that decodes to more than a read's frames gets the room it needs, or it could never be decoded.
+// The output buffer holds a whole block even when that exceeds a read, or the block could never be decoded.
 bool LSRCACMWave::OpenCodec(LAcmOpener opener) {
     if (!LAcmMayConvert(m_format) || !m_codec.Open(m_format, LAcmPcm(m_format), opener) ||
         !m_codec.HasHandle()) {
@@ -82,7 +93,7 @@ void LSRCACMWave::Read(int32_t* samples, int32_t frames) {
     std::fill_n(samples + values(done), values(frames - done), 0);
 }
 
-// Moves decoded frames to the reader; what the codec leaves of half a frame at the end is dropped.
+// Moves decoded frames to the reader and returns their number. Half a frame at the end stays behind.
 int32_t LSRCACMWave::Take(int32_t* samples, int32_t frames) {
     const int32_t count = std::min(frames, BufferedFrames());
     Kernels().fromPcm16(m_codec.Output().data(), samples, static_cast<size_t>(count) * GetChannels());
@@ -90,7 +101,8 @@ int32_t LSRCACMWave::Take(int32_t* samples, int32_t frames) {
     return count;
 }
 
-// The next piece into the output buffer; false when there is none. Ends, since each turn consumes input.
+// Decodes the next piece into the output buffer; false when there is none. The loop ends, since each turn
+// consumes input.
 bool LSRCACMWave::Decode() {
     for (;;) {
         TopUp();
@@ -131,11 +143,13 @@ Flow LSRCACMWave::Convert(LAcmConversion::Flag flag) {
     return flow;
 }
 
-// Many a writer puts a byte rate into the file that is several times too high or too low; what is sought by it
-// is another place. Excerpts from all over the material tell. Each is decoded to its end, since before that a
-// codec may hold any amount back. One that begins amid a block loses part of it, and where the rate varies four
-// say little: what is written is believed unless it is far off.
+// Compares the header's byte rate with four excerpts from all over the material, and takes theirs where the
+// two differ by more than a factor of two. Each excerpt is decoded to its end, since a codec may hold back
+// any amount before that. The tolerance is wide for two reasons: an excerpt that begins amid a block loses
+// part of it, and where the rate varies four excerpts say little.
 void LSRCACMWave::CheckByteRate() {
+    // An excerpt has the bytes of a quarter of a second by the header, held to 2 to 8 KB, or of two blocks
+    // where those are more, up to 16 KB.
     constexpr int32_t kExcerpts = 4;
     constexpr int64_t kMostBlocksBytes = 16384;
     if (m_isChecked) return;
@@ -158,8 +172,8 @@ void LSRCACMWave::CheckByteRate() {
     if (isUsable && (told > 2 * found.frames || found.frames > 2 * told)) m_scale = found;
 }
 
-// Whether what the codec left is less than a block. Where the block align is only what the file claims, a block
-// is a moment of what was decoded: one of MP3 lasts up to 72 ms.
+// Whether the input that the codec left is less than a block. Where the block align is only a claim of the
+// file, a block counts as a moment of the decoded material: 150 ms, since one of MP3 lasts up to 72 ms.
 bool LSRCACMWave::IsLeftOver(int64_t bytes) const {
     constexpr int64_t kLongestBlockMs = 150;
     if (bytes == 0) return true;
@@ -167,6 +181,8 @@ bool LSRCACMWave::IsLeftOver(int64_t bytes) const {
     return bytes * m_decoded.frames < kLongestBlockMs * GetSampleRate() / 1000 * m_decoded.bytes;
 }
 
+// Settles the end. Material that was decoded whole from its start gives the true length, and with it the true
+// scale for later seeks.
 void LSRCACMWave::EndAt(int64_t frame) {
     m_end = Saturate(std::max<int64_t>(frame, 0));
     const bool isRead = m_readBytes == m_dataBytes;
@@ -195,15 +211,15 @@ int64_t LSRCACMWave::FrameAt(int64_t offset) const {
     return m_blockFrames > 0 ? offset / m_blockAlign * m_blockFrames : FramesOf(offset);
 }
 
-// Where to begin so that decoding comes to a frame. What is near the start is reached from there, since that
-// is exact.
+// The offset at which decoding has to begin to reach a frame: at the start of a block, and early enough for
+// the codec to settle. A place near the start is reached from the start itself, since that is exact.
 int64_t LSRCACMWave::AlignedOffset(int32_t frame) const {
     if (m_blockFrames == 0 && frame <= kBlockFrames) return 0;
     return SeekOffset(frame - LAcmWarmUpFrames(m_format)) / m_blockAlign * m_blockAlign;
 }
 
-// Where to begin when a place lies beyond the end by an estimate alone: someone may be there, and be hearing
-// what the estimate denies.
+// The offset for a place beyond the end, where that end is only an estimate: the player may be there, playing
+// sound that the estimate denies.
 int64_t LSRCACMWave::LastSecondOffset() const {
     return AlignedOffset(Saturate(FrameAt(m_dataBytes) - GetSampleRate()));
 }
@@ -237,7 +253,8 @@ void LSRCACMWave::Seek(int32_t frame) {
     if (frame > 0) Discard(frame - FrameAt(offset));
 }
 
-// Decodes and drops. By the byte rate the distance is a guess, and one beyond a block of frames a wild one.
+// Decodes and drops frames, up to the place of a seek. Without known blocks the distance is a guess; one
+// beyond kBlockFrames is too wild to follow.
 void LSRCACMWave::Discard(int64_t frames) {
     if (m_blockFrames == 0 && frames > kBlockFrames) return;
     while (frames > 0) {

@@ -7,17 +7,20 @@
 #include "audio/wave/LWaveFile.h"
 #include "base/LStream.h"
 
-// A WAV file whose data only a codec can read, as a source of 16-bit quality. It decodes as far as it is
-// read, so its length is an estimate until the end was reached; while input is left it is beyond the
-// position. The estimate and Seek go by the codec's blocks where the format tells how many frames they hold.
-// Elsewhere they go by the file's byte rate, which a Seek compares with excerpts of the material, until all of
-// it was decoded; a Seek beyond such an estimate goes to the last second. Seek keeps a position below 0 as it is
-// (silence, as a filter's pre-roll).
+// A WAV file whose data only a codec can read, as a source of 16-bit quality. It decodes no further than it
+// is read, so its length is an estimate until the end was reached; while input is left the length lies beyond
+// the position.
+// Length and Seek go by the codec's blocks where the format tells how many frames a block holds. Elsewhere
+// they go by the file's byte rate, which the first Seek compares with excerpts of the material, until all of
+// it was decoded once. A Seek beyond such an estimate goes to the last second. Seek keeps a position below 0
+// as it is: it reads silence, as a filter's pre-roll.
+// Units:  frames; offsets are bytes from the start of the data.
 // Errors: no codec for the format, or one that refuses to work, sets the error bit. A codec that fails or
 //         stops yielding later on ends the material; IsWhole() tells.
+// Thread: one at a time.
 class LSRCACMWave final : public LSoundSourceBase {
 public:
-    // info is what LWaveFile::ReadInfo told of the stream.
+    // info is the result of LWaveFile::ReadInfo on this stream.
     LSRCACMWave(std::unique_ptr<LReadStream> stream, const LWaveInfo& info, LAcmOpener opener = LAcmOpen);
     ~LSRCACMWave() override;
 
@@ -26,7 +29,7 @@ public:
     int32_t GetLength() const override;
     void Seek(int32_t frame) override;
 
-    // What does not fill a block is not missed; what cannot be read is.
+    // Input that does not fill a block is no loss; input that cannot be read is.
     bool IsWhole() const override { return m_isWhole; }
 
 private:
@@ -36,13 +39,13 @@ private:
     int64_t Unconsumed() const {
         return m_dataBytes - m_readBytes + static_cast<int64_t>(m_codec.InputUsed());
     }
-    // Bytes of the data, and the frames that they become.
+    // A length of the data in bytes, and the number of frames that it decodes to.
     struct Extent {
         int64_t bytes = 0;
         int64_t frames = 0;
     };
     int64_t FramesOf(int64_t bytes) const;
-    // Of a place in the file: blocks when the format tells how long they are.
+    // Conversions between frames and offsets: by whole blocks where their length is known, else by m_scale.
     int64_t SeekOffset(int32_t frame) const;
     int64_t FrameAt(int64_t offset) const;
     int64_t AlignedOffset(int32_t frame) const;
@@ -66,12 +69,12 @@ private:
     int32_t m_blockAlign;
     int32_t m_blockFrames;  // 0: unknown
     LAcmStream m_codec;
-    Extent m_scale;  // how long the material is to its bytes: a block, a second, or what was decoded
-    bool m_isChecked;
+    Extent m_scale;    // frames for bytes: of one block, of one second, of the excerpts or of the whole file
+    bool m_isChecked;  // m_scale is not taken from the header alone
     int64_t m_total = -1;  // frames of all the material, once it was decoded from its start; -1: unknown
     int32_t m_position = 0;
     int32_t m_end = -1;    // frame; -1: unknown
-    bool m_isFed = false;  // the codec may hold something back
+    bool m_isFed = false;  // the codec may still hold material back
     bool m_isWhole = false;
     // Since the last jump:
     bool m_isFromStart = false;

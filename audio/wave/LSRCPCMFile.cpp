@@ -9,6 +9,14 @@
 #include "base/LBytes.h"
 #include "base/LTrace.h"
 
+// A file of unknown size may still be recorded, or may be the remains of a crash. The header does not tell
+// the two apart, and a size that stands still proves nothing, since a recording may be waiting for a voice.
+// So the file is opened once more without allowing writers (LReadStream::IsBeingWritten), which fails while
+// the recorder has it open. Once the recorder has closed the file, the header holds the real size and the
+// length is settled for good.
+// Missing frames of a finished file are filled with silence and noted (IsWhole), since a copy with silence in
+// it must not replace the original.
+
 LSRCPCMFileBase::LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWaveInfo& info,
                                  int bytesPerSample)
     : LSoundSourceBase(static_cast<int32_t>(info.format.SampleRate()),
@@ -33,7 +41,8 @@ int32_t LSRCPCMFileBase::PresentLength() const {
 
 bool LSRCPCMFileBase::IsGrowing() const {
     if (!m_growing) return false;
-    // Asked before the header: the recorder may finish between the two questions.
+    // This order matters: the recorder may finish between the two questions, and then the header is already
+    // right.
     const bool isBeingWritten = m_stream->IsBeingWritten();
     const uint32_t dataBytes = DataBytesInHeader();
     if (isBeingWritten && dataBytes == kWaveSizeUnknown) return true;
@@ -62,7 +71,7 @@ void LSRCPCMFileBase::Read(int32_t* samples, int32_t frames) {
     if (present > 0) ReadFrames(samples + values(before), present, std::max(first, 0));
     const int32_t missing = frames - before - present;
     std::fill_n(samples + values(before + present), values(missing), 0);
-    // What grows later is read at its own place.
+    // Frames that are recorded there later will be read at their own place.
     if (missing > 0 && m_growing) m_stream->Seek(m_dataStart + int64_t{m_position} * m_bytesPerFrame);
 }
 
@@ -73,14 +82,14 @@ void LSRCPCMFileBase::ReadFrames(int32_t* samples, int32_t frames, int32_t first
     const size_t values = static_cast<size_t>(whole) * GetChannels();
     Convert(m_block.data(), samples, values);
     if (whole == frames) return;
-    // A recorder has cut the file under us, or it cannot be read here: silence takes the place of what is
-    // missing. It may grow again, so the place in it keeps step with the position.
+    // The recorder has cut the file back meanwhile, or the file cannot be read here: silence takes the place
+    // of the missing frames. The file may grow again, so its read place keeps step with the position.
     if (!m_growing) MissFrames();
     std::fill_n(samples + values, static_cast<size_t>(frames - whole) * GetChannels(), 0);
     m_stream->Seek(m_dataStart + (int64_t{firstFrame} + frames) * m_bytesPerFrame);
 }
 
-// Of a growing file the place beyond the end may hold data by the time it is read.
+// Positions the stream too. Of a growing file the place beyond the end may hold data by the time it is read.
 void LSRCPCMFileBase::Seek(int32_t frame) {
     m_position = frame;
     const int32_t last = m_growing ? INT32_MAX : m_length;

@@ -7,22 +7,25 @@
 #include "audio/wave/LWaveFile.h"
 #include "base/LStream.h"
 
-// The PCM samples of a WAV file as a source. The length is that of the data present when the source is built;
-// of a file that is being recorded it is that of the data present now, until the recorder has finished it.
-// Seek keeps a position below 0 as it is: what is read before frame 0 is silence (pre-roll for a filter).
+// The PCM samples of a WAV file as a source. Its length is that of the data present when it is built. While
+// the file is being recorded its length is that of the data present now, until the recorder finishes it. Seek
+// keeps a position below 0 as it is: the frames before frame 0 read as silence (a filter's pre-roll).
+// Units:  frames.
+// Errors: a stream that cannot be read yields silence; IsWhole() tells.
+// Thread: one at a time.
 class LSRCPCMFileBase : public LSoundSourceBase {
 public:
     void Read(int32_t* samples, int32_t frames) override;
     int32_t GetPosition() const override { return m_position; }
     int32_t GetLength() const override { return PresentLength(); }
     void Seek(int32_t frame) override;
-    // Asks the file: not for every sample.
+    // Asks the file system while the file grows, so it is not for every sample.
     bool IsGrowing() const override;
-    // False after a read that fell short, which is filled with silence; also while the file grows.
+    // False after a read that fell short and was filled with silence; also while the file grows.
     bool IsWhole() const override { return m_isWhole && !IsGrowing(); }
 
 protected:
-    // info is what LWaveFile::ReadInfo told of the stream.
+    // info is the result of LWaveFile::ReadInfo on this stream.
     LSRCPCMFileBase(std::unique_ptr<LReadStream> stream, const LWaveInfo& info, int bytesPerSample);
 
 private:
@@ -36,7 +39,7 @@ private:
     std::unique_ptr<LReadStream> m_stream;
     int64_t m_dataStart;
     int32_t m_position = 0;
-    // Settled by the question that finds the file finished.
+    // Both settle in the first IsGrowing() that finds the file finished.
     mutable int32_t m_length = 0;
     mutable bool m_growing = false;
     bool m_isWhole = true;

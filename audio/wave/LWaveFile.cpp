@@ -20,11 +20,12 @@ static constexpr uint32_t ChunkId(const char (&name)[5]) {
     return id;
 }
 
-static constexpr uint32_t kFmtMin = 14;  // the format record without its bits per sample
-static constexpr uint32_t kFmtMax = 8192;
+static constexpr uint32_t kFmtMin = 14;    // the format record without its bits per sample
+static constexpr uint32_t kFmtMax = 8192;  // far above any real record; an extensible one has 40
 static constexpr uint32_t kMaxSampleRate = 196000;
 
-// A file of many thousand chunks is none that anybody means. Each may cost a file call.
+// The most chunks before the data. A file of 60 MB of zeros behind "RIFF" has millions of empty chunks, each
+// of which may cost a file call: the walk took half a minute. No real file comes near this.
 static constexpr int kMostChunks = 128;
 
 static bool Fail(std::string_view trace) {
@@ -32,7 +33,7 @@ static bool Fail(std::string_view trace) {
     return false;
 }
 
-// The head of a stream, read in pieces that hold most heads whole.
+// A reader for the head of a stream that fetches 2 KB at a time, which hold most heads whole.
 class WaveHead {
 public:
     explicit WaveHead(LReadStream& stream) : m_stream(stream) {}
@@ -40,7 +41,7 @@ public:
     int64_t Position() const { return m_position; }
     void Seek(int64_t position) { m_position = position; }
 
-    // Less than asked only at the end or after a failure.
+    // Reads bytes at the position; returns fewer than asked only at the end or after a failure.
     size_t Read(std::span<uint8_t> bytes) {
         size_t done = 0;
         while (done < bytes.size()) {
@@ -56,7 +57,7 @@ public:
     bool ReadExact(std::span<uint8_t> bytes) { return Read(bytes) == bytes.size(); }
 
 private:
-    // What of the buffer lies at the position.
+    // The bytes of the buffer from the position on.
     std::span<const uint8_t> Present() const {
         const int64_t at = m_position - m_start;
         if (at < 0 || at >= static_cast<int64_t>(m_used)) return {};
@@ -77,13 +78,14 @@ private:
     int64_t m_position = 0;
 };
 
-// Walks the chunks of a head. Chunk sizes count as signed and are rounded up to even, as chunks are padded.
+// Walks the chunks of a head (RIFF: a name of 4 bytes, a size u32, then the contents, padded to even). Sizes
+// count as signed, so a size close to 2^32 is refused rather than wrapped.
 class WaveChunks {
 public:
     explicit WaveChunks(WaveHead& head) : m_head(head) {}
 
-    // Moves behind the "RIFF" size "WAVE" of the file. What stands before it is taken for a foreign chunk and
-    // skipped: eight of the twelve bytes that were read are that chunk's header, the other four its first.
+    // Moves behind the "RIFF", size, "WAVE" of the file. Bytes in front of it are taken for a foreign chunk
+    // and skipped: 8 of the 12 bytes read are that chunk's header, the other 4 its first contents.
     bool FindRiff() {
         std::array<uint8_t, 12> head;
         while (m_chunksLeft-- > 0 && m_head.ReadExact(head)) {
@@ -137,9 +139,10 @@ static bool ReadFormat(WaveHead& head, uint32_t size, LWaveFileFormat& format) {
     const size_t padded = RoundUp<size_t>(size, 2);
     const size_t got = head.Read(std::span(record).first(padded));
     if (got < size) return Fail("LWaveFile::OpenSource fmt error!");
-    // Not every writer pads a record of odd length, ours neither: then the next chunk begins at once.
+    // Some writers, ours included, do not pad a record of odd length; the next chunk then begins at once,
+    // with a letter rather than a zero byte.
     if (got > size && record[size] != 0) head.Seek(head.Position() - 1);
-    // Without its last field the record has no extra bytes, whatever half of the field there is.
+    // A record without its last field, or with half of it, has no extra bytes.
     const size_t used = size < LWaveFileFormat::kFixedSize ? std::min<size_t>(size, 16) : size;
     format = LWaveFileFormat(std::span(record).first(std::min(used, LWaveFileFormat::kSize)));
     return true;
@@ -152,7 +155,7 @@ static bool IsUsable(const LWaveFileFormat& format) {
     return Fail("LWaveFile::OpenSource channels or sample rate out of range");
 }
 
-// Compares the head of the file with the one that our sink would have written.
+// Whether the file is exactly as our sink would have written it: the same head, and the data up to the end.
 static bool IsOurLayout(WaveHead& start, int64_t fileBytes, const LWaveInfo& info) {
     const int bytesPerSample = info.BytesPerSample();
     if (!info.IsPcm() || bytesPerSample > 2 || info.dataStart != kWaveHeaderBytes) return false;

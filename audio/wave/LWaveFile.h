@@ -9,7 +9,7 @@
 #include "base/LStream.h"
 #include "base/LWaveFileFormat.h"
 
-// What a reader learns from the head of a WAV file.
+// The contents of the head of a WAV file.
 struct LWaveInfo {
     LWaveFileFormat format;
     int64_t dataStart = 0;     // bytes from the start of the file
@@ -25,14 +25,19 @@ struct LWaveInfo {
     int BytesPerSample() const;
     // Whole frames, of compressed data those in whole blocks; 0 when the format does not tell.
     int64_t Frames() const;
-    // Whether so many frames can have become these data: exactly so many of PCM, else, where the format
-    // tells, up to the last block.
+    // Whether these data are the right amount for that many frames: exactly for PCM; up to the last block
+    // where the format tells the frames of a block; else any amount.
     bool Holds(int64_t frames) const;
-    // Of the whole frames; where the format does not tell them, from the data size and the byte rate.
+    // From the whole frames or, where the format does not tell them, from the data size and the byte rate.
     int64_t LengthMs() const;
 };
 
-// Opens WAV files as sources and creates them as sinks.
+// Opens WAV files as sources and creates them as sinks: PCM of up to 16 bits through our own code, every
+// other format through a codec of the machine (LSRCACMWave, LSNKACMFile). The head is foreign input: its
+// sizes are claims, which the size of the file bounds.
+// Units:  bytes for sizes, frames and milliseconds as named; sample rates 1 to 196000 Hz, 1 to 255 channels.
+// Errors: each function traces its failure.
+// Thread: any; the class has no state.
 class LWaveFile {
 public:
     // On any failure the null source, never an empty handle. A file that is still being written opens with
@@ -51,8 +56,8 @@ public:
     static bool TestPCM(const LPath& path);
     static bool TestPCM(LReadStream& stream);
 
-    // The head of a file, false (traced) when it is no WAV file that OpenSource would take. The stream is
-    // left at the start of the data.
+    // Reads the head of a file; false (traced) when OpenSource would not take it. The stream is left at the
+    // start of the data.
     static bool ReadInfo(LReadStream& stream, LWaveInfo& info);
     static bool ReadInfo(const LPath& path, LWaveInfo& info);
 
