@@ -13,7 +13,7 @@ namespace {
 constexpr char kClassName[] = "LDBDisplay";
 constexpr UINT_PTR kTimer = 1;
 constexpr LONG kGapPixels = 1;                     // between two channels
-constexpr COLORREF kDark = RGB(0x30, 0x30, 0x30);  // as between the segments of the bitmaps
+constexpr COLORREF kDark = RGB(0x30, 0x30, 0x30);  // the colour between the segments of the bitmaps
 constexpr COLORREF kGreen = RGB(0x00, 0xC0, 0x00);
 constexpr COLORREF kRed = RGB(0xE0, 0x00, 0x00);
 
@@ -56,7 +56,7 @@ public:
         m_channels = levelsDb.size();
         const DWORD now = GetTickCount();
         for (size_t i = 0; i < m_channels; ++i) m_rows[i].meter.SetLevel(levelsDb[i], now);
-        // A timer that runs already, and soon enough, is left to set itself anew when it fires.
+        // A timer that fires soon enough is left alone: it sets itself anew when it fires.
         const uint32_t waitMs = ShowChanges(now);
         if (waitMs < m_waitMs || waitMs == LMeter::kNever) SetWait(waitMs);
     }
@@ -115,7 +115,7 @@ private:
         return colour == LMeterColour::Green ? m_green.Get() : m_red.Get();
     }
 
-    // Each pixel once, and only those that the platform clips to: nothing flickers.
+    // Paints each pixel once, and only those of the damaged range, so nothing flickers.
     void PaintRow(HDC dc, Row& row, const RECT& box, const RECT& damaged) {
         row.shown = row.meter.Draw(box.right);
         for (const LMeterPicture::Stretch& stretch : row.shown.stretches) {
@@ -125,7 +125,7 @@ private:
         }
     }
 
-    // Returns how long what is shown then stays as it is.
+    // Invalidates the pixels that change. Returns for how long the picture then stays as it is, in ms.
     uint32_t ShowChanges(DWORD now) {
         const bool isEnabled = IsWindowEnabled(m_window);
         RECT box;
@@ -176,6 +176,7 @@ void Destroy(HWND window) {
     SetWindowLongA(window, GWL_USERDATA, 0);
 }
 
+// The window's data is its Display, from WM_CREATE to WM_DESTROY.
 LRESULT CALLBACK DisplayProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_CREATE) {
         Create(window);

@@ -4,9 +4,11 @@
 
 #include <cstdint>
 
-// The level meter: a child window of the class "LDBDisplay" that draws the level of one channel, or of two above
-// each other, with a peak hold (LMeter). Greyed while disabled. It takes the bitmaps "LDBDisplayGreen" and
-// "LDBDisplayRed" from the resources of the module that created it. Without anything that falls it has no timer.
+// The level meter: a child window of the class "LDBDisplay" that draws the level of one channel, or of two
+// above each other, with a peak hold (LMeter). Disabled it is grey. Its brushes are the bitmaps
+// "LDBDisplayGreen" and "LDBDisplayRed" of the module that created the window. It has a timer only while a
+// bar or a mark is falling.
+// Units:  levels in dB, as in LDecibel.h.
 // Thread: the window thread.
 
 // Registers the class unless the platform knows it already.

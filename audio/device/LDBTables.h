@@ -7,13 +7,15 @@
 
 namespace LDB {
 
-// Where a level stands on a meter's scale, in thousandths of its length. The scale ends at full scale; its
-// upper three quarters show the 36 dB in which speech lives, so that they move visibly.
+// The scale of a meter: the place of a level, in thousandths of the meter's length. The scale is linear
+// between five points and ends at full scale. Its upper three quarters show 36 dB of the range of speech, so
+// that they move visibly.
+// Units:  levels in dB, as in LDecibel.h.
 class LDBTablesClass {
 public:
     static constexpr int32_t kScale = 1000;
-    static constexpr int8_t kLowestDb = -48;  // and below: the left end
-    static constexpr int8_t kRedAboveDb = 6;  // what is louder comes close to clipping
+    static constexpr int8_t kLowestDb = -48;  // the left end, also for all levels below
+    static constexpr int8_t kRedAboveDb = 6;  // 6 dB below full scale: louder sound is close to clipping
 
     constexpr LDBTablesClass() {
         for (int32_t db = INT8_MIN; db <= INT8_MAX; ++db) m_positions[Index(db)] = Interpolate(db);

@@ -7,10 +7,10 @@
 using LDB::kTables;
 using LDB::LDBTablesClass;
 
-// What falls for so long has fallen through the whole scale.
+// A fall of this length passes the whole scale; the limit keeps the product below within 32 bits.
 static constexpr uint32_t kLongestFallMs = 60000;
 
-// The end of the last segment that a level lights; a level on the scale lights at least the first.
+// The end of the last segment that a level lights, in pixels. Any level above the lowest lights at least one.
 static int32_t LitPixels(int32_t db, int32_t width) {
     const int32_t pixels = ScaleInt(width, kTables.Position(static_cast<int8_t>(db)), LDBTablesClass::kScale);
     const int32_t least = db > LDBTablesClass::kLowestDb ? 1 : 0;

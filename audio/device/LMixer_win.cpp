@@ -11,16 +11,25 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// Each public function is one Operation: it finds the mixer of a wave device, the destination line of its
+// side (recording or speakers) and that line's sources, and walks all controls of a line with one
+// LineSetting. One walk serves both sides, so a volume, mute, switch or multiplexer is handled in one place.
+// Selecting an input means setting the destination's multiplexer or mixer control, not the source's own
+// volume.
+// Drivers are foreign code. Counts are bounded before memory is allocated for them, and a source line is
+// looked up among the sources of our destination, since a mixer that is asked by type alone may name the line
+// of another.
+
 namespace {
 
-// Drivers are foreign code: what they count decides how much is allocated. Real cards stay far below.
+// Bounds on the counts that a driver reports, which decide how much is allocated. Real cards stay far below.
 constexpr DWORD kMaxControls = 256;
 constexpr DWORD kMaxItems = 256;
 constexpr size_t kMaxNameLength = 31;
 
-// The two ends of a card: where its wave devices stand in the mixer.
+// The two sides of a card: how a wave device and its destination line are found in the mixer.
 struct Side {
-    DWORD deviceKind;       // what a device number counts
+    DWORD deviceKind;       // the kind of device that a device number counts
     DWORD destinationType;  // the line that all sources run into
     const char* invalidDevice;
 };
@@ -29,7 +38,8 @@ constexpr Side kRecording = {MIXER_OBJECTF_WAVEIN, MIXERLINE_COMPONENTTYPE_DST_W
 constexpr Side kPlayback = {MIXER_OBJECTF_WAVEOUT, MIXERLINE_COMPONENTTYPE_DST_SPEAKERS,
                             "Invalid Output Device"};
 
-// What a line's controls are set to. Volume and fader always get the volume, mute is always switched off.
+// The values for the controls of a line. Volume and fader controls always get the volume, and mute is always
+// switched off.
 struct LineSetting {
     int32_t db = 0;
     bool isSwitchedOn = false;  // on/off controls too
@@ -65,7 +75,7 @@ public:
         return GetLineInfo(source, MIXER_GETLINEINFOF_SOURCE);
     }
 
-    // Among the sources of this destination: asked by its type alone, a mixer may name the line of another.
+    // Searches the sources of this destination: by its type alone a mixer may name the line of another one.
     bool FindSource(DWORD componentType, MIXERLINEA& source) const {
         for (int32_t i = 0; i < ChannelCount(); ++i) {
             if (!GetSource(i, source)) return false;
@@ -156,8 +166,8 @@ private:
         std::ranges::transform(items, values.begin(), [&](const MIXERCONTROLDETAILS_LISTTEXTA& item) {
             return item.dwParam1 == lineId ? TRUE : FALSE;
         });
-        // Without the line among its items everything would be off, and a recording silent. It is no fault of
-        // the card: another control may select the line.
+        // A multiplexer without an item for the line is left alone: all items off would record silence. It is
+        // no fault of the card, since another control may select the line.
         if (std::ranges::count(values, DWORD{TRUE}) == 0) return true;
         return SetValues(control, values);
     }

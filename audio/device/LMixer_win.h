@@ -4,10 +4,11 @@
 #include <string>
 
 // The sound card's recording inputs and playback volumes, through the platform's mixer.
-// Units:  devices are wave-in or wave-out numbers, not mixer numbers; channels are source lines, counted from 0
-//         within the recording or the playback destination. Levels are decibels (MixerVolume in LDecibel.h).
-// Errors: the first call that fails ends the operation with a trace; nothing is shown. What a driver reports
-//         about itself is not believed beyond sensible limits.
+// Units:  devices are wave-in or wave-out numbers, not mixer numbers; channels are source lines, counted from
+//         0 within the recording or the playback destination. Levels are decibels (MixerVolume in
+//         LDecibel.h).
+// Errors: the first call that fails ends the operation with a trace; no message is shown. Counts that a
+//         driver reports about itself are bounded.
 // Thread: any, one at a time.
 class LMixer {
 public:

@@ -4,8 +4,9 @@
 
 #include "base/LOwned.h"
 
-// A hidden window through which a worker thread speaks to the thread that made it: each Post() is followed by
-// one EvNotify() on that thread, once it dispatches messages.
+// A hidden window through which a worker thread notifies the thread that made it: each Post() leads to one
+// EvNotify() on that thread, once it dispatches messages. So the owner's code never runs on the worker.
+// Errors: without the window (operator bool) nothing is ever notified; the owner refuses to start then.
 // Thread: Post any, everything else the owner's.
 class LNotifyWindow {
 public:
@@ -17,13 +18,13 @@ public:
         ~Owner() = default;
     };
 
-    // className: what the platform knows such windows by.
+    // className: the window class, registered on first use.
     LNotifyWindow(const char* className, Owner& owner);
 
-    // False when it could not be made.
+    // False when the window could not be created.
     explicit operator bool() const { return static_cast<bool>(m_window); }
     void Post() const;
-    // What was posted and not yet told is forgotten.
+    // Destroys the window; notifications still on their way are dropped.
     void Close() { m_window.Reset(); }
 
 private:

@@ -7,14 +7,28 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
+// The thread looks at the ring, acts on one step that PlayQueue decides, and waits for a buffer to return or
+// for 150 ms. The critical section is held for one step, so for one buffer at a time; the owner's calls take
+// it too. The thread fills the ring at normal priority, after a jump at the lowest, and becomes time-critical
+// once the ring is full: playback then survives a busy machine, and filling it anew after a jump leaves the
+// machine to others.
+// The position is that of the sound heard, not of the data read. It comes with the buffers that return, and
+// at a pause, stop, jump or change of speed from the device's sample count, corrected by PlayClock.
+// A jump reads half a second ahead before it resets the device, and hands it over at once. Reading after the
+// reset was rejected: a slow disk would be heard. At the end 300 ms of silence are queued behind the last
+// sound, since devices and sound servers keep the end of their input until more follows. Waiting instead was
+// rejected, because it pushes nothing through.
+
 static constexpr char kWindowClass[] = "LWSoundPlayer";
+// Longer than a buffer lasts: the event comes first unless the device stalls.
 static constexpr uint32_t kLookMs = 150;
-// How long the silence behind the last sound may keep the device busy once that has been heard.
+// The longest wait, once the last sound was returned, for the silence behind it: a device that keeps the
+// silence must not keep the playback open.
 static constexpr uint32_t kTailTimeoutMs = 1000;
 
 using NextStep = PlayQueue::Step;
 
-// --- The owner's side ---------------------------------------------------------------------------------------
+// --- The owner's side --------------------------------------------------------------------------------------
 
 LSoundPlayer::LSoundPlayer(LSoundPlayerNotify& notify) : m_notify(notify), m_window(kWindowClass, *this) {
     ClearLevels();
@@ -34,7 +48,7 @@ void LSoundPlayer::EvNotify() {
     const Ending ending = m_endReason;
     Stop();
     m_ending = ending;
-    m_notify.OnPlayStopped();  // the owner may have destroyed us
+    m_notify.OnPlayStopped();  // the owner may destroy this object here
 }
 
 bool LSoundPlayer::Start(const LSoundSource& source) {
@@ -89,7 +103,7 @@ void LSoundPlayer::Play() {
     if (!m_playing || !m_queue.IsPaused()) return;
     LLock lock(m_section);
     m_queue.Play();
-    m_atEndMs = LTickMs();  // what is left of the end takes its time from now
+    m_atEndMs = LTickMs();  // the timeout of an end that was paused begins anew
     if (m_queue.StartsNow()) Restart();
     m_bufferDone.Signal();  // a thread that found nothing to do looks again
 }
@@ -161,9 +175,11 @@ bool LSoundPlayer::GetCueGraph(uint8_t* graph, int32_t spanMs) {
     return true;
 }
 
-// --- What both sides do, inside the critical section --------------------------------------------------------
+// --- Shared by both sides, inside the critical section -----------------------------------------------------
+// ------------------------------------------------------
 
-// The frame of the material that is heard now, as exactly as the device tells.
+// The frame of the material that is heard now, as exactly as the device tells. Without a believable count
+// from the device it is the end of the last buffer heard.
 int32_t LSoundPlayer::HeardFrame() {
     int32_t played = 0;
     if (m_queue.Depth() == 0 || m_queue.IsCueing() || !m_device.GetPlayed(played)) return m_heardFrame;
@@ -188,7 +204,8 @@ void LSoundPlayer::SetHeard(int32_t frame) {
     m_position = m_material.ToSourceFrame(frame);
 }
 
-// Goes on where the material stands now, at once: what is heard first is read before the device is reset.
+// Continues at the material's present place at once: the first half second is read before the device is
+// reset.
 bool LSoundPlayer::Jump() {
     m_atEnd = false;
     m_tailBuffers = 0;
@@ -219,7 +236,7 @@ size_t LSoundPlayer::ReadAhead() {
     return m_ahead.size();
 }
 
-// A device that refuses a buffer has ended the playback.
+// Queues a block. A device that refuses it has ended the playback.
 bool LSoundPlayer::Queue(const PlayBlock& block) {
     if (!m_device.Write(m_queue.Next(), block)) {
         EndBecause(Ending::DeviceLost);
@@ -251,7 +268,7 @@ void LSoundPlayer::EndBecause(Ending ending) {
     m_window.Post();
 }
 
-// --- The thread ---------------------------------------------------------------------------------------------
+// --- The thread --------------------------------------------------------------------------------------------
 
 void LSoundPlayer::ThreadFunction() {
     while (!StopRequested()) {
@@ -260,7 +277,7 @@ void LSoundPlayer::ThreadFunction() {
     }
 }
 
-// One look at the ring; false when the next one can wait for the device.
+// One step on the ring; returns false when the next one can wait for the device.
 bool LSoundPlayer::Step() {
     LLock lock(m_section);
     bool goOn = true;
@@ -292,8 +309,9 @@ bool LSoundPlayer::Step() {
     return goOn;
 }
 
-// What the device returns may still be on its way to the ear, through a driver and a sound server that deliver
-// in blocks and keep what they have when nothing follows. Silence behind the last sound pushes it through.
+// Queues silence behind the last sound. A buffer that the device returned may still be on its way to the ear,
+// through a driver and a sound server that work in blocks and keep their rest when nothing follows. Silence
+// pushes it through.
 void LSoundPlayer::WriteTail() {
     m_block.samples.assign(static_cast<size_t>(m_material.BufferFrames()) * m_levelChannels, 0);
     m_block.endFrame = LSoundPlayerWaveHeader::kNoAudio;

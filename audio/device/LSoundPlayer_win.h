@@ -14,12 +14,12 @@
 #include "audio/stream/LSoundSource.h"
 #include "base/LThread.h"
 
-// What the player tells its owner, on the owner's thread.
+// The player's listener. Every call comes on the thread that owns the player.
 class LSoundPlayerNotify {
 public:
     virtual ~LSoundPlayerNotify() = default;
-    // The position that is heard, in frames of the source that was given to Start; never beyond its length.
-    // Also from within Start, Seek, Pause and the like, before they return.
+    // The position that is heard, in frames of the source given to Start; never beyond its length. Also
+    // called within Start, Seek, Pause and the like, before they return.
     virtual void OnPlayPosition(int32_t frames) = 0;
     // The levels have changed; ask LevelDb.
     virtual void OnPlayLevel() = 0;
@@ -30,57 +30,61 @@ public:
 
 // Plays a source on a wave-out device, on a thread of its own. The device holds seven seconds of audio, so
 // that playback survives a busy machine.
+// Units:  positions are frames of the source given to Start; levels are dB; speeds are percent of normal.
+// Errors: Start returns false (traced); a device that fails later ends the playback (OnPlayStopped,
+//         GetEnding).
 // Thread: the owner's, which dispatches messages: notifications come through a hidden window. The source
 //         belongs to the player from Start() to Stop() or OnPlayStopped().
 class LSoundPlayer final : private LThread, private LNotifyWindow::Owner {
 public:
     static constexpr size_t kCueGraphBytes = PlayMaterial::kGraphBytes;
-    // What ended the playback.
+    // The reason why the playback ended.
     enum class Ending : uint8_t { Stopped, AtEnd, DeviceLost };
 
     explicit LSoundPlayer(LSoundPlayerNotify& notify);
     // Stops without a notification.
     ~LSoundPlayer() override;
 
-    // The wave-out device, from 0; -1, as at first, is the platform's default one. Counts from the next
-    // Start().
+    // The wave-out device, from 0; -1, the initial value, is the platform's default one. Takes effect at the
+    // next Start().
     void SetDevice(int32_t device) { m_deviceId = device; }
     // Prepares playback from the source's present position; nothing is heard before Play(). False (traced)
-    // when the source or the device cannot be used. A growing source (IsGrowing) is played on to where it has
-    // grown. A playback that runs is stopped first.
+    // when the source or the device cannot be used. A growing source (IsGrowing) is followed as it grows. A
+    // playback that runs is stopped first.
     bool Start(const LSoundSource& source);
-    // PositionFrames() is then where the last sound heard was.
+    // Afterwards PositionFrames() is the end of the last sound heard.
     void Stop();
-    // Heard at once: as soon as 42 buffers are queued, or all there is. An end that was reached while paused
-    // is told after it.
+    // Starts the sound as soon as 42 buffers (4.2 s) are queued, or all there is. An end that was reached
+    // while paused is notified after it.
     void Play();
     void Pause();
-    // Cue mode repeats a quarter of a buffer at the position until the next Seek, which repeats the one there.
-    // It is silent while paused. Switched off, playback goes on from the position, or is paused there, as it
-    // was.
+    // Cue mode repeats a quarter of a buffer (25 ms) at the position until the next Seek, which repeats the
+    // one there. It is silent while paused. Switched off, playback continues from the position, or stays
+    // paused there.
     void Cue(bool on);
-    // At once; playing goes on there, paused stays paused.
+    // Jumps at once: playback continues there, paused playback stays paused.
     void Seek(int32_t frame);
-    // At the speaker's own pitch (LSpeedSource); may change while playing, from the place that is heard.
-    // Remembered for every later Start().
+    // Changes the speed at the speaker's own pitch (LSpeedSource), also while playing, from the place that is
+    // heard. The player keeps it for every later Start().
     void SetSpeed(int32_t percent);
-    // 512 peaks, 0 to 255, of the material from the position on that lasts spanMs; all 0 outside cue mode.
+    // Writes 512 peaks, 0 to 255, of the material of spanMs ms from the position on; all 0 outside cue mode.
     // False (traced) without a buffer.
     bool GetCueGraph(uint8_t* graph, int32_t spanMs);
 
     bool IsPlaying() const { return m_playing; }  // from Start to Stop or the end, paused or not
     bool IsPaused() const { return m_playing && m_queue.IsPaused(); }
     bool IsCueing() const { return m_playing && m_queue.IsCueing(); }
-    // What is heard, to within a buffer while playing; when paused or stopped, as exactly as the device tells.
+    // The position that is heard: to within a buffer while playing, as exactly as the device tells when
+    // paused or stopped.
     int32_t PositionFrames() const { return m_position; }
     uint8_t GetLevelChannels() const { return m_levelChannels; }
     // -127 to 127 dB; channel below GetLevelChannels().
     int8_t LevelDb(uint8_t channel) const { return m_levels[channel]; }
-    // Of the playback that ended last.
+    // The reason why the last playback ended.
     Ending GetEnding() const { return m_ending; }
 
 private:
-    // What stands ready before the device is reset for a jump: half a second.
+    // Buffers that are read before the device is reset for a jump: half a second.
     static constexpr size_t kAheadBlocks = 5;
 
     void EvNotify() override;
@@ -114,20 +118,20 @@ private:
     LNotifyWindow m_window;
     LSignalObject m_bufferDone;
 
-    // Guards what follows, while the thread runs.
+    // Guards the members below while the thread runs.
     LCriticalSection m_section;
     LWaveOut m_device;
     PlayMaterial m_material;
-    PlayQueue m_queue;  // paused and cueing change on the owner's thread only, which reads them without
+    PlayQueue m_queue;  // the owner's thread alone sets paused and cueing, and reads them without the lock
     PlayClock m_clock;
     size_t m_tailBuffers = 0;  // of silence, queued behind the last sound
     size_t m_tailIndex = 0;    // the last of them
-    bool m_atEnd = false;      // all sound is back, since
+    bool m_atEnd = false;      // all sound is back, since m_atEndMs
     uint32_t m_atEndMs = 0;
     PlayBlock m_block;
     std::array<PlayBlock, kAheadBlocks> m_ahead;
-    int32_t m_heardFrame = 0;  // of the material: the end of the last buffer that came back
-    int32_t m_resetFrame = 0;  // of the material: what the device played first after its reset
+    int32_t m_heardFrame = 0;  // of the material: the end of the last buffer heard
+    int32_t m_resetFrame = 0;  // of the material: the device's first frame after its reset
 
     // Written by the thread, read (the flags: and cleared) by the window.
     std::atomic<int32_t> m_position{0};

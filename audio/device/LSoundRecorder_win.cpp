@@ -4,15 +4,26 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
+// The thread moves buffers; VoiceGate decides about each block of 100 ms. A returned buffer is converted,
+// handed back to the device, and only then written: the ring of three seconds so covers a disk that is slow.
+// The thread is time-critical while the device runs, and only then touches the sink.
+// Events move the thread: the device signals each buffer, the owner signals start and stop. Because the
+// signal is a single flag for the whole ring, the done flag of the next buffer is read before and after the
+// reset of the event.
+// On Stop the device runs on for a short while before it is reset, and all returned buffers are still written
+// (TakeLate). Stopping at once was rejected: it cuts the last syllable off. The thread itself never stops the
+// recording; it posts to the hidden window, and the owner's thread stops it there, so that the sink is closed
+// on the owner's side.
+
 static constexpr char kWindowClass[] = "LWSoundRecorder";
-static constexpr uint32_t kStartTimeoutMs = 700;
-static constexpr uint32_t kBufferTimeoutMs = 200;
+static constexpr uint32_t kStartTimeoutMs = 700;   // that Start may keep the window waiting for the device
+static constexpr uint32_t kBufferTimeoutMs = 200;  // two buffers, then the device is looked at again
 static constexpr uint32_t kEndTimeoutMs = 5000;
-// A device that has returned no buffer for so long, though it owns all of them, has been unplugged.
+// A device that returns no buffer for this long, though it owns all of them, has been unplugged.
 static constexpr uint32_t kDeviceLostMs = 5000;
 
-// What was spoken until Stop is still on its way through the driver and the sound server, which deliver in
-// blocks of up to 50 ms. The device runs on for so long.
+// For how long the device runs on after Stop. Drivers and sound servers deliver in blocks of up to 50 ms;
+// measured, the last 12 to 75 ms of speech were still on their way when Stop came.
 static constexpr uint32_t kTailMs = 80;
 
 using State = VoiceGate::State;
@@ -32,7 +43,7 @@ void LSoundRecorder::EvNotify() {
     if (!m_active) return;
     if (m_stopRequested) {
         Stop();
-        return;  // the owner may have destroyed us
+        return;  // the owner may have destroyed this object
     }
     if (m_levelChanged.exchange(false)) {
         m_notify.OnTime(m_lastLoudMs);
@@ -83,7 +94,7 @@ bool LSoundRecorder::Start(const LSoundSink& sink, int32_t hangTimeMs, int8_t th
     return true;
 }
 
-// A device that takes longer to open counts as started: should it fail later, the recording is stopped.
+// A device that takes longer to open counts as started. When it fails later, the recording is stopped.
 bool LSoundRecorder::WaitUntilStarted(const char* lateTrace) {
     if (!m_started.Wait(kStartTimeoutMs)) LTrace(lateTrace);
     return m_state != State::Stopped;
@@ -140,7 +151,7 @@ bool LSoundRecorder::OpenDevice() {
            m_waveIn.QueueAll();
 }
 
-// Records until the stop event. Returns the buffer that comes next.
+// Records until the stop event. Returns the index of the buffer that would come next.
 size_t LSoundRecorder::Run() {
     size_t index = 0;
     if (m_go.WaitEither(StopEvent(), kWaitForever) != 0) return index;
@@ -149,7 +160,7 @@ size_t LSoundRecorder::Run() {
     m_lastBufferTick = LTickMs();
     while (!StopRequested()) {
         if (m_ending != Ending::Stopped && m_ending != Ending::MaxTime)
-            StopEvent().Wait(kWaitForever);  // nothing more to be had; the owner stops us
+            StopEvent().Wait(kWaitForever);  // the recording has ended; the owner will stop the thread
         else if (NextBuffer(index) && TakeBuffer(index))
             index = (index + 1) % LWaveIn::kBuffers;
     }
@@ -159,7 +170,7 @@ size_t LSoundRecorder::Run() {
 bool LSoundRecorder::NextBuffer(size_t index) {
     if (!m_waveIn.IsDone(index)) {
         m_bufferDone.Reset();
-        // One that came back before the reset has left no signal.
+        // A buffer that returned before the reset has lost its signal.
         if (!m_waveIn.IsDone(index)) m_bufferDone.WaitEither(StopEvent(), kBufferTimeoutMs);
     }
     if (m_waveIn.IsDone(index)) {
@@ -175,7 +186,7 @@ bool LSoundRecorder::NextBuffer(size_t index) {
 
 bool LSoundRecorder::TakeBuffer(size_t index) {
     Convert(index);
-    // The ring has only three seconds: the buffer goes back before a slow disk can keep us.
+    // The buffer goes back first: the ring has only three seconds, and the disk may be slow.
     if (!m_waveIn.Queue(index)) EndBecause(Ending::DeviceLost);
     if (!m_block.empty()) m_gate.Take(m_block);
     if (m_gate.SinkFailed())
@@ -186,8 +197,8 @@ bool LSoundRecorder::TakeBuffer(size_t index) {
     return true;
 }
 
-// What the device had recorded when it was stopped: whole buffers not yet looked at, and the beginning of
-// one.
+// Takes the audio that the device had recorded when it was reset: whole buffers not yet looked at, and the
+// beginning of one.
 void LSoundRecorder::Drain(size_t index) {
     for (size_t i = 0; i < LWaveIn::kBuffers; ++i, index = (index + 1) % LWaveIn::kBuffers) {
         if (!m_waveIn.IsDone(index)) continue;

@@ -11,7 +11,7 @@
 #include "audio/stream/LSoundSink.h"
 #include "base/LThread.h"
 
-// What the owner of a recorder hears of it, on the owner's own thread while it dispatches messages.
+// The recorder's listener. Every call comes on the owner's thread while it dispatches messages.
 struct LSoundRecorderNotify {
     virtual void OnRecording() = 0;                 // audio is being written
     virtual void OnWaiting() = 0;                   // voice activation waits for sound
@@ -25,7 +25,9 @@ protected:
 
 // Records from the sound card into a sink, on a thread of its own, until it is stopped, the maximum time is
 // reached, or the disk or the device fails.
-// Units:  times are milliseconds of the sink's material, what it held at the start included.
+// Units:  times are milliseconds of the sink's material, including the material that it held at the start;
+//         levels are dB.
+// Errors: Start returns false (traced); a failure later on stops the recording (OnStopped, GetEnding).
 // Thread: that of the owner, which must dispatch messages: notifications come through a hidden window. The
 //         sink belongs to the recorder from Start() until OnStopped().
 class LSoundRecorder final : private LThread, private LNotifyWindow::Owner {
@@ -34,27 +36,28 @@ public:
         kArmOnly = 1,       // prepare everything, but start the device only with Restart()
         kRecordAtOnce = 2,  // write from the first block on, without waiting for a voice
     };
-    // What ended the recording. The owner tells the user of the last two; what was written before stays.
+    // The reason why the recording ended. The owner tells the user of the last two; the audio written before
+    // stays.
     enum class Ending : uint8_t { Stopped, MaxTime, WriteError, DeviceLost };
 
     explicit LSoundRecorder(LSoundRecorderNotify& notify, int32_t stoppedValue = 0);
     // Stops a running recording, with its notification.
     ~LSoundRecorder() override;
 
-    // The wave-in device, from 0; -1, as at first, is the platform's default one. Counts from the next
-    // Start().
+    // The wave-in device, from 0; -1, the initial value, is the platform's default one. Takes effect at the
+    // next Start().
     void SetDevice(int32_t device) { m_device = device; }
 
-    // False, with the sink released untouched, when the device does not open or the hidden window could not be
-    // made. A recording that runs is
-    // stopped first. thresholdDb: the level that starts a voice-activated recording; it pauses 5 dB below
-    // when that lasts longer than hangTimeMs. -128 and -127 never pause. maxTimeMs: 0 or less is none.
+    // False, with the sink released untouched, when the device does not open or the hidden window is missing.
+    // A recording that runs is stopped first. thresholdDb: the level that starts a voice-activated recording;
+    // it pauses after more than hangTimeMs below a level 5 dB lower. -128 and -127 never pause. maxTimeMs: 0
+    // or less is no limit.
     bool Start(const LSoundSink& sink, int32_t hangTimeMs, int8_t thresholdDb, int32_t maxTimeMs,
                uint32_t flags);
-    // Lets an armed recording begin; false when there is none.
+    // Starts an armed recording (kArmOnly); false when there is none.
     bool Restart();
-    // Returns when everything spoken until now is in the sink and the sink is released; OnStopped comes
-    // before it returns. Does nothing when not recording.
+    // Returns when all sound up to now is in the sink and the sink is released; OnStopped comes before it
+    // returns. Does nothing when no recording runs.
     void Stop();
 
     // From a successful Start() to Stop().
@@ -65,7 +68,7 @@ public:
     int8_t LevelDb(uint8_t channel) const { return m_levels[channel].load(); }
     // The end of the last loud block; 0 when stopped.
     int32_t LastLoudMs() const { return m_lastLoudMs.load(); }
-    // Of the recording that ended last: where it ends, and why.
+    // The last recording: its end in ms, and the reason for it.
     int32_t EndMs() const { return m_endMs; }
     Ending GetEnding() const { return m_ending.load(); }
 
@@ -97,7 +100,7 @@ private:
     LSignalObject m_go;
     LSignalObject m_bufferDone;
 
-    // The thread's own while it runs.
+    // Belongs to the thread while it runs.
     VoiceGate m_gate;
     LWaveIn m_waveIn;
     std::vector<int32_t> m_block;

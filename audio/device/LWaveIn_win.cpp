@@ -66,7 +66,7 @@ std::span<const int16_t> LWaveIn::Samples(size_t index) const {
 }
 
 bool LWaveIn::Queue(size_t index) {
-    m_ring[index].dwBytesRecorded = 0;  // a buffer that the device never touches must not count twice
+    m_ring[index].dwBytesRecorded = 0;  // the device may return it without a touch
     return waveInAddBuffer(m_device.Get(), &m_ring[index], sizeof(WAVEHDR)) == MMSYSERR_NOERROR ||
            Fail("LSoundRecorder::ThreadFunction() waveInAddBuffer FAILED");
 }
@@ -78,7 +78,7 @@ void LWaveIn::TakeBack() {
 
 void LWaveIn::Close() {
     if (!m_device) return;
-    if (m_ring) TakeBack();  // not all need have come back when the queueing failed half-way
+    if (m_ring) TakeBack();  // buffers are still out when queueing failed half-way
     m_ring.Release(m_device.Get());
     m_device.Reset();
 }

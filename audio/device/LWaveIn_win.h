@@ -10,8 +10,8 @@
 #include "audio/device/LWaveRing_win.h"
 #include "base/LOwned.h"
 
-// A wave-in device and the ring of buffers that it fills, 16-bit PCM. The buffers hold three seconds: so long
-// may a slow disk keep the reader waiting before audio is lost.
+// A wave-in device and the ring of buffers that it fills, 16-bit PCM. The buffers hold three seconds: a slow
+// disk may keep the reader waiting that long before audio is lost.
 // Errors: operations that fail trace and return false.
 // Thread: the recorder's.
 class LWaveIn {
@@ -23,8 +23,8 @@ public:
     LWaveIn(const LWaveIn&) = delete;
     LWaveIn& operator=(const LWaveIn&) = delete;
 
-    // Opens the device, or the platform's default one when it does not open. done is signalled for each
-    // buffer.
+    // Opens the device or, when it does not open, the platform's default one. done, an event, is signalled
+    // for each returned buffer.
     bool Open(int32_t device, uint8_t channels, int32_t sampleRate, void* done);
     // Allocates the buffers, 100 ms each, and hands them all to the device.
     bool QueueAll();
@@ -35,9 +35,9 @@ public:
     std::span<const int16_t> Samples(size_t index) const;
     // Hands a buffer to the device again.
     bool Queue(size_t index);
-    // Takes all buffers back, the one that is being filled with what it holds.
+    // Resets the device: all buffers return, the one that is being filled with its part.
     void TakeBack();
-    // A device that keeps buffers all the same keeps their memory too (LWaveRing).
+    // Closes the device. One that keeps its buffers keeps their memory too (LWaveRing).
     void Close();
 
 private:

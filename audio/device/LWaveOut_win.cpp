@@ -4,7 +4,7 @@
 
 #include "base/LTrace.h"
 
-static constexpr DWORD kLoopForever = 0x7FFFFFFF;
+static constexpr DWORD kLoopForever = 0x7FFFFFFF;  // repeats: for a buffer of 100 ms, years
 
 static bool Fail(std::string_view trace) {
     LTrace(trace);
@@ -119,7 +119,7 @@ bool LWaveOut::WriteLoops(size_t index, const PlayBlock& block, DWORD loops) {
     return false;
 }
 
-// Devices may refuse the unit that they are asked for and answer in another one.
+// A device may refuse the unit that it is asked for and answer in another one.
 bool LWaveOut::GetPlayed(int32_t& frames) const {
     MMTIME time = {};
     time.wType = TIME_SAMPLES;

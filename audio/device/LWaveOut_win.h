@@ -14,7 +14,7 @@
 #include "base/LOwned.h"
 #include "base/LWaveFileFormat.h"
 
-// What the player wants to know of the audio in one of the device's buffers when it has been heard.
+// The player's notes on the audio in one device buffer, read when that audio has been heard.
 class LSoundPlayerWaveHeader {
 public:
     static constexpr int32_t kNoAudio = INT32_MIN;  // the position of an empty buffer
@@ -32,6 +32,7 @@ private:
 };
 
 // A wave-out device and its ring of buffers, 16-bit PCM.
+// Units:  frames; index is a buffer's place in the ring, below PlayQueue::kBuffers.
 // Errors: operations that fail trace and return false.
 // Thread: one at a time; the player calls it inside its critical section.
 class LWaveOut {
@@ -41,15 +42,16 @@ public:
     LWaveOut(const LWaveOut&) = delete;
     LWaveOut& operator=(const LWaveOut&) = delete;
 
-    // Opens the device, or the platform's default one when it does not open, and prepares the buffers.
-    // It is paused. done is signalled for each buffer that comes back.
+    // Opens the device or, when it does not open, the platform's default one, prepares the buffers and pauses
+    // it. done, an event, is signalled for each returned buffer.
     bool Open(int32_t device, uint8_t channels, int32_t sampleRate, int32_t bufferFrames, void* done);
-    // Takes the buffers back. A device that keeps them all the same keeps their memory too (LWaveRing).
+    // Takes the buffers back and closes the device. One that keeps its buffers keeps their memory too
+    // (LWaveRing).
     void Close();
 
     bool Pause();
     bool Restart();
-    // Stops the sound and takes all buffers back, empty. A paused device need not be paused any more.
+    // Stops the sound and takes all buffers back, empty. A paused device may run again afterwards.
     bool Reset();
     bool Write(size_t index, const PlayBlock& block);
     // Repeats a block until the next reset.
@@ -57,7 +59,7 @@ public:
     // The frames heard since the device was opened or reset.
     bool GetPlayed(int32_t& frames) const;
 
-    // Whether the device has played a buffer, or has never had it.
+    // True when the device has played a buffer or never had it.
     bool IsBack(size_t index) const { return m_ring.IsDone(index); }
     const LSoundPlayerWaveHeader& Buffer(size_t index) const { return m_buffers[index]; }
 

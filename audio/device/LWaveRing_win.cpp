@@ -5,7 +5,13 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
-static constexpr uint32_t kReleaseTimeoutMs = 500;
+// One allocation holds all headers and all bytes, so that memory the device will not release is given up as a
+// whole and by a known amount. Freeing it was rejected: a driver writes into a buffer that it has not
+// returned, even when those bytes belong to something else by then. Waiting for it without limit would hang
+// the program on a device that was unplugged.
+// Recorder and player share the class; they differ in the calls and trace lines of LWaveRing::Device.
+
+static constexpr uint32_t kReleaseTimeoutMs = 500;  // for the whole ring
 static constexpr uint32_t kReleaseRetryMs = 50;
 
 static bool Fail(const char* trace) {
@@ -58,6 +64,6 @@ bool LWaveRing::GiveBack(void* device, WAVEHDR& header, uint32_t deadlineMs) {
 }
 
 bool LWaveRing::IsDone(size_t index) const {
-    // The device changes the flags behind the compiler's back.
+    // The driver changes the flags from outside the program, so the compiler must read them each time.
     return (*const_cast<const volatile DWORD*>(&m_headers[index].dwFlags) & WHDR_DONE) != 0;
 }

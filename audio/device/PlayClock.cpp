@@ -4,6 +4,13 @@
 
 #include "base/LArith.h"
 
+// A device that counts ahead gives itself away: soon after its start it has played for longer than it has
+// been running. The largest such difference is its lead, which is taken off every count. The lead is learned
+// during the first two seconds only, while the tick count and the sound card's clock agree; afterwards their
+// drift would pass for a lead.
+// Trusting the count was rejected: a change of speed, which continues from the place that is heard, then
+// skipped 90 ms.
+
 void PlayClock::Reset(int32_t sampleRate) {
     *this = PlayClock();
     m_sampleRate = sampleRate;

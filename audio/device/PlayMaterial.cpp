@@ -11,10 +11,16 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// The chain behind the player: the owner's source, LSpeedSource at any speed but 100 percent, and a limiter
+// where the level may exceed 16 bits. Each stage is left out where it would change nothing. A change of speed
+// builds the chain anew from a place of the source, which stays the owner's; so positions can always be told
+// in source frames.
+
 static constexpr int32_t kSourceSpeed = LSpeedSource::kNormalPercent;
+// As measured, enough behind sound servers with buffers of 40 to 300 ms.
 static constexpr int32_t kTailMs = 300;
 static constexpr int32_t kCueRepeats = 4;
-static constexpr int32_t kGraphFullScale = 0x7F801;
+static constexpr int32_t kGraphFullScale = 0x7F801;  // and above: the highest bar, 255
 
 bool PlayMaterial::Open(const LSoundSource& source, int32_t percent) {
     if (source->IsError()) {
@@ -98,7 +104,7 @@ void PlayMaterial::ReadCue(PlayBlock& block) {
     m_top->Seek(place);
 }
 
-// The largest magnitude of so many samples, read in pieces that a source may be asked for.
+// The largest magnitude of that many frames, read in blocks of at most kBlockFrames.
 static uint32_t ReadPeak(LSoundSourceBase& source, int64_t frames, std::vector<int32_t>& samples) {
     uint32_t peak = 0;
     while (frames > 0) {
@@ -118,7 +124,7 @@ void PlayMaterial::ReadCueGraph(int32_t spanMs, std::span<uint8_t, kGraphBytes> 
     m_source->Seek(ToSourceFrame(place));
     bool isOver = false;
     for (uint8_t& bar : graph) {
-        // Past the end there is nothing but silence to read, however long the span.
+        // Past the end there is only silence, which is not read however long the span.
         isOver = isOver || m_source->GetPosition() >= m_source->GetLength();
         const uint32_t peak = isOver ? 0 : ReadPeak(*m_source, piece, m_samples);
         bar = peak >= kGraphFullScale ? uint8_t{255} : static_cast<uint8_t>(peak >> 11);

@@ -5,6 +5,14 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// The ring as counts: the oldest queued buffer, and the number of queued ones behind it. Each look takes back
+// a returned buffer before it fills a free one, so positions and levels reach the user first. Looks in vain
+// are counted instead of timed: 70 in a row, while buffers are queued and the device runs, about ten seconds,
+// mean that the device is gone.
+// A source that still grows is followed in whole buffers. Once playback has caught up and run dry, it waits
+// for half a second of audio at once: both run at the same speed, so it would otherwise run dry at every
+// buffer.
+
 void PlayQueue::Start(int32_t bufferFrames) {
     *this = PlayQueue();
     m_bufferFrames = bufferFrames;
@@ -35,13 +43,12 @@ PlayQueue::Step PlayQueue::Look(bool oldestBack, const LSoundSourceBase& source)
     return FailedLook();
 }
 
-// A source that still grows is followed in whole buffers. When playback has caught up with it and runs dry, it
-// waits for a few at once: since both run at the same speed, it would otherwise run dry again at each buffer.
+// The frames for the next buffer. A growing source that ran dry has to gather kGatherBuffers first.
 int32_t PlayQueue::FramesToTake(const LSoundSourceBase& source) {
     const auto left = [&source] { return Saturate(int64_t{source.GetLength()} - source.GetPosition()); };
     const int32_t wanted = m_begun && m_queued == 0 ? kGatherBuffers * m_bufferFrames : m_bufferFrames;
     m_growing = left() < wanted && source.IsGrowing();
-    const int32_t frames = left();  // asked again: it may have grown to its end
+    const int32_t frames = left();  // asked again: the source may have finished growing meanwhile
     if (m_growing && frames < wanted && (m_begun || frames <= 0)) {
         m_begun = true;
         return 0;

@@ -5,16 +5,16 @@
 
 #include "audio/stream/LSoundSource.h"
 
-// Decides what the player does next with its ring of device buffers: which one it takes back or fills, when
-// the device begins, when the material has been heard and when the device is lost. It knows no device: it is
-// told what came back, and counts.
+// Decides the player's next step with its ring of device buffers: take one back, fill one, start the device,
+// end, or give the device up. It knows no device: it is told which buffers returned, and counts.
+// Units:  frames; a buffer lasts 100 ms, so the ring holds seven seconds.
 // Thread: any, one at a time; the player keeps it inside its critical section.
 class PlayQueue {
 public:
     static constexpr size_t kBuffers = 70;
-    static constexpr size_t kStartDepth = 42;     // queued buffers with which a delayed start begins
+    static constexpr size_t kStartDepth = 42;     // buffers queued before a delayed start begins: 4.2 s
     static constexpr int kMaxFailedLooks = 70;    // in a row; one more and the device is lost
-    static constexpr int32_t kGatherBuffers = 5;  // what a growing source must have ahead once it ran dry
+    static constexpr int32_t kGatherBuffers = 5;  // buffers that a growing source must have after it ran dry
 
     enum class Step {
         TakeBack,    // Oldest() has been heard: call TookBack()
@@ -26,29 +26,30 @@ public:
 
     // Paused, all buffers empty. bufferFrames: the frames of one buffer.
     void Start(int32_t bufferFrames);
-    // The device has been reset: all buffers are empty again, and a take-off is due.
+    // The device was reset: all buffers are empty again, and TakesOff() is due.
     void Empty();
-    // Nothing more is done before Empty().
+    // The playback has ended: only Empty() revives it.
     void End() { m_ended = true; }
 
-    // oldestBack: whether the device has returned Oldest(). source is asked for what it has left.
+    // The next step. oldestBack: the device has returned Oldest(). source is asked for the frames that it has
+    // left.
     Step Look(bool oldestBack, const LSoundSourceBase& source);
     size_t Oldest() const { return m_oldest; }
     size_t Next() const { return (m_oldest + m_queued) % kBuffers; }
-    // How much of the source goes into the next buffer; 0: nothing at present.
+    // The frames of the source that go into the next buffer; 0: none at present.
     int32_t FramesToTake(const LSoundSourceBase& source);
     int32_t FramesToTake() const { return m_framesToTake; }
     void TookBack();
     void Queued();
     size_t Depth() const { return m_queued; }
-    // Nothing follows what is queued.
+    // True when the source has nothing behind the queued buffers.
     bool IsAllTaken() const { return m_allTaken && !m_growing; }
 
-    // The ring is full (or holds all there is) for the first time: the thread may now rise above all others.
+    // True, once, when the ring is full (or holds all there is): the thread may now become time-critical.
     bool TakesOff();
 
     void Pause();
-    // The device begins when StartsNow() says so.
+    // Starts the device, delayed until StartsNow().
     void Play();
     bool IsPaused() const { return m_paused; }
     // True from Play() until StartsNow().
@@ -71,9 +72,9 @@ private:
     bool m_paused = true;
     bool m_startDelayed = false;
     bool m_takeOff = false;
-    bool m_allTaken = false;  // the source had nothing more when it was asked last
-    bool m_growing = false;   // but may have later
-    bool m_begun = false;     // the first sound, which is not kept waiting, is past
+    bool m_allTaken = false;  // the source had no frames left when last asked
+    bool m_growing = false;   // but it may have more later
+    bool m_begun = false;     // the first sound, which need not gather, is past
     bool m_ended = false;
     bool m_cueing = false;
 };

@@ -6,9 +6,16 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
-static constexpr int32_t kStopBelowStartDb = 5;
-static constexpr int32_t kRestBeforePauseMs = 450;
-static constexpr int32_t kRestBeforeStopMs = 50;
+// A gate with hysteresis that decides once for each block of 100 ms, by its peak. It writes first and cuts
+// afterwards: the silence of the hang time goes into the sink and is truncated when it proves to be a pause.
+// So every tenth of a second is on the disk at once, also the last one before a crash. Only one block is kept
+// while waiting, for the onset of the next word.
+// The thread around it (LSoundRecorder) only moves buffers, so that all decisions can be tested without a
+// device.
+
+static constexpr int32_t kStopBelowStartDb = 5;     // the hysteresis, against switching to and fro
+static constexpr int32_t kRestBeforePauseMs = 450;  // silence that stays where the recording pauses
+static constexpr int32_t kRestBeforeStopMs = 50;    // silence that stays at its end
 
 void VoiceGate::Start(const LSoundSink& sink, const Settings& settings) {
     m_sink = sink;
@@ -60,7 +67,8 @@ void VoiceGate::Pause(Block block, int32_t framesBefore) {
     LTrace("LSoundRecorder::ThreadFunction VoiceActivatedStop RECORDING->WAITING");
     CutAfterLastLoud(kRestBeforePauseMs);
     m_state = State::Waiting;
-    // After a short hang time the cut may leave the block's second half in the file: it must not come twice.
+    // After a short hang time the cut may leave the block's second half in the file. It must not be written
+    // twice.
     if (m_sink->GetFrames() <= framesBefore + static_cast<int32_t>(HalfFrames(block)))
         m_previous.assign(block.begin(), block.end());
     else

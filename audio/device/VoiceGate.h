@@ -8,15 +8,17 @@
 #include "audio/stream/LDecibel.h"
 #include "audio/stream/LSoundSink.h"
 
-// What the recorder decides about each block that the microphone delivers: whether it is written, when a
-// pause begins and ends, when the recording has lasted long enough, and where it is cut at the end.
+// The recorder's decisions about each block from the microphone: whether it is written, when a pause begins
+// and ends, when the maximum time is reached, and where the recording is cut at its end.
 //
 // Waiting, it writes nothing until a block reaches the start level. A sound in the first half of that block
 // began in the block before, so that block's second half is written too: the first word keeps its onset.
 // Recording, it writes every block. When no block has reached the stop level for longer than the hang time,
-// it cuts the recording back to shortly after the last loud block and waits again.
+// it cuts the recording back to shortly behind the last loud block and waits again.
 //
-// Units:  milliseconds are recorded material, counted from the start of the sink.
+// Units:  milliseconds are recorded material, counted from the start of the sink; levels are dB (LDecibel.h),
+//         of the louder of the first two channels.
+// Errors: SinkFailed().
 // Thread: one at a time. The recorder's thread has it from Start() to Stop().
 class VoiceGate {
 public:
@@ -25,24 +27,24 @@ public:
     struct Settings {
         int8_t startLevelDb = kSilenceDb;  // the stop level lies 5 dB below
         int32_t hangTimeMs = 0;
-        int32_t maxTimeMs = 0;  // 0 or less: none
+        int32_t maxTimeMs = 0;  // 0 or less: no limit
         bool recordAtOnce = false;
     };
 
-    // The sink is not empty. Its length is where the clock starts.
+    // The sink is a handle on a sink, not an empty one. The clock starts at its length.
     void Start(const LSoundSink& sink, const Settings& settings);
 
-    // One block of whole frames, at most kBlockFrames.
+    // Takes one block of whole frames, at most kBlockFrames.
     void Take(std::span<const int32_t> block);
-    // A block that was still on its way when the recording was ended: written and measured, but no pause
-    // begins with it. Without effect while waiting.
+    // Takes a block that was still on its way when the recording ended: it is written and measured, but no
+    // pause begins with it. Without effect while waiting.
     void TakeLate(std::span<const int32_t> block);
-    // Cuts off what follows the last loud block, but for a short rest, and lets go of the sink. Returns where
-    // the recording ends.
+    // Cuts the recording off shortly behind its last loud block and releases the sink. Returns the
+    // recording's end in ms.
     int32_t Stop();
 
     State GetState() const { return m_state; }
-    // Where the last loud block ends.
+    // The end of the last loud block.
     int32_t LastLoudMs() const { return m_lastLoudMs; }
     int32_t RecordedMs() const;
     // The level of each channel in the block taken last.
@@ -60,7 +62,7 @@ private:
     void Write(Block block);
     void Measure(Block block);
     int8_t VoiceDb(Block block) const;
-    // The rest of a block from the given half on.
+    // The second half of a block, in whole frames.
     Block SecondHalf(Block block) const;
     size_t HalfFrames(Block block) const { return block.size() / m_sink->GetChannels() / 2; }
 
