@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <limits>
 
-// x * num / den without a 64-bit product: exact while the result and den * num fit in 32 bits.
-// Milliseconds to bytes: ScaleInt(positionMs, byteRate, 1000). den is not 0.
+// x * num / den, rounded towards zero, without a 64-bit product: exact while the result and den * num fit in
+// 32 bits. Milliseconds to bytes: ScaleInt(positionMs, byteRate, 1000). den is not 0.
 constexpr int32_t ScaleInt(int32_t x, int32_t num, int32_t den) {
     return x / den * num + x % den * num / den;
 }
 
-// The same with a 64-bit product, limited to what 32 bits hold.
+// Limits a 64-bit value to the range of 32 bits.
 constexpr int32_t Saturate(int64_t v) {
     constexpr int64_t kMin = std::numeric_limits<int32_t>::min();
     constexpr int64_t kMax = std::numeric_limits<int32_t>::max();

@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
-// Reads little-endian fields from a block of bytes. Fails once and stays failed, so the check stands at
-// the end: after a failure every read yields 0 and Ok() is false.
+// Reads little-endian fields from a block of bytes that it does not own.
+// Errors: it fails once and stays failed, so one check at the end suffices: after a failure every read yields
+//         0 and Ok() is false. Reading beyond the block is the only failure.
 class LByteReader {
 public:
     explicit LByteReader(std::span<const uint8_t> bytes) : m_rest(bytes) {}
@@ -16,7 +17,7 @@ public:
     uint16_t U16() { return static_cast<uint16_t>(Little(2)); }
     uint32_t U32() { return Little(4); }
 
-    // The next count bytes; an empty span when there are not that many.
+    // Takes the next count bytes; an empty span, and failure, when fewer are left.
     std::span<const uint8_t> Bytes(size_t count) {
         if (count > m_rest.size()) {
             m_ok = false;
@@ -28,8 +29,8 @@ public:
         return taken;
     }
 
-    // A zero-terminated text in a field of count bytes; the field's last byte counts as zero whatever it
-    // holds.
+    // A zero-terminated text in a field of count bytes. The last byte of the field counts as the zero, even
+    // when it holds another value.
     std::string_view FixedText(size_t count) {
         auto field = Bytes(count);
         if (field.empty()) return {};

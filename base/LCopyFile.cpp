@@ -11,19 +11,30 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
+// The target's folder is shared: other installations number alike and may write the same name at this moment,
+// and a virus scanner or a reader may hold any file. So no step trusts a name. A file is compared with the
+// source before it is used, before it is renamed, and again under its final name, since between two calls its
+// name may pass to another program's file.
+// The copy is written under a temporary name (CopyBeside) and renamed, which never replaces anything. Keeping
+// it open while it waits for its name was rejected: an open file cannot be renamed. Sharing one temporary
+// name between installations was rejected as well: one emptied the other's copy, which was then delivered as
+// whole; so TakePlace takes the first name of a row that nobody has. An unfinished copy is completed only
+// through a handle that keeps all other writers out.
+
 namespace {
 
 constexpr size_t kCopyBlockBytes = 65536;
 
-// How long the copy waits for others to let go of a file: a virus scanner, or a reader on another machine.
+// The longest wait for others to let go of a file: a virus scanner, or a reader on another machine.
 constexpr uint32_t kPlaceLimitMs = 2000;
 constexpr uint32_t kPlaceRetryMs = 50;
 
-constexpr int kMostNames = 1000;
-constexpr int kMostRefusals = 2;
+constexpr int kMostNames = 1000;  // numbers tried in a row of names
+constexpr int kMostRefusals = 2;  // then the folder lets no file be created
 
-// What stands under a name, compared with the source of the copy. Unknown: it cannot be read, its drive does
-// not answer, or the comparison was cancelled.
+// The result of comparing the file under a name with the source. Beginning: a shorter file with the source's
+// first bytes, such as an unfinished copy. Unknown: the file cannot be read, its drive does not answer, or
+// the comparison was cancelled.
 enum class Standing { Nothing, Beginning, Same, Other, Unknown };
 
 // "dct00000-00001 (2).dct"; the first name is the path itself.
@@ -35,7 +46,7 @@ LPath Numbered(const LPath& path, int number) {
     return numbered;
 }
 
-// From the start of the open file on. Without a context it is not cancelled.
+// Compares an open file from its start on. Without a context it cannot be cancelled.
 Standing Compare(LFile& there, const LPath& from, ProcessContext* context) {
     LFile source(from, LFile::Open::Read);
     const int64_t size = there.Size(), total = source.Size();
@@ -59,7 +70,7 @@ Standing Compare(const LPath& path, const LPath& from, ProcessContext* context) 
     return Compare(there, from, context);
 }
 
-// Copies what there is at the start: a file that is still growing is copied as far as it went then.
+// Copies the bytes present at the start: of a file that is still growing, those it has at that moment.
 ProcessResult CopyBytes(const LPath& from, LFile& target, ProcessContext& context) {
     LFile source(from, LFile::Open::Read);
     const int64_t total = source.Size();
@@ -84,32 +95,34 @@ ProcessResult CopyBytes(const LPath& from, LFile& target, ProcessContext& contex
         context.SetProgress(static_cast<double>(done) / static_cast<double>(total));
     }
     if (source.IsOpen() && target.Flush()) return ProcessResult::Done;
-    // Redirectors of networks need not know how to flush.
+    // Network redirectors need not support flushing: then the size decides.
     LTrace("LProcessCopyFile::Process unable to flush file");
     return source.IsOpen() && target.Size() == total ? ProcessResult::Done : ProcessResult::Failed;
 }
 
-// A file that is open to others for reading only loses its bytes.
+// Cuts a file to nothing. Others can only read it while we have it open, so no bytes but ours are lost.
 void Empty(LFile file) {
     if (file.Seek(0)) file.SetEnd();
 }
 
-// Fills an open file. One that does not become whole is emptied, since a folder in which one may create need
-// not let one delete.
+// Fills an open file with the copy. When that fails the file is emptied, since a folder in which files may be
+// created need not allow deleting them.
 ProcessResult Fill(const LPath& from, LFile target, ProcessContext& context) {
     const ProcessResult result = target.Seek(0) ? CopyBytes(from, target, context) : ProcessResult::Failed;
     if (result != ProcessResult::Done) Empty(std::move(target));
     return result;
 }
 
-// A name for the copy, and the file under it, open to be filled unless the same bytes are there already.
+// A name for the copy, and the file under it: open to be filled, or closed when the same bytes are there
+// already.
 struct Place {
-    LPath path;  // empty: none was to be had
+    LPath path;  // empty: no name was free
     LFile file;
 };
 
-// The first of a row of names that nobody has, or under which a beginning of the copy was left behind. What
-// others are still writing cannot be opened here, and what they finished meanwhile shows once it is open.
+// Takes the first name of a row that is free or holds the beginning of a copy. A file that another program is
+// still writing cannot be opened here; one that it finished meanwhile is recognised by comparing once more
+// through the open handle.
 Place TakePlace(const LPath& wanted, const LPath& from, ProcessContext& context) {
     for (int number = 1, refused = 0; number < kMostNames && refused < kMostRefusals; ++number) {
         if (context.CancelRequested()) break;
@@ -121,7 +134,7 @@ Place TakePlace(const LPath& wanted, const LPath& from, ProcessContext& context)
         const bool isBegun = standing == Standing::Beginning;
         LFile file(path, isBegun ? LFile::Open::Write : LFile::Open::CreateAbsent);
         if (!file.IsOpen()) {
-            ++refused;  // the folder's doing, or somebody else was quicker
+            ++refused;  // by the folder, or another program was quicker
             continue;
         }
         const Standing taken = isBegun ? Compare(file, from, &context) : Standing::Beginning;
@@ -131,7 +144,7 @@ Place TakePlace(const LPath& wanted, const LPath& from, ProcessContext& context)
     return {};
 }
 
-// Gives a file the first free name of a row; its new name, or an empty one when it cannot be moved.
+// Moves a file to the first free name of a row. Returns its new name, empty when it cannot be moved.
 LPath MoveToFree(const LPath& path, const LPath& wanted, int number) {
     for (; number < kMostNames; ++number) {
         const LPath free = Numbered(wanted, number);
@@ -141,7 +154,7 @@ LPath MoveToFree(const LPath& path, const LPath& wanted, int number) {
     return {};
 }
 
-// Takes back a complete copy, unless its name is another's by now.
+// Deletes the complete copy, unless another program's file has its name by now.
 void Withdraw(const LPath& copy, const LPath& from) {
     if (LFile::IsAbsent(copy)) return;
     LFile file(copy, LFile::Open::Write);
@@ -151,10 +164,12 @@ void Withdraw(const LPath& copy, const LPath& from) {
     LFile::Delete(copy);
 }
 
+// The outcome of one attempt to name the copy. NotOurs: its name holds another file, or the target an
+// unfinished one.
 enum class Placing { Done, NotYet, NotOurs };
 
-// Gives a complete copy its name. A move never replaces anything, and what it moved is looked at afterwards:
-// until then another program may have given the copy's name, or the target's, to a file of its own.
+// Gives a complete copy its name. A move never replaces a file, and the moved file is compared afterwards:
+// before the move another program may have given either name to a file of its own.
 Placing PutInPlace(const LPath& copy, const LPath& target, const LPath& from, ProcessContext& context) {
     const Standing there = Compare(target, from, &context);
     if (there == Standing::Same) {
@@ -165,7 +180,7 @@ Placing PutInPlace(const LPath& copy, const LPath& target, const LPath& from, Pr
     const bool isHeld =
         ours == Standing::Unknown || (ours == Standing::Nothing && there == Standing::Unknown);
     if (isHeld) return Placing::NotYet;
-    // A beginning was left by a copy that was made directly, and is completed in the same way.
+    // A beginning under the target's name was left by a direct copy; a direct copy completes it.
     if (ours != Standing::Same || there == Standing::Beginning) return Placing::NotOurs;
     if (there != Standing::Nothing && MoveToFree(target, target, 2).Empty()) return Placing::NotYet;
     const bool isMoved = LFile::Move(copy, target);
@@ -216,8 +231,8 @@ ProcessResult LProcessCopyFile::NameCopy(const LPath& copy, ProcessContext& cont
     }
 }
 
-// Where files can be created but not renamed, or the name cannot be had, the copy is made under the first
-// name that no other file has.
+// Makes the copy under the first name that no other file has. For folders where files can be created but not
+// renamed, and for targets whose name cannot be freed.
 ProcessResult LProcessCopyFile::CopyDirectly(ProcessContext& context) {
     Place place = TakePlace(m_to, m_from, context);
     if (place.path.Empty()) {
@@ -230,8 +245,8 @@ ProcessResult LProcessCopyFile::CopyDirectly(ProcessContext& context) {
     return result;
 }
 
-// Once the file is closed another program may give its name to a file of its own: so it is moved out of the
-// way before it is looked at and deleted.
+// Removes an emptied file. Once it is closed another program may give its name to a file of its own, so it is
+// moved out of the way first, then compared and deleted, or moved back.
 void LProcessCopyFile::RemoveEmptied(const LPath& path) const {
     const LPath away = MoveToFree(path, Unfinished(), 1);
     if (away.Empty()) return;

@@ -2,11 +2,12 @@
 
 #include "base/LTime.h"
 
-// What is the same on every platform.
+// The portable part of LFile: patience with files that others hold, and whole files at once.
 
 constexpr uint32_t kPollMs = 20;
-constexpr uint32_t kReplaceWaitMs = 100;
+constexpr uint32_t kReplaceWaitMs = 100;  // a reader of a settings file is done by then
 
+// Repeats an attempt while another program holds the file, until waitMs have passed.
 template <class Try>
 bool LFile::Persist(uint32_t waitMs, Try attempt) {
     const uint32_t begun = LTickMs();
@@ -31,7 +32,7 @@ bool LFile::Replace(const LPath& finished, const LPath& target) {
     return Persist(kReplaceWaitMs, [&] { return TryReplace(finished, target); });
 }
 
-// One attempt at whatever can be read; an absent file is not waited for.
+// Repeats a read until it succeeds or waitMs have passed. An absent file is not waited for.
 template <class Try>
 static LReadResult ReadPatiently(const LPath& path, uint32_t waitMs, Try isRead) {
     const uint32_t begun = LTickMs();
@@ -72,7 +73,8 @@ bool LFile::WriteWhole(const LPath& target, const LPath& beside, std::span<const
     const bool written = file.WriteAll(bytes) && file.Flush();
     file.Close();
     if (written && Replace(beside, target)) return true;
-    // Where a file cannot be replaced in one step the target may be gone already: then these are its bytes.
+    // Where a file cannot be replaced in one step, the target may be deleted already: then the file beside it
+    // holds the only copy, and stays.
     const bool isLast = written && existed && !Exists(target);
     if (!isLast) Delete(beside);
     return false;

@@ -11,17 +11,19 @@
 #include "base/LPath.h"
 #include "base/LStream.h"
 
-// What a read found. A file that is there and cannot be read is not an empty one: nothing is written,
-// numbered or sent on the strength of it.
+// The result of a read. A file that exists and cannot be read is not an empty one: no caller writes, numbers
+// or sends anything on the strength of it.
 enum class LReadResult { Values, Absent, Unreadable };
 
-// Others hold a file for moments: a virus scanner, an indexer, a backup. So long it is worth waiting for
-// them.
+// The usual waits for a file that another program holds: a virus scanner, an indexer or a backup does so for
+// moments. The longer one is for moves, which must not leave a dictation half moved.
 inline constexpr uint32_t kReadWaitMs = 1000;
 inline constexpr uint32_t kMoveWaitMs = 2000;
 
-// A file on disk, owned: closed with its object.
-// Errors: operations return false (or a short count); whoever called traces what that means.
+// A file on disk, owned: it is closed with its object.
+// Units:  bytes; waits in milliseconds.
+// Errors: operations return false (or a short count); the caller traces the failure in its own terms.
+// Thread: one at a time for each object; the static functions any.
 class LFile final : public LStream {
 public:
     enum class Open {
@@ -45,7 +47,7 @@ public:
     bool Seek(int64_t position) override;
     int64_t Position() const override;
     int64_t Size() const override;
-    // Of a file that was opened to be read, and only on the product's platform; elsewhere always false.
+    // Tells only for a file opened with Open::Read, and on the product's platform; elsewhere always false.
     bool IsBeingWritten() const override;
     size_t Write(std::span<const uint8_t> bytes) override;
     bool SetEnd() override;
@@ -55,18 +57,18 @@ public:
     int64_t WriteTime() const;
 
     static bool Exists(const LPath& path);
-    // True only when the platform knows that nothing has this name; a drive that does not answer proves
+    // True only when the platform says that nothing has this name. A drive that does not answer proves
     // nothing.
     static bool IsAbsent(const LPath& path);
     static bool IsFolder(const LPath& path);
-    // Whether the file is marked as not to be written.
+    // Whether the file has the read-only attribute.
     static bool IsReadOnly(const LPath& path);
-    // waitMs: how long to wait for others who keep the file open.
+    // waitMs: the longest wait for another program that keeps the file open.
     static bool Delete(const LPath& path, uint32_t waitMs = 0);
     // Fails when the target exists. Also moves between drives (copies, then deletes the source).
     static bool Move(const LPath& from, const LPath& to, uint32_t waitMs = 0);
-    // Puts a finished file in the place of another, whether that exists or not; the other's old contents are
-    // lost only after the new ones stand beside it, flushed. Waits up to 100 ms for others to let go of it.
+    // Puts a finished file in the place of another, which may exist or not. The old contents are lost only
+    // when the new ones stand beside them. Waits up to 100 ms for others to let go of the target.
     static bool Replace(const LPath& finished, const LPath& target);
     // Replaces a whole file: the bytes are written and flushed under the name beside, in the same folder, and
     // then swapped in. On failure the target is as it was and nothing is left beside it; only where the
@@ -74,22 +76,22 @@ public:
     static bool WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes);
     static bool MakeFolder(const LPath& path);
     static bool DeleteFolder(const LPath& path);
-    // Free space on the drive of a folder, in KB, 64 bits wide; the largest value when it cannot be told, so
-    // that no one is warned for nothing.
+    // Free space on the drive of a folder, in KB, in 64 bits. The largest value when it is unknown, so that
+    // no user is warned for nothing.
     static uint64_t FreeSpaceKb(const LPath& folder);
-    // Opens a file to be read; while one that is there cannot be opened, it is tried again for waitMs.
+    // Opens a file to be read. One that exists but cannot be opened is tried again until waitMs have passed.
     static LReadResult OpenToRead(const LPath& path, LFile& file, uint32_t waitMs = kReadWaitMs);
-    // The file's bytes. Unreadable is also one that is longer than maxBytes.
+    // Reads the whole file, as OpenToRead does. A file longer than maxBytes is Unreadable.
     static LReadResult TryRead(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes,
                                uint32_t waitMs = kReadWaitMs);
-    // The file's bytes, or false when it cannot be read at once or is longer than maxBytes.
+    // Reads the whole file; false when it cannot be read at once or is longer than maxBytes.
     static bool ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& bytes);
     // A new, empty file with the given prefix (three characters count) in the platform's temporary folder;
     // empty path on failure.
     static LPath MakeTemporary(std::string_view prefix);
 
 private:
-    // What the platform makes of one attempt; Held: another program keeps the file open.
+    // The outcome of one attempt. Held: another program keeps the file open, so another attempt may succeed.
     enum class Attempt { Done, Held, Failed };
     static Attempt TryDelete(const LPath& path);
     static Attempt TryMove(const LPath& from, const LPath& to);
@@ -110,9 +112,9 @@ struct LFolderEntry {
     uint64_t written = 0;
 };
 
-// Calls visit for each entry of a folder that fits a pattern ("*.dat", "*.*"), in the order in which the file
-// system yields them, "." and ".." left out; visit returns false to end the listing.
-// False when the listing broke off, or the folder could not be listed: what was not named may be there all the same.
-// A folder that does not exist is an empty one.
+// Calls visit for each entry of a folder that fits a pattern ("*.dat", "*.*"), in the file system's order,
+// without "." and "..". visit returns false to end the listing. A folder that does not exist is an empty one.
+// Errors: false when the folder cannot be listed or the listing breaks off: entries that were not visited may
+//         exist all the same.
 bool LListFolder(const LPath& folder, std::string_view pattern,
                  const std::function<bool(const LFolderEntry&)>& visit);

@@ -15,8 +15,8 @@
 #include "base/LText.h"
 #include "base/LTime.h"
 
-// Serves the native tests: the program's paths are written with backslashes, this platform's with slashes.
-// Other share modes than "alone" are not imitated; tests that need them run as Windows binaries.
+// The implementation for the native tests. The program's paths have backslashes, this platform's slashes. Of
+// the share modes only "alone" is imitated; tests that need the others run as Windows binaries.
 
 namespace {
 
@@ -51,12 +51,12 @@ int OpenFile(const LPath& path, LFile::Open how) {
     struct stat info;
     // A folder is no file, though this platform opens it to be read.
     if (file && fstat(file.Get(), &info) == 0 && S_ISDIR(info.st_mode)) return -1;
-    // Only those who want a file alone keep each other out here.
+    // Share modes: only handles that want a file alone exclude each other here.
     const bool isFree = how != LFile::Open::Alone || flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
     return isFree ? file.Release() : -1;
 }
 
-// One read or write after the other until all is done, nothing more comes, or the call fails.
+// Repeats a read or write until all bytes are done, none follow, or the call fails.
 template <class Byte, class Call>
 size_t Transfer(std::span<Byte> bytes, Call call) {
     size_t total = 0;
@@ -155,7 +155,7 @@ bool LFile::IsReadOnly(const LPath& path) {
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && (info.st_mode & S_IWUSR) == 0;
 }
 
-// Nobody can keep others from a file here.
+// No program can keep another one from a file on this platform, so there is no Held.
 LFile::Attempt LFile::TryDelete(const LPath& path) {
     return unlink(Native(path).c_str()) == 0 ? Attempt::Done : Attempt::Failed;
 }

@@ -8,6 +8,15 @@
 #include "base/LSystemFunction_win.h"
 #include "base/LTime.h"
 
+// Files through the ANSI calls that Windows 95 exports. Newer calls (replacing in one step, the free space of
+// a large drive) are looked up at run time, with the older ones as fallback: importing one that is missing
+// would keep the program from starting.
+// Replacing a file takes one step where the platform can; on Windows 95 and 98 it takes two, and between them
+// the finished file is the only copy (see LFile::WriteWhole). A call that fails because another program holds
+// the file is told apart by its error code, since only that is worth another attempt. An access that is
+// denied counts as held unless the file is a folder or read-only.
+// Whether a file is being written is found out by opening it once more without allowing writers.
+
 namespace {
 
 struct FileTraits {  // CreateFileA fails with -1, not with 0
@@ -46,7 +55,7 @@ HANDLE OpenFile(const LPath& path, LFile::Open how) {
             return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         case LFile::Open::Alone:
-            // To read alone: another Windows user's file need not let one write.
+            // Opened to be read only: the file of another Windows user need not allow writing.
             return CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
                                nullptr);
     }
@@ -71,7 +80,8 @@ DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
         if (moveFileEx(finished.c_str(), target.c_str(), flags)) return ERROR_SUCCESS;
         if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED) return GetLastError();
     }
-    // Windows 95 and 98 cannot replace in one step; the finished file exists, so the target may go first.
+    // Windows 95 and 98 cannot replace in one step. The finished file is complete, so the target may go
+    // first.
     const bool moved = (!LFile::Exists(target) || DeleteFileA(target.c_str())) &&
                        MoveFileA(finished.c_str(), target.c_str());
     return moved ? ERROR_SUCCESS : GetLastError();
@@ -81,7 +91,7 @@ DWORD ReplaceOnce(const LPath& finished, const LPath& target) {
 
 struct LFile::Impl {
     LOwned<FileTraits> file;
-    LPath path;  // of a file that is only read
+    LPath path;  // of a file opened with Open::Read, for IsBeingWritten
 };
 
 LFile::LFile() = default;
@@ -153,8 +163,8 @@ int64_t LFile::Size() const {
     return static_cast<int64_t>(Join(high, low));
 }
 
-// To open it once more without allowing writers fails while there is one. When there is none, the file is
-// held against writers for that moment.
+// Opening the file once more without allowing writers fails while there is one. When there is none, this
+// keeps writers out for a moment.
 bool LFile::IsBeingWritten() const {
     if (!m_impl || m_impl->path.Empty()) return false;
     const LOwned<FileTraits> again(CreateFileA(m_impl->path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,

@@ -1,8 +1,9 @@
 #pragma once
 
-// Under which names files stand beside those that they belong to while something is written, or after its end
-// at a wrong moment: in one place, so that no two kinds meet. All but the first and the two whole names of locks take the place of the
-// extension; what recovery does with them stands in store/Recovery.cpp.
+// The names of files that stand beside other files: while one is written, as a lock, or left over when the
+// program ended at a wrong moment. All names stand here, so that no two kinds collide. kProfile is appended
+// to a name, the whole names of locks stand alone, and the others take the place of the extension. Recovery
+// clears left-overs away (store/Recovery.cpp).
 namespace LLeftOver {
 
 inline constexpr char kProfile[] = "~";            // behind a settings file: the file with one more change
@@ -12,10 +13,10 @@ inline constexpr char kNotes[] = ".tx~";           // of notes that are being sa
 inline constexpr char kRecipient[] = ".re~";       // of a recipient that is being saved
 inline constexpr char kJournal[] = ".mo~";         // of the journal of a move that is being written
 inline constexpr char kLock[] = ".lck";            // of a lock between programs; stays
-inline constexpr char kInUseLock[] = "inuse.lck";  // in a user's folder, while a program runs for him
+inline constexpr char kInUseLock[] = "inuse.lck";  // in a user's folder, while a program runs for that user
 inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, while a program sends
 inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
-inline constexpr char kSetAside[] = ".bad%d";  // of what stood under the audio's name and is no WAV file
+inline constexpr char kSetAside[] = ".bad%d";  // of a file that has the audio's name and is no WAV file
 inline constexpr char kSetAsidePattern[] = ".bad*";
 
 }  // namespace LLeftOver

@@ -12,6 +12,6 @@ constexpr int8_t kMaxDb = 127;
 // Levels as the settings file and the dialogs write them: "-20dB", or "--dB" for -127 dB and below.
 std::string LFormatLevel(int32_t db);
 
-// Reads that form back; "dB" may be missing, in any case and after blanks, and a number beyond the range is
-// its nearest end. Nothing when the text is anything else.
+// Reads that form back. "dB" may be missing, in any case and after blanks; a number beyond the range counts
+// as the nearest level. No value for any other text.
 std::optional<int8_t> LParseLevel(std::string_view text);

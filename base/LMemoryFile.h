@@ -4,7 +4,9 @@
 
 #include "base/LStream.h"
 
-// A stream in memory. With a capacity set it behaves like a disk that fills up.
+// A stream in memory, for tests and benches. With a capacity set it behaves like a disk that fills up: a
+// write beyond it falls short.
+// Thread: one at a time.
 class LMemoryFile final : public LStream {
 public:
     LMemoryFile() = default;

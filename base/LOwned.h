@@ -2,8 +2,8 @@
 
 #include <utility>
 
-// One owner of one platform handle: movable, not copyable, closed with its owner.
-// Traits names the handle's type, the value that means "none" and the call that closes it.
+// The owner of one platform handle: movable, not copyable; its destructor closes the handle. Traits gives the
+// handle's type (Type), its empty value (None) and the call that closes it (Close).
 template <class Traits>
 class LOwned {
 public:

@@ -4,8 +4,10 @@
 
 constexpr size_t kPathSize = 260;  // bytes of a path buffer, the terminating zero included
 
-// A path in a fixed buffer of 260 bytes. What does not fit is refused with a trace line and leaves the
-// path empty; no file opens under an empty path, so a refused path fails where it is used.
+// A path in a fixed buffer of 260 bytes, the limit of the platform's calls. A text that does not fit is
+// refused with a trace line and leaves the path empty. No file opens under an empty path, so a refused path
+// fails where it is used; a path that was cut to fit would name another file.
+// Units:  bytes in the user's code page.
 class LPath {
 public:
     LPath() = default;
@@ -60,8 +62,8 @@ std::string_view LFileNameOf(std::string_view path);
 // Whether a path ends in a separator.
 bool LEndsInSeparator(std::string_view path);
 
-// Whether this byte begins a character of two bytes in the user's code page. The second one may be 0x5C,
-// which alone is a backslash: separators are looked for character by character.
+// Whether this byte begins a character of two bytes in the user's code page. The second byte may be 0x5C,
+// which alone is a backslash, so separators are searched for character by character.
 bool LIsLeadByte(char c);
 
 constexpr bool LIsSeparator(char c) {

@@ -4,7 +4,9 @@
 
 enum class ProcessResult : int { Done = 0, Stopped = 1, Failed = 2 };  // the numbers are fixed
 
-// Where a long operation reports to: the progress dialog, the send thread's range, a test's notebook.
+// The listener of a long operation: the progress dialog, the send thread's share of a queue entry, or a
+// test's recorder. The operation reports to it and asks it whether to go on, and never learns which one it
+// is.
 // Thread: that of the operation.
 class ProcessContext {
 public:
@@ -14,11 +16,11 @@ public:
     // Fraction done, 0 to 1.
     virtual void SetProgress(double fraction) = 0;
     virtual void SetStatus(std::string_view text) = 0;
-    // What the user must know about a failure.
+    // The text that tells the user about a failure.
     virtual void SetError(std::string_view text) = 0;
 };
 
-// A long operation.
+// A long operation that reports to a context. It runs on the thread that calls Process, to its end.
 class LProcess {
 public:
     virtual ~LProcess() = default;

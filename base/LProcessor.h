@@ -1,5 +1,5 @@
 #pragma once
 
-// Whether the platform saves the SSE registers when it changes threads. Where it does not, their use by one
-// thread destroys what another one computes, whatever the processor can do.
+// Whether the platform saves the SSE registers when it changes threads. Where it does not, one thread that
+// uses them destroys the values of another, even on a processor that has them.
 bool LPlatformSavesSse();

@@ -3,8 +3,9 @@
 #include "base/LProcessor.h"
 #include "base/LSystemFunction_win.h"
 
-// Windows 98 and Me save the registers but cannot be asked; 95 was finished before there were any. All others
-// are asked for SSE, not for SSE2: the registers are the same, and Windows 2000 has no answer to the latter.
+// Windows 98 and Me save the registers but cannot be asked, and Windows 95 is older than the registers: those
+// three are told apart by version. All others are asked for SSE, not for SSE2: the registers are the same,
+// and Windows 2000 does not know the question for SSE2.
 bool LPlatformSavesSse() {
     OSVERSIONINFOA version = {};
     version.dwOSVersionInfoSize = sizeof version;

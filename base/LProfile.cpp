@@ -71,7 +71,7 @@ std::string LProfileSafe(std::string_view value) {
     return '"' + std::string(value.substr(0, LProfile::kMaxText - 2)) + '"';
 }
 
-// Each line of the first section of this name, ended by a zero byte.
+// The lines of the first section of this name, each ended by a zero byte.
 static std::string LinesOfSection(std::string_view text, std::string_view section) {
     std::string lines;
     bool isInside = false;

@@ -4,7 +4,8 @@
 #include "base/LText.h"
 #include "base/LThread.h"
 
-// Stands in for the platform's private profiles in the native tests.
+// The implementation for the native tests: a stand-in for the platform's private profiles, with the same
+// rules.
 
 namespace {
 

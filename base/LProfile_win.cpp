@@ -10,11 +10,18 @@
 #include "base/LTime.h"
 #include "base/LTrace.h"
 
-// An empty path would make the platform use a file of its own.
+// Settings through the platform's private profiles. The platform rewrites a file in place, from its first
+// byte, and a kill in the middle left an empty user file; so a change is made in a copy ("user.dat~"),
+// flushed, and swapped in. The copy is created only where there is none, and so serves as a lock between the
+// programs of several sessions; one that stays for half a second was left by a program that ended.
+// Where no copy can be made or swapped in (a folder in which no file may be created, a reader that keeps the
+// file open), the change is made in place after all. An unchanged value costs no write. Nothing is cached, so
+// two programs see the same values; the platform's own cache is emptied before and after each change.
+// No path may be empty here: the platform would use a file of its own.
 
 namespace {
 
-constexpr uint64_t kRoomKb = 16;  // what a change may need beyond the size of the file
+constexpr uint64_t kRoomKb = 16;  // room for a change, beyond the size of the file
 
 struct Change {
     std::string section;
@@ -27,20 +34,22 @@ bool Apply(const LPath& file, const Change& change) {
 }
 
 void DropCache(const LPath& file) {
-    // Answers false although it does what it should, so the answer is of no use.
+    // Returns false even when it succeeds, so the result is not tested.
     WritePrivateProfileStringA(nullptr, nullptr, nullptr, file.c_str());
 }
 
-// Most of what a page of settings stores has not changed, and a change costs a file.
+// Whether the file has the value already. Most values that a settings page stores are unchanged, and a change
+// costs a file.
 bool IsAsWanted(const LPath& file, const Change& change) {
-    constexpr char kAbsent[] = "\x01";  // never written
+    constexpr char kAbsent[] = "\x01";  // a value that is never written
     char text[LProfile::kMaxText + 1] = {};
     GetPrivateProfileStringA(change.section.c_str(), change.key.c_str(), kAbsent, text, sizeof text,
                              file.c_str());
     return std::string_view(text) == (change.value ? LProfileValue(change.value) : kAbsent);
 }
 
-// The platform does not tell when it rewrote a file on a full disk and lost its end.
+// Whether the disk has room for the change: the platform does not report that it rewrote a file on a full
+// disk and lost its end.
 bool HasRoom(const LPath& file) {
     const int64_t size = LFile(file, LFile::Open::Read).Size();
     return LFile::FreeSpaceKb(LPath(LFolderOf(file.View()))) >= static_cast<uint64_t>(size) / 1024 + kRoomKb;
@@ -50,8 +59,8 @@ constexpr uint32_t kTurnMs = 500;  // more than any change takes
 constexpr uint32_t kTurnRetryMs = 5;
 constexpr int kMostRefusals = 5;
 
-// The copy is made only where there is none, so that the programs of several sessions take turns. One that stays was
-// left by a program that ended.
+// Creates the copy, waiting for the turn of another program; a copy that stays was left by a program that
+// ended.
 bool OpenCopy(const LPath& copy, LFile& made) {
     const uint32_t begun = LTickMs();
     for (int refusals = 0;; LSleep(kTurnRetryMs)) {
@@ -79,13 +88,12 @@ bool ChangeCopy(const LPath& copy, const Change& change) {
     const bool changed = Apply(copy, change);
     DropCache(copy);
     if (!changed || !LFile::Exists(copy)) return false;
-    // Redirectors of networks need not know how to flush; what they took is as safe as it gets.
+    // Network redirectors need not support flushing; that is no reason to fail.
     LFile(copy, LFile::Open::Write).Flush();
     return true;
 }
 
-// The platform rewrites a file in place, from its first byte: whoever ends the program meanwhile would empty
-// it.
+// Makes the change in the copy and swaps that in; where this is not possible, in the file itself.
 bool ChangeFile(const LPath& file, const Change& change) {
     if (file.Empty()) return false;
     if (LFile held; LFile::OpenToRead(file, held) == LReadResult::Unreadable) {
@@ -101,11 +109,11 @@ bool ChangeFile(const LPath& file, const Change& change) {
     if (IsAsWanted(file, change)) return true;
     const LPath copy = LProfile::CopyOf(file);
     const bool isMade = MakeCopy(file, copy);
-    if (!isMade && LFile::Exists(copy)) return false;  // another program's turn
+    if (!isMade && LFile::Exists(copy)) return false;  // another program is changing the file
     bool changed = isMade && ChangeCopy(copy, change) && LFile::Replace(copy, file);
     if (!changed) {
-        // A folder in which nothing may be created, or another program that keeps the file open. Where a file
-        // is replaced in two steps it may be gone: then the copy is all there is.
+        // The folder lets no file be created, or another program keeps the file open. Where a file is
+        // replaced in two steps it may be gone by now: then the copy holds the only values.
         if (isMade && LFile::IsAbsent(file)) LFile::Move(copy, file);
         changed = Apply(file, change);
         if (isMade) LFile::Delete(copy);

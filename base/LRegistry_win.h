@@ -8,7 +8,8 @@
 #include <string_view>
 
 // Single values of the registry.
-// Errors: what is missing or of another type reads as nothing.
+// Errors: a value that is missing or of another type reads as empty.
+// Thread: any.
 
 // A string value, at most 259 characters; empty when it is missing.
 std::string LReadRegistryText(HKEY hive, const char* key, const char* value);

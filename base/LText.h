@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-// ASCII helpers that know no locale.
+// Text helpers for ASCII, without regard to the locale: files and commands must read the same on every
+// machine.
 constexpr bool LIsDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -21,8 +22,8 @@ bool LEqualNoCase(std::string_view a, std::string_view b);
 // printf into a text of any length.
 std::string LFormat(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// Decimal text to a number: blanks, a sign, then digits up to the first other character; a text without
-// digits is 0; what does not fit is the nearest limit.
+// Decimal text to a number: blanks, a sign, then digits up to the first other character. A text without
+// digits is 0; a number that does not fit is the nearest limit.
 int64_t LParseInt64(std::string_view text);
 int32_t LParseInt(std::string_view text);
 

@@ -29,7 +29,7 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
-// A lock that its own thread may enter again. Hold it through LLock, for short.
+// A lock between threads of this process; its own thread may enter again. Hold it through LLock, and briefly.
 class LCriticalSection {
 public:
     LCriticalSection();
@@ -45,6 +45,7 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
+// Holds a critical section for the scope in which it stands.
 class LLock {
 public:
     explicit LLock(LCriticalSection& section) : m_section(section) { m_section.Enter(); }
@@ -56,13 +57,16 @@ private:
     LCriticalSection& m_section;
 };
 
-// Priorities as the platform counts them.
+// Priorities, as the platform numbers them.
 constexpr int kThreadLowest = -2;
 constexpr int kThreadNormal = 0;
 constexpr int kThreadTimeCritical = 15;
 
-// A worker thread with a stop event. A class derives from it, and must have stopped the thread (Stop) in its
-// own destructor, while the members that the thread uses still live.
+// A worker thread with a stop event. A class derives from it and implements ThreadFunction, which returns
+// soon after the stop event is signalled. The derived destructor must call Stop(), while the members that the
+// thread uses still live.
+// Units:  milliseconds; kWaitForever has no limit.
+// Errors: Start returns false (traced) when the platform makes no thread.
 // Thread: Start, Stop and the queries belong to the owner's thread; ThreadFunction runs on the worker.
 class LThread {
 public:

@@ -6,7 +6,9 @@
 
 namespace {
 
-// One lock and one condition for all events: waiting for two of them then needs no more than waiting for one.
+// The implementation for the native tests. One lock and one condition variable serve all events: waiting for
+// two of them then needs no more than waiting for one. Every signal wakes every waiter, which tests can
+// afford.
 struct Monitor {
     Monitor() {
         pthread_condattr_t attributes;

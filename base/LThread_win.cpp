@@ -79,7 +79,7 @@ bool LThread::Start(int priority) {
     if (IsRunning()) return true;
     m_impl->thread.Reset();
     m_stop.Reset();
-    unsigned id = 0;  // Windows 95 insists on a place for it
+    unsigned id = 0;  // unused, but Windows 95 requires the place
     const uintptr_t thread = _beginthreadex(nullptr, 0, &Impl::Run, this, CREATE_SUSPENDED, &id);
     if (thread == 0) {
         LTrace("LThread::Start unable to create thread");

@@ -4,11 +4,13 @@
 
 constexpr int64_t kDaySeconds = 86400;
 constexpr int64_t kYear1601 = -11644473600;     // seconds of 1601-01-01 00:00:00
-constexpr int64_t kYear9999End = 253402300799;  // and of 9999-12-31 23:59:59
+constexpr int64_t kYear9999End = 253402300799;  // seconds of 9999-12-31 23:59:59
 
 LCalendar LToCalendar(int64_t secondsSince1970) {
     const int64_t seconds = Clamp(secondsSince1970, kYear1601, kYear9999End);
-    // Counted from 0000-03-01, so that the leap day is the last of its year and no term is negative.
+    // Days to a date by eras of 400 years (146097 days), the published algorithm of H. Hinnant. Days count
+    // from 0000-03-01, a Wednesday, so that the leap day is the last of its year and no term is negative;
+    // 1601-01-01 is day 584694.
     const int64_t days = (seconds - kYear1601) / kDaySeconds + 584694;
     const int32_t inDay = static_cast<int32_t>((seconds - kYear1601) % kDaySeconds);
     const int32_t era = static_cast<int32_t>(days / 146097);

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-// File times count 100 ns units since 1601-01-01 UTC.
+// The platform's file times count units of 100 ns since 1601-01-01 UTC.
 inline constexpr uint64_t kFileTimeOf1970 = 116444736000000000;
 inline constexpr uint64_t kFileTimeSecond = 10000000;
 
@@ -19,7 +19,7 @@ uint32_t LTickMs();
 // Lets the calling thread wait.
 void LSleep(uint32_t ms);
 
-// A moment as calendar fields, with no time-zone shift.
+// A moment as calendar fields, without a time-zone shift: seconds in UTC give fields in UTC.
 struct LCalendar {
     int year = 1970;
     int month = 1;    // 1 to 12
@@ -30,5 +30,6 @@ struct LCalendar {
     int second = 0;
 };
 
-// Proleptic Gregorian calendar; seconds outside the years 1601 to 9999 count as the nearest limit.
+// Calendar fields of a moment, in the proleptic Gregorian calendar. Seconds outside the years 1601 to 9999
+// count as the nearest limit.
 LCalendar LToCalendar(int64_t secondsSince1970);

@@ -2,8 +2,9 @@
 
 #include <string_view>
 
-// A trace line names the failure where it was detected: class, "::", method, blank, reason, and where it
-// helps a detail (a path, a number). Without a sink, as in the shipped program, it goes nowhere.
+// Reports a failure, once, where it is detected: class, "::", method, blank, reason, and where it helps a
+// detail (a path, a number). Without a sink, as in the shipped program, the line goes nowhere; tests install
+// one.
 // Thread: any. The sink is set before threads start.
 void LTrace(std::string_view line, std::string_view detail = {});
 

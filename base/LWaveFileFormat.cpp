@@ -39,7 +39,7 @@ uint32_t LWaveFileFormat::U32(size_t offset) const {
 bool LIsWholeWave(LReadStream& file) {
     constexpr uint32_t kRiff = 0x46464952;  // "RIFF", little-endian
     constexpr uint32_t kWave = 0x45564157;  // "WAVE"
-    constexpr int64_t kBeforeSize = 8;      // what the size does not count
+    constexpr int64_t kBeforeSize = 8;      // "RIFF" and the size itself, which the size leaves out
     std::array<uint8_t, 12> head;
     if (!file.Seek(0) || !file.ReadExact(head)) return false;
     LByteReader in(head);

@@ -9,9 +9,11 @@ constexpr uint16_t kFormatTagPcm = 1;
 class LReadStream;
 
 // A wave format description: the platform's extended wave format record in a buffer of 1024 bytes, held as
-// bytes so that it is read from and written to files as it stands. Little-endian:
+// bytes so that files are read and written without a conversion. Little-endian:
 //   0 tag u16, 2 channels u16, 4 samples per second u32, 8 average bytes per second u32,
 //   12 block align u16, 14 bits per sample u16, 16 extra byte count u16, 18 extra bytes
+// The fields are claims of the file that the record comes from; LAcmRecord (audio/wave) mends them.
+// Thread: any; it does not change once it is built.
 class LWaveFileFormat {
 public:
     static constexpr size_t kSize = 1024;
@@ -20,7 +22,7 @@ public:
     // PCM, 1 channel, 8000 samples per second, 8 bits.
     LWaveFileFormat();
     static LWaveFileFormat Pcm(uint16_t bits, uint16_t channels, uint32_t sampleRate);
-    // Takes up to 1024 bytes; what is missing is zero.
+    // Takes up to 1024 bytes of a record; missing bytes are zero.
     explicit LWaveFileFormat(std::span<const uint8_t> bytes);
 
     uint16_t Tag() const { return U16(0); }
@@ -43,6 +45,6 @@ private:
     std::array<uint8_t, kSize> m_bytes{};
 };
 
-// Whether a WAV file tells the size that it has. Our sinks write the size last, so such a file of ours is
-// whole.
+// Whether the size in a WAV file's head is the size of the file. Our sinks write that size last, so a file of
+// ours with it is complete.
 bool LIsWholeWave(LReadStream& file);
