@@ -17,6 +17,6 @@ public:
     // converted.
     static LSoundSink OpenSink(int32_t percent, const LSoundSink& sink);
 
-    // The way in is OpenSink.
+    // Use OpenSink; public only for the handle's Make().
     LRecordSpeed(const LSoundSink& sink, int32_t captureRate) : LFilterSink(sink, captureRate) {}
 };

@@ -12,7 +12,7 @@ public:
     // The null source (traced) when either count is neither 1 nor 2.
     static LSoundSource OpenSource(const LSoundSource& source, uint8_t channels);
 
-    // The way in is OpenSource; one of the two counts is 1, the other 2.
+    // Use OpenSource; public only for the handle's Make(). One of the two counts is 1, the other 2.
     LSPConvChannels(const LSoundSource& source, uint8_t channels);
 
     void Read(int32_t* samples, int32_t frames) override;

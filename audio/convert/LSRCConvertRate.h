@@ -20,10 +20,10 @@
 class LSRCConvertRate final : public LFilterSource {
 public:
     // The source itself when it has that rate or an error, otherwise wrapped at its present position. The
-    // result may have its error bit set: a rate below 1, more than two channels.
+    // result may have its error bit set (see above).
     static LSoundSource OpenSource(const LSoundSource& source, int32_t sampleRate);
 
-    // The way in is OpenSource.
+    // Use OpenSource; public only for the handle's Make().
     LSRCConvertRate(const LSoundSource& source, int32_t sampleRate);
 
     void Read(int32_t* samples, int32_t frames) override;

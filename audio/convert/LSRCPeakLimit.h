@@ -23,7 +23,7 @@ public:
     // present position on. The limit is held between 0 and kHighestLimit and becomes the level.
     static LSoundSource OpenSource(const LSoundSource& source, int32_t limit = kFullScale16);
 
-    // The way in is OpenSource.
+    // Use OpenSource; public only for the handle's Make().
     LSRCPeakLimit(const LSoundSource& source, int32_t limit);
 
     void Read(int32_t* samples, int32_t frames) override;

@@ -21,7 +21,7 @@ public:
     // its error bit set.
     static LSoundSink OpenSink(const LSoundSink& sink, int32_t inputRate);
 
-    // The way in is OpenSink.
+    // Use OpenSink; public only for the handle's Make().
     LSinkConvertRateBase(const LSoundSink& sink, int32_t inputRate);
     ~LSinkConvertRateBase() override;
 

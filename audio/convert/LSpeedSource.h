@@ -36,7 +36,7 @@ public:
     static int32_t ToSourceFrame(int32_t frame, int32_t percent);
     static int32_t FromSourceFrame(int32_t sourceFrame, int32_t percent);
 
-    // The way in is OpenSource.
+    // Use OpenSource; public only for the handle's Make().
     LSpeedSource(const LSoundSource& source, int32_t percent);
 
     void Read(int32_t* samples, int32_t frames) override;

@@ -19,7 +19,8 @@ public:
     static LSoundSink Open(std::unique_ptr<LStream> stream, int32_t startFrames, int bits, uint8_t channels,
                            int32_t sampleRate);
 
-    // The way in is Open. path is the file to remove again when it was empty and gets no audio, or no path.
+    // Use Open; public only for the handle's Make(). path is the file to remove again when it was empty and
+    // gets no audio, or no path.
     LDeferredSink(std::unique_ptr<LStream> stream, const LPath& path, int32_t startFrames, int bits,
                   uint8_t channels, int32_t sampleRate);
     ~LDeferredSink() override;
