@@ -60,8 +60,8 @@ public:
         return true;
     }
 
-    // Opens a new stream in place of this one. Some codecs do not forget the material before when they are
-    // merely told to start anew; that is the fallback where no second stream opens.
+    // Opens a new stream in place of this one, since some codecs do not forget the material before when they
+    // are only reset. The reset is the fallback where no second stream opens.
     bool Restart() override {
         m_start = ACM_STREAMCONVERTF_START;
         HACMSTREAM stream = nullptr;

@@ -2,8 +2,8 @@
 
 #include "audio/wave/LSNKPCMFile.h"
 
-// The sink of a recording: a PCM file that is opened at once but changed only when the first audio arrives. A
-// file that is locked or read-only so shows as error bit before the device starts.
+// The sink of a recording: a PCM file that is opened at once but changed only when the first audio arrives.
+// So a file that is locked or read-only shows as error bit before the device starts.
 // A recording that delivers nothing leaves an old file as it was. One that delivers nothing, or of which the
 // disk takes nothing, leaves no file where there was none or an empty one. An existing file whose frames are
 // to be kept must have our layout (LRewriteWave gives it); another one is refused. Written data are handed to

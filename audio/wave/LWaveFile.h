@@ -25,8 +25,8 @@ struct LWaveInfo {
     int BytesPerSample() const;
     // Whole frames, of compressed data those in whole blocks; 0 when the format does not tell.
     int64_t Frames() const;
-    // Whether these data are the right amount for that many frames: exactly for PCM; up to the last block
-    // where the format tells the frames of a block; else any amount.
+    // Whether these data are the right amount for that many frames: exactly for PCM, up to the last block
+    // where the format tells the frames of a block. Elsewhere any data at all will do.
     bool Holds(int64_t frames) const;
     // From the whole frames or, where the format does not tell them, from the data size and the byte rate.
     int64_t LengthMs() const;
