@@ -7,21 +7,35 @@
 #include "base/LTime.h"
 #include "send/SendItem.h"
 
+// One pass of the thread: read the head as the holder of the sender's lock, convert and deliver it, remove
+// it. Neither the queue's critical section nor its lock file is held during conversion and delivery, which
+// may take minutes; an epoch counter (m_era) tells afterwards whether the user emptied the queue meanwhile,
+// so that the removal does not hit an entry that was added later.
+// An entry that was sent but could not be removed is kept in m_finished, so that the same run does not
+// deliver it twice; after a restart the record's status "Sent" serves the same purpose
+// (SendItem::IsDelivered).
+// An entry whose files another program holds open goes behind the others. Leaving it at the head would stop
+// the whole queue, and letting it fail would cost the user an action. Entries that fail are removed: a failed
+// send is not tried again, the error text says why.
+// One program sends for all sessions on a data folder. Two senders would deliver the same head twice, and the
+// removal by one could erase an entry added by the other.
+
 static constexpr size_t kLongestError = 259;
 static constexpr char kQueueUnwritable[] = "Corvane internal files are read only or corrupt.";
 
-// How long the thread waits for another program, such as a virus scanner, to let go of the queue file before
-// it tells, and the owner before it gives up.
+// How long another program, such as a virus scanner, may hold the queue file: after the first two limits
+// (reading, removing) the thread reports an error and goes on trying; after kChangeLimitMs a call of the
+// owner fails, since the window waits for it.
 static constexpr uint32_t kReadLimitMs = 5000;
 static constexpr uint32_t kRemoveLimitMs = 2000;
 static constexpr uint32_t kChangeLimitMs = 500;
 static constexpr uint32_t kRetryMs = 50;
-// How long all wait when each had its turn and none of their files could be read.
+// Pause of the queue after every entry was put off in vain.
 static constexpr uint32_t kKeptRetryMs = 60000;
-static constexpr uint32_t kLateRetryMs = 1000;  // after it told
-static constexpr uint32_t kElsewhereMs = 1000;  // between two looks while another program sends
+static constexpr uint32_t kLateRetryMs = 1000;  // between attempts after the limit
+static constexpr uint32_t kElsewhereMs = 1000;  // between looks at the lock while another program sends
 
-// Tries for so long as the owner may be kept waiting.
+// Repeats an attempt for as long as the calling window may be kept waiting.
 template <class Attempt>
 static bool TryShortly(Attempt attempt) {
     const uint32_t begun = LTickMs();
@@ -32,7 +46,7 @@ static bool TryShortly(Attempt attempt) {
     return true;
 }
 
-// What a stage of the current item reports to.
+// Receives progress and errors of the stages of one item. Keeps the first error text, which names the cause.
 class BGSend::ItemContext final : public ProcessContext {
 public:
     ItemContext(BGSend& queue, const Work& work) : m_queue(queue), m_work(work) {}
@@ -85,7 +99,7 @@ void BGSend::StartSending() {
         }
         m_isActive = true;
     }
-    // No longer active, the thread has at most a few instructions left.
+    // An inactive thread has at most a few instructions left.
     WaitForEnd(kWaitForever);
     m_stopSending.Reset();
     if (Start(kThreadLowest)) return;
@@ -151,8 +165,8 @@ void BGSend::ThreadFunction() {
     }
 }
 
-// Goes on until attempt succeeds; false when a stop was requested before. What takes longer than the limit is
-// told.
+// Repeats an attempt until it succeeds; false when a stop was requested before that. A duration beyond
+// limitMs is reported to the user.
 template <class Attempt>
 bool BGSend::Persist(uint32_t limitMs, Attempt attempt) {
     const uint32_t begun = LTickMs();
@@ -166,9 +180,10 @@ bool BGSend::Persist(uint32_t limitMs, Attempt attempt) {
     return true;
 }
 
-// False when the queue cannot be read, or nobody can become its sender. An empty one leaves work untaken;
-// from then on StartSending starts a new thread. The head is read as the sender, since the one before may
-// just have removed another.
+// Reads the head of the queue, as the sender if the lock can be had. False when the queue cannot be read or
+// the lock file cannot be created. An empty queue leaves work.isTaken false and the thread inactive: from
+// then on StartSending starts a new one. The lock is taken before the head is read, since its previous holder
+// may just have removed an entry.
 bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     LLock lock(m_queueLock);
     const LFileLock::Result sender = sending.TryTake(m_sendingLock);
@@ -184,6 +199,8 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     return true;
 }
 
+// Converts and delivers the entry. A dictation that is put off is reported to the user once, until it is sent
+// or fails.
 ProcessResult BGSend::MakeFile(const Work& work) {
     ItemContext context(*this, work);
     SendItem item(work.entry, m_data, context);
@@ -198,8 +215,8 @@ ProcessResult BGSend::MakeFile(const Work& work) {
     return result;
 }
 
-// Another program keeps the files of a dictation from being read. Those behind it are not kept waiting; when all have
-// had their turn in vain, the next round takes its time, and whoever else sends may try.
+// The files of the dictation are held by another program: its entry goes behind the others, so that they need
+// not wait. After a round in which every entry was put off, the thread gives up the sender's lock and pauses.
 void BGSend::KeepForLater(const Work& work, LFileLock& sending) {
     int32_t count = 0;
     const bool isMoved = Persist(kRemoveLimitMs, [&] {
@@ -213,8 +230,8 @@ void BGSend::KeepForLater(const Work& work, LFileLock& sending) {
     m_stopSending.WaitEither(m_added, kKeptRetryMs);
 }
 
-// Takes away what was sent or failed, unless the queue was emptied meanwhile. False when the file cannot be
-// changed; it is remembered then that the entry must not be sent once more.
+// Removes the entry that was sent or failed, unless the queue was emptied meanwhile. False when the file
+// cannot be changed; m_finished then remembers that the entry must not be sent again.
 bool BGSend::TryRemoveHead(const Work& work) {
     int32_t left = 0;
     {
@@ -229,7 +246,7 @@ bool BGSend::TryRemoveHead(const Work& work) {
     return true;
 }
 
-// A stop that was withdrawn, or that only dropped one item, does not end the thread.
+// Only a stop request that still stands ends the thread; one that was withdrawn has at most dropped an item.
 bool BGSend::GoesOn() {
     LLock lock(m_queueLock);
     m_isActive = !m_stopSending.IsSignalled();
@@ -262,7 +279,7 @@ void BGSend::SetProgress(double value) {
     if (m_owner) m_owner->PostSendProgress();
 }
 
-// False when another one is still to be told.
+// False when an earlier error has not been taken yet: the first one stands.
 bool BGSend::SetError(const SendError& error) {
     LLock lock(m_stateLock);
     if (m_error || !error) return false;

@@ -16,31 +16,34 @@
 #include "send/SendQueueFile.h"
 #include "store/CurrentUser.h"
 
-// Who wants to know how sending goes: the main window, which posts itself a message.
+// Listener for the progress of sending: the main window, which posts itself a message.
 struct BGSendOwner {
     virtual ~BGSendOwner() = default;
-    // GetProgress() has changed. Thread: the send thread mostly, and the owner's own; returns at once.
+    // GetProgress() has changed. Called mostly on the send thread, sometimes on the owner's own; returns at
+    // once.
     virtual void PostSendProgress() = 0;
 };
 
-// The queue of dictations to send and the thread of lowest priority that works it off: it takes the head,
-// makes and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
-// empty. The queue is a file and so survives the program: an entry leaves it only when it is done with, and a
-// run that was stopped or killed meanwhile finds it at the head again. Of several programs on one data folder
-// one sends, whosever the entries are: it holds the lock file "sending.lck". The threads of the others look
-// once a second, until the queue is empty or the lock is free.
-// Errors: whatever goes wrong is kept as one text for the user; the first one stands until it is taken. While
-//         the queue file cannot be read or changed nothing is sent; the thread tells so after some seconds,
-//         once until it could or an entry is added, and goes on trying.
-// Thread: the owner's, for everything but RequestStop, GetProgress and TakeError (any). The destructor stops
-//         the thread and waits for it.
+// The queue of dictations to send, and the thread of lowest priority that works it off: it takes the head,
+// converts and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
+// empty.
+// The queue is a file and so survives the program. An entry leaves it only when it is finished; a run that
+// was stopped or killed in between finds the entry at the head again. Of several programs on one data folder
+// one sends the entries of all: it holds the lock file "sending.lck". The threads of the others look once a
+// second, until the queue is empty or the lock is free.
+// Units:  progress is a fraction of the whole queue, 0 to 1.
+// Errors: kept as one text for the user; the first one stands until it is taken. While the queue file cannot
+//         be read or changed, nothing is sent; the thread reports this after some seconds, once until the
+//         file works again or an entry is added, and goes on trying.
+// Thread: the owner's; RequestStop, GetProgress and TakeError on any. The destructor stops the thread and
+//         waits for it.
 class BGSend final : private LThread {
 public:
     BGSend() = default;
     ~BGSend() override;
 
-    // Before the first start: the owner (nullptr: none) and the queue file, "bgsend.dat" in the data folder,
-    // which tells where the users' files are.
+    // To be called before the first start: the owner (nullptr: none), and the path of the queue file,
+    // "bgsend.dat" in the data folder. The users' folders are looked for in the same folder.
     void SetOwner(BGSendOwner* owner) { m_owner = owner; }
     void SetQueuePath(const LPath& path);
 
@@ -48,32 +51,35 @@ public:
     // thread. False, with an error text, when the queue file cannot be written.
     bool Add(const LPath& dictation, const LPath& recipient, uint32_t user);
 
-    // Starts the thread unless it runs already, in which case it will not end before it has seen the whole
-    // queue.
+    // Starts the thread. One that runs already looks at the whole queue once more before it ends.
     void StartSending();
-    // Asks the thread to end at its next check and waits; true when it has ended. What it was sending stays
-    // at the head.
+    // Asks the thread to end at its next check and waits; true when it has ended. The entry that it was
+    // sending stays at the head of the queue.
     bool Stop(uint32_t timeoutMs);
     void RequestStop();
     using LThread::WaitForEnd;
 
     // The user's "Cancel": stops the thread, clears the error text, empties the queue and starts again. An
-    // item that does not stop in the time given is dropped at its next check. A queue that cannot be emptied
+    // item that does not stop within waitMs is dropped at its next check. A queue that cannot be emptied
     // leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
-    // Whether a dictation (its audio file in Sent) waits in the queue; unknown while its file cannot be read.
+    // Whether a dictation (given by its audio file in Sent) waits in the queue; unknown while the queue file
+    // cannot be read.
     QueueAnswer IsQueued(const LPath& dictation) const;
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;
-    // The pending error, and clears it.
+    // Returns the pending error and clears it.
     SendError TakeError();
 
 private:
     class ItemContext;
+    // The entry that the thread works on.
     struct Work {
         SendQueueEntry entry;
+        // The value of m_era when the entry was taken; another value means that the queue was emptied since.
         uint32_t era = 0;
+        // false: the queue is empty.
         bool isTaken = false;
         bool isElsewhere = false;  // another program sends
         bool isFinished = false;   // an earlier run sent it and could not remove it
@@ -109,12 +115,14 @@ private:
     SendProgressRange m_range;
     SendError m_error;
 
-    // The thread's own: whose files could not be read, as the user was told, and how many in a row.
+    // Used by the send thread alone: the dictations whose files could not be read and that the user was told
+    // about, and the number of entries in a row that were put off for this reason.
     std::vector<LPath> m_toldKept;
     int32_t m_keptInRow = 0;
 
-    LSignalObject m_added;           // there is something new to send
-    LSignalObject m_stopSending;     // unlike the thread's own a start may withdraw it
+    LSignalObject m_added;  // an entry was added
+    // Stop request. Unlike the stop event of LThread it can be withdrawn by a start.
+    LSignalObject m_stopSending;
     std::atomic<uint32_t> m_era{0};  // counts how often the queue was emptied; changes under m_queueLock
-    std::atomic<bool> m_toldUnusable{false};  // that the queue file cannot be used, and it still cannot
+    std::atomic<bool> m_toldUnusable{false};  // the user was told that the queue file is unusable
 };

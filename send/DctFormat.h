@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// The DCT dictation container (docs/file-formats.md): one dictation with its sender, notes and audio in one
-// file. A plain file is always version 0, an encrypted one always version 2; version 1 is only ever read.
+// Constants of the DCT dictation container (docs/file-formats.md): one dictation with its sender, notes and
+// audio in one file, integers little-endian. A plain file is always version 0, an encrypted one always
+// version 2; version 1 is never written.
 
 constexpr uint16_t kDctVersionPlain = 0;
 constexpr uint16_t kDctVersionEncrypted = 2;

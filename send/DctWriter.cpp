@@ -6,15 +6,25 @@
 #include "base/LArith.h"
 #include "base/LTrace.h"
 
+// The head (all fields and the notes) is small and built in memory; the audio follows in chunks of 32 KB, so
+// that an hour of it needs no memory of its size. The length field is written as 0 and filled in last: a file
+// that was cut off by the end of the program stays recognisable.
+// Encryption treats notes and audio as two regions, each padded with zeros to whole cipher blocks; the stated
+// lengths are those before padding. Plain files have neither the padding nor the fields "channels" and "audio
+// length": their audio extends to the end of the file.
+
 static constexpr double kProgressStart = 0.4;
 static constexpr double kProgressSpan = 0.1;
-static constexpr double kProgressFirstGap = 0.8;  // what the first chunk leaves of the span; squared by each
+// Progress of the audio: the share of the span that remains after the first chunk, squared after each further
+// one. The bar comes close to its end after six chunks and never reaches it.
+static constexpr double kProgressFirstGap = 0.8;
 
 static bool Refuse(std::string_view trace) {
     LTrace(trace);
     return false;
 }
 
+// Bytes rounded up to whole cipher blocks.
 static size_t PaddedSize(size_t bytes) {
     return RoundUp(bytes, LBlowFish::kBlockBytes);
 }
@@ -102,6 +112,7 @@ bool DctWriter::AddNotes(LReadStream* notes) {
     return true;
 }
 
+// Copies the audio chunk by chunk. The last chunk is shorter than 32 KB and may be empty.
 ProcessResult DctWriter::CopyAudio(LReadStream& audio, int64_t bytes) {
     std::vector<uint8_t> chunk(kDctChunkBytes);
     double gap = kProgressFirstGap;
@@ -120,8 +131,8 @@ bool DctWriter::CopyChunk(LReadStream& audio, std::span<uint8_t> chunk, size_t b
     return true;
 }
 
-// The part of a region that goes into the file: in a plain file the bytes used, in an encrypted one these and
-// the zeros that fill the last block, encrypted.
+// Encrypts a region in place where the file is encrypted, and returns the bytes to be written: the used ones
+// in a plain file, these and the zeros up to a whole block in an encrypted one.
 std::span<uint8_t> DctWriter::Encrypted(std::span<uint8_t> region, size_t used) const {
     if (!m_isEncrypted) return region.first(used);
     const std::span<uint8_t> padded = region.first(PaddedSize(used));

@@ -13,7 +13,7 @@
 #include "send/LBlowFish.h"
 #include "store/CurrentUser.h"
 
-// What a DCT file says about its dictation.
+// The fields of a DCT file ahead of notes and audio.
 struct DctHeader {
     uint32_t user = 0;
     uint32_t number = 0;
@@ -27,19 +27,19 @@ struct DctHeader {
 uint8_t DctPriority(std::string_view text);
 
 // Writes one DCT file onto an empty stream, plain or encrypted.
-// Units:  progress is in fractions of the queue item, creeping from 0.42 up to 0.5.
-// Errors: Failed (traced) when the notes or the audio cannot be read to their ends, when the stream does not
-//         take every byte, and when a file of more than 4 GB would result. Stopped when a cancel is requested
-//         while encrypted audio is written; plain audio is written to its end. Until the result is Done the
-//         file's length field is 0, so that no reader takes an unfinished file.
+// Units:  progress is in fractions of the queue item; it creeps from 0.42 up to 0.5.
+// Errors: Failed (traced) when notes or audio cannot be read to their ends, when the stream does not take
+//         every byte, and when the file would exceed 4 GB, the range of its length field. Stopped when a
+//         cancel is requested while encrypted audio is written; plain audio is written to its end. Until the
+//         result is Done the length field is 0, so that no reader accepts an unfinished file.
 // Thread: one at a time.
 class DctWriter {
 public:
     // With an empty pass phrase the file is plain.
     DctWriter(LStream& out, std::string_view passPhrase, ProcessContext& context);
 
-    // Without notes or audio (nullptr) their length is 0. Notes longer than readers accept are cut (traced),
-    // since the typist must at least be able to open the dictation.
+    // notes and audio: nullptr writes a length of 0. Notes beyond kDctLongestNotes are cut (traced): a reader
+    // would refuse the whole file, and the typist must at least be able to open the dictation.
     ProcessResult Write(const DctHeader& header, LReadStream* notes, LReadStream* audio);
 
 private:
@@ -53,6 +53,7 @@ private:
     LStream& m_out;
     ProcessContext& m_context;
     bool m_isEncrypted;
+    // The field "key check": the sum of the pass phrase's bytes modulo 256.
     uint8_t m_keyCheck = 0;
     LBlowFish m_cipher;
     LByteWriter m_head;  // everything before the audio

@@ -8,18 +8,20 @@
 
 #include "send/BlowfishTables.h"
 
-// Standard Blowfish with 16 rounds, encryption only, each block on its own (electronic codebook). A block is
-// two 32-bit words, both little-endian in the buffer, the left half first.
-// Thread: once the key is set, any number at a time.
+// Standard Blowfish (B. Schneier, 1993) with 16 rounds, encryption only, each block on its own (electronic
+// codebook), as the DCT format demands. A block is 8 bytes: two 32-bit words, each little-endian in the
+// buffer, the left half first. (The published test vectors are big-endian.)
+// Thread: one at a time for SetKey; any number afterwards.
 class LBlowFish {
 public:
     static constexpr size_t kBlockBytes = 8;
 
-    // The key is the whole text, however long; bytes after the 72nd have no effect. False (traced) for an
-    // empty text, which leaves the tables unset.
+    // Sets the key: the bytes of the text. Bytes after the 72nd have no effect, since 18 subkeys take 72
+    // bytes. False (traced) for an empty text, which leaves the tables as they were.
     bool SetKey(std::string_view text);
 
-    // Encrypts in place. The size is a multiple of 8 and the key is set.
+    // Encrypts in place. Precondition: the size is a multiple of 8 and the key is set; an incomplete last
+    // block is left as it is.
     void EncryptBuffer(std::span<uint8_t> buffer) const;
     void EncryptBlock(std::span<uint8_t, kBlockBytes> block) const { EncryptBuffer(block); }
 

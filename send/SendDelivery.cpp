@@ -6,20 +6,28 @@
 #include "send/SendError.h"
 #include "send/SendStage.h"
 
+// A table maps the recipient's method to a function; a new way of delivery is one row and one function. The
+// methods e-mail and FTP are refused with a text of their own, since recipients that name them can exist
+// already.
+// Copying into a folder leaves all care to LProcessCopyFile: it writes under a temporary name, reads the file
+// back, and never overwrites another file. Keeping the file open while it is renamed was rejected; it cannot
+// be renamed then.
+// A failed copy counts as sent on purpose: the file is deleted, the record says "Sent", and the error text is
+// the user's only notice. The dictation itself stays in the Sent folder.
+
 namespace {
 
 constexpr double kDeliveryStart = 0.5;  // of the queue item; the conversion comes before
 
 ProcessResult CopyToFolder(const SendDelivery& delivery, ProcessContext& context) {
-    // Without a folder the name alone would be a file in whatever folder is current.
+    // Without a folder the target would be a bare file name, in whichever folder is current.
     if (delivery.recipient.folder.empty()) return ProcessResult::Failed;
     SendStage stage(context, kDeliveryStart, 1.0);
     const LPath target = LPath::Join(delivery.recipient.folder, LFileNameOf(delivery.file.View()));
     return LProcessCopyFile(delivery.file, target).Process(stage);
 }
 
-// A copy that fails counts as sent all the same: the text is the user's notice of it. One that was stopped on
-// the user's behalf did not fail; the next run makes it anew.
+// Counts a failed copy as sent (see above). A copy that was stopped did not fail; the next run makes it anew.
 ProcessResult DeliverToFolder(const SendDelivery& delivery, ProcessContext& context) {
     const ProcessResult copied = CopyToFolder(delivery, context);
     if (copied == ProcessResult::Failed) {
@@ -30,6 +38,7 @@ ProcessResult DeliverToFolder(const SendDelivery& delivery, ProcessContext& cont
     return copied == ProcessResult::Stopped ? ProcessResult::Stopped : ProcessResult::Done;
 }
 
+// For methods that cannot deliver: reports the reason and deletes the converted file.
 ProcessResult Refuse(const SendDelivery& delivery, ProcessContext& context, const char* reason) {
     LTrace("DeliverDictation no way of delivery", reason);
     context.SetError(UnableToSend(reason));

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-static constexpr size_t kLongestName = 80;  // of what a box shows of one
+static constexpr size_t kLongestName = 80;  // characters of a name that the box shows
 
-// Names come from files, so they may hold anything and be of any length.
+// Makes a name fit for a box: names come from files, so they may hold control characters and be of any
+// length.
 static std::string Shown(std::string_view name) {
     std::string shown(name.substr(0, kLongestName));
     std::ranges::replace_if(

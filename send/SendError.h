@@ -3,18 +3,18 @@
 #include <string>
 #include <string_view>
 
-// What went wrong with sending, for the user.
+// An error of sending, for the user.
 struct SendError {
-    std::string text;       // at most 259 characters; empty: nothing
-    std::string dictation;  // its name; empty when it is not about one
-    std::string typist;     // whom it was for; empty when that is not known
+    std::string text;       // at most 259 characters; empty: no error
+    std::string dictation;  // its name; empty when the error concerns no single one
+    std::string typist;     // name of the recipient; empty when unknown
 
     explicit operator bool() const { return !text.empty(); }
 };
 
-// The text of a failure for a reason that is a sentence about the dictation.
+// Text of a failure; reason is a sentence about the dictation.
 std::string UnableToSend(std::string_view reason);
 
-// What the box with OK and Cancel says: the text, which dictation of whom it is about and where that is kept,
-// and what the buttons do unless the text says so itself.
+// Text of the box with the buttons OK and Cancel: the error, the dictation and typist it concerns, the place
+// where the dictation is kept, and the meaning of the buttons unless the error text explains them itself.
 std::string SendErrorBoxText(const SendError& error);

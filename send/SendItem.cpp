@@ -16,6 +16,15 @@
 #include "send/SendStage.h"
 #include "store/SettingsKeys.h"
 
+// Two conversions, one after the other. The audio is pumped (LPRSourceToSink) from the dictation into a WAV
+// file of the recipient's format; for a DCT file this WAV file is temporary, and DctWriter then packs it with
+// fields and notes. DctWriter needs the audio's length before its first byte.
+// The converted file is opened once more and compared with the number of frames written, because a full disk
+// may refuse the last bytes only when the file is closed.
+// Files that another program holds are no failure: the result is Stopped with an error text, and BGSend puts
+// the entry off. Sending on without them was rejected: without its record a dictation would arrive as a
+// nameless dictation 0, without the user file as one of no sender.
+
 namespace {
 
 constexpr double kConversionEnd = 0.4;  // of the item
@@ -26,7 +35,7 @@ constexpr char kNoCodec[] =
     "This might mean that you do not have the correct CODEC installed on your computer to compress the file.";
 constexpr char kUnwritable[] = "The converted audio could not be written. The disk may be full.";
 
-// The pump does not know what it is part of.
+// Gives the messages of the pump, which serves other purposes too, the words for sending.
 class ConversionStage final : public SendStage {
 public:
     explicit ConversionStage(ProcessContext& item) : SendStage(item, 0.0, kConversionEnd), m_item(item) {}
@@ -37,8 +46,9 @@ private:
     ProcessContext& m_item;
 };
 
-// Whoever can write into the queue file must not be able to have other files of this machine sent, marked or
-// overwritten, nor one user's dictation to somebody of his own choice.
+// Guards against a forged queue file: a program that can write into it must not be able to have other files
+// of this machine sent, marked or overwritten, nor one user's dictation sent to a recipient of another's
+// choice.
 bool NamesDictation(const SendQueueEntry& entry, const LPath& dataFolder) {
     const LPath sent = LPath::Join(UserFolderPath(dataFolder, entry.user).View(), "Sent\\");
     const std::string_view path = entry.dictation.View();
@@ -46,6 +56,7 @@ bool NamesDictation(const SendQueueEntry& entry, const LPath& dataFolder) {
            LEqualNoCase(LSplitPath(path).extension, ".wav");
 }
 
+// "rec<digits>.dat" in the user's folder.
 bool NamesRecipient(const SendQueueEntry& entry, const LPath& dataFolder) {
     constexpr std::string_view kPrefix = "rec";
     const LPathParts parts = LSplitPath(entry.recipient.View());
@@ -89,7 +100,7 @@ ProcessResult SendItem::Send() {
     return result;
 }
 
-// Whether no other program keeps anything that is needed from being read.
+// Whether all files that the item needs can be opened. The notes are opened later, by CreateDCTFile.
 bool SendItem::CanBeRead() const {
     if (m_record.result == LReadResult::Unreadable || m_sender.result == LReadResult::Unreadable)
         return false;
@@ -98,7 +109,7 @@ bool SendItem::CanBeRead() const {
     return true;
 }
 
-// By an earlier run, which ended before it could remove the entry.
+// Whether an earlier run delivered the dictation and ended before it could remove the entry.
 bool SendItem::IsDelivered() const {
     const std::string& status = m_record.sendStatus;
     return !status.empty() && status != RecordKeys::kStatusSending && status != RecordKeys::kStatusFailed;
@@ -116,7 +127,7 @@ ProcessResult SendItem::RefuseDamaged() {
     return ProcessResult::Failed;
 }
 
-// Without a record it would be sent as a nameless dictation 0, without the user's file as nobody's.
+// Leaves the entry in the queue, with an error text.
 ProcessResult SendItem::KeepForLater() {
     LTrace("SendItem::KeepForLater unable to read file", m_entry.dictation.View());
     Fail("One of its files is open in another program. It stays in the queue and is sent later.");
@@ -163,13 +174,14 @@ ProcessResult SendItem::CompressWavFile(const LPath& output) {
             return Fail("Its audio cannot be converted.");
         frames = sink->GetFrames();
     }  // closed here
-    // What a full disk refused at the very end shows only here.
+    // A full disk may show only after closing.
     if (LWaveFile::IsComplete(output, frames)) return ProcessResult::Done;
     LTrace("BGSend::CompressWavFile compressed file is not complete", output.View());
     return Fail(kUnwritable);
 }
 
-// Without a sink there is nothing that could write the format; a PCM sink fails for its file alone.
+// Chooses the error text: without a sink no codec writes the format, while a PCM sink needs no codec and can
+// fail only because of its file.
 ProcessResult SendItem::FailToOpen(const LPath& output, const LSoundSink& sink) {
     LTrace("BGSend::CompressWavFile unable to open compressed file", output.View());
     if (sink && m_recipient.waveFormat.Tag() == kFormatTagPcm) return Fail(kUnwritable);
@@ -207,7 +219,7 @@ DctHeader SendItem::MakeDctHeader() const {
     return header;
 }
 
-// A record that is gone, or was cut off, leaves the number of its name.
+// The record's number; without one, that of the file name.
 int32_t SendItem::Number() const {
     return m_record.number ? *m_record.number : NumberOfFileName(m_files.audio).value_or(0);
 }
@@ -221,7 +233,8 @@ LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const
     return LPath::Join(LFolderOf(m_entry.dictation.View()), name);
 }
 
-// A dictation that was recovered or deleted meanwhile has no record here, and must not get a new one.
+// Writes the status, trying for two seconds. Does nothing when the record is absent: the dictation was
+// recovered or deleted meanwhile, and must not get a new record here.
 void SendItem::WriteStatus(std::string_view status) {
     const uint32_t begun = LTickMs();
     while (!LFile::IsAbsent(m_files.record)) {

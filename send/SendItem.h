@@ -13,27 +13,29 @@
 #include "store/DictationRecord.h"
 #include "store/SendToSettings.h"
 
-// One queued dictation on its way: converted into the file that its recipient wants, delivered, and its
-// record told how that went.
+// Sends one queued dictation: converts it into the file that its recipient wants, delivers it, and writes the
+// result into its record.
 // Units:  progress is in fractions of the item. The conversion takes it to 0.4, the DCT file to 0.5, the
 //         delivery to 1.
-// Errors: Failed always leaves an error text for the user. An entry that is not whole, a recipient that
-//         cannot be loaded and a failed delivery write "Send Failed"; a failed conversion leaves the record
-//         as it is, and so does Stopped. An entry that names anything but a dictation in its user's Sent
-//         folder, and one of his recipients, is refused, and none of its files is touched.
+// Errors: Failed always leaves an error text for the user. An incomplete entry, a recipient that cannot be
+//         loaded and a failed delivery write "Send Failed" into the record; a failed conversion leaves the
+//         record as it is, and so does Stopped. An entry whose recipient is not one of the same user's counts
+//         as incomplete. One that names no dictation in its user's Sent folder is refused, and none of the
+//         named files is touched.
 // Thread: the send thread.
 class SendItem {
 public:
     SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
 
-    // All of it. Stopped: nothing has arrived, and the entry is to be sent again; with an error text when
-    // record, audio, notes, recipient or user file could not be read for a second.
+    // Converts, delivers and records the result. Stopped: nothing has arrived, and the entry is to be sent
+    // again; with an error text when record, audio, notes, recipient or user file could not be read for a
+    // second.
     ProcessResult Send();
-    // The conversion alone: makes the file that the recipient wants, beside the dictation. Nothing of it is
-    // left unless the result is Done.
+    // Only converts: makes the recipient's file beside the dictation and returns its path in file. The file
+    // exists only when the result is Done.
     ProcessResult Convert(LPath& file);
 
-    // What messages call the dictation and its typist; empty when the entry does not tell.
+    // Names for messages to the user; empty when unknown.
     const std::string& DictationName() const { return m_label; }
     const std::string& TypistName() const;
 
@@ -56,11 +58,11 @@ private:
     const SendQueueEntry& m_entry;
     const DataFolder& m_data;
     ProcessContext& m_context;
-    bool m_isLoaded = false;  // m_recipient
+    bool m_isLoaded = false;  // m_recipient was loaded
     DictationFiles m_files;   // empty paths when the entry names no dictation of its user
     SendToSettings m_recipient;
     DictationRecord m_record;
     UserDetails m_sender;
-    bool m_notesAreCut = false;  // the dictation file has not all of them
+    bool m_notesAreCut = false;  // the DCT file holds only the beginning of the notes
     std::string m_label;
 };

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-// A hair below 0.04, so that 0.24 - 0.2, which is not quite 0.04 in binary, counts as the step it is meant to
-// be.
+// Slightly below 0.04, so that 0.24 - 0.2, which binary rounding makes a little less than 0.04, counts as a
+// step.
 static constexpr double kStep = 0.04 - 1e-9;
 
 void SendProgressRange::SetCount(int32_t entries) {

@@ -15,6 +15,15 @@
 #include "base/LTrace.h"
 #include "store/Settings.h"
 
+// Every operation enters by the lock file, reads the whole file with a parser of its own, and writes it as a
+// whole beside itself before the swap. The platform's profile functions were rejected: they change one key at
+// a time, and moving entries down key by key would, cut off half-way, pair one dictation with the recipient
+// of another. They also answer a held file with defaults, as if the queue were empty.
+// A change does not depend on being read back: the earlier way took a failed read for a failed write, and
+// delivered twice. Append instead recognises its own entry at the end of the queue and does not add it again.
+// The parser keeps entries as texts, so an invalid one survives a change of others and is reported when it
+// becomes the head.
+
 namespace {
 
 constexpr char kSection[] = "bgsend";
@@ -23,12 +32,12 @@ enum { kFile, kRecipient, kUser };
 constexpr const char* kPrefixes[] = {"file", "sendto", "id"};
 constexpr size_t kMostIndexDigits = 9;
 
-constexpr size_t kMostBytes = size_t{8} << 20;  // some fifty thousand entries
+constexpr size_t kMostBytes = size_t{8} << 20;  // about fifty thousand entries
 
-// How long one program waits for another's turn, which takes milliseconds.
+// How long to wait for another program's turn, which takes milliseconds.
 constexpr uint32_t kTurnMs = 500;
 
-using Values = std::array<std::string, std::size(kPrefixes)>;  // of one entry, as they stand in the file
+using Values = std::array<std::string, std::size(kPrefixes)>;  // of one entry, as texts of the file
 
 std::string Line(std::string_view key, std::string_view value) {
     return std::string(key) + "=" + LProfileSafe(value) + "\r\n";
@@ -50,13 +59,13 @@ SendQueueEntry ToEntry(const Values& values) {
     return entry;
 }
 
-// Without what could not be written again: a value ends before its first control byte.
+// Ends a value before its first control byte: a line with such bytes could not be written again.
 std::string_view BeforeControl(std::string_view value) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; };
     return value.substr(0, static_cast<size_t>(std::ranges::find_if(value, isControl) - value.begin()));
 }
 
-// Takes the first line off a text.
+// Splits the first line off a text.
 std::string_view TakeLine(std::string_view& text) {
     const size_t length = std::min(text.find_first_of("\r\n"), text.size());
     const std::string_view line = text.substr(0, length);
@@ -64,7 +73,8 @@ std::string_view TakeLine(std::string_view& text) {
     return LTrimBlanks(line);
 }
 
-// Every entry of which anything is left, by its index. Of two equal keys the first counts.
+// Collects every entry of which at least one key is present, by its index. Of two equal keys the first
+// counts.
 class Parser {
 public:
     void Parse(std::string_view text) {
@@ -80,7 +90,7 @@ public:
             }
         }
     }
-    // Those that count. What is missing between them is passed over.
+    // The entries below the file's count. Gaps between them are skipped.
     std::vector<Values> Counted() const {
         std::vector<Values> counted;
         for (const auto& [index, values] : m_entries) {
@@ -111,7 +121,7 @@ private:
 
 struct SendQueueFile::Contents {
     std::vector<Values> entries;
-    bool isCleared = false;  // none of them counts
+    bool isCleared = false;  // the count is to be written as 0
 
     int32_t Count() const { return static_cast<int32_t>(entries.size()); }
     SendQueueEntry Head() const { return entries.empty() ? SendQueueEntry() : ToEntry(entries[0]); }
@@ -123,8 +133,8 @@ void SendQueueFile::SetPath(const LPath& path) {
     m_lock = path.WithExtension(LLeftOver::kLock);
 }
 
-// Takes this program's turn and reads the file. Where no lock file can be made nobody changes anything, and
-// the queue can be read without one.
+// Takes the lock and reads the file. Where no lock file can be created, as in a read-only folder, nobody can
+// change the queue, so reading goes on without one.
 bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) const {
     const LFileLock::Result taken = turn.Take(m_lock, kTurnMs);
     const bool isMine = taken == LFileLock::Result::Taken;
@@ -144,8 +154,9 @@ bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) 
     return true;
 }
 
-// Some platforms replace a file in two steps, and only a finished one ever replaces: without the file itself,
-// what stands beside it is the queue. Whoever has the turn finds only what somebody left who has ended.
+// Finishes a replacement that was cut off. Some platforms replace in two steps, and only a complete file ever
+// replaces: when the queue file is absent, the file beside it is the queue. The holder of the lock can find
+// only the left-over of a program that has ended.
 bool SendQueueFile::FinishReplacement() const {
     if (LFile::IsAbsent(m_path)) return LFile::Move(m_unfinished, m_path);
     if (LFile::Exists(m_path)) LFile::Delete(m_unfinished);
@@ -192,7 +203,7 @@ bool SendQueueFile::Append(const SendQueueEntry& entry, int32_t& count) {
     LFileLock turn;
     Contents contents;
     if (!Enter(Purpose::Change, turn, contents)) return false;
-    // An earlier attempt may have got further than it could tell.
+    // An earlier attempt may have succeeded although it reported failure.
     if (contents.entries.empty() || !(ToEntry(contents.entries.back()) == entry)) {
         contents.entries.push_back({std::string(entry.dictation.View()), std::string(entry.recipient.View()),
                                     std::to_string(entry.user)});

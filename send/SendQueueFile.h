@@ -8,39 +8,38 @@
 
 // One dictation that waits to be sent.
 struct SendQueueEntry {
-    LPath dictation;       // its audio file in the user's Sent folder
+    LPath dictation;       // path of its audio file in the user's Sent folder
     LPath recipient;       // the recipient's record file
     uint32_t user = 0;     // number of the sending user
-    bool isWhole = false;  // all three keys were there and made sense
+    bool isWhole = false;  // all three keys were present and valid
 
     bool operator==(const SendQueueEntry&) const = default;
 };
 
 // The queue file, "bgsend.dat": settings format, section "bgsend", keys "count" and for each entry "file%d",
-// "sendto%d" and "id%d" (docs/file-formats.md). Entry 0 is the head. What the file holds is not trusted: a
-// count below 0 is 0, and one beyond the entries counts as far as there are entries.
-// Each operation has a lock file meanwhile, so that programs of several sessions take turns; each change
-// writes the file anew and puts it in place in one step, so that whoever ends at any moment leaves it as it
-// was before or after. Moving entries down key by key would, cut off half-way, pair one dictation with the
-// recipient of another.
-// Errors: an operation that fails returns false (traced) and leaves the entries as they were. So does one on
-//         a file that is there but cannot be read, as while another program holds it: it only looks empty.
+// "sendto%d" and "id%d" (docs/file-formats.md). Entry 0 is the head. The contents are not trusted: a count
+// below 0 is 0, and one beyond the entries counts as far as there are entries.
+// Each operation holds a lock file, so that programs of several sessions take turns. Each change writes the
+// whole file anew and puts it in place in one step, so that the end of the program at any moment leaves the
+// queue as it was before or after.
+// Errors: an operation that fails returns false (traced) and leaves the entries as they were. An existing
+//         file that cannot be read, because another program holds it, is such a failure, not an empty queue.
 // Thread: one at a time; BGSend guards it with its queue lock.
 class SendQueueFile {
 public:
     void SetPath(const LPath& path);
 
-    // The first entry, one that is not whole when there is none, and the number of all.
+    // head: the first entry; isWhole is false when there is none. count: the number of all.
     bool ReadHead(SendQueueEntry& head, int32_t& count) const;
     // Whether an entry names this audio file; unknown while the file cannot be read.
     QueueAnswer Contains(const LPath& dictation) const;
-    // Adds an entry behind all others; count becomes the number of all.
+    // Adds an entry at the end; count becomes the number of all.
     bool Append(const SendQueueEntry& entry, int32_t& count);
-    // Takes the head away if it is this one; count becomes the number of those that are left.
+    // Removes the head if it equals the given one; count becomes the number of the remaining entries.
     bool RemoveHead(const SendQueueEntry& head, int32_t& count);
-    // Puts the head behind all others if it is this one.
+    // Moves the head to the end if it equals the given one; count as above.
     bool MoveHeadToEnd(const SendQueueEntry& head, int32_t& count);
-    // With a count of 0 the queue is empty, though the old entries' keys stay until others take their place.
+    // Empties the queue by a count of 0. The keys of the old entries stay until new ones overwrite them.
     bool Clear();
 
 private:
@@ -52,6 +51,6 @@ private:
     bool Write(const Contents& contents) const;
 
     LPath m_path;
-    LPath m_unfinished;  // beside it: the file that is to replace it
-    LPath m_lock;        // beside it
+    LPath m_unfinished;  // beside m_path: the new contents before they take its place
+    LPath m_lock;        // beside m_path: the lock file
 };

@@ -2,10 +2,11 @@
 
 #include "base/LProcess.h"
 
-// One stage of a longer process: its progress fills a part of the whole's, everything else passes through.
+// One stage of a longer process: maps its progress of 0 to 1 onto a part of the whole's, and passes
+// everything else through.
 class SendStage : public ProcessContext {
 public:
-    // from and to are fractions of the whole.
+    // from and to: fractions of the whole, 0 to 1.
     SendStage(ProcessContext& whole, double from, double to) : m_whole(whole), m_from(from), m_to(to) {}
 
     bool CancelRequested() override { return m_whole.CancelRequested(); }
