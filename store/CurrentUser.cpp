@@ -39,7 +39,8 @@ DataFolder DataFolder::FromText(std::string_view folder) {
 }
 
 bool DataFolder::HasRoom() const {
-    // The longest of them: what the send thread makes in the Sent folder of the user with the largest number.
+    // The longest file: the one that the send thread makes in the Sent folder of the user with the largest
+    // number.
     constexpr std::string_view kLongestName = "4294967295\\Sent\\dct-2147483648-99999999.dct";
     return !folder.Empty() && folder.View().size() + kLongestName.size() < kPathSize;
 }
@@ -86,8 +87,9 @@ CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name
     return added;
 }
 
-// Each user once. The end of the program in the middle of a change leaves an item missing, or one twice; the
-// first item has a default. False when the file cannot be read: the list must then not be written back.
+// Reads the list, each user once. A change that was cut off by the end of the program can leave an item
+// missing or an item twice, so both are tolerated; item 0 has a default. False when the file cannot be read:
+// the list must then not be written back.
 static bool ReadUserItems(const LPath& settingsFile, std::vector<uint32_t>& users) {
     const LProfileSection section(settingsFile, SettingsKeys::kUsersSection, kReadWaitMs);
     const std::string countText = section.Read(SettingsKeys::kUserCount.key, {});
@@ -102,7 +104,8 @@ static bool ReadUserItems(const LPath& settingsFile, std::vector<uint32_t>& user
     return section.Result() != LReadResult::Unreadable;
 }
 
-// From the first item on without a gap. An item only ever moves down, to where the one before it was read.
+// Writes the items from index 0 without gaps. Reading has only removed gaps, so an item moves at most
+// downwards, onto a place whose item was read already: a write that is cut off loses no user.
 static void WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
     const int32_t count = static_cast<int32_t>(users.size());
     for (int32_t i = 0; i < count; ++i) {
@@ -124,7 +127,8 @@ void AddUserToList(const LPath& settingsFile, uint32_t user) {
     std::vector<uint32_t> users;
     if (!ReadUserItems(settingsFile, users)) return;
     if (std::find(users.begin(), users.end(), user) != users.end()) return;
-    // A list that was only implied is written out, or its one user would vanish behind the new count.
+    // Without a list in the file, user 0 is implied; it is written as well, since the new count would hide
+    // it.
     users.push_back(user);
     WriteUserItems(settingsFile, users);
 }

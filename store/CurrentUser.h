@@ -9,7 +9,7 @@
 #include "base/LFile.h"
 #include "base/LPath.h"
 
-// What a user told about himself; it travels with every dictation that is sent.
+// Name and addresses of a user, as entered in his settings; they travel with every dictation that is sent.
 struct UserDetails {
     std::string name;
     std::string email;
@@ -19,15 +19,14 @@ struct UserDetails {
     std::string fax;
     std::array<std::string, 4> address;
 
-    // Unreadable: the texts are empty because the file could not be read for a second, and must not be sent.
+    // Unreadable: the file could not be read for a second. The texts are then empty and must not be sent.
     LReadResult result = LReadResult::Absent;
 
-    // Empty texts where the file has none. Opens the file once.
+    // Reads the section "user" of a user file, opening it once. Missing keys give empty texts.
     static UserDetails Read(const LPath& userFile);
 };
 
-// The dictating user at work, rebuilt whenever the user changes.
-// Thread: the window thread; the send thread works from user numbers and forms its own paths.
+// The dictating user with his paths, rebuilt whenever the user changes.
 struct CurrentUser {
     LPath userFile;       // "<data folder>00000007\user.dat"
     LPath currentFolder;  // "<data folder>00000007\Current\"
@@ -36,16 +35,16 @@ struct CurrentUser {
     UserDetails details;
 };
 
-// Where the program keeps its state, found once at start-up.
+// The folder in which the program keeps its state, found once at start-up.
 struct DataFolder {
-    LPath folder;        // ends in a separator unless it is 259 characters long
+    LPath folder;        // ends in a separator unless it is 259 characters long, which leaves no room for one
     LPath settingsFile;  // "<data folder>settings.ini"
 
-    // Forms both paths from a folder as it stands in the registry.
+    // Forms both paths from the text of a registry value.
     static DataFolder FromText(std::string_view folder);
 
-    // Whether the paths of all files in it fit; without that they would come out as names in whatever folder
-    // is current.
+    // Whether the paths of all files in it fit into 259 characters. One that does not fit becomes empty, and
+    // a file name joined to it would lie in whichever folder is current.
     bool HasRoom() const;
 };
 
@@ -53,28 +52,28 @@ struct DataFolder {
 LPath UserFolderPath(const LPath& dataFolder, uint32_t user);
 LPath UserFilePath(const LPath& dataFolder, uint32_t user);
 
-// The number that the registry of the Windows user holds; without one, that of the settings file; without
-// both, 0.
+// The number of the last dictating user: from the registry of the Windows user, else from the settings file,
+// else 0.
 uint32_t GetCurrentUser(const LPath& settingsFile);
-// Stores the number in both.
+// Stores the number in both places.
 void SetCurrentUser(const LPath& settingsFile, uint32_t user);
 
-// Forms the user's paths and loads his details. Folders that are missing are created, so that a dictation can
-// be made in a data folder that nobody prepared.
+// Forms the user's paths and loads his details. Missing folders are created, so that a dictation can be made
+// in a data folder that no installer prepared.
 CurrentUser SelectUser(const DataFolder& data, uint32_t user);
 
-// Creates the user's folders (what exists is kept), writes name and e-mail address and makes him the current
-// user. AddUserToList belongs to it where the user is to be offered for log-on.
+// Creates the user's folders unless they exist, writes name and e-mail address and makes him the current
+// user. To offer him for log-on as well, call AddUserToList.
 CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name, std::string_view email);
 
-// The users offered for log-on, in the order of the list; user 0 when there is no list. Positions count from
-// 0.
+// The users offered for log-on, in the order of the list; user 0 alone when there is no list. Positions count
+// from 0.
 std::vector<uint32_t> ReadUserList(const LPath& settingsFile);
-// Does nothing when the user is in the list already, or when the list cannot be read.
+// Appends the user. Does nothing when the list contains him or cannot be read.
 void AddUserToList(const LPath& settingsFile, uint32_t user);
-// Whoever calls has asked the user whether he is sure. Folders and files stay.
+// Removes the user from the list; his folders and files stay. The caller has asked for confirmation.
 void RemoveUserFromList(const LPath& settingsFile, uint32_t user);
 
-// The user's name as it is shown: "User 7" where the user file has none.
+// The user's name for display: "User 7" where the user file has none.
 std::string UserName(const LPath& dataFolder, uint32_t user);
 std::string ShownUserName(const UserDetails& details, uint32_t user);

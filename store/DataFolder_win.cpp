@@ -10,8 +10,8 @@ constexpr char kDataValue[] = "DataFiles";
 constexpr char kWindowsKey[] = "Software\\Microsoft\\Windows\\CurrentVersion";
 constexpr char kProgramsValue[] = "ProgramFilesDir";
 
-// An access list with one entry: everyone, all access, inherited by folders and files. Its parts live here,
-// since the platform's descriptor only points to them.
+// An access control list with one entry: everyone, all access, inherited by folders and files. The object
+// owns all its parts, since the platform's security descriptor only points to them.
 class EveryoneAccess {
 public:
     EveryoneAccess() {
@@ -27,7 +27,7 @@ public:
     EveryoneAccess(const EveryoneAccess&) = delete;
     EveryoneAccess& operator=(const EveryoneAccess&) = delete;
 
-    // Null on Windows 95 and 98, which keep the functions but know no rights.
+    // Null on Windows 95 and 98, where these functions exist but fail.
     SECURITY_ATTRIBUTES* Attributes() {
         m_attributes = {sizeof m_attributes, &m_descriptor, FALSE};
         return m_ok ? &m_attributes : nullptr;
@@ -36,7 +36,8 @@ public:
 private:
     PSID Everyone() { return m_everyone; }
     ACL* List() { return reinterpret_cast<ACL*>(m_list); }
-    // The call that adds an entry with flags is younger than the platforms that we run on.
+    // Sets the inheritance flags of the entry in place: AddAccessAllowedAceEx is missing from the oldest
+    // platforms.
     bool MakeInherited() {
         void* entry = nullptr;
         if (!GetAce(List(), 0, &entry)) return false;
@@ -77,7 +78,7 @@ DataFolder FindDataFolder() {
     LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, kDataValue));
     if (folder.Empty()) folder = MakeDefaultDataFolder();
     const DataFolder data = DataFolder::FromText(folder.View());
-    // Only where it is missing: another instance may be writing beside it.
+    // Only where the file is missing: otherwise the copy may belong to another instance that is writing it.
     if (!LFile::Exists(data.settingsFile)) LProfile::Recover(data.settingsFile);
     return data;
 }

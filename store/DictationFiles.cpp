@@ -17,7 +17,8 @@ DictationFiles DictationFiles::InFolder(const LPath& folder) const {
     return OfPath(LPath::Join(folder.View(), LFileNameOf(record.View())));
 }
 
-// One listing for the three: where a name is missing there are systems that read the whole folder to find out.
+// One listing answers for the three names: to find out that a name is absent, some file systems read the
+// whole folder, so three separate look-ups would cost three times as much.
 bool DictationFiles::AnyExists() const {
     const LPathParts parts = LSplitPath(record.View());
     bool any = false;

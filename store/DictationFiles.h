@@ -5,7 +5,8 @@
 
 #include "base/LPath.h"
 
-// The bytes of a WAV file without a sample; what is no longer holds no recording.
+// Size in bytes of a WAV file of ours without a sample (its header); a file up to this size holds no
+// recording.
 inline constexpr int64_t kEmptyAudioBytes = 46;
 
 // The three files of one dictation, which share one base name in one folder.
@@ -14,9 +15,9 @@ struct DictationFiles {
     LPath audio;   // ".wav"
     LPath notes;   // ".txt"
 
-    // From the number: "%.8ld" in a folder that ends in a separator.
+    // Paths for a number ("%.8ld") in a folder that ends in a separator.
     static DictationFiles OfNumber(const LPath& folder, int32_t number);
-    // From any one of the three paths.
+    // Paths from any one of the three.
     static DictationFiles OfPath(const LPath& path);
 
     // The files of the same base name in another folder.

@@ -41,7 +41,7 @@ std::optional<int32_t> NumberOfFileName(const LPath& path) {
     return LParseInt(name);
 }
 
-// To write a key of a file that is gone would create it, with this one key.
+// Only into an existing file: writing to a missing one would create a record of this one key.
 static bool StoreKey(const LPath& record, const char* key, std::string_view value) {
     if (LFile::Exists(record) && LProfile::Write(record, RecordKeys::kSection, key, value)) return true;
     LTrace("StoreKey unable to write record", record.View());

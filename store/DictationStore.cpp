@@ -13,12 +13,20 @@
 #include "store/DictationRecord.h"
 #include "store/SettingsKeys.h"
 
+// Numbers. The counter lives in the user file; taking a number also looks for files of that number, because
+// the counter may be lost with its file or wrap around. A user file that cannot be read gives no number at
+// all: the default, 1, was given out twice when a backup program held the file.
+// Deletion goes audio, notes, record, so that a deletion that is cut off or refused leaves a dictation that
+// is still listed, never audio without a row. Old dictations are judged by the file system's creation times
+// in units of 429.5 s (see kFileTimeHighUnitsPerDay), and by their records: only a delivered one may go.
+
 static bool IsTaken(const CurrentUser& user, int32_t number) {
     return DictationFiles::OfNumber(user.currentFolder, number).AnyExists() ||
            DictationFiles::OfNumber(user.sentFolder, number).AnyExists();
 }
 
-// Whether a file can be read, and is too long to hold settings: no counter was ever in it.
+// Whether a file can be read but is longer than any settings file: it never held a counter, and waiting for
+// it would prevent dictating for ever.
 static bool IsNoProfile(const LPath& path) {
     LFile file;
     return LFile::OpenToRead(path, file, 0) == LReadResult::Values &&
@@ -84,7 +92,8 @@ LPath SetAsideAudio(const DictationFiles& files) {
     return LPath();
 }
 
-// What was set aside, and what the end of the program left of a file that was being written.
+// Whether a file beside a dictation belongs to it as a left-over: set aside by SetAsideAudio, or an
+// unfinished write that the end of the program cut off.
 static bool IsLeftOver(const LPath& path, const DictationFiles& files) {
     for (const LPath& unfinished :
          {files.audio.WithExtension(LLeftOver::kAudio), files.notes.WithExtension(LLeftOver::kNotes),
@@ -109,7 +118,7 @@ bool DeleteDictationFiles(const DictationFiles& files, const FolderListing& list
             return false;
         }
     }
-    // Not before: they may be all that is left of a recording whose dictation stays.
+    // Last: they may be all that remains of a recording whose dictation could not be deleted.
     for (const LPath& path : listing.OfBaseName(files.record)) {
         if (IsLeftOver(path, files)) LFile::Delete(path);
     }
@@ -124,7 +133,7 @@ static bool IsOld(uint64_t created, int32_t days, uint64_t now) {
     return (created >> 32) + kFileTimeHighUnitsPerDay * static_cast<uint64_t>(days) < now >> 32;
 }
 
-// Whether the files of a dictation in Sent are the last that there is of it, or may be.
+// Whether the files of a dictation in Sent are, or may be, its only copy.
 static bool IsNeeded(const DictationFiles& files, const AskQueue& isQueued) {
     if (isQueued(files.audio) != QueueAnswer::No) return true;
     const DictationRecord record = DictationRecord::Read(files.record, 0);
@@ -134,7 +143,7 @@ static bool IsNeeded(const DictationFiles& files, const AskQueue& isQueued) {
         return LFile::OpenToRead(files.audio, audio, 0) == LReadResult::Unreadable ||
                audio.Size() > kEmptyAudioBytes;
     }
-    // One that was cut off says nothing.
+    // A record without a status was cut off while it was written.
     return record.sendStatus.empty() || record.sendStatus == RecordKeys::kStatusSending ||
            record.sendStatus == RecordKeys::kStatusFailed;
 }

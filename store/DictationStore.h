@@ -10,15 +10,16 @@
 #include "store/QueueAnswer.h"
 
 // The dictations of a user: files in his Current folder, and in his Sent folder once they are sent.
+// Errors: empty results and false are traced; the caller tells the user.
 // Thread: the window thread.
 
-// Dictation numbers run from 0 to 99,999,999 and begin again.
+// Dictation numbers run from 0 to 99,999,999, the eight digits of a file name, and then start again.
 constexpr int32_t kDictationNumbers = 100000000;
 
-// Takes the next number from the user file, which then holds the one after it. Numbers of which any file
-// exists in Current or Sent are passed over, so that a lost or wrapped counter never names an old dictation
-// again. For new, imported and transferred dictations alike. Nothing when the user file is there and cannot
-// be read for a second: a number that was guessed may have been used before.
+// Takes the next number from the user file, which then holds the one after it; used for new, imported and
+// transferred dictations alike. Numbers with any file in Current or Sent are skipped, so that a lost or
+// wrapped counter never gives an old dictation's number again. Nothing when the user file exists and cannot
+// be read for a second: a guessed number may have been used before.
 std::optional<int32_t> NextDictationNumber(const CurrentUser& user);
 
 struct NewDictation {
@@ -27,29 +28,31 @@ struct NewDictation {
 };
 
 // Takes a number and writes the record with name, number and date (now, seconds since 1970). Nothing when the
-// user file cannot be read or the record not written.
+// user file cannot be read or the record cannot be written.
 std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now);
 
-// Gives a dictation the next number within its folder, in the names of its files and in its record. Files
-// that others keep open are waited for. False, with everything as it was, when one cannot be renamed.
+// Gives a dictation the next number within its folder, in its file names and in its record. Waits two seconds
+// for each file that another program holds. False, with everything as it was, when one cannot be renamed.
 bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
 
-// Moves a file that stands under the audio's name but holds no audio out of the way of a recording, since it
-// may be all that is left of one ("00000012.bad1"). The new path, empty when it could not be moved.
+// Renames a file that has the audio's name but holds no audio, to make way for a recording ("00000012.bad1"):
+// it may be all that is left of an earlier one. Returns the new path, empty when it could not be renamed.
 LPath SetAsideAudio(const DictationFiles& files);
 
-// Deletes audio, notes and record, in this order, then what was set aside or left over. When one cannot be
-// deleted the rest stays and the result is false, so that audio in use is not left behind without its record.
+// Deletes audio, notes and record, in this order, then left-overs and files that were set aside. When a file
+// cannot be deleted the rest stays and the result is false, so that audio in use does not lose its record.
 bool DeleteDictationFiles(const DictationFiles& files);
-// The same for one of many; listing: of their folder, made after the last of their files.
+// The same for one of many. listing: of their folder, made after the last change of their files.
 bool DeleteDictationFiles(const DictationFiles& files, const FolderListing& listing);
 
-// Deletes the entries of a Sent folder that were created more than so many days ago (0 or less: none); the
-// files of one dictation go together, by the youngest of them. now is a file time. Audio that has no other
-// home stays: what is or may be in the send queue, was never delivered, or lies there without a record that
-// says so.
+// Deletes the files of a Sent folder that were created more than the given number of days ago (0 or less:
+// none). The files of one dictation go together, by the age of the youngest. Dictations without another copy
+// stay: those that are or may be in the send queue, that were never delivered, or that have no record to say
+// they were.
+// Units:  now is a file time, 100 ns since 1601-01-01 UTC.
 void DeleteOldDictations(const LPath& sentFolder, int32_t days, uint64_t now, const AskQueue& isQueued);
 
-// True when the drive of the data folder has less free space than the setting "warnbelowmb" asks for.
+// Whether the drive of the data folder has less free space than the setting "warnbelowmb" asks for; 0 or less
+// turns the warning off.
 bool IsDiskLow(const DataFolder& data);
 bool IsDiskLow(uint64_t freeKb, int32_t warnBelowMb);

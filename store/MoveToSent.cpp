@@ -10,6 +10,14 @@
 #include "store/SettingsKeys.h"
 #include "store/TakeBack.h"
 
+// A transaction over three files and the queue, with a journal for undoing it. The audio moves last and comes
+// back first: as long as it is in Current the dictation is not sent, so the place of the audio tells after a
+// crash how far the move had come. PutBack is idempotent and can therefore be cut off and repeated.
+// Copying first and deleting afterwards was rejected: two complete copies leave open which one counts.
+// Settle() decides about a journal that it finds. Queued: commit. Not moved completely: undo, since only
+// complete moves are queued. Moved completely but not queued: commit when the record says that it was sent,
+// undo otherwise. When the queue or the record cannot be read, the journal stays and nothing is moved.
+
 namespace {
 
 constexpr char kJournalName[] = "moving.txt";
@@ -32,8 +40,8 @@ constexpr char kUnwritable[] =
 constexpr char kUnmovable[] =
     "One of its files may be open in another program, or the disk may be full. It stays in the list.";
 
-// The journal of a committed move that could not be deleted. Until it can it must not be acted on: by the
-// next start the dictation is sent, and its record says so.
+// The journal of a committed move that could not be deleted. Until it can be deleted it must be ignored: by
+// the next start the dictation is sent, and its record says so.
 LPath s_settledJournal;
 
 LPath JournalPath(const CurrentUser& user) {
@@ -85,12 +93,14 @@ bool MoveToSent::Run(std::string_view recipient, int64_t now) {
     return false;
 }
 
-// Where no lock file can be made nothing can be moved either.
+// Failed (no lock file can be created) counts as having the turn: nothing can be moved in such a folder
+// either.
 LFileLock::Result MoveToSent::TakeTurn() {
     return m_turn.Take(m_journal.WithExtension(LLeftOver::kLock), kMoveWaitMs);
 }
 
-// Everything that can be known before the first file is moved.
+// Checks everything that can be known before the first file is moved. Returns the sentence for the user,
+// empty when nothing is in the way.
 const char* MoveToSent::FindObstacle() {
     if (TakeTurn() == LFileLock::Result::Held || !TakeUpJournal()) return kEarlierMove;
     m_before = DictationRecord::Read(m_current.record);
@@ -99,13 +109,13 @@ const char* MoveToSent::FindObstacle() {
     return MakeRoom() ? "" : kSameNumber;
 }
 
-// A dictation that was sent under this name may be the only one of its kind.
+// Gives a dictation of the same number in Sent another one: it may be the only copy.
 bool MoveToSent::MakeRoom() const {
     if (!m_sent.AnyExists()) return true;
     return m_isQueued(m_sent.audio) == QueueAnswer::No && RenumberDictation(m_user, m_sent);
 }
 
-// The audio goes last: as long as it is in Current, the dictation is not in Sent.
+// Moves the three files, the audio last (see above).
 bool MoveToSent::MoveAll(std::string_view recipient, int64_t now) {
     if (m_hasNotes && !MoveAway(m_current.notes, m_sent.notes)) return false;
     LProfile::Flush(m_current.record);
@@ -125,8 +135,7 @@ void MoveToSent::Commit() {
     m_turn.Release();
 }
 
-// Ends as it began, with the audio: whatever moment the program is killed at, the next run can go on from
-// there. False while the journal stays, with something to be done.
+// Moves the files back, the audio first. False while the journal stays, with work left to do.
 bool MoveToSent::PutBack() {
     m_pending = false;
     bool done = TakeBack::Audio(m_user, m_sent, m_current);
@@ -154,7 +163,8 @@ bool MoveToSent::TakeUp(const CurrentUser& user, const AskQueue& isQueued) {
     return move.TakeTurn() != LFileLock::Result::Held && move.TakeUpJournal();
 }
 
-// Who has the turn finds only what somebody left who has ended, or could not finish.
+// Settles the move named by the journal, if there is one. The holder of the lock finds only journals of
+// programs that have ended, or of a move that could not be undone. False when a move stays unfinished.
 bool MoveToSent::TakeUpJournal() {
     std::string text(kPathSize, '\0');
     {
@@ -168,7 +178,7 @@ bool MoveToSent::TakeUpJournal() {
     std::string_view name = text;
     const bool hasNotes = name.ends_with(kJournalWithNotes);
     if (hasNotes) name.remove_suffix(1);
-    // Only the name of a record may decide what is moved.
+    // Only the bare name of a record is accepted: the journal must not be able to name files elsewhere.
     if (!NumberOfFileName(LPath(name)) || LFileNameOf(name) != name) {
         LTrace("MoveToSent::TakeUp unreadable journal", m_journal.View());
         return DeleteJournal(m_journal);
@@ -178,13 +188,13 @@ bool MoveToSent::TakeUpJournal() {
     return move.Settle();
 }
 
-// Decides what becomes of a move that was left; false while that cannot be known or done.
+// Commits or undoes the move of a journal (see above); false while this cannot be decided or done.
 bool MoveToSent::Settle() {
     const QueueAnswer queued = m_isQueued(m_sent.audio);
     if (queued == QueueAnswer::Yes) return DeleteJournal(m_journal);
     const bool isMoved = LFile::IsAbsent(m_current.record) && LFile::IsAbsent(m_current.audio) &&
                          !LFile::IsAbsent(m_sent.record) && !LFile::IsAbsent(m_sent.audio);
-    if (!isMoved) return PutBack();  // only what has moved as a whole gets into the queue
+    if (!isMoved) return PutBack();  // only complete moves get into the queue
     if (queued == QueueAnswer::Unknown) return false;
     const DictationRecord record = DictationRecord::Read(m_sent.record);
     if (record.result == LReadResult::Unreadable) return false;

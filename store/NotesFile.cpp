@@ -47,7 +47,7 @@ bool Write(const LPath& notes, std::string_view text) {
 bool Append(const LPath& notes, const LPath& other) {
     std::string text;
     std::string added;
-    // What was not read is not deleted.
+    // An unread file must not be deleted below.
     if (!Read(notes, text) || TryRead(other, added) != LReadResult::Values) return false;
     const bool isWritten = text.ends_with(added) || Write(notes, text + "\r\n\r\n" + added);
     return isWritten && LFile::Delete(other, kMoveWaitMs);

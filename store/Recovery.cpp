@@ -16,22 +16,34 @@
 #include "store/SendToSettings.h"
 #include "store/TakeBack.h"
 
+// Four steps: finish or delete files that were being written; settle the move named by the journal; give each
+// audio in Current a record; bring audio and notes without a record back from Sent. There is no log of
+// operations besides the journal: the names of the files tell (base/LLeftOver.h).
+// Listings serve only to find candidates. Before something is deleted or moved the file itself is asked,
+// since a listed size may be that of a moment before, and a drive that does not answer makes files look
+// absent; a listing that broke off gives no candidates at all. Files are judged by IsAbsent, which is true
+// only when the platform knows that the name does not exist.
+// Bringing a file back never deletes another one: where both places are taken, TakeBack makes a second
+// dictation.
+
 namespace {
 
+// The files of one number in a folder.
 struct Found {
     bool record = false;
     bool notes = false;
     bool audio = false;
-    bool emptyAudio = false;  // not even a header
+    bool emptyAudio = false;  // a file of 0 bytes, without even a header
 };
 
-// A listing's size may be that of a moment before: only the file itself knows that it is empty.
+// Asks the file, since a listed size may be outdated.
 bool IsEmpty(const LPath& path) {
     const LFile file(path, LFile::Open::Read);
     return file.IsOpen() && file.Size() == 0;
 }
 
-// Nothing when the listing broke off: on the strength of half a listing nothing is moved.
+// The dictations of a folder by number; none when the listing broke off, as nothing may be moved on the
+// strength of half a listing.
 std::map<int32_t, Found> ListDictations(const LPath& folder) {
     std::map<int32_t, Found> found;
     const bool isWhole = LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
@@ -51,14 +63,14 @@ std::map<int32_t, Found> ListDictations(const LPath& folder) {
     return found;
 }
 
-// The record is in Sent when a move broke off there; otherwise the audio gets a new one, with the old one's
-// name where another program keeps that from being moved.
+// Gives audio in Current a record: the one in Sent, when a move broke off after moving it; otherwise a new
+// one, with the name of the record in Sent when another program holds that.
 void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64_t now) {
     LTrace("RecoverDictations audio without a record", current.audio.View());
     DictationRecord values;
     if (LFile::Exists(sent.record) && LFile::IsAbsent(sent.audio)) {
         values = DictationRecord::Read(sent.record);
-        if (values.result == LReadResult::Unreadable) return;  // the next start has more luck
+        if (values.result == LReadResult::Unreadable) return;  // left to the next start
         if (TakeBack::Record(sent, current)) WriteSendKeys(current.record, DictationRecord());
     }
     if (!LFile::IsAbsent(current.record)) return;
@@ -68,7 +80,8 @@ void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64
     RepairRecord(current.record, values, recorded > 0 ? recorded : now);
 }
 
-// Audio and notes that lie in Sent without a record belong to a dictation in Current, or have nobody at all.
+// Brings audio and notes back that have no record in Sent: their dictation is in Current, or has lost its
+// record.
 void TakeBackStray(const CurrentUser& user, int32_t number, const Found& found, int64_t now) {
     const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, number);
     const DictationFiles sent = current.InFolder(user.sentFolder);
@@ -81,7 +94,7 @@ void TakeBackStray(const CurrentUser& user, int32_t number, const Found& found, 
     if (found.notes && LFile::Exists(current.record)) TakeBack::Notes(sent, current);
 }
 
-// A change to a settings file that was not finished: "user.dat~" beside "user.dat".
+// Finishes a change of a settings file, given its copy ("user.dat~" beside "user.dat").
 void FinishProfile(const LPath& copy) {
     LProfile::Recover(LPath(copy.View().substr(0, copy.View().size() - 1)));
 }
@@ -90,8 +103,8 @@ void Discard(const LPath& path) {
     LFile::Delete(path);
 }
 
-// Audio that was being rewritten: the old file stands until the new one is complete. Without the old one it
-// is the recording, whole or not.
+// Finishes audio that was being rewritten. The old file stays until the new one is complete, so the new one
+// is wanted only where the old one is absent; it is then the recording, complete or not.
 void FinishAudio(const LPath& rewritten) {
     if (!NumberOfFileName(rewritten)) return;
     const LPath audio = rewritten.WithExtension(".wav");
@@ -111,11 +124,12 @@ constexpr LeftOver kAnywhere[] = {
     {LLeftOver::kNotes, NotesFile::RecoverUnfinished},
     {LLeftOver::kJournal, Discard},
 };
-// In Sent, files of this name belong to the send thread.
+// In Current only: in Sent, files of this name belong to the send thread.
 constexpr LeftOver kInCurrent[] = {{LLeftOver::kAudio, FinishAudio}};
 
 void Finish(const LPath& folder, std::span<const LeftOver> kinds) {
-    std::vector<std::pair<const LeftOver*, LPath>> found;  // dealt with when the listing has ended
+    // Treated after the listing, which must not see the changes.
+    std::vector<std::pair<const LeftOver*, LPath>> found;
     LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
         const std::string_view extension = LSplitPath(entry.name).extension;
         for (const LeftOver& kind : kinds) {

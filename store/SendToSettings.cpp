@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr uint32_t kVersion = 1;  // written; 0 has no flags and no encryption password
+constexpr uint32_t kVersion = 1;  // written; version 0 has neither flags nor encryption password
 constexpr size_t kFileBytes = 1964;
 constexpr size_t kOldFileBytes = 1896;
 constexpr size_t kNameBytes = 32;

@@ -11,8 +11,9 @@
 #include "base/LWaveFileFormat.h"
 #include "store/CurrentUser.h"
 
-// A typist: the way of delivery and the file format. One binary record file for each, "rec%d.dat" in the
-// user's folder, 1964 bytes (docs/file-formats.md).
+// A recipient (typist): way of delivery and file format. One binary file for each, "rec%d.dat" in the user's
+// folder, 1964 bytes (docs/file-formats.md).
+// Errors: Load and Save return false (traced).
 // Thread: one at a time; the send thread loads its own.
 struct SendToSettings {
     enum class Method : uint32_t { Email = 0, Folder = 1, Ftp = 2 };
@@ -21,7 +22,7 @@ struct SendToSettings {
 
     uint32_t flags = 0;
     std::string name = "Untitled";
-    uint32_t method = 0;  // as in the file; other values than Method's are "undefined method"
+    uint32_t method = 0;  // a Method; any other value is kept and shown as "undefined method"
     std::string emailAddress;
     std::string folder;
     std::string ftpHost;
@@ -34,14 +35,14 @@ struct SendToSettings {
     bool Encrypts() const { return (flags & kEncrypt) != 0; }
     bool SendsWave() const { return (flags & kSendWave) != 0; }
 
-    // False (traced) when the file cannot be opened, is too short or is of a newer version; the values then
-    // stay as they were.
+    // False when the file cannot be opened, is too short or is of a newer version; the values are then
+    // unchanged.
     bool Load(const LPath& path);
     bool Load(LReadStream& stream);
-    // Creates or replaces the file; a failure leaves the old one.
+    // Creates or replaces the file; on failure the old one stays.
     bool Save(const LPath& path) const;
-    // Ends a Save that was cut off, given the path of what it left: a complete file becomes the recipient's
-    // where he has none, everything else goes.
+    // Finishes a Save that was cut off, given the path of its unfinished file: a complete one becomes the
+    // recipient's file where he has none; otherwise it is deleted.
     static void RecoverUnfinished(const LPath& unfinished);
     // The 1964 bytes of the file; texts that are too long for their fields are cut.
     std::vector<uint8_t> ToBytes() const;
@@ -49,15 +50,15 @@ struct SendToSettings {
 
 LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index);
 
-// "<name> DEFAULT (<address>)", the word only for the default recipient.
+// "<name> DEFAULT (<address>)"; "DEFAULT" only for the default recipient.
 std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
 
-// The same of a user's recipient by its index, what the list of recipients and a sent dictation say of one; a
-// record that cannot be loaded is told by its number.
+// The same for a user's recipient by index, as the list of recipients and the record of a sent dictation show
+// it; "Recipient 2" when the file cannot be loaded.
 std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
-// How many recipients the user has.
+// Number of the user's recipients.
 int32_t RecipientCount(const LPath& userFile);
-// The index of the user's default recipient; nothing when he has no recipients or the default is past their
-// end, and then nothing can be sent.
+// Index of the user's default recipient; nothing, so that nothing can be sent, when he has no recipients or
+// the index is beyond their number.
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile);

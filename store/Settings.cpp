@@ -8,7 +8,8 @@
 namespace Settings {
 
 constexpr int32_t kDaySeconds = 86400;
-constexpr char kAbsent[] = "\x01";  // no value can be this
+// Default that marks a missing key: a control byte cannot be a value.
+constexpr char kAbsent[] = "\x01";
 
 int64_t ReadNumber(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue) {
     const std::string text = LProfile::Read(file, section, key, {});
@@ -49,7 +50,7 @@ bool WriteText(const LPath& file, std::string_view section, std::string_view key
 }
 
 int32_t ParseTime(std::string_view text) {
-    constexpr int64_t kMost = 1 << 30;  // keeps the sum far from the top of its range, whatever is written
+    constexpr int64_t kMost = 1 << 30;  // limits each field, so that the sum cannot overflow with any text
     int64_t fields[3] = {};
     size_t field = 0;
     for (char c : text) {
@@ -77,7 +78,8 @@ void WriteDateTime(const LPath& file, std::string_view section, std::string_view
         LFormat("%.2d/%.2d/%.2d-%.2d:%.2d:%.2d", c.day, c.month, c.year % 100, c.hour, c.minute, c.second));
 }
 
-// Rubbish read as 0 dB would stop voice-activated recording from ever hearing anything.
+// Invalid text gives the default, not 0 dB: with a threshold of 0 dB, voice activation would never hear
+// anything.
 int8_t ReadLevel(const LPath& file, std::string_view section, std::string_view key, int8_t defaultDb) {
     return LParseLevel(LProfile::Read(file, section, key, {})).value_or(defaultDb);
 }
@@ -95,7 +97,8 @@ void MoveListItem(const LPath& file, std::string_view section, std::string_view 
     const std::string from = ListItemKey(prefix, source, suffix);
     const std::string to = ListItemKey(prefix, destination, suffix);
     const std::string value = LProfile::Read(file, section, from, kAbsent);
-    // The destination first: what is there twice can be told, what is nowhere is lost.
+    // The destination is written first: a value that is there twice is recognised, one that is nowhere is
+    // lost.
     if (value == kAbsent) {
         LProfile::Delete(file, section, to);
     } else {

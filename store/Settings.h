@@ -7,8 +7,10 @@
 #include "base/LLevel.h"
 #include "base/LPath.h"
 
-// Typed accessors to INI-style settings files. Nothing is cached: each call asks the file.
-// Errors: a read of what is missing yields the default; a failed write of a text returns false, others are ignored.
+// Typed accessors to INI-style settings files. Nothing is cached: each call reads the file, so two programs
+// see the same settings.
+// Errors: a missing key gives the default. A failed write of a text returns false; other failed writes are
+//         ignored.
 // Thread: any.
 namespace Settings {
 
@@ -26,24 +28,24 @@ using LevelKey = Key<int8_t>;
 
 using ::kSilenceDb;
 
-// Signed decimal; an empty or absent value yields the default.
+// A signed decimal number, clamped to 32 bits; an empty or missing value gives the default.
 int32_t ReadInt(const LPath& file, std::string_view section, std::string_view key, int32_t defaultValue);
 void WriteInt(const LPath& file, std::string_view section, std::string_view key, int32_t value);
-// Decimal as above in 64 bits: seconds since 1970, and user numbers, which have 32 bits without a sign.
+// The same in 64 bits: for seconds since 1970, and for user numbers, which are unsigned 32-bit.
 int64_t ReadNumber(const LPath& file, std::string_view section, std::string_view key, int64_t defaultValue);
 void WriteNumber(const LPath& file, std::string_view section, std::string_view key, int64_t value);
-// True exactly when the value begins with "t"; absent yields the default, an empty value is false.
+// True exactly when the value begins with a small "t"; a missing key gives the default, an empty value false.
 bool ReadBool(const LPath& file, std::string_view section, std::string_view key, bool defaultValue);
 void WriteBool(const LPath& file, std::string_view section, std::string_view key, bool value);
 std::string ReadText(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view defaultText);
 bool WriteText(const LPath& file, std::string_view section, std::string_view key, std::string_view text);
-// "hh:mm:ss"; what exceeds 86400 seconds is reduced modulo 86400.
+// A time of day "hh:mm:ss", in seconds; a value above 86400 is reduced modulo 86400.
 int32_t ReadTime(const LPath& file, std::string_view section, std::string_view key, int32_t defaultSeconds);
 void WriteTime(const LPath& file, std::string_view section, std::string_view key, int32_t seconds);
-// "dd/mm/yy-hh:mm:ss" of a moment in seconds since 1970, with no time-zone shift.
+// "dd/mm/yy-hh:mm:ss" of a time in seconds since 1970, without a time-zone shift.
 void WriteDateTime(const LPath& file, std::string_view section, std::string_view key, int64_t time);
-// "-20dB", or "--dB" for -127 dB and below; what is no level at all yields the default.
+// A level, "-20dB", or "--dB" for -127 dB and below; text that is no level gives the default.
 int8_t ReadLevel(const LPath& file, std::string_view section, std::string_view key, int8_t defaultDb);
 void WriteLevel(const LPath& file, std::string_view section, std::string_view key, int8_t levelDb);
 
@@ -73,16 +75,16 @@ inline void Write(const LPath& file, const LevelKey& k, int8_t levelDb) {
     WriteLevel(file, k.section, k.key, levelDb);
 }
 
-// The text forms by themselves.
+// The parsers by themselves, for values from other sources.
 bool ParseBool(std::string_view text);
 int32_t ParseTime(std::string_view text);
 
 // Numbered lists inside one section: the count under "<prefix>count", the items under "<prefix><i><suffix>".
-// A count may promise anything, so a list ends at so many missing items in a row.
+// The count is not trusted: reading a list ends after this number of missing items in a row.
 inline constexpr int32_t kLargestGap = 16;
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix = {});
-// Takes the value of one item away and gives it to another; an item without a key leaves none. Whenever the
-// program ends, the value is under one key or under both.
+// Moves the value of an item to another index; without a value at the source, the destination is deleted. The
+// end of the program at any moment leaves the value under one key or under both.
 void MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
                   int32_t source, std::string_view suffix = {});
 void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,

@@ -2,8 +2,8 @@
 
 #include "store/Settings.h"
 
-// Every key of the settings files with its section and its default. The namespace says in which file a key
-// lives; a key never moves between files.
+// Every key of the settings files with its section and default. The namespace tells the file of a key; a key
+// never moves between files.
 
 // The settings file, shared by all users of the machine.
 namespace SettingsKeys {
@@ -57,7 +57,7 @@ inline constexpr BoolKey kDockAutoSend{"settings", "dockautosend", false};
 inline constexpr IntKey kAutoDeleteDays{"settings", "autodeletedays", 30};  // 0: never
 inline constexpr IntKey kWarnBelowMb{"settings", "warnbelowmb", 32};
 
-// The two fields that are asked when a dictation is made.
+// The two fields that the user is asked for when a dictation is made.
 struct PromptKeys {
     BoolKey prompt;
     TextKey text;

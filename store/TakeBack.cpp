@@ -10,7 +10,8 @@
 
 namespace TakeBack {
 
-// A folder of a file's name is none of a dictation's files.
+// Whether there is no such file. A folder that has the name does not count as one.
+
 static bool IsNone(const LPath& sent) {
     return LFile::IsAbsent(sent) || LFile::IsFolder(sent);
 }
@@ -21,7 +22,8 @@ static bool Move(const LPath& sent, const LPath& current) {
     return false;
 }
 
-// Cut off between the two steps it leaves audio without a record, which the next start lists.
+// Makes a dictation from audio whose place is taken. Cut off between moving the audio and writing the record,
+// it leaves audio without a record, which the next start repairs.
 static bool MakeOwnDictation(const CurrentUser& user, const LPath& audio, const std::string& name) {
     const std::optional<int32_t> number = NextDictationNumber(user);
     if (!number) return false;
