@@ -69,7 +69,7 @@
 #define IDC_LEVEL_RIGHT   410
 #define IDC_SENDLABEL     411
 
-// Controls of the small dialogs
+// Controls of the small dialogs; a decade for each
 #define IDC_PROGRESS_STATUS   501
 #define IDC_PROGRESS_BAR      502
 #define IDC_CHOOSE_LIST       511
@@ -101,7 +101,7 @@
 #define WM_SELECTIONMOVED 0x8003
 #define WM_HOLDBUTTON     0x8004
 
-// Command indexes: what pedals, hot keys and dictation microphones are mapped to
+// Command indexes: the commands that pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0
 #define CI_OPEN             1
 #define CI_MINIMIZE         2

@@ -13,8 +13,8 @@ namespace {
 
 static_assert(sizeof(WAVEFORMATEX) == LWaveFileFormat::kFixedSize);
 
-// A format as the chooser wants it: it reads as many extra bytes as the record says, and may write into the
-// whole buffer.
+// A format as the platform's structure, in a buffer of the full 1024 bytes: the chooser reads as many extra
+// bytes as the structure states, and may write into the whole buffer.
 class AcmRecord {
 public:
     explicit AcmRecord(const LWaveFileFormat& format) : m_bytes() {

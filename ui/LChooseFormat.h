@@ -3,11 +3,12 @@
 #include "base/LWaveFileFormat.h"
 #include "ui/LWin.h"
 
-// Whether a format can be made on this machine.
+// Whether a codec of this machine writes the format.
 using LFormatTest = bool (*)(const LWaveFileFormat& format);
 
-// Shows the platform's format chooser, beginning with the given format; with channels other than 0 only
-// formats of so many. A format that the test refuses is told in a warning box, and the chooser shown again.
-// False, with the format as it was, when the user cancels or there is no chooser (traced). Thread: the window
-// thread.
+// Shows the platform's format chooser (Audio Compression Manager), beginning with the given format. channels:
+// number of channels to which the list is limited, 0 for no limit. A format that the test refuses is reported
+// in a warning box, and the chooser is shown again.
+// Errors: false, with the format unchanged, when the user cancels or the chooser cannot be shown (traced).
+// Thread: the window thread.
 bool LChooseFormat(HWND owner, LWaveFileFormat& format, uint16_t channels, LFormatTest isSupported);

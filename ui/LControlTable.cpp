@@ -5,13 +5,19 @@
 
 #include "base/LText.h"
 
+// A page is a table of rows in place of code for each control. A value counts as changed when the control
+// shows another one than just after loading; comparing with the stored value would not do, since a control
+// cannot show every stored value (a number that is in no list, a text longer than its limit), and such a
+// value must stay until the user replaces it.
+
 namespace {
 
 using Kind = LControlRow::Kind;
 
+// The length of "-2147483648".
 constexpr WPARAM kMostNumberCharacters = 11;
 
-// A whole number and nothing else, blanks around it aside.
+// Parses a text that holds one whole number and nothing else but blanks around it.
 std::optional<LControlValue> ParseNumber(std::string_view text) {
     while (!text.empty() && LIsBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && LIsBlank(text.back())) text.remove_suffix(1);
@@ -21,6 +27,7 @@ std::optional<LControlValue> ParseNumber(std::string_view text) {
     return LControlValue{number, {}};
 }
 
+// Selects the item that stands for a value; no item when there is none.
 void SelectListItem(HWND list, int32_t value) {
     const auto count = static_cast<WPARAM>(SendMessageA(list, CB_GETCOUNT, 0, 0));
     WPARAM item = 0;
@@ -107,6 +114,7 @@ bool LControlTable::IsInRange(size_t row, const LControlValue& value) const {
     return r.kind != Kind::Number || (value.number >= r.least && value.number <= r.most);
 }
 
+// The value of a row when the user changed it and it can be accepted.
 std::optional<LControlValue> LControlTable::Changed(size_t row) const {
     std::optional<LControlValue> shown = Shown(row);
     return shown != m_loaded[row] && shown && IsInRange(row, *shown) ? shown : std::nullopt;

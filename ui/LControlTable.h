@@ -9,10 +9,10 @@
 #include "base/LProfile.h"
 #include "ui/LDBEdit.h"
 
-constexpr int32_t kMostSettingBytes = LProfile::kMaxText;  // of a text in a settings file
+constexpr int32_t kMostSettingBytes = LProfile::kMaxText;  // length of a text in a settings file
 
-// What a control edits: a text, or the number behind a tick (0 or 1), a choice, a level in dB or a number
-// field.
+// The value of a control: a text, or a number (of a check box 0 or 1, of radio buttons or a list the value of
+// the choice, a level in dB, or the number in an edit field).
 struct LControlValue {
     int32_t number = 0;
     std::string text;
@@ -20,19 +20,20 @@ struct LControlValue {
     bool operator==(const LControlValue&) const = default;
 };
 
+// A radio button and the value it stands for.
 struct LRadioButton {
     int control;
     int32_t value;
 };
 
-// One row of a page: how a control, or a group of radio buttons, edits its value.
+// One row of a page: a control, or a group of radio buttons, and its kind of value.
 struct LControlRow {
     enum class Kind { Text, Check, Radio, Level, Number, List };
 
     Kind kind;
     int control;
-    int32_t least = 0;  // Number: the smallest that is taken
-    int32_t most = 0;   // Number: the largest; Text: the length in bytes
+    int32_t least = 0;  // Number: the smallest allowed value
+    int32_t most = 0;   // Number: the largest allowed value; Text: the length in bytes
     std::span<const LRadioButton> buttons;
 
     static constexpr LControlRow Text(int control, int32_t mostBytes = kMostSettingBytes) {
@@ -46,11 +47,12 @@ struct LControlRow {
     static constexpr LControlRow Number(int control, int32_t least, int32_t most) {
         return {Kind::Number, control, least, most, {}};
     }
-    // A drop-down list whose items carry their values: LAddListItem.
+    // A drop-down list whose items carry their values; fill it with LAddListItem.
     static constexpr LControlRow List(int control) { return {Kind::List, control, 0, 0, {}}; }
 };
 
-// The rows of a page and where their values live.
+// The rows of a page and the storage of their values: the table reads and writes through this interface, so
+// that the ui knows nothing of settings files.
 class LControlBinding {
 public:
     virtual size_t Count() const = 0;
@@ -62,14 +64,16 @@ protected:
     ~LControlBinding() = default;
 };
 
+// Adds an item to a drop-down list: its text and the value it stands for.
 void LAddListItem(HWND list, const char* text, int32_t value);
 
-// The controls of a dialog that edit the values of a binding. A value that no list item or radio button
-// stands for shows none of them, and stays until the user chooses one. Only what was changed is judged and
-// written.
+// The controls of a dialog that edit the values of a binding. Only values that the user changed are checked
+// and written; a stored value that no list item or radio button stands for shows no choice, and stays until
+// the user makes one.
 // Thread: the window thread.
 class LControlTable {
 public:
+    // A value that cannot be accepted: its control, and a sentence for the user.
     struct Problem {
         int control;
         std::string text;
@@ -77,19 +81,19 @@ public:
 
     explicit LControlTable(LControlBinding& binding) : m_binding(binding) {}
 
-    // Shows the values; the controls exist and their lists are filled.
+    // Shows the values. Precondition: the controls exist and their lists are filled.
     void Load(HWND dialog);
-    // Whether a notification of a control tells that the user changed a value.
+    // Whether a notification code of a control means that the user changed a value.
     bool IsChange(int control, int notification) const;
-    // The first changed value that cannot be taken, in words for the user. A control that is disabled is not
-    // judged; what it cannot hold is then not written.
+    // The first changed value that cannot be accepted. Disabled controls are not checked; an invalid value in
+    // one of them is not written.
     std::optional<Problem> FindProblem() const;
     // Writes the changed values.
     void Store();
 
 private:
     bool IsInRange(size_t row, const LControlValue& value) const;
-    // Nothing when no button or item is chosen, or what was typed is no number.
+    // The value that the control shows; nothing when no button or item is chosen, or the text is no number.
     std::optional<LControlValue> Shown(size_t row) const;
     void Show(size_t row, const LControlValue& value);
     std::optional<LControlValue> Changed(size_t row) const;
@@ -97,6 +101,6 @@ private:
 
     LControlBinding& m_binding;
     HWND m_dialog = nullptr;
-    std::vector<std::optional<LControlValue>> m_loaded;  // as the controls showed it
+    std::vector<std::optional<LControlValue>> m_loaded;  // the values as shown after loading or storing
     std::unique_ptr<LDBEdit[]> m_levels;  // one for each row; attached where the row is a level
 };

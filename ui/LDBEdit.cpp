@@ -2,7 +2,9 @@
 
 #include "base/LArith.h"
 
+// Room for a level with blanks around it.
 constexpr WPARAM kMostCharacters = 16;
+// Characters that can be typed.
 constexpr std::string_view kTyped = "0123456789+- dDbB";
 
 void LDBEdit::Attach(HWND edit, int8_t levelDb) {
@@ -34,7 +36,8 @@ void LDBEdit::SetLevel(int32_t levelDb) {
 
 bool LDBEdit::HandleKey(UINT message, WPARAM key) {
     if (message == WM_CHAR) {
-        // Control characters edit (backspace, copy and paste); what is pasted is judged when the focus leaves.
+        // Control characters are editing keys (backspace, copy, paste); pasted text is checked when the focus
+        // leaves.
         if (key < ' ' || (key <= 0x7F && kTyped.find(static_cast<char>(key)) != kTyped.npos)) return false;
         MessageBeep(MB_OK);
         return true;

@@ -5,10 +5,12 @@
 #include "base/LLevel.h"
 #include "ui/LWin.h"
 
-// Makes a dialog's edit control edit a level ("-20dB", or "--dB" for no signal). What is typed may leave "dB"
-// out; when the focus leaves, a level is written in full, and anything else gives way to the level before. Up
-// and Down change it by 1 dB.
-// Attach it once the control exists. Either may go first; the level stays. Thread: the window thread.
+// Makes an edit control of a dialog edit a level ("-20dB", or "--dB" for no signal). The user may leave out
+// "dB"; when the control loses the focus it shows a level in full, or again the level before the editing if
+// the text is none. The Up and Down keys change the level by 1 dB.
+// Object and control may be destroyed in either order; the object keeps the level.
+// Units:  dB, -127 to 127.
+// Thread: the window thread.
 class LDBEdit {
 public:
     LDBEdit() = default;
@@ -16,11 +18,12 @@ public:
     LDBEdit(const LDBEdit&) = delete;
     LDBEdit& operator=(const LDBEdit&) = delete;
 
+    // Subclasses an existing control and shows the level.
     void Attach(HWND edit, int8_t levelDb);
 
-    // What the control shows now; while that is no level, the one it showed before it was edited.
+    // The level that the control shows; while its text is none, the level before the editing.
     int8_t Level() const;
-    void SetLevel(int32_t levelDb);  // held within -127 to 127
+    void SetLevel(int32_t levelDb);  // clamped to -127 to 127
 
 private:
     static LRESULT CALLBACK EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

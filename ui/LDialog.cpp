@@ -2,10 +2,15 @@
 
 #include "base/LTrace.h"
 
+// The window's user data (DWL_USER) points to the object and is cleared when either of them ends, so a late
+// message never reaches a destroyed object. The result of a modal dialog is kept in the object: the
+// platform's own answer is IDOK when a quit message ends the dialog, and the question would count as
+// confirmed.
+
 LDialog::~LDialog() {
     if (m_window == nullptr) return;
     const HWND window = m_window;
-    SetWindowLongA(window, DWL_USER, 0);  // the object is half gone: no more virtual calls
+    SetWindowLongA(window, DWL_USER, 0);  // the derived part is destroyed: no more virtual calls
     m_window = nullptr;
     if (m_isModal)
         EndDialog(window, -1);
@@ -29,7 +34,7 @@ INT_PTR LDialog::RunModal(int resource, HWND owner) {
     }
     m_isModal = true;
     m_modalResult = -1;
-    // The platform's own result is OK when a quit message ends the dialog.
+    // The result is m_modalResult, not the platform's (see above).
     if (DialogBoxParamA(LInstance(), MAKEINTRESOURCEA(resource), owner, DialogProc,
                         reinterpret_cast<LPARAM>(this)) == -1)
         LTrace("LDialog::RunModal DialogBoxParam FAILED");
@@ -42,6 +47,7 @@ void LDialog::EndModal(INT_PTR result) {
     EndDialog(m_window, result);
 }
 
+// Default: OK and Cancel end a modal dialog with their identifier.
 bool LDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
     const WORD control = LOWORD(wParam);
     if (!m_isModal || message != WM_COMMAND || (control != IDOK && control != IDCANCEL)) return false;
@@ -69,7 +75,7 @@ INT_PTR CALLBACK LDialog::DialogProc(HWND window, UINT message, WPARAM wParam, L
         return FALSE;
     }
     if (!handled) return FALSE;
-    // Colours of controls are returned directly; everything else through the window's result.
+    // The messages WM_CTLCOLOR... return a brush directly, all others by DWL_MSGRESULT.
     if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) return static_cast<INT_PTR>(result);
     SetWindowLongA(window, DWL_MSGRESULT, static_cast<LONG>(result));
     return TRUE;

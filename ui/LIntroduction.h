@@ -4,7 +4,8 @@
 
 #include "ui/LDialog.h"
 
-// A sequence of pages of help text, shown beside the main window after an installation.
+// Pages of help text with Back and Next, shown beside the main window after an installation. The pages must
+// outlive the object. Thread: the window thread.
 class LIntroduction final : public LModelessDialog {
 public:
     struct Page {

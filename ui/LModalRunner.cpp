@@ -5,7 +5,14 @@
 
 #include "ui/LProgressDialog.h"
 
-// Stands as long as it lives.
+// Every box, dialog and process of the main window runs inside a Stay object, so one stack tells at any time
+// which kind is open. The kinds must be told apart: while a box is open the transport's commands pass,
+// because a user who dictates with a pedal may not look at the window; while a process runs only stopping and
+// closing pass, since it works on the dictation's files.
+// Texts that arise inside a command or a list's notification are not shown at once: a box there would run
+// messages in the middle of it.
+
+// An entry of the stack. The end of the outermost one posts the requests that waited for it.
 class LModalRunner::Stay {
 public:
     Stay(LModalRunner& runner, Standing what) : m_runner(runner) { m_runner.m_standing.push_back(what); }
@@ -63,7 +70,7 @@ void LModalRunner::TellLater(std::string_view text) {
 }
 
 void LModalRunner::ShowLater() {
-    if (What() != Standing::Nothing) return;  // the end of what stands posts the message again
+    if (What() != Standing::Nothing) return;  // the end of the outermost Stay posts the message again
     for (const std::string& text : std::exchange(m_later, {})) Tell(text);
 }
 
@@ -74,7 +81,7 @@ LModalRunner::Standing LModalRunner::What() const {
 
 bool LModalRunner::TakeClose() {
     if (What() != Standing::Process) {
-        m_closeWanted = false;  // taken: who refuses it after all goes on
+        m_closeWanted = false;  // taken: if its receiver refuses after all, commands work again
         return true;
     }
     m_closeWanted = true;

@@ -4,9 +4,15 @@
 
 #include "res/Ids.h"
 
+// The operation stays on the window thread, so it may use everything that belongs to this thread without
+// locks; in return it must call its context often enough for the window to answer. Commands that arrive
+// through the messages are refused by their receivers (LModalRunner), because the owner's disabling stops
+// only mouse and keyboard.
+
 constexpr DWORD kShowAfterMs = 300;
 constexpr int kBarSteps = 1000;
 
+// Operations can be nested; a cancel for all holds until the outermost has ended.
 static int s_running = 0;
 static bool s_cancelAll = false;
 
@@ -24,7 +30,8 @@ LProgressDialog::LProgressDialog(HWND owner, std::string_view title)
 }
 
 LProgressDialog::~LProgressDialog() {
-    // The owner first: were the dialog gone before, another program's window would become active.
+    // The owner is enabled before the dialog is destroyed; otherwise the platform would activate a window of
+    // another program.
     if (m_ownerWasEnabled && IsWindow(m_owner)) EnableWindow(m_owner, TRUE);
     Close();
     if (--s_running == 0) s_cancelAll = false;
@@ -38,7 +45,7 @@ ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_vi
         result = process.Process(dialog);
         error = dialog.m_error;
     }
-    // The owner may have gone meanwhile; the user is told all the same.
+    // Without its owner the box is shown all the same.
     if (!error.empty())
         LMessageBox(IsWindow(owner) ? owner : nullptr, error, "Error", MB_OK | MB_ICONEXCLAMATION);
     return result;
@@ -78,7 +85,7 @@ void LProgressDialog::SetStatus(std::string_view text) {
 
 void LProgressDialog::Pump() {
     if (!m_isShown && GetTickCount() - m_startTick >= kShowAfterMs) {
-        m_isShown = true;  // tried once: whatever took its window away, the operation goes on without one
+        m_isShown = true;  // tried once; if the window cannot be created the operation goes on without it
         if (Create(IDD_PROGRESS, IsWindow(m_owner) ? m_owner : nullptr)) ShowWindow(Window(), SW_SHOW);
     }
     if (IsOpen())
@@ -87,7 +94,8 @@ void LProgressDialog::Pump() {
 
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) {  // the program ends: so does the process; the outer loop must know
+        // The program is to end: the operation is cancelled, and the message is passed on to the outer loop.
+        if (message.message == WM_QUIT) {
             m_cancelled = true;
             PostQuitMessage(static_cast<int>(message.wParam));
             return;

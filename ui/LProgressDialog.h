@@ -5,16 +5,17 @@
 #include "base/LProcess.h"
 #include "ui/LDialog.h"
 
-// Runs a long operation on the calling thread under a modeless dialog. Between its steps the operation
-// updates the dialog and the thread's messages are pumped, so the windows repaint and Cancel can be pressed;
-// the owner is disabled meanwhile, so no command can disturb the operation. A short operation shows no dialog
-// at all: it appears after 300 ms. Thread: the window thread.
+// Runs a long operation on the calling thread under a modeless progress dialog. The operation calls the
+// object between its steps; each call updates the dialog and runs the thread's messages, so windows repaint
+// and Cancel works. The owner is disabled meanwhile. The dialog appears after 300 ms; a shorter operation
+// shows none.
+// Errors: see Run. Thread: the window thread.
 class LProgressDialog final : public LModelessDialog, public ProcessContext {
 public:
-    // Runs the process; an error text that it leaves is shown in a message box titled "Error".
+    // Runs the process; shows its error text, if it leaves one, in a message box with the caption "Error".
     static ProcessResult Run(LProcess& process, HWND owner, std::string_view title);
 
-    // Asks whatever runs to end, as its Cancel button would.
+    // Cancels all running operations, as their Cancel buttons would.
     static void CancelRunning();
 
     bool CancelRequested() override;

@@ -7,7 +7,11 @@
 
 #include "base/LTrace.h"
 
-// The size that the oldest common controls know.
+// A page validates when it loses activation (PSN_KILLACTIVE) and writes when the sheet applies (PSN_APPLY).
+// The platform sends the first to the visible page before the second goes to all, and validates every other
+// page when the user leaves it, so no page is applied that was not validated.
+
+// The first version of the structure: the oldest common controls refuse a larger one.
 static_assert(sizeof(PROPSHEETPAGEA_V1) == 40);
 
 bool LPropertyPage::InitDialog() {
@@ -33,7 +37,7 @@ bool LPropertyPage::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
             result = IsValid() ? FALSE : TRUE;
             return true;
         case PSN_APPLY:
-            // Every page was judged when it was left.
+            // Every page was validated when it was left.
             m_table.Store();
             m_isAccepted = true;
             Accepted();
@@ -55,7 +59,7 @@ bool LPropertyPage::Refuse(int control, std::string_view text) {
     return false;
 }
 
-// The platform passes its own description of the page, which names the object.
+// For a page, WM_INITDIALOG carries the platform's page description, which in turn carries the object.
 INT_PTR CALLBACK LPropertyPage::PageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) lParam = reinterpret_cast<const PROPSHEETPAGEA_V1*>(lParam)->lParam;
     return DialogProc(window, message, wParam, lParam);

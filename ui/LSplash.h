@@ -2,7 +2,8 @@
 
 #include "ui/LDialog.h"
 
-// The splash screen: shown without taking the focus, gone after two seconds or at a click, blocking nothing.
+// The splash screen: shown centred without taking the focus, closed after two seconds or by a click. It
+// blocks nothing. Thread: the window thread.
 class LSplash final : public LModelessDialog {
 public:
     void Show(HWND owner);

@@ -2,8 +2,8 @@
 
 #include "res/Ids.h"
 
-// The control counts characters, and one of a double-byte code page has two bytes: what exceeds the length
-// goes by whole characters.
+// Cuts a text to a number of bytes at a character boundary: the edit control limits characters, and a
+// character of a double-byte code page has two bytes.
 static void CutToBytes(std::string& text, size_t mostBytes) {
     const char* end = text.c_str();
     while (*end != 0) {

@@ -7,13 +7,13 @@
 #include "base/LProfile.h"
 #include "ui/LDialog.h"
 
-// Asks the user for one line of text. Thread: the window thread.
+// Asks the user for one line of text. Units: lengths in bytes. Thread: the window thread.
 class LTextEditDlg final : public LDialog {
 public:
     static constexpr size_t kMostBytes = LProfile::kMaxText;
 
-    // The text is filled in and selected, so that typing replaces it. The answer has at most 259 bytes;
-    // nothing when the user cancels.
+    // Shows the text selected, so that typing replaces it. Returns at most 259 bytes, the longest value of a
+    // settings file; nothing when the user cancels.
     static std::optional<std::string> Ask(HWND owner, std::string_view title, std::string_view question,
                                           std::string_view text);
 

@@ -6,7 +6,8 @@
 
 bool LToolTips::Create(HWND dialog) {
     m_dialog = dialog;
-    // Without an owner: under Wine a visible window that owns another cannot be made top-most.
+    // No owner: under Wine a visible window that owns another window cannot be made top-most, and the main
+    // window's "Float" would have no effect before the next start.
     m_window =
         CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP, CW_USEDEFAULT,
                         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, LInstance(), nullptr);
@@ -17,7 +18,7 @@ bool LToolTips::Create(HWND dialog) {
 void LToolTips::Add(int control, const char* text) {
     if (m_window == nullptr) return;
     TOOLINFOA info = {};
-    info.cbSize = TTTOOLINFOA_V1_SIZE;  // the size that the oldest common controls know
+    info.cbSize = TTTOOLINFOA_V1_SIZE;  // first version: the oldest common controls refuse a larger one
     info.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     info.hwnd = m_dialog;
     info.uId = reinterpret_cast<UINT_PTR>(GetDlgItem(m_dialog, control));

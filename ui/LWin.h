@@ -7,17 +7,18 @@
 
 #include "base/LOwned.h"
 
-// The module instance that every dialog, icon and window class is created from; set once at start-up.
+// The module instance for dialogs, icons and window classes; set once at start-up.
 HINSTANCE LInstance();
 void LSetInstance(HINSTANCE instance);
 
-// Text of a window, and setting it only when it changes (no flicker from timers).
+// The text of a window. Setting an unchanged text does nothing, so that timers cause no flicker.
 std::string LWindowText(HWND window);
 void LSetWindowText(HWND window, std::string_view text);
 
-// A message box owned by a window; text and caption are the program's own.
+// A message box owned by a window.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 
+// Owners of platform handles (base/LOwned.h).
 struct GdiFontTraits {
     using Type = HFONT;
     static Type None() { return nullptr; }
