@@ -2,7 +2,7 @@
 
 #include "store/CurrentUser.h"
 
-// What start-up finds out and everything later needs: where the data lie and who dictates.
+// Results of the start-up that the whole window uses: the data folder and the dictating user.
 // Thread: the window thread.
 struct AppState {
     DataFolder data;

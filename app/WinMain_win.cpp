@@ -17,6 +17,12 @@
 #include "store/DataFolder_win.h"
 #include "ui/LProgressDialog.h"
 
+// The order of the start: decide between installer, program and second instance (StartUpPlan), then as the
+// program: data folder, user, main window, message loop. A mutex is held from the search for another
+// instance's window until this one's window exists.
+// The process runs in the high priority class: the recorder's thread must not starve while other programs
+// work.
+
 namespace {
 
 constexpr char kMainTitle[] = "Corvane";
@@ -37,8 +43,8 @@ struct MutexTraits {
     static void Close(Type h) { CloseHandle(h); }
 };
 
-// Lets only one instance at a time be between looking for a window and having one: two quick double clicks
-// must not start the program twice.
+// Holds a mutex between looking for a window and having one: two quick double clicks must not start the
+// program twice. An instance that waits longer than ten seconds goes on without it.
 class StartingGate {
 public:
     StartingGate() : m_mutex(CreateMutexA(nullptr, FALSE, "Corvane.Starting")) {
@@ -70,7 +76,8 @@ uint32_t InstallMarkerOf(const LPath& executable) {
     return file.IsOpen() ? ReadInstallMarker(file) : 0;
 }
 
-// A maximized window stays so: restoring it would take its size away.
+// Shows the window of the first instance. Only a minimized one is restored: restoring a maximized one would
+// take its size away.
 void Activate(HWND window) {
     if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
     SetForegroundWindow(window);
@@ -91,7 +98,8 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
     LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles", request.folder.View());
 }
 
-// Two threads must not meet in the first use of these: on Windows 95 the library's guard of it fails.
+// Creates the objects that two threads share before there are two: the run-time library's guard of local
+// statics does not work on Windows 95.
 void MakeShared() {
     Kernels();
     LProfileLock();
@@ -115,7 +123,7 @@ void Run(StartingGate& gate) {
     dialog.SetStartTick(GetTickCount());
     dialog.OnCreated([&gate] { gate.Open(); });
     dialog.RunMessageLoop(IDD_MAIN);
-    // A delivery that hangs in the network must not keep the program alive: its entry is still in the queue
+    // A delivery that hangs in the network must not keep the process alive: its entry is still in the queue
     // and is sent after the next start.
     if (!dialog.SendThreadEnded()) ExitProcess(0);
 }

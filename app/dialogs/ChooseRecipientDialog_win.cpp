@@ -8,16 +8,16 @@
 
 namespace {
 
-constexpr int kMostRecipients = 1000;  // whatever number a damaged user file may hold
+constexpr int kMostRecipients = 1000;  // bound for the number in a damaged user file
 
-// The user's recipients by description; the default one is chosen at first.
+// The list of the user's recipients by description.
 class ChooseRecipientDialog final : public LDialog {
 public:
     explicit ChooseRecipientDialog(const AppState& state) : m_state(state) {}
     int Chosen() const { return m_chosen; }
 
 private:
-    // What cannot be read is not offered, so an item carries the recipient's index.
+    // Recipients that cannot be read are left out, so each item carries its recipient's index.
     bool InitDialog() override {
         const int count = std::min<int>(RecipientCount(m_state.user.userFile), kMostRecipients);
         const std::optional<int32_t> defaultIndex = DefaultRecipientIndex(m_state.user.userFile);

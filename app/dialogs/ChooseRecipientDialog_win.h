@@ -3,6 +3,7 @@
 #include "app/AppState.h"
 #include "ui/LModalRunner.h"
 
-// Lets the user choose a recipient from the list of his; the default one is chosen at first. The index, -1 when he
-// cancels. Thread: the window thread.
+// Lets the user choose one of his recipients, the default one being preselected. Stops the transport first.
+// Returns the recipient's index, -1 when the user cancels.
+// Thread: the window thread.
 int AskForRecipient(const AppState& state, LModalRunner& runner);

@@ -2,7 +2,7 @@
 
 #include "ui/LIntroduction.h"
 
-// Shown once, when the installer starts the freshly installed program.
+// The texts of the introduction, shown once, when the installer starts the program.
 constexpr LIntroduction::Page kIntroductionPages[] = {
     {"Welcome",
      "Thank you for installing Corvane.\n\n"

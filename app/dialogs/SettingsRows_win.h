@@ -7,16 +7,16 @@
 #include "store/Settings.h"
 #include "ui/LControlTable.h"
 
-// One row of a settings page: a control and the key whose value it edits.
+// One row of a settings page: a control, and the settings key whose value it edits.
 struct SettingsRow {
     LControlRow control;
     std::variant<Settings::IntKey, Settings::BoolKey, Settings::TextKey, Settings::LevelKey> key;
 };
 
-// The rows of a settings page, bound to the values of one settings file. Thread: the window thread.
+// Binds the rows of a settings page to the values of one settings file. Thread: the window thread.
 class SettingsRows final : public LControlBinding {
 public:
-    // The table outlives the object.
+    // rows must outlive the object.
     SettingsRows(const LPath& file, std::span<const SettingsRow> rows) : m_file(file), m_rows(rows) {}
 
     size_t Count() const override { return m_rows.size(); }

@@ -6,6 +6,13 @@
 #include "audio/wave/LWaveFile.h"
 #include "store/SettingsKeys.h"
 
+// A thin layer over LSoundPlayer: it makes the source (winding wraps the file's source in a WindSource, which
+// jumps from snippet to snippet), and translates frames of that source into milliseconds of the dictation.
+// While winding, the player counts frames of the WindSource; only that source knows the place in the
+// dictation.
+// Stop asks for the position after Pause and before the player stops: then nothing more is heard, and the
+// next recording or playback goes on exactly there.
+
 Playback::Playback(const LPath& settingsFile, Owner& owner)
     : m_settingsFile(settingsFile), m_owner(owner), m_player(*this) {}
 
@@ -58,7 +65,7 @@ Playback::Result Playback::Start(const LSoundSource& source, Activity activity, 
 
 void Playback::Stop() {
     if (m_activity == Activity::Stopped) return;
-    m_player.Pause();  // nothing more is heard, and the position is that of the last sound
+    m_player.Pause();  // no sound is heard after this, so the position is final
     m_owner.PlaybackPosition(PositionMs(m_player.PositionFrames()));
     m_player.Stop();
     m_activity = Activity::Stopped;
@@ -89,6 +96,7 @@ void Playback::OnPlayLevel() {
     m_owner.PlaybackLevel(left, m_player.GetLevelChannels() > 1 ? m_player.LevelDb(1) : left);
 }
 
+// The player has ended by itself.
 void Playback::OnPlayStopped() {
     if (m_activity == Activity::Stopped) return;
     Ending ending = IsPlaying() ? Ending::PlayedToEnd : Ending::Wound;

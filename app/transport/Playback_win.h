@@ -6,8 +6,10 @@
 #include "audio/device/LSoundPlayer_win.h"
 #include "base/LPath.h"
 
-// Plays and winds one dictation's audio. Holds the file open only while it runs.
-// Units: milliseconds of the dictation, whatever the speed. Thread: the window thread.
+// Plays and winds the audio of one dictation. The file is open only while it runs.
+// Units:  milliseconds of the dictation at normal speed, for every speed of playing.
+// Errors: as Result and Ending; the owner tells the user.
+// Thread: the window thread, on which the player's messages arrive too.
 class Playback final : private LSoundPlayerNotify {
 public:
     enum class Result { Started, NothingToPlay, CannotRead, NoDevice };
@@ -18,25 +20,25 @@ public:
         virtual ~Owner() = default;
         virtual void PlaybackPosition(int32_t positionMs) = 0;
         virtual void PlaybackLevel(int8_t leftDb, int8_t rightDb) = 0;
-        // It ended by itself: the end was heard, or the place where winding ends, or the device no longer
-        // answers.
+        // It ended without Stop: the end was heard, winding reached an end of the dictation, or the device no
+        // longer answers.
         virtual void PlaybackEnded(Ending ending) = 0;
     };
 
-    // The settings file names the output device and its volume.
+    // The settings file gives the output device and its volume.
     Playback(const LPath& settingsFile, Owner& owner);
     ~Playback() override;
 
     Result Play(const LPath& audio, int32_t positionMs, PlaySpeed speed);
     Result Wind(const LPath& audio, int32_t positionMs, WindDirection direction);
-    // The owner is told where the sound was last heard.
+    // Stops; before that the owner gets the position of the last sound that was heard.
     void Stop();
 
     bool IsPlaying() const { return m_activity == Activity::Playing; }
     bool IsWinding() const { return m_activity == Activity::Winding; }
     WindDirection Direction() const { return m_direction; }
 
-    // While playing.
+    // These two have an effect only while playing.
     void Seek(int32_t positionMs);
     void SetSpeed(PlaySpeed speed);
 
@@ -54,7 +56,7 @@ private:
     const LPath& m_settingsFile;
     Owner& m_owner;
     LSoundPlayer m_player;
-    LSoundSource m_source;  // what the player was given
+    LSoundSource m_source;  // the source that the player plays
     Activity m_activity = Activity::Stopped;
     WindDirection m_direction = WindDirection::Back;
 };

@@ -13,6 +13,14 @@
 #include "store/SettingsKeys.h"
 #include "store/SoundInput.h"
 
+// Everything that can fail is tried before the old audio is touched: read it, rewrite it beside itself when
+// its layout is not ours, open it for writing (LDeferredSink), and only then the device. The sink cuts the
+// old recording when the first block arrives; a device that starts and delivers nothing, or voice activation
+// that hears no voice, changes nothing.
+// A file that holds no audio is renamed, not overwritten, since it may be all that is left of a dictation.
+// After the end, length and completeness are read from the closed file and not taken from the counters: a
+// full disk shows itself only there.
+
 namespace {
 
 constexpr char kNoDevice[] =
@@ -35,6 +43,7 @@ constexpr char kDeviceLost[] =
     "Everything recorded until then is kept. Please check that the microphone or sound card is connected "
     "before you go on.";
 
+// The range of sampling rates in Hz that is accepted from the settings.
 constexpr int32_t kLowestRate = 1000;
 constexpr int32_t kHighestRate = 192000;
 
@@ -89,7 +98,8 @@ bool Recording::PrepareTarget(RecordMode mode, int32_t positionMs, Target& targe
     return true;
 }
 
-// The format and length of what is there, or those of a new dictation.
+// Finds format and length of the existing audio, or those of a new dictation. False after the user was told
+// why the audio cannot be recorded onto.
 bool Recording::ReadExisting(Target& target) {
     const LPath& audio = target.files.audio;
     LWaveInfo& info = target.info;
@@ -120,6 +130,7 @@ bool Recording::ReadExisting(Target& target) {
     return false;
 }
 
+// Converts audio of another layout or format into ours, beside itself, under a progress dialog.
 bool Recording::Rewrite(Target& target) {
     LRewriteWave rewrite(target.files.audio);
     const ProcessResult result = m_runner.RunProcess(rewrite, "Preparing Dictation");
@@ -161,6 +172,7 @@ bool Recording::StartRecorder() {
     return true;
 }
 
+// Undoes the renaming when nothing was recorded.
 void Recording::PutBackSetAside() {
     if (m_target.setAside.Empty() || LFile::Exists(m_target.files.audio)) return;
     LFile::Move(m_target.setAside, m_target.files.audio);
@@ -206,7 +218,7 @@ void Recording::OnStopped(int32_t) {
         outcome.trouble = kWriteFailed;
     PutBackSetAside();
     outcome.lengthMs = LWaveFile::LengthMs(outcome.files.audio);
-    // The file ends with what was recorded; the next recording continues there.
+    // The recorded passage is the end of the file; the next recording continues there.
     outcome.positionMs = recordedAnything ? outcome.lengthMs : m_target.start.positionMs;
     m_owner.RecordingEnded(outcome);
 }

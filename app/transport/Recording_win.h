@@ -9,16 +9,18 @@
 #include "store/DictationFiles.h"
 #include "ui/LModalRunner.h"
 
-// Records into one dictation: makes its file ready, opens the input, runs the recorder.
-// Units: milliseconds of the dictation. Thread: the window thread.
+// Records into one dictation: prepares its file, opens the input, runs the recorder.
+// Units:  milliseconds of the dictation; levels in dB.
+// Errors: told to the user, those at the start by a box, those during a recording as Outcome::trouble.
+// Thread: the window thread, on which the recorder's messages arrive too.
 class Recording final : private LSoundRecorderNotify {
 public:
-    // What a recording left behind. The file is closed and may be read.
+    // The result of a recording. The file is closed and may be read.
     struct Outcome {
         DictationFiles files;
-        int32_t positionMs = 0;         // the end of what was recorded, or where it would have begun
-        int32_t lengthMs = 0;           // of the whole dictation
-        const char* trouble = nullptr;  // what the user must know
+        int32_t positionMs = 0;  // end of the recorded passage; its planned start when nothing was recorded
+        int32_t lengthMs = 0;    // of the whole dictation
+        const char* trouble = nullptr;  // text for the user; nullptr: none
     };
 
     class Owner {
@@ -26,7 +28,7 @@ public:
         virtual ~Owner() = default;
         virtual void RecordingPosition(int32_t positionMs) = 0;
         virtual void RecordingLevel(int8_t leftDb, int8_t rightDb) = 0;
-        // Voice activation began or ended to wait.
+        // Voice activation started (true) or stopped waiting for the speaker.
         virtual void RecordingWaits(bool isWaiting) = 0;
         virtual void RecordingEnded(const Outcome& outcome) = 0;
     };
@@ -34,25 +36,27 @@ public:
     Recording(const AppState& state, LModalRunner& runner, Owner& owner);
     ~Recording();
 
-    // From a position of the dictation. False after the user was told why not.
+    // Starts at a position of the dictation. May run a long process, and with it messages, when the audio has
+    // to be rewritten. False after the user was told the reason.
     bool Start(const DictationFiles& files, RecordMode mode, int32_t positionMs);
-    // Finishes it properly; the owner is told.
+    // Drains the device and closes the file; the owner gets RecordingEnded before this returns.
     void Stop();
 
     bool IsRunning() const { return m_isRunning; }
-    // Recording, but voice activation still waits for the speaker.
+    // Whether voice activation waits for the speaker.
     bool IsWaiting() const { return m_isRunning && m_isWaiting; }
     const DictationFiles& Files() const { return m_target.files; }
     int32_t StartMs() const { return m_target.start.positionMs; }
 
 private:
-    // What a recording writes into, found out before anything is changed.
+    // The target of a recording, determined before anything is changed.
     struct Target {
         DictationFiles files;
-        LWaveInfo info;  // of the existing audio; format says how to record
+        LWaveInfo info;  // of the existing audio; its format is that of the recording
         RecordStart start;
-        LPath setAside;  // what stood under the audio's name and was no audio; put back unless something is
-                         // recorded
+        // New path of a file that had the audio's name and held no audio; put back unless something is
+        // recorded.
+        LPath setAside;
     };
 
     bool PrepareTarget(RecordMode mode, int32_t positionMs, Target& target);
@@ -72,8 +76,8 @@ private:
     LModalRunner& m_runner;
     Owner& m_owner;
     LSoundRecorder m_recorder;
-    // Of the running recording. The recorder's thread writes to the sink; we hold it to see afterwards what
-    // was taken.
+    // Of the running recording. The recorder's thread writes to the sink; this handle keeps it alive, to ask
+    // it afterwards for the number of frames and errors.
     Target m_target;
     LSoundSink m_sink;
     bool m_isRunning = false;

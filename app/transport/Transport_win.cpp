@@ -8,6 +8,15 @@
 #include "store/SettingsKeys.h"
 #include "ui/LWin.h"
 
+// One position for all activities: recording and playing both report it and continue from it. Recording and
+// Playback do the work; this class holds the rules that connect them, such as playing the passage that was
+// just recorded.
+// Starting a recording can take long (compressed audio is decoded first) and runs messages meanwhile, so the
+// commands that arrive then must find a consistent state: m_isStarting refuses them, and a Stop is remembered
+// and carried out when the recording has started.
+// A selected dictation stands at its end. Position 0 was rejected: with the mode "overwrite" the first press
+// on Record after the start would replace the whole last dictation.
+
 namespace {
 
 constexpr char kCannotPlay[] =
@@ -81,7 +90,7 @@ PlaySpeed Transport::StoredSpeed() const {
 
 bool Transport::Play() {
     if (IsPlaying() || m_isStarting) return false;
-    // After a recording the user hears what was just said.
+    // After a recording the recorded passage is played.
     const bool afterRecording = IsRecording();
     const int32_t recordedFromMs = m_recording.StartMs();
     return Stop() && PlayFrom(PlayStartMs(afterRecording ? recordedFromMs : m_positionMs, m_lengthMs));
@@ -103,7 +112,7 @@ bool Transport::PlayFrom(int32_t positionMs) {
     return Tell(m_playback.Play(m_current.Files()->audio, positionMs, StoredSpeed()));
 }
 
-// Whether it runs. Tells the owner that it does, or the user why it does not.
+// Whether playback runs; reports its start to the owner, or the reason of the failure to the user.
 bool Transport::Tell(Playback::Result result) {
     switch (result) {
         case Playback::Result::Started:
@@ -121,7 +130,8 @@ bool Transport::Tell(Playback::Result result) {
     return false;
 }
 
-// The length of compressed audio may have been an estimate; what is heard is there.
+// The length of compressed audio may be an estimate: a position that was heard proves that the dictation is
+// as long.
 void Transport::PlaybackPosition(int32_t positionMs) {
     m_positionMs = positionMs;
     m_lengthMs = std::max(m_lengthMs, positionMs);
@@ -129,7 +139,8 @@ void Transport::PlaybackPosition(int32_t positionMs) {
 }
 
 void Transport::PlaybackEnded(Playback::Ending ending) {
-    // What was heard to its end is at its end, or the next Play would find nothing there.
+    // Audio that was heard to its end is at its end, even if the length was an estimate; otherwise the next
+    // Play would find nothing to play there.
     if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
     if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();
@@ -150,7 +161,7 @@ bool Transport::BeginWinding(WindDirection direction) {
 
 void Transport::EndWinding(WindDirection direction) {
     if (IsWinding() && !IsWinding(direction)) return;
-    // Winding that has come to an end of the dictation has ended by itself, with the button still held.
+    // Winding that reached an end of the dictation has ended already, while the button is still held.
     const bool plays = m_playsAfterWinding;
     if (!IsWinding() && !plays) return;
     if (Stop() && plays) PlayFrom(m_positionMs);
@@ -177,7 +188,7 @@ void Transport::FinishActivity() {
     m_owner.ActivityChanged();
 }
 
-// A dictation that is chosen anew continues at its end: one press on Record never takes anything away.
+// Moves to the end (see above).
 void Transport::EvDictationChanged() {
     EvAudioChanged();
     m_positionMs = m_lengthMs;
@@ -195,7 +206,7 @@ void Transport::GoToStart() {
         m_playback.Seek(0);
         return;
     }
-    const bool plays = IsRecording();  // who goes back while dictating wants to hear the dictation
+    const bool plays = IsRecording();  // a user who goes back while dictating wants to hear the dictation
     if (!Stop()) return;
     m_positionMs = 0;
     if (!plays || !PlayFrom(0)) m_owner.PositionChanged();

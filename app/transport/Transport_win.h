@@ -6,17 +6,19 @@
 #include "app/transport/Recording_win.h"
 #include "ui/LModalRunner.h"
 
-// The transport: the position in the current dictation, and recording, playing and winding, of which one runs
-// at a time.
-// Units: milliseconds of the dictation. Thread: the window thread.
+// The transport: the position in the current dictation, and recording, playing and winding, one at a time.
+// Units:  milliseconds of the dictation; levels in dB.
+// Errors: told to the user; a command that cannot be carried out returns false.
+// Thread: the window thread. Stop and the start of a recording can run messages, and with them other
+//         commands.
 class Transport final : private Recording::Owner, private Playback::Owner {
 public:
     class Owner {
     public:
         virtual ~Owner() = default;
-        // Makes a new dictation the current one when there is none; false when that failed.
+        // Creates a new current dictation when there is none; false when that failed.
         virtual bool HaveDictation() = 0;
-        // What runs has changed; the levels are silent when nothing does.
+        // An activity has started or ended. When none runs, LevelChanged has reported silence before.
         virtual void ActivityChanged() = 0;
         // The file is closed and its record may be read.
         virtual void RecordingStopped(const DictationFiles& files) = 0;
@@ -24,30 +26,32 @@ public:
         virtual void LevelChanged(int8_t leftDb, int8_t rightDb) = 0;
     };
 
-    // It works on the current dictation.
+    // All references must outlive the object.
     Transport(const AppState& state, const CurrentDictation& current, LModalRunner& runner, Owner& owner);
 
-    // Refused (false) while a recording runs. Playing and winding are stopped.
+    // Starts a recording; playing and winding are stopped. Refused (false) while one runs or is being
+    // prepared.
     bool Record(RecordMode mode);
-    // At the stored speed; at the end, from the start. Refused (false) while playing. A recording is finished
-    // first, and what it added is heard.
+    // Plays from the position at the stored speed, at the end from the start. A running recording is finished
+    // first, and its passage is played. Refused (false) while playing.
     bool Play();
     bool PlayFromStart();
-    // Stores the speed and plays at it, going on without a gap when it plays already. False when there is nothing
-    // to play.
+    // Stores the speed and plays at it; if it plays already, without a gap. False when there is nothing to
+    // play.
     bool PlayAt(PlaySpeed speed);
-    // Winds until EndWinding. False when there is nothing to wind.
+    // Winds until EndWinding or an end of the dictation. False when there is nothing to wind.
     bool BeginWinding(WindDirection direction);
-    // Goes on playing when playing or recording ran before. Leaves winding in the other direction alone.
+    // Ends winding, and plays on if playing or recording ran before it. Ignored while winding in the other
+    // direction.
     void EndWinding(WindDirection direction);
-    // Stops and finishes whatever runs, and what is being prepared. False when the window is to close meanwhile.
+    // Ends every activity, also a recording that is being prepared. False when the window is to close.
     bool Stop();
-    // While playing it plays on from there, and after a recording too.
+    // While playing, playing goes on from there; a recording is finished, and then played from there.
     void GoToStart();
     void GoToEnd();
 
     bool IsRecording() const { return m_recording.IsRunning(); }
-    // Preparing to record counts: it can be stopped.
+    // Also true while a recording is being prepared, because that can be stopped.
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
     bool IsPlaying() const { return m_playback.IsPlaying(); }
@@ -56,9 +60,9 @@ public:
         return m_playback.IsWinding() && m_playback.Direction() == direction;
     }
 
-    // Another dictation (or none) has become the current one.
+    // The current dictation is another one, or none.
     void EvDictationChanged();
-    // The audio of the current one may have changed.
+    // The audio of the current dictation may have changed.
     void EvAudioChanged();
     int32_t PositionMs() const { return m_positionMs; }
     int32_t LengthMs() const { return m_lengthMs; }
@@ -85,9 +89,10 @@ private:
     Owner& m_owner;
     int32_t m_positionMs = 0;
     int32_t m_lengthMs = 0;
-    bool m_isStarting = false;   // a recording: another must not start meanwhile
-    bool m_isPreparing = false;  // its file and device
-    bool m_stopAsked = false;    // while it was being prepared
+    bool m_isStarting = false;   // between Record and its return: refuses another recording
+    bool m_isPreparing = false;  // file and device of a recording are being prepared
+    bool m_stopAsked = false;    // Stop was called during the preparation
+    // Playing or recording ran before winding, and playing goes on after it.
     bool m_playsAfterWinding = false;
     Playback m_playback;
     Recording m_recording;
