@@ -14,7 +14,8 @@ struct ApiCommands::Entry {
 
 namespace {
 
-// The text of a global atom, at most 260 bytes with its zero; empty when there is no such atom.
+// The text of a global atom, at most 259 bytes; empty when there is no such atom. Text atoms are numbered
+// from 0xC000.
 std::string AtomText(LPARAM argument) {
     constexpr LPARAM kFirstTextAtom = 0xC000;
     constexpr LPARAM kLastTextAtom = 0xFFFF;
@@ -30,7 +31,8 @@ LRESULT Done(void) {
 
 }  // namespace
 
-// In the order of the commands.
+// In the order of the command numbers. Command 0 tells other programs that this window understands the
+// interface.
 const ApiCommands::Entry ApiCommands::kCommands[] = {
     {0, Entry::Needs::Nothing, [](Target&, LPARAM) -> LRESULT { return 1; }},
     {1, Entry::Needs::Nothing, [](Target& target, LPARAM) { return target.OpenWindow(), Done(); }},

@@ -4,18 +4,21 @@
 
 namespace {
 
-// Conditions that a situation meets and a command needs.
+// Each command has a mask of conditions that must all be met; a situation gives the mask of those that are.
+// One table in place of conditions in each handler lets menu, buttons, keys and devices follow the same
+// rules.
 using Mask = uint32_t;
 constexpr Mask kList = 1 << 0;  // the list is visible
-constexpr Mask kRows = 1 << 1;  // at least one is selected
+constexpr Mask kRows = 1 << 1;  // at least one row is selected
 constexpr Mask kOneRow = 1 << 2;
-constexpr Mask kAudio = 1 << 3;  // there is something to hear, or there will be when the recording stops
+constexpr Mask kAudio = 1 << 3;  // there is audio, or there will be when the recording is stopped
 constexpr Mask kRunning = 1 << 4;
 constexpr Mask kNoProcess = 1 << 5;
 constexpr Mask kNoQuestion = 1 << 6;
-constexpr Mask kBuilt = 1 << 7;  // no situation meets it
+constexpr Mask kBuilt = 1 << 7;  // never met: the command is not built yet
 
-// Who dictates with a pedal need not look at the window: a box that came up there must not cost him his words.
+// The transport works while a box is open, since a user with a pedal may not look at the window: a box that
+// opens meanwhile must not cost him his words. All other commands need that nothing is open.
 constexpr Mask kTransport = kNoProcess;
 constexpr Mask kIdle = kNoProcess | kNoQuestion;
 
@@ -23,7 +26,7 @@ struct Button {
     int control;
     int command;
 };
-// Those for winding act on their own press and release.
+// The winding buttons are not here: they act on press and release (HoldButton), not as commands.
 constexpr Button kButtons[] = {
     {IDC_NEW, CM_NEWFILE}, {IDC_SEND, CM_SENDFILE},       {IDC_PLAY, CM_PLAY},       {IDC_RECORD, CM_RECORD},
     {IDC_STOP, CM_STOP},   {IDC_GOTOSTART, CM_GOTOSTART}, {IDC_GOTOEND, CM_GOTOEND},
@@ -35,7 +38,7 @@ struct CommandNeeds {
     Mask needs;
 };
 
-// In the order of the numbers; what is not listed needs that nothing stands before the window.
+// In the order of the numbers. A command that is not listed needs kIdle.
 constexpr CommandNeeds kNeeds[] = {
     {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
     {IDC_DOCK, IDC_DOCK, kBuilt},

@@ -4,23 +4,23 @@
 
 #include "app/window/WindowFit.h"
 
-// What decides which commands can be given.
+// The state of the window on which the permission of commands depends.
 struct CommandSituation {
-    // What stands before the window: a box or a dialog, or a long process. As LModalRunner::Standing, which this
-    // portable half does not know.
+    // The kind of modal window that is open: a box or dialog (Question), or a long process. The same as
+    // LModalRunner::Standing, which portable code cannot include.
     enum class Standing { Nothing, Question, Process };
 
     ViewMode view = ViewMode::Normal;
     int selectedRows = 0;
-    bool hasAudio = false;  // in the current dictation
+    bool hasAudio = false;  // the current dictation has audio
     bool isRecording = false;
     bool isRunning = false;  // recording, preparing to record, playing or winding
     Standing standing = Standing::Nothing;
 };
 
-// The menu command that a button of the main window stands for; every other number stands for itself.
+// The menu command of a button of the main window; any other number is returned unchanged.
 int MenuCommandOf(int control);
 
-// Whether a menu command or a button (by its number) can be given now. The menu, the buttons, the keys, the devices
-// and other programs all ask here.
+// Whether a menu command or a button (by its number) is permitted now. Menu, buttons, keys, devices and other
+// programs all ask here, so no way to a command has rules of its own.
 bool IsCommandEnabled(int command, const CommandSituation& situation);

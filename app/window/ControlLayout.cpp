@@ -4,14 +4,15 @@
 
 namespace {
 
-constexpr int kMargin = 4;  // dialog units, as all numbers below
+constexpr int kMargin = 4;  // in dialog units, like all numbers below
 constexpr int kGap = 2;
 constexpr int kTransportHeight = 19;
 constexpr int kLineHeight = 8;
-constexpr int kTitleHeight = 10;       // of the larger letters, with what hangs below the line
+constexpr int kTitleHeight = 10;       // a line of the larger font, with its descenders
 constexpr int kLeastNotesHeight = 20;  // two lines
 
-// Hands out places in dialog units, turning them into pixels.
+// Collects places given in dialog units and converts them to pixels. Edges are converted, not sizes, so that
+// controls with a common edge in units have it in pixels too.
 class Placer {
 public:
     Placer(std::span<ControlPlace, kControlCount> places, DialogUnits units)
@@ -76,7 +77,7 @@ void LayoutCompact(Placer& placer, int width) {
 void LayoutFull(Placer& placer, int width, int height) {
     const int inner = width - 2 * kMargin;
     const int afterTransport = PutTransport(placer) + kGap;
-    // The buttons share what the transport leaves of the row, but never grow beyond reason.
+    // The three buttons share the rest of the transport's row, up to 150 units together.
     const int room = std::min(kMargin + inner - afterTransport, 150) - 2 * kGap;
     const int button = std::max(room / 3, 28);
     placer.Put(IDC_NEW, afterTransport, kMargin, button, kTransportHeight);

@@ -4,7 +4,7 @@
 
 #include "app/window/WindowFit.h"
 
-// Place of one control of the main window, in pixels of the client area; hidden controls have no size.
+// Place of one control of the main window. Units: pixels of the client area; a hidden control has no size.
 struct ControlPlace {
     int control = 0;
     int x = 0;
@@ -16,13 +16,13 @@ struct ControlPlace {
 
 constexpr size_t kControlCount = 21;
 
-// Pixels of four horizontal and eight vertical dialog units.
+// The font's measure: pixels of four horizontal and of eight vertical dialog units.
 struct DialogUnits {
     int x4 = 6;
     int y8 = 13;
 };
 
-// Places every control in a view. The transport row is the same in every view, and nothing depends on what is
-// going on, so nothing jumps when the state changes.
+// Computes the place of every control in a view. The transport row is the same in every view, and no place
+// depends on the state of the window, so nothing moves while the program works.
 void LayoutControls(ViewMode view, ScreenSize client, DialogUnits units,
                     std::span<ControlPlace, kControlCount> places);

@@ -4,6 +4,7 @@
 
 #include "res/Ids.h"
 
+// The tool tip of a control.
 struct ControlTip {
     int control;
     const char* text;
@@ -26,7 +27,7 @@ constexpr ControlTip kControlTips[] = {
     {IDC_SENDPROGRESS, "Current send progress"},
 };
 
-// The rotating texts of the information line.
+// The texts of the information line, shown in turn.
 constexpr const char* kInfoTexts[] = {
     "Corvane 3.06: record, correct and send dictations.",
     "Press F5 to record and Escape to stop; everything is on disk at once.",

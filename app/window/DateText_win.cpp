@@ -19,7 +19,7 @@ static SYSTEMTIME ToSystemTime(int64_t seconds) {
     return time;
 }
 
-// The locale's short date; a year at its end is cut to two digits, so that the date fits its narrow column.
+// The locale's short date format. A year at its end is cut to two digits, so that the date fits its column.
 static std::string ShortDatePicture() {
     char picture[80] = {};
     if (GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, picture, sizeof picture) == 0)

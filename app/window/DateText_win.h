@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
-// Moments in seconds since 1970 as the user's locale writes them, with no time-zone shift.
+// Date and time of day in the format of the user's locale. Units: seconds since 1970, shown without a
+// time-zone shift.
 std::string FormatDate(int64_t seconds);
 std::string FormatTimeOfDay(int64_t seconds);

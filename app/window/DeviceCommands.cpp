@@ -5,6 +5,13 @@
 #include "base/LTrace.h"
 #include "res/Ids.h"
 
+// One table row for each command index: its command, and the meaning of its release. Recording and playing
+// follow the hold rule (HoldRule): a tap starts and the next tap stops, a hold lasts until the release.
+// Winding lasts while the index is held. All others ignore the release.
+// A press can outlast its own release, because opening a device or decoding a dictation runs messages.
+// m_pressing on the stack of PressHeld notes such a release; it is judged when the command has started.
+// Without this a pedal that is released during a slow start would go on recording.
+
 namespace {
 
 enum class Release { Nothing, HoldRule, Wind };
@@ -36,7 +43,7 @@ const DeviceCommands::Index DeviceCommands::kIndexes[] = {
     {CI_SEND, CM_SENDFILE, Release::Nothing},
     {CI_SENDHIGH, CM_SENDFILE, Release::Nothing, CM_PRIORITY_HIGH},
     {CI_RECORD_OVERWRITE, CM_RECORD_OVERWRITE, Release::HoldRule},
-    {CI_RECORD_INSERT, CM_RECORD_END, Release::HoldRule},  // until there is inserting: nothing is replaced
+    {CI_RECORD_INSERT, CM_RECORD_END, Release::HoldRule},  // until inserting is built: replaces nothing
     {CI_RECORD_END, CM_RECORD_END, Release::HoldRule},
 };
 
@@ -70,11 +77,12 @@ bool DeviceCommands::Press(const Index& entry) {
     }
 }
 
-// The time of the press counts from the start of the recording: opening a slow device must not turn a tap into a
-// hold. A release that came before it started is judged by the hand alone.
+// Presses an index under the hold rule. The time of the press counts from the start of the recording, so a
+// slow device does not turn a tap into a hold. A release that came during the start is judged by the times of
+// the hand alone.
 bool DeviceCommands::PressHeld(const Index& entry) {
     if (m_pressing != nullptr && m_pressing->index == entry.index) {
-        m_pressing->releasedMs.reset();  // pressed again: the release before no longer counts
+        m_pressing->releasedMs.reset();  // pressed again: the earlier release no longer counts
         return false;
     }
     Pressing pressing{entry.index, m_clock(), std::nullopt};
@@ -105,6 +113,8 @@ void DeviceCommands::CommandRelease(int index, uint32_t holdLimitMs) {
 
 namespace {
 
+// Stop has no effect while the record button of the microphone is held; the play buttons have none while
+// recording.
 enum class MicAction {
     Stop,
     PressUnlessRecording,

@@ -8,18 +8,18 @@
 #include "app/window/CommandTarget.h"
 #include "base/LTime.h"
 
-// What pedals, hot keys and dictation microphones do: they press and release command indexes (CI_... of res/Ids.h) and
-// buttons of the microphone, and become commands here.
+// Turns the input of pedals, hot keys and dictation microphones into commands. Pedals and hot keys press and
+// release command indexes (CI_... of res/Ids.h), a dictation microphone sends codes of its buttons.
 // Units:  milliseconds of a tick count.
-// Thread: the window thread. A press may run messages, and with them the release that belongs to it.
+// Thread: the window thread. A press may run messages, and among them the release that belongs to it.
 class DeviceCommands {
 public:
-    // Besides giving commands.
+    // The states and actions that are not menu commands.
     class Target : public CommandTarget {
     public:
         virtual bool IsRecording() const = 0;
         virtual bool IsPlaying() const = 0;
-        // Holds the winding button down, or lets go of it; false when it cannot be pressed.
+        // Presses or releases the winding button in the window; false when it cannot be pressed.
         virtual bool HoldWinding(WindDirection direction, bool isDown) = 0;
         virtual void OpenWindow() = 0;
         virtual void MinimizeWindow() = 0;
@@ -28,14 +28,16 @@ public:
     explicit DeviceCommands(Target& target, uint32_t (*clock)() = LTickMs)
         : m_target(target), m_clock(clock) {}
 
-    // True when the press was accepted and wants its release. An index above 14 is ignored (traced).
+    // True when the press was accepted, so its release must be reported as well. An index above 14 is refused
+    // (traced).
     bool CommandPress(int index);
     void CommandRelease(int index, uint32_t holdLimitMs);
-    // A button code of the dictation microphone.
+    // A button code of the dictation microphone; unknown codes are ignored.
     void MicButton(int code);
 
 private:
-    // A press that is being carried out, which may take long: a compressed dictation is decoded first.
+    // A press whose command is still running. That may take long: compressed audio is decoded before it is
+    // recorded onto.
     struct Pressing {
         int index;
         uint32_t sinceMs;

@@ -29,7 +29,7 @@ const char DictationCommands::kNotStored[] =
     "What could "
     "not be stored stays as it was.";
 
-// False when the window is to close instead.
+// Called before every command on a dictation. False when the window is to close.
 bool DictationCommands::StopAndSave() {
     const bool goesOn = m_transport.Stop();
     m_notes.Save();
@@ -44,7 +44,8 @@ bool DictationCommands::Create() {
     TestHardDrive();
     if (!StopAndSave()) return false;
     std::optional<NewDictation> created = MakeDictation(m_state.user, LNowSeconds());
-    // A record under another file name may claim the number: the new dictation must have a row of its own.
+    // A record in another file may claim this number: then take the next, so that the new dictation has a row
+    // of its own.
     while (created && m_list.HoldsNumber(created->number)) {
         DeleteDictationFiles(created->files);
         created = MakeDictation(m_state.user, LNowSeconds());
@@ -92,7 +93,7 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     bool isRecordedOnto = false;
     for (const DictationFiles& files : dictations) {
         if (!m_list.NumberOf(files.record)) continue;
-        // A device may have recorded while the question stood: those words were not asked about.
+        // A device may have recorded while the question was open; the user was not asked about those words.
         if (listing.SizeOf(files.audio.View()) != asked.SizeOf(files.audio.View())) {
             isRecordedOnto = true;
             continue;
@@ -114,8 +115,8 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
     const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
     if (recipient < 0) return false;
     for (const DictationFiles& files : dictations) {
-        // Each time anew: while a question of the one before stood, another program may have added notes, a device
-        // may have recorded, and the dictation may have gone.
+        // In each pass: while a box about the dictation before was open, another program may have added
+        // notes, a device may have recorded, or the dictation may have been removed.
         if (!StopAndSave()) return false;
         if (!m_list.NumberOf(files.record)) continue;
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
@@ -126,8 +127,9 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
     return true;
 }
 
-// Who records or plays presses Escape to stop; in this box it would empty the queue. So it waits while anything runs,
-// and what a device began while it stood is what Escape meant.
+// "Cancel" in this box empties the queue, and Escape means Cancel; a user who records or plays presses Escape
+// to stop. So the box waits while the transport runs, and when a device started the transport while the box
+// was open, Cancel stops that and leaves the queue alone.
 void DictationCommands::ShowSendError() {
     if (m_transport.IsRunning() || m_runner.What() != LModalRunner::Standing::Nothing) return;
     const SendError error = m_queue.TakeError();

@@ -12,10 +12,10 @@
 #include "send/BGSend.h"
 #include "ui/LModalRunner.h"
 
-// What is done with whole dictations: making, renaming, prioritising, deleting and sending them. What runs is stopped
-// and the notes are saved before anything happens to a dictation, and whatever had to be asked is asked before its
-// rows are touched.
-// Errors: told to the user, each once. Thread: the window thread.
+// Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is
+// touched the transport is stopped and the notes are saved, and all questions to the user are asked.
+// Errors: told to the user, each once; false when nothing or not everything was done.
+// Thread: the window thread.
 class DictationCommands {
 public:
     DictationCommands(const AppState& state, LModalRunner& runner, BGSend& queue, DictationList& list,
@@ -29,30 +29,31 @@ public:
           m_transport(transport),
           m_current(current) {}
 
-    // A new dictation, which becomes the current one. False when there is none.
+    // Creates a dictation, which becomes the current one. False when there is none afterwards.
     bool Create();
-    // Opens the editor of the current row.
+    // Opens the name editor of the current row.
     bool BeginRename();
-    // Of the current dictation; blanks around the name do not count, and an empty name changes nothing.
+    // Renames the current dictation. Blanks around the name are dropped; an empty name changes nothing.
     void Rename(std::string_view name);
-    // "High", "Normal" or "Low" for every selected dictation.
+    // Sets "High", "Normal" or "Low" for every selected dictation.
     bool SetPriority(std::string_view priority);
-    // Asks, and deletes every selected dictation, or the current one alone.
+    // Deletes every selected dictation, or the current one, after a question.
     bool DeleteSelected() { return Delete(m_list.Selected()); }
     bool DeleteCurrent() { return Delete(CurrentAlone()); }
-    // To the default recipient, or to one that is chosen.
+    // Sends to the default recipient, or to one that the user chooses.
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
 
-    // What went wrong with sending, once nothing runs and nothing stands.
+    // Shows the pending error of sending, unless the transport runs or something modal is open; then it stays
+    // pending.
     void ShowSendError();
 
-    // Sent dictations that are older than the user wants.
+    // Deletes sent dictations beyond the age in the settings.
     void DeleteOldFiles();
-    // Warns when the disk is getting full, after old files have gone.
+    // When the disk is nearly full, deletes old sent dictations and warns.
     void TestHardDrive();
-    // A change of a record that could not be stored: said when whoever finds it out has finished.
+    // Reports a change that could not be stored, after the current message.
     void TellNotStored() { m_runner.TellLater(kNotStored); }
 
 private:

@@ -11,12 +11,19 @@
 #include "res/Ids.h"
 #include "store/DictationRecord.h"
 
+// The list view holds the texts, RowOrder the dictations; both always have the same rows in the same order.
+// Searching the list view was rejected: it made commands on many rows quadratic.
+// Filling asks one FolderListing, not the file system for each file: with 10,000 dictations a start took 60 s
+// otherwise, and takes 3 s now.
+// A changed row moves to the end on purpose. Rows must not move inside a notification of the list view;
+// MainDialog therefore collects changes and applies them by a posted message.
+
 namespace {
 
 constexpr int kFontHeight = 16;  // pixels
 
-// A fill that is soon over is one step. Of a longer one nothing is told, and no message worked off, before the
-// progress dialog can stand.
+// Progress of a fill is reported from 300 ms on, when the progress dialog appears; a shorter fill is one
+// step, without messages in between.
 constexpr uint32_t kTellAfterMs = 300;
 constexpr uint32_t kTellPeriodMs = 100;
 
@@ -30,12 +37,12 @@ constexpr Column kColumns[] = {
 
 constexpr int kColumnCount = static_cast<int>(std::size(kColumns));
 
-// In the order of the columns.
+// The texts of a row, in the order of the columns.
 std::array<std::string, kColumnCount> TextsOf(const DictationRow& row) {
     return {row.name, FormatDate(row.date), FormatTimeOfDay(row.date), row.duration, row.priority, row.notes};
 }
 
-// Holds a counter up while it lives.
+// Keeps a counter raised for its lifetime.
 class Quiet {
 public:
     explicit Quiet(int& count) : m_count(count) { ++m_count; }
@@ -169,7 +176,8 @@ void DictationList::ReloadUnreadable() {
 
 void DictationList::Update(std::vector<DictationRow> rows) {
     const Quiet quiet(m_quiet);
-    std::erase_if(rows, [this](const DictationRow& row) {  // what is shown of it is true until it can be read
+    // The texts shown stay true until the record can be read.
+    std::erase_if(rows, [this](const DictationRow& row) {
         const bool isKept = row.isUnreadable && m_rows.IndexOf(row.files.record) >= 0;
         if (isKept) m_unreadable.push_back(row.files.record);
         return isKept;
@@ -186,7 +194,8 @@ void DictationList::Update(std::vector<DictationRow> rows) {
     if (followsCurrent) ShowCurrent();
 }
 
-// Such rows stay where they are when one after the other moves to the end.
+// Whether the rows are the last ones already, in this order: then moving each to the end would change
+// nothing.
 bool DictationList::AreLast(const std::vector<DictationRow>& rows) const {
     int index = Count() - static_cast<int>(rows.size());
     return index >= 0 && std::all_of(rows.begin(), rows.end(), [&](const DictationRow& row) {
@@ -201,6 +210,7 @@ void DictationList::ChangeTexts(int index, const DictationRow& row) {
             SetText(index, column, texts[static_cast<size_t>(column)]);
 }
 
+// The row keeps its selection and focus.
 void DictationList::MoveToEnd(const DictationRow& row, ListViewChange& change) {
     UINT state = 0;
     if (const int old = m_rows.IndexOf(row.files.record); old >= 0) {
@@ -344,5 +354,5 @@ LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
     const auto name = typed != nullptr ? ChangedName(TextAt(index, 0), typed) : std::nullopt;
     const bool isStored = name && StoreName(m_rows.RecordAt(index), *name);
     m_owner->AfterRename(name ? m_renamedNumber : std::nullopt, isStored);
-    return FALSE;  // the list view would write into whatever row stands under the editor by now
+    return FALSE;  // refused: the list view would write into any row that is under the editor by now
 }

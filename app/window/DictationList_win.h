@@ -15,54 +15,56 @@
 
 class ListViewChange;
 
-// The rows of the current user's dictations. Each row's item data is the dictation's number; the row acts on
-// the files of its record's file name, also when the number inside the record says otherwise. No operation
-// searches the rows, so a command on many costs as often what it costs on one. What is being looked at is
-// scrolled away only to show where the current dictation has gone. Thread: the window thread.
+// The list view with the current user's dictations. A row's item data is the dictation's number; commands act
+// on the files of the row's record file, also when the number inside the record differs. Rows are found by
+// number or record without a search (RowOrder), so a command on many rows takes time in proportion to their
+// number. The view scrolls only to follow the current dictation.
+// Thread: the window thread.
 class DictationList final : public DictationSelection {
 public:
     class Owner {
     public:
         virtual ~Owner() = default;
-        // The rows have changed, and with them perhaps the current dictation.
+        // The rows have changed, and perhaps the current dictation with them.
         virtual void FileChanged() = 0;
-        // Selection or focus move; where they come to rest is known only when the list has dealt with its
+        // Selection or focus are changing; their final state is known only after the list has finished its
         // message.
         virtual void SelectionMoved() = 0;
+        // A row was double-clicked.
         virtual void PlayFromStart() = 0;
-        // Before the name of a row is edited, and when the editor closes: the number of the dictation that was
-        // given a new name, if there is one, and whether its record took it.
+        // Called before the name of a row is edited, and after its editor has closed. renamed: the number of
+        // the dictation that got another name, if any; isStored: whether its record could be written.
         virtual void BeforeRename() = 0;
         virtual void AfterRename(std::optional<int32_t> renamed, bool isStored) = 0;
     };
 
-    // current: what the view follows, and what is renamed.
+    // current: the dictation that the view follows and that BeginRename edits.
     explicit DictationList(const CurrentDictation& current) : m_current(current) {}
     void Attach(HWND list, Owner& owner);
-    // The font goes with the window.
+    // Deletes the font; called when the window is destroyed.
     void ReleaseFont() { m_font.Reset(); }
 
-    // Empties the list and adds every record of the folder; the last row is selected and focused. Stopped, it
-    // holds those that were added until then.
+    // Fills the list anew with every record of the folder and selects and focuses the last row. Stopped
+    // leaves the rows that were added until then.
     ProcessResult SetupFilesList(const LPath& folder, ProcessContext& context);
-    // A number that is listed already is not added again.
+    // Adds a row at the end, unless its number is listed already.
     void AddFile(const LPath& record);
-    // The row moves to the end and keeps its selection; one that is last changes in place. While the record cannot be
-    // read the row stays as it is.
+    // Loads a row anew and moves it to the end, with its selection; a last row changes in place. While its
+    // record cannot be read the row stays as it is.
     void UpdateFile(const LPath& record);
     void UpdateNumber(int32_t number);
-    // The same for several, in the order given; listing: of their folder, as it is now.
+    // The same for several rows, in the given order. listing: of their folder, as it is now.
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
-    // Tries once more to read the records that another program kept from being read.
+    // Loads the rows again whose records could not be read before.
     void ReloadUnreadable();
-    // When no row remains selected, the one that takes the place of the last is.
+    // Removes rows. When no row remains selected, the one that takes the place of the last removed row is.
     void RemoveFiles(const std::vector<DictationFiles>& dictations);
     // Makes this row the only selected one.
     void SelectFile(const LPath& record);
-    // Scrolls to the current dictation, after the list has changed its size.
+    // Scrolls to the current dictation; called when the list has changed its size.
     void ShowCurrent();
     void BeginRename();
-    // While a name is being edited its row must stay where it is.
+    // While this is true no row may be moved or removed.
     bool IsRenaming() const { return ListView_GetEditControl(m_list) != nullptr; }
 
     int Count() const { return ListView_GetItemCount(m_list); }
@@ -70,18 +72,19 @@ public:
     std::optional<DictationFiles> Focused() const override;
     std::optional<DictationFiles> First() const override;
     bool IsSelected(const DictationFiles& files) const override;
-    // The name in a record's row; empty when it has none.
+    // The name in the row of a record; empty when the record has none.
     std::string NameOf(const LPath& record) const { return TextAt(m_rows.IndexOf(record), 0); }
     bool HoldsNumber(int32_t number) const { return m_rows.IndexOf(number) >= 0; }
-    // The number under which a record is listed.
+    // The number of a record's row; nothing when it is not listed.
     std::optional<int32_t> NumberOf(const LPath& record) const;
-    // Taken before a command on several rows begins, since updating a row moves it.
+    // The selected dictations. To be taken before a command changes rows, since a changed row moves.
     std::vector<DictationFiles> Selected() const;
 
-    // Renames a dictation's record and row; a blank or unchanged name touches nothing. False when the record
-    // does not take it.
+    // Renames a dictation in its record and its row; a blank or unchanged name does nothing. False when the
+    // record cannot be written.
     bool Rename(const DictationFiles& files, std::string_view name);
 
+    // Handles a WM_NOTIFY message of the list; false when it is left to the default.
     bool HandleNotify(const NMHDR& header, LRESULT& result);
 
 private:
@@ -105,13 +108,13 @@ private:
     HWND m_list = nullptr;
     Owner* m_owner = nullptr;
     LFont m_font;
-    RowOrder m_rows;  // the same rows in the same order as the list view's
+    RowOrder m_rows;  // mirrors the rows of the list view, in the same order
     std::optional<int32_t> m_renamedNumber;
-    std::vector<LPath> m_unreadable;  // records of rows to be loaded again
-    int m_quiet = 0;  // rows are being changed by us: the selection's moves are not the user's
+    std::vector<LPath> m_unreadable;  // records of rows that are to be loaded again
+    int m_quiet = 0;  // above 0: our own code changes rows, and SelectionMoved is not reported
 };
 
-// Fills a list from a folder, under a progress dialog when it takes longer.
+// Fills a list as a long process.
 class LoadDictations final : public LProcess {
 public:
     LoadDictations(DictationList& list, const LPath& folder) : m_list(list), m_folder(folder) {}

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Which of the files beside a record are worth opening.
+// The files beside a record that are worth opening.
 struct Worth {
     bool audio = true;
     bool notes = true;
@@ -41,7 +41,7 @@ DictationRow LoadDictationRow(const LPath& record) {
 
 DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing) {
     const DictationFiles files = DictationFiles::OfPath(record);
-    // A size of 0 may be that of a moment before: a recording that the power cut off still has its minutes.
+    // The listed size is ignored: a recording that a power failure cut off can be listed with 0 bytes.
     const auto isThere = [&](const LPath& path) {
         return !listing.IsWhole() || listing.SizeOf(path.View()).has_value();
     };

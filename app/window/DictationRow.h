@@ -8,28 +8,30 @@
 #include "store/DictationFiles.h"
 #include "store/FolderListing.h"
 
-// What the list shows of one dictation, read from its three files with each opened once.
+// The texts and values that the list shows of one dictation, read from its three files, each opened once.
 struct DictationRow {
     DictationFiles files;
     int32_t number = 0;  // the record's "number"
     std::string name;
     int64_t date = 0;  // seconds since 1970; shown with no time-zone shift
+    // "mm:ss".
     std::string duration;
     std::string priority;
     std::string notes;
-    // Another program keeps the record from being read: number and name are those of its file, and the row is
-    // to be loaded again later.
+    // Another program holds the record. Number and name are then those of the file name, and the row is to be
+    // loaded again later.
     bool isUnreadable = false;
 };
 
-// Missing files give empty columns, a length of zero and the normal priority. Waits for nobody. A record that
-// was cut off while it was written is mended (RepairRecord).
+// Loads a row. Missing files give empty texts, the duration 00:00 and the normal priority. Does not wait for
+// files that are held. Completes a record that was cut off while it was written (RepairRecord).
 DictationRow LoadDictationRow(const LPath& record);
-// The same for one of many: what a whole listing of its folder lacks is not opened. A listed size of 0 is not
-// believed.
+// The same for one of many: a file that is missing from a complete listing of its folder is not opened. A
+// listed size of 0 is not relied on, since it may be outdated.
 DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing);
 
-// What a typed name makes of a dictation's name: nothing when it is blank or the same.
+// The new name of a dictation for a typed text: without blanks around it; nothing when it is blank or
+// unchanged.
 std::optional<std::string> ChangedName(std::string_view name, std::string_view typed);
 
 // "mm:ss", rounded to whole seconds.
