@@ -4,17 +4,18 @@
 
 namespace {
 
-// Who holds the button down; none while it is up.
+// The holder of the button, kept as a window property; None while it is up.
 constexpr char kHolderProperty[] = "HoldButtonHolder";
 enum class Holder : ULONG_PTR { None, Hand, Device };
 
-constexpr LPARAM kWasDown = 1L << 30;  // of a key message: it repeats
+constexpr LPARAM kWasDown = 1L << 30;  // of a key message: the key repeats
 
 Holder HolderOf(HWND button) {
     return static_cast<Holder>(reinterpret_cast<ULONG_PTR>(GetPropA(button, kHolderProperty)));
 }
 
-// The last who presses holds it: the release of a device that was unplugged never comes.
+// Changes the holder and tells the dialog. A new press always takes over: the release of a device that was
+// unplugged never comes, and must not block the mouse.
 void SetHolder(HWND button, Holder holder) {
     if (holder == HolderOf(button) && holder != Holder::Device) return;
     if (holder == Holder::None)
@@ -25,7 +26,8 @@ void SetHolder(HWND button, Holder holder) {
                  holder != Holder::None);
 }
 
-// What the button's user did by this message.
+// Finds out from a message of the button whether the user presses or releases it. Losing the capture or the
+// focus is a release.
 void Follow(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
     const Holder holder = HolderOf(button);
     switch (message) {
@@ -47,7 +49,8 @@ void Follow(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_ENABLE:
             if (wParam != FALSE) break;
-            SendMessageA(button, BM_SETSTATE, FALSE, 0);  // or it would come back looking pressed
+            // Otherwise it would look pressed when it is enabled again.
+            SendMessageA(button, BM_SETSTATE, FALSE, 0);
             SetHolder(button, Holder::None);
             break;
         case WM_DESTROY:
@@ -73,8 +76,9 @@ void AttachHoldButton(HWND button) {
     SetWindowLongA(button, GWL_WNDPROC, reinterpret_cast<LONG>(HoldButtonProc));
 }
 
-// Only shown as pressed: a mouse message would take the keyboard from the notes that are being typed, and the
-// capture, which the next click in another program would end.
+// Shows the button as pressed without sending it mouse messages. Those were rejected: they take the focus
+// from the notes that the user is typing, and the mouse capture, which the next click in another program
+// ends.
 bool PressHoldButton(HWND button) {
     if (!IsWindowEnabled(button) || HolderOf(button) == Holder::Hand) return false;
     SendMessageA(button, BM_SETSTATE, TRUE, 0);

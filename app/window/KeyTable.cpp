@@ -2,9 +2,13 @@
 
 #include "res/Ids.h"
 
+// A table of our own in place of the platform's accelerator table, which does not know the focus or whether a
+// key repeats. Keys mean different things by focus: in the notes Home, End, Insert and Delete edit, and in
+// the name editor every key does.
+
 namespace {
 
-// Virtual-key codes, as the platform numbers them.
+// Virtual-key codes of the platform, named here because portable code cannot include them.
 enum : int {
     kReturn = 0x0D,
     kEscape = 0x1B,
@@ -53,7 +57,7 @@ constexpr Shortcut kShortcuts[] = {
     {kF1, With::Nothing, CM_HELP},
 };
 
-// In the notes these keys move and edit.
+// Keys that edit while the focus is in the notes.
 bool IsEditing(int key) {
     return key == kHome || key == kEnd || key == kInsert || key == kDelete;
 }
@@ -66,12 +70,12 @@ bool IsWith(const KeyPress& press, With with) {
 
 KeyAction ActionOf(const KeyPress& press) {
     using Kind = KeyAction::Kind;
-    // A name that is being edited has the keyboard for itself.
+    // The name editor gets all keys.
     if (press.focus == KeyFocus::NameEditor) return {};
     if ((press.key == kF7 || press.key == kF8) && IsWith(press, With::Nothing))
         return {press.repeats ? Kind::Swallow : Kind::Wind, 0,
                 press.key == kF7 ? WindDirection::Back : WindDirection::Forward};
-    // Held on a button the dialog would press it again and again.
+    // The dialog would press the focused button again with each repeat.
     if (press.key == kReturn && press.repeats && press.focus == KeyFocus::Button) return {Kind::Swallow};
     if (press.focus == KeyFocus::Notes && IsEditing(press.key)) return {};
     for (const Shortcut& shortcut : kShortcuts)

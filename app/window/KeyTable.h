@@ -4,29 +4,32 @@
 
 #include "app/transport/PlayPlan.h"
 
-// Where the keyboard is when a key goes down.
+// The control that has the focus when a key goes down.
 enum class KeyFocus { Elsewhere, Button, Notes, NameEditor };
 
+// A key message with the state of the modifier keys.
 struct KeyPress {
     int key = 0;  // virtual-key code
     bool alt = false;
     bool ctrl = false;
     bool shift = false;
-    bool repeats = false;  // it is still held
+    bool repeats = false;  // the key is still held
     KeyFocus focus = KeyFocus::Elsewhere;
 };
 
+// The effect of a key press.
 struct KeyAction {
     enum class Kind {
-        PassOn,   // not ours: the control or the dialog gets it
-        Swallow,  // ours, and nothing happens
+        PassOn,   // not ours: the control or the dialog gets the key
+        Swallow,  // ours, without effect
         Command,
-        Wind,  // as long as the key is held
+        Wind,  // for as long as the key is held
     };
     Kind kind = Kind::PassOn;
     int command = 0;
     WindDirection direction = WindDirection::Back;
 };
 
-// What a key does. A key that is held gives its command once: held for a second, Ctrl+S would send every dictation.
+// The effect of a key. A held key gives its command once; with repeats, Ctrl+S held for a second would send
+// every dictation of the list.
 KeyAction ActionOf(const KeyPress& press);

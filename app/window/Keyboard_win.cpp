@@ -5,7 +5,7 @@
 #include "base/LText.h"
 #include "res/Ids.h"
 
-constexpr LPARAM kKeyWasDown = 1L << 30;  // of a key message: it repeats
+constexpr LPARAM kKeyWasDown = 1L << 30;  // of a key message: the key repeats
 
 static bool IsDown(int key) {
     return GetKeyState(key) < 0;
@@ -27,7 +27,9 @@ bool Keyboard::PreTranslateMessage(const MSG& message) {
             if (m_heldKey == 0 || message.wParam != m_heldKey) return false;
             ReleaseHeld();
             return true;
-        case WM_CHAR:  // a list view would look for a row of that name, and another dictation would be current
+        // Not passed to the list view, which would select the row whose name starts with the character:
+        // another dictation would become current.
+        case WM_CHAR:
             return message.hwnd == GetDlgItem(m_window, IDC_LIST);
         case WM_LBUTTONDBLCLK:
             return IsSecondClick(message);
@@ -63,7 +65,8 @@ KeyFocus Keyboard::FocusOf(HWND control) const {
     return IsOfClass(control, "Button") ? KeyFocus::Button : KeyFocus::Elsewhere;
 }
 
-// Who clicks twice by habit must not send two dictations.
+// A double click on New or Send counts as one click: a user who clicks twice by habit must not send two
+// dictations.
 bool Keyboard::IsSecondClick(const MSG& message) const {
     const int control = GetDlgCtrlID(message.hwnd);
     return control == IDC_NEW || control == IDC_SEND;

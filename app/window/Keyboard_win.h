@@ -8,22 +8,24 @@
 #include "app/window/CommandTarget.h"
 #include "app/window/KeyTable.h"
 
-// The keyboard of the main window, and what its mouse must not do twice: sees each message before the dialog does.
+// The keyboard of the main window: sees each message before the dialog does and gives the commands of keys
+// (KeyTable). Also suppresses second clicks that would repeat a command.
 // Thread: the window thread.
 class Keyboard {
 public:
     class Target : public CommandTarget {
     public:
-        // A key that winds goes down, or comes up again.
+        // A winding key goes down or up.
         virtual void WindByKey(WindDirection direction, bool isDown) = 0;
     };
 
     explicit Keyboard(Target& target) : m_target(target) {}
     void Attach(HWND window) { m_window = window; }
 
-    // True when the message is dealt with.
+    // True when the message is handled and must not be dispatched.
     bool PreTranslateMessage(const MSG& message);
-    // The key that winds will come up unseen: in another window, while a menu is open or the window is dragged.
+    // Treats a held winding key as released; called when its release will not be seen: another window becomes
+    // active, a menu opens or the window is dragged.
     void ReleaseHeld();
 
 private:

@@ -17,7 +17,8 @@ ListViewChange::~ListViewChange() {
     RECT row = {};
     if (ListView_GetItemRect(m_list, 0, &row, LVIR_BOUNDS))
         ListView_Scroll(m_list, 0, (m_top - ListView_GetTopIndex(m_list)) * (row.bottom - row.top));
-    // Rows are painted over rows; the ground is laid anew only where there are fewer of them.
+    // Rows paint over old rows, so the background is erased only when there are fewer of them; this avoids
+    // flicker.
     RedrawWindow(m_list, nullptr, nullptr, RDW_VALIDATE | RDW_NOERASE);
     InvalidateRect(m_list, nullptr, ListView_GetItemCount(m_list) < m_count);
 }

@@ -2,9 +2,10 @@
 
 #include <windows.h>
 
-// A change of a list view's rows. While it lives nothing is painted; at its end the rows that were being looked
-// at stand where they stood, and the picture is made anew as a whole: a list view that loses rows may leave
-// them painted. Thread: the window thread.
+// A change of several rows of a list view. During its lifetime nothing is painted; the destructor restores
+// the visible rows and repaints the whole list once. The platform's list view scrolls without repainting
+// moved rows, and a deleted row could stay visible, so that the next command hit another dictation.
+// Thread: the window thread.
 class ListViewChange {
 public:
     explicit ListViewChange(HWND list);
@@ -12,10 +13,11 @@ public:
     ListViewChange(const ListViewChange&) = delete;
     ListViewChange& operator=(const ListViewChange&) = delete;
 
+    // Deletes a row.
     void Delete(int index);
 
 private:
     HWND m_list;
-    int m_top;    // the row that shall be the first to be seen
-    int m_count;  // rows at the beginning
+    int m_top;    // the row that is to be the first visible one
+    int m_count;  // number of rows before the change
 };

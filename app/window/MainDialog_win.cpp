@@ -15,8 +15,23 @@
 #include "store/Recovery.h"
 #include "store/SettingsKeys.h"
 
+// Dispatch. Messages, timers and commands are three tables of member functions and lambdas, each searched by
+// one loop; a message that is not in its table gets the default handling. All sources of commands call Give,
+// which first follows a pending change of the selection, then asks IsCommandEnabled, then runs the table
+// entry. The enabled state of menu items and buttons is only a picture of the same rule and is never relied
+// on.
+// Modal code. Boxes, dialogs and processes run messages, so any of them can return into a window that is
+// closing or destroyed; every caller tests MayGoOn or IsOpen afterwards.
+// Start. The window is shown and painted before anything slow begins (repair, filling the list, deleting old
+// dictations); commands are permitted when the list is filled. Sending starts after the repair, because the
+// repair asks the queue about the dictations that it finds.
+// End. DestroyDialog stops the send thread, the transport and the notes in this order, for every way in which
+// the window can end.
+
 namespace {
 
+// The timer of the information line also retries unsaved notes and unreadable rows and shows errors of
+// sending.
 constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr uint32_t kSendStopMs = 5000;
@@ -42,7 +57,7 @@ WindDirection DirectionOf(int button) {
 
 }  // namespace
 
-// In the order of their numbers.
+// In the order of the message numbers.
 const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_MOVE, &MainDialog::EvMove},
     {WM_SIZE, &MainDialog::EvSize},
@@ -74,7 +89,7 @@ const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
 };
 
-// In the order of the command numbers: first, last, what is done. False when it did nothing.
+// In the order of the command numbers: first, last, function; its result is Give's.
 const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_INFOLINE, IDC_INFOLINK,
      [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
@@ -84,7 +99,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {CM_SENDFILE_TO, CM_SENDFILE_TO,
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Chosen); }},
     {CM_RENAMEFILE, CM_RENAMEFILE,
-     // The row must not move under the editor.
+     // Pending changes first: the row must not move under its editor.
      [](MainDialog& d, int) { return d.ApplyRowChanges(), d.m_dictations.BeginRename(); }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
@@ -101,7 +116,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      }},
     {CM_GOTOSTART, CM_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
     {CM_REWIND, CM_FASTFORWARD,
-     // From the menu, which cannot be held: the same command again, or Stop, ends it.
+     // A menu item cannot be held: the same command again, or Stop, ends winding.
      [](MainDialog& d, int command) {
          return d.Wind(DirectionOf(command), !d.m_transport.IsWinding(DirectionOf(command)));
      }},
@@ -139,7 +154,7 @@ MainDialog::~MainDialog() = default;
 bool MainDialog::InitDialog() {
     m_postTo = Window();
     if (m_onCreated) m_onCreated();
-    _putenv("TZ=GMT0");  // dates are kept and shown without a time-zone shift
+    _putenv("TZ=GMT0");  // dates are stored and shown without a time-zone shift
     _tzset();
     m_runner.Attach(Window(), WM_SHOWLATER, [this] { m_transport.Stop(); });
     for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));
@@ -171,10 +186,10 @@ bool MainDialog::InitDialog() {
     return false;
 }
 
-// What an earlier run left half done is put right before anything is listed or sent.
+// Repairs unfinished work of an earlier run, before anything is listed or sent.
 void MainDialog::RecoverLeftovers() {
     m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
-    // Another Windows session on the same folder is in the middle of what would look left over.
+    // Left to another Windows session on the same folder: its unfinished work would look left over.
     const LPath lock =
         LPath::Join(UserFolderPath(m_state.data.folder, m_state.user.number).View(), LLeftOver::kInUseLock);
     if (m_inUse.TryTake(lock) == LFileLock::Result::Held) return;
@@ -188,7 +203,7 @@ bool MainDialog::FillList() {
     const ProcessResult result = m_runner.RunProcess(process, "Loading Dictations");
     if (result == ProcessResult::Stopped)
         m_runner.Box(kNotAllListed, "Loading Dictations", MB_OK | MB_ICONINFORMATION);
-    if (m_runner.MayGoOn()) FollowSelection();  // once more: the commands that waited can be given now
+    if (m_runner.MayGoOn()) FollowSelection();  // again: commands are permitted now
     return m_runner.MayGoOn();
 }
 
@@ -196,11 +211,11 @@ void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
     m_transport.Stop();
-    m_notes.Save();  // at once: the end of a session does not wait for the send thread
+    m_notes.Save();  // at once: a session that ends does not wait for the send thread
     DestroyWindow(Window());
 }
 
-// Nothing is called back afterwards: whatever speaks to the window is stopped here, however it came to its end.
+// Stops everything that calls back into the window, however the window came to its end.
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
     m_isClosing = true;
@@ -231,12 +246,13 @@ bool MainDialog::EvClose(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
-// False when notes would be lost that the user wants to save after all.
+// False when the user wants to keep notes that could not be saved, or a box that may be the same question is
+// open.
 bool MainDialog::MayClose() {
     m_notes.Save();
     if (m_notes.Unsaved().Empty()) return true;
     if (m_runner.What() != LModalRunner::Standing::Nothing)
-        return false;  // the same question, or one before it
+        return false;  // the same question, or a box before it
     const std::string name = m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat"));
     const int answer = m_runner.Box(LFormat(kLoseNotes, name.c_str()), "Notes Not Saved",
                                     MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
@@ -248,7 +264,7 @@ bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
-// The session ends, and the process may be ended as soon as this returns.
+// The session ends; the process may be terminated as soon as this returns, so the notes are saved first.
 bool MainDialog::EvEndSession(WPARAM wParam, LPARAM, LRESULT& result) {
     result = 0;
     if (wParam == FALSE) return true;
@@ -382,7 +398,8 @@ bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
     return true;
 }
 
-// A box would end the name that is being edited, and close the menu.
+// Not while a name is edited or a menu is open: a box would end the editing and close the menu. Both post
+// this message again at their end.
 bool MainDialog::EvShowLater(WPARAM, LPARAM, LRESULT& result) {
     if (!m_isMenuOpen && !m_list.IsRenaming()) m_runner.ShowLater();
     result = 0;
@@ -399,7 +416,7 @@ bool MainDialog::EvTimer(WPARAM wParam, LPARAM, LRESULT& result) {
 
 void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
-    if (!m_notes.Unsaved().Empty()) m_notes.Save();  // the disk may have room again
+    if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
     const bool isHandBusy = m_isMenuOpen || m_list.IsRenaming();
     if (!isHandBusy && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
     if (!isHandBusy) m_dictations.ShowSendError();
@@ -440,7 +457,7 @@ bool MainDialog::Give(int command) {
     return false;
 }
 
-// As a menu's.
+// Other programs may change something when a menu command could: the window is open and nothing modal is.
 bool MainDialog::MayChange() {
     if (!IsOpen() || m_isClosing || m_runner.What() != LModalRunner::Standing::Nothing) return false;
     SettleSelection();
@@ -479,11 +496,11 @@ bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
 }
 
 bool MainDialog::SetView(ViewMode view) {
-    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the editor, which might be seen no more
+    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the name editor, which might become invisible
     const HWND focus = GetFocus();
     m_layout.SetView(view);
     m_display.ShowSituation(Situation());
-    // The keyboard must not go on working on what nobody sees.
+    // The focus must not stay in a control that is hidden now.
     if (focus != nullptr && IsChild(Window(), focus) && !IsWindowVisible(focus)) m_display.FocusHome();
     return true;
 }
@@ -517,14 +534,15 @@ int32_t MainDialog::CurrentNumber() {
 
 // ---- The current dictation -------------------------------------------------------------------------------
 
-// What runs belongs to the dictation before, and so do the notes in the box.
+// Makes the dictation that the selection asks for the current one. The transport is stopped and the notes are
+// saved before the change, since both belong to the dictation before.
 void MainDialog::FollowSelection() {
     m_selectionMoved = false;
     if (!m_current.Is(m_current.Choose(m_list))) {
         m_transport.Stop();
         m_notes.Save();
         if (!IsOpen()) return;
-        m_current.Set(m_current.Choose(m_list));  // the end of what ran may have taken its time
+        m_current.Set(m_current.Choose(m_list));  // chosen again: stopping may have run messages
         const bool wasTyping = GetFocus() == Item(IDC_NOTES);
         m_notes.Load(m_current ? m_current.Files()->notes : LPath());
         if (wasTyping && !m_current) m_display.FocusHome();
@@ -533,7 +551,8 @@ void MainDialog::FollowSelection() {
     m_display.ShowSituation(Situation());
 }
 
-// A move that is still to be followed; other programs' requests overtake it.
+// Follows a pending change of the selection at once; requests of other programs can overtake its posted
+// message.
 void MainDialog::SettleSelection() {
     if (m_selectionMoved && m_runner.What() != LModalRunner::Standing::Process) FollowSelection();
 }
@@ -554,13 +573,14 @@ void MainDialog::BeforeRename() {
 
 void MainDialog::AfterRename(std::optional<int32_t> renamed, bool isStored) {
     if (renamed && !isStored) m_dictations.TellNotStored();
-    // The row is made anew only after the list has closed its editor.
+    // The row is reloaded later, after the list view has closed its editor.
     if (renamed) m_changedRows.push_back(*renamed);
     PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
     PostMessageA(Window(), WM_SHOWLATER, 0, 0);
 }
 
-// A list in the middle of a click must not see its row move: it is made anew afterwards.
+// Notes the row for reloading by a posted message: a list view in the middle of a click must not see its row
+// move.
 void MainDialog::PostRowChanged(const LPath& record) {
     const std::optional<int32_t> number = m_list.NumberOf(record);
     if (!number || !IsOpen()) return;
@@ -569,7 +589,7 @@ void MainDialog::PostRowChanged(const LPath& record) {
 }
 
 void MainDialog::ApplyRowChanges() {
-    if (m_list.IsRenaming()) return;  // AfterRename comes back here
+    if (m_list.IsRenaming()) return;  // AfterRename posts this message again
     for (int32_t number : std::exchange(m_changedRows, {})) m_list.UpdateNumber(number);
     m_display.ShowPosition();
 }

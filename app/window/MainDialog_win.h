@@ -22,9 +22,11 @@
 #include "ui/LModalRunner.h"
 #include "ui/LSplash.h"
 
-// The program's one top-level window. It owns the window, the timers, the dispatch tables and the order of start and
-// end; the work lives in the classes it is made of. Every command ends here, on the window thread, in Give: from the
-// menu, buttons and keys, from devices (DeviceCommands) and from other programs (ApiCommands).
+// The program's one top-level window. It owns the window handle, the timers, the dispatch tables and the
+// order of start and end; the work lies in its members, which call back through small private interfaces.
+// Every command ends in Give, on the window thread: from menu, buttons and keys, from devices
+// (DeviceCommands) and from other programs (ApiCommands).
+// Thread: the window thread, but for PostSendProgress (send thread).
 class MainDialog final : public LModelessDialog,
                          private DictationList::Owner,
                          private NotesBox::Owner,
@@ -37,14 +39,14 @@ public:
     explicit MainDialog(AppState& state);
     ~MainDialog() override;
 
-    // Called once, when the window stands.
+    // callback is called once, when the window exists.
     void OnCreated(std::function<void()> callback) { m_onCreated = std::move(callback); }
 
-    // ms, taken just before the window is made.
+    // Tick count in ms just before the window is created, for the trace of the start-up time.
     void SetStartTick(uint32_t tick) { m_startTick = tick; }
 
-    // False when the send thread still runs: its entry stays in the queue, and the process must not wait for
-    // it.
+    // False when the send thread did not end in time. Its entry stays in the queue, and the process must end
+    // without it.
     bool SendThreadEnded() const { return m_sendThreadEnded; }
 
     bool PreTranslateMessage(MSG& message) override;
@@ -114,9 +116,11 @@ private:
     bool ShowAbout();
     RecordMode DefaultRecordMode() const;
 
-    // The dictation that the selection asks for becomes the current one, and all that is shown follows it.
+    // The selection decides on the current dictation, and everything shown follows.
     void FollowSelection();
+    // Follows a pending change of the selection now.
     void SettleSelection();
+    // Rows are reloaded later, by a posted message.
     void PostRowChanged(const LPath& record);
     void ApplyRowChanges();
 
@@ -158,10 +162,12 @@ private:
     void PostSendProgress() override;
 
     AppState& m_state;
-    std::atomic<HWND> m_postTo{nullptr};  // read by the send thread
+    std::atomic<HWND> m_postTo{nullptr};  // target of posts by the send thread; null while there is no window
     LModalRunner m_runner;
     BGSend m_queue;
-    LFileLock m_inUse;  // of the user's folder: who holds it may clear up what others left
+    // Lock of the user's folder. Only its holder repairs left-overs; another session's unfinished work would
+    // look like one.
+    LFileLock m_inUse;
     CurrentDictation m_current;
     DictationList m_list;
     NotesBox m_notes;
@@ -175,7 +181,7 @@ private:
     LSplash m_splash;
     LIntroduction m_introduction;
     std::function<void()> m_onCreated;
-    std::vector<int32_t> m_changedRows;  // to be made anew when nobody is in the middle of the list
+    std::vector<int32_t> m_changedRows;  // numbers of rows that are to be reloaded
     uint32_t m_startTick = 0;
     bool m_selectionMoved = false;
     bool m_isMenuOpen = false;

@@ -7,8 +7,14 @@
 #include "store/NotesFile.h"
 #include "ui/LWin.h"
 
+// Every change restarts a timer of half a second, so the file is written once for each pause of typing and
+// not for each key.
+// A text that the control cannot hold completely is never saved back, since the rest would be lost. Whether
+// it was held is seen from the control's own length after setting it.
+
 constexpr UINT kSaveAfterMs = 500;
-// Bytes; what Windows 95 can hold, and no platform takes long to lay out.
+// Bytes. The limit of an edit control on Windows 95; every platform lays out this much without a noticeable
+// delay (10 MB took seconds).
 constexpr size_t kMostEdited = 65535;
 
 void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
@@ -22,8 +28,8 @@ void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
     Load(LPath());
 }
 
-// A dialog selects the whole text of an edit control that the Tab key reaches; the next key typed would then
-// replace all the notes.
+// Hides from the dialog that the control wants its text selected: a dialog selects the whole text when the
+// Tab key reaches the control, and the next key typed would replace all notes.
 LRESULT CALLBACK NotesBox::EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* box = reinterpret_cast<NotesBox*>(GetWindowLongA(window, GWL_USERDATA));
     if (message == WM_KILLFOCUS) box->m_leftFor = reinterpret_cast<HWND>(wParam);
@@ -47,7 +53,7 @@ void NotesBox::Show(std::string_view text, bool isWhole) {
     m_isLoading = true;
     SetWindowTextA(m_edit, std::string(text).c_str());
     m_isLoading = false;
-    // What the control could not take must not be lost by saving the rest over it.
+    // A text that was cut by the control must not be saved over the whole one.
     isWhole = isWhole && static_cast<size_t>(GetWindowTextLengthA(m_edit)) == text.size();
     if (!isWhole) LTrace("NotesBox::Load notes too long to edit:", m_file.View());
     SendMessageA(m_edit, EM_SETREADONLY, isWhole ? FALSE : TRUE, 0);
@@ -85,9 +91,9 @@ void NotesBox::EvChange() {
 
 void NotesBox::Append(std::string_view text) {
     const auto isReadOnly = [this] { return (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0; };
-    if (isReadOnly()) Load(m_file);  // the file may have been held when it was loaded
+    if (isReadOnly()) Load(m_file);  // the file may have been held by another program
     if (m_file.Empty() || isReadOnly()) return;
-    // The user may be typing in the middle of the notes.
+    // The user's selection is restored: he may be typing in the middle of the notes.
     DWORD from = 0;
     DWORD to = 0;
     SendMessageA(m_edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));

@@ -7,35 +7,38 @@
 #include "app/window/UnsavedNotes.h"
 #include "base/LPath.h"
 
-// The notes of the current dictation: loaded when it becomes current, saved half a second after typing pauses and
-// before anything else happens to the dictation. Notes that cannot be saved are kept and saved later.
+// The edit control with the notes of the current dictation. They are loaded when it becomes current, and
+// saved half a second after typing pauses and before any command touches the dictation. Notes that cannot be
+// saved are kept in memory and saved later (UnsavedNotes).
 // Thread: the window thread.
 class NotesBox {
 public:
     class Owner {
     public:
         virtual ~Owner() = default;
-        // Notes of a dictation, not always of the current one, were written.
+        // Notes were written, not always those of the current dictation.
         virtual void NotesSaved(const LPath& notesFile) = 0;
-        // Whether there are notes that could not be saved may have changed.
+        // The set of unsaved notes may have changed.
         virtual void UnsavedNotesChanged() = 0;
     };
 
-    // Empty and disabled, as long as there is no dictation.
+    // Takes over the control, which is empty and disabled until Load.
     void Attach(HWND edit, HWND dialog, Owner& owner);
 
-    // Shows the notes of a dictation; an empty path empties and disables the box. Call Save before.
+    // Shows the notes of a dictation; an empty path empties and disables the control. Call Save before. Notes
+    // that cannot be read or are longer than 65,535 bytes are shown read-only and never written back.
     void Load(const LPath& notesFile);
-    // Writes what was typed, and what could not be written before; disarms the timer. False when there are still
-    // notes of this dictation that are not on the disk.
+    // Writes the typed text and earlier unsaved notes; stops the timer. False when notes of this dictation
+    // are still unsaved.
     bool Save();
-    // The text changed: marks it modified and arms the timer.
+    // The control reported a change: marks the text modified and restarts the timer.
     void EvChange();
+    // Appends a text of another program, keeping the user's selection.
     void Append(std::string_view text);
-    // The dictation was deleted.
+    // The dictation was deleted: its unsaved notes are dropped.
     void Forget(const LPath& notesFile);
 
-    // What took the keyboard from the notes last.
+    // The window that took the focus from the notes; null while they have it.
     HWND LeftFor() const { return m_leftFor; }
     const LPath& File() const { return m_file; }
     const UnsavedNotes& Unsaved() const { return m_unsaved; }

@@ -4,6 +4,9 @@
 
 #include "base/LText.h"
 
+// Indexes change with every removed row, so the maps hold places: serial numbers that rise along the rows and
+// never change. A binary search turns a place into an index.
+
 int RowOrder::IndexOfPlace(uint32_t place) const {
     const auto row = std::lower_bound(m_rows.begin(), m_rows.end(), place,
                                       [](const Row& r, uint32_t wanted) { return r.place < wanted; });

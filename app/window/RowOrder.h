@@ -8,27 +8,29 @@
 
 #include "base/LPath.h"
 
-// Which dictation stands in which row of the list. Rows are added at the end and go from anywhere; a number or
-// a record is found without a search, however many rows there are. Indexes count from 0, -1 is no row.
+// The dictations of the list's rows. Rows are added at the end and removed anywhere; the row of a number or
+// record is found in logarithmic time.
+// Units:  indexes count from 0; -1 is no row.
+// Thread: one at a time.
 class RowOrder {
 public:
     int Count() const { return static_cast<int>(m_rows.size()); }
     int IndexOf(int32_t number) const;
-    // By the record's path, without regard to case.
+    // The same by the record's path, without regard to case.
     int IndexOf(const LPath& record) const;
     bool Holds(int index) const { return index >= 0 && index < Count(); }
-    // Of a row that is there.
+    // Precondition of both: Holds(index).
     int32_t NumberAt(int index) const { return m_rows[static_cast<size_t>(index)].number; }
     LPath RecordAt(int index) const { return LPath(m_rows[static_cast<size_t>(index)].record); }
 
-    // Neither the number nor the record may have a row already.
+    // Precondition: neither the number nor the record has a row.
     void Append(int32_t number, const LPath& record);
     void Remove(int index);
     void Clear();
 
 private:
     struct Row {
-        uint32_t place;  // grows from row to row, and stays with the row when others go
+        uint32_t place;  // rises from row to row; unchanged when other rows are removed
         int32_t number;
         std::string record;
     };

@@ -18,7 +18,8 @@ constexpr char kNoRecipients[] =
     "Settings item on the Settings menu and add a New Recipient.";
 constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
 
-// False for a dictation whose recording was begun but never heard a word, too.
+// Whether there is audio to send. False also for a recording that ended without a word; true for a file that
+// cannot be opened now, which the move then reports.
 bool HasRecording(const LPath& audio) {
     LFile file(audio, LFile::Open::Read);
     if (!file.IsOpen()) return !LFile::IsAbsent(audio);
@@ -44,14 +45,14 @@ int SendCommands::DefaultRecipient() const {
 }
 
 int SendCommands::ChooseRecipient() const {
-    // Without a usable default the settings want attention, whichever way is chosen.
+    // Without a usable default recipient the settings need attention first.
     if (DefaultRecipient() < 0) return -1;
     return AskForRecipient(m_state, m_runner);
 }
 
 SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
-    MoveToSent::TakeUp(m_state.user, isQueued);  // its recording may be waiting to come back
+    MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
     if (!HasRecording(files.audio)) {
         TellNotSent(files, "It has no recording yet. Please record it first.");
         return Outcome::NothingToSend;
@@ -68,7 +69,7 @@ SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipi
         return Outcome::Failed;
     }
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
-        return Outcome::Failed;  // the queue says why, and the move is taken back
+        return Outcome::Failed;  // the queue keeps the error text; the destructor undoes the move
     move.Commit();
     return Outcome::Queued;
 }

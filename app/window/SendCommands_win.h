@@ -7,25 +7,29 @@
 #include "store/DictationFiles.h"
 #include "ui/LModalRunner.h"
 
-// Sending from the main window: which recipient, the move into the Sent folder, and the entry in the queue.
+// Sending from the main window: choosing the recipient, moving the dictation into the Sent folder, and adding
+// it to the queue.
+// Errors: told to the user.
 // Thread: the window thread.
 class SendCommands {
 public:
     SendCommands(const AppState& state, BGSend& queue, LModalRunner& runner)
         : m_state(state), m_queue(queue), m_runner(runner) {}
 
-    // Index of the user's default recipient; -1 after telling the user that there is none.
+    // Index of the user's default recipient; -1, after telling the user, when there is none.
     int DefaultRecipient() const;
-    // Lets the user choose; -1 when there is no recipient or the choice was cancelled.
+    // Lets the user choose; -1 when there is no recipient or the user cancels.
     int ChooseRecipient() const;
 
-    // What became of one dictation; the user has been told why it stays in the list.
+    // The result for one dictation. Unless it is Queued the user has been told why the dictation stays in the
+    // list.
     enum class Outcome {
         Queued,
-        NothingToSend,  // this one alone
-        Failed,         // the next ones would fare no better
+        NothingToSend,  // concerns only this dictation
+        Failed,         // the next dictations would fail as well
     };
-    // Moves one dictation to the Sent folder and queues it. One whose notes could not be saved is not sent without.
+    // Moves one dictation to the Sent folder and queues it. Refused when its notes could not be saved
+    // (hasUnsavedNotes), because it would be sent without them.
     Outcome Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes);
 
 private:

@@ -7,7 +7,8 @@
 
 namespace {
 
-// Signs are drawn on a square of 16 by 16 units, scaled to the button.
+// Symbols are drawn on a square of 16 by 16 units and scaled to the button. Vector shapes in place of bitmaps
+// fit every font size.
 constexpr int kUnits = 16;
 
 struct Shape {
@@ -37,7 +38,7 @@ struct Sign {
 constexpr COLORREF kRed = RGB(208, 0, 0);
 constexpr COLORREF kBlack = RGB(32, 32, 32);
 constexpr COLORREF kGreen = RGB(0, 120, 40);
-// A dot between two brackets: what is recorded goes between what is there.
+// A dot between two bars: a recording between existing passages.
 constexpr Shape kSmallCircle = {Shape::Kind::Circle, {{5, 5}, {11, 11}}, 2};
 constexpr Sign kInsertSign = {IDC_RECORD, kRed, {Bar(1), kSmallCircle, Bar(13)}, 3};
 constexpr Sign kSigns[] = {
@@ -50,7 +51,8 @@ constexpr Sign kSigns[] = {
     {IDC_GOTOEND, kBlack, {Right(2, 11), Bar(12)}, 2},
 };
 
-// Maps sign units to the pixels of a square in the middle of the button.
+// Maps units of a symbol to pixels, in a square of 60 % of the button's shorter side. shift moves the symbol
+// of a pressed button, in pixels.
 class Scale {
 public:
     Scale(const RECT& box, int shift) {
@@ -107,8 +109,7 @@ void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert)
     const bool isPressed = isHeld || (item.itemState & ODS_SELECTED) != 0;
     const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
     RECT box = item.rcItem;
-    // A held button is coloured all over, and only recording is red: the glance of a second must not be in
-    // doubt.
+    // A held button is filled with its colour, and only recording is red, so that one glance tells the state.
     const LBrush face(CreateSolidBrush(isHeld ? FaceOf(item.CtlID) : GetSysColor(COLOR_BTNFACE)));
     FillRect(item.hDC, &box, face.Get());
     DrawEdge(item.hDC, &box, isPressed ? EDGE_SUNKEN : EDGE_RAISED, BF_RECT);

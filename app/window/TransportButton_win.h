@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-// Draws one owner-drawn transport button: its sign instead of a lettering.
-// isInsert shows the record button's sign for inserting. isHeld shows the button pressed while what it
-// started goes on.
+// Draws an owner-drawn transport button with its symbol. isHeld: shown pressed and coloured, while its
+// activity goes on. isInsert: the record button shows the symbol for inserting.
 void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert);

@@ -6,22 +6,23 @@
 
 #include "base/LPath.h"
 
-// Saves notes, and keeps the text of those that could not be saved (a full disk, a file that another program holds)
-// until they are: nothing typed is lost by selecting another dictation.
+// Saves notes, and keeps the text of those that cannot be saved (a full disk, a file that another program
+// holds) until they can: typed text is not lost when the user selects another dictation. Asking the user at
+// once was rejected: a box at every pause of typing while the disk is full.
 // Thread: the window thread.
 class UnsavedNotes {
 public:
-    // Writes the notes of a dictation; false when they could not be written and are kept here.
+    // Writes the notes of a dictation; false when that failed and the text is kept here.
     bool Save(const LPath& notes, std::string_view text);
-    // Tries once more to write all that is kept. The paths of those that were written.
+    // Tries again to write all kept notes. Returns the paths of those that were written.
     std::vector<LPath> Retry();
-    // The text that is kept for a dictation; nullptr when what is on the disk is true.
+    // The kept text of a dictation; nullptr when the file holds the current text.
     const std::string* Find(const LPath& notes) const;
-    // The dictation is gone, and its notes with it.
+    // Drops the text of a deleted dictation.
     void Forget(const LPath& notes);
 
     bool Empty() const { return m_kept.empty(); }
-    // The first of those that are kept.
+    // The first kept one. Precondition: not Empty().
     const LPath& First() const { return m_kept.front().notes; }
 
 private:

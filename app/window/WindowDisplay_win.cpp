@@ -35,7 +35,7 @@ void WindowDisplay::Detach() {
     m_toolTips.Close();
 }
 
-// Loaded once and owned: shared icons would come in whatever size was asked for first.
+// Loaded once and owned: shared icons come in the size that was asked for first.
 void WindowDisplay::LoadIcons() {
     const auto load = [](int resource, int cx, int cy) {
         return LIcon(static_cast<HICON>(LoadImageA(LInstance(), MAKEINTRESOURCEA(resource), IMAGE_ICON,
@@ -94,15 +94,15 @@ void WindowDisplay::ShowSituation(CommandSituation situation) {
             if (IsCommandEnabled(control, situation) == isEnabled) EnableWindow(Item(control), isEnabled);
     };
     enable(true);
-    // The keyboard must not be left with a control that no longer listens.
+    // The focus must not stay on a control that is about to be disabled.
     if (const int focused = FocusedButton(); focused != 0 && !IsCommandEnabled(focused, situation))
         FocusHome();
     enable(false);
     ShowPosition();
 }
 
-// Play takes nothing away, nor does Go To Start where there is nothing to play: the next press of the space bar must
-// not record.
+// In the compact view: the first enabled one of Play, Go To Start and Record. Record comes last, since the
+// next press of the space bar would give its command.
 void WindowDisplay::FocusHome() {
     constexpr int kFull[] = {IDC_LIST};
     constexpr int kCompact[] = {IDC_PLAY, IDC_GOTOSTART, IDC_RECORD};
@@ -122,7 +122,7 @@ void WindowDisplay::LeaveButton(HWND cameFrom) {
         FocusHome();
 }
 
-// Its number; 0 when the keyboard is elsewhere, or in another program.
+// The number of the focused button; 0 when the focus is elsewhere, or in another program.
 int WindowDisplay::FocusedButton() const {
     const HWND focus = GetFocus();
     for (int control : kButtons)
@@ -142,7 +142,7 @@ void WindowDisplay::ShowPlaySpeed(PlaySpeed speed) {
                        static_cast<UINT>(CM_PLAY_SLOW + static_cast<int>(speed)), MF_BYCOMMAND);
 }
 
-// ---- What runs -------------------------------------------------------------------------------------------
+// ---- Activity --------------------------------------------------------------------------------------------
 
 void WindowDisplay::ShowActivity() {
     if (m_transport.IsRecording() != m_showsRecordingIcon) {
@@ -166,7 +166,7 @@ void WindowDisplay::DrawButton(const DRAWITEMSTRUCT& item) const {
     DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
 }
 
-// Whether a transport button stays pressed, since what it began goes on.
+// Whether a transport button stays pressed, because its activity goes on.
 bool WindowDisplay::IsHeld(int control) const {
     switch (control) {
         case IDC_RECORD:
@@ -182,7 +182,7 @@ bool WindowDisplay::IsHeld(int control) const {
     }
 }
 
-// What runs, in front of the dictation's name.
+// The activity, in front of the dictation's name.
 const char* WindowDisplay::Doing() const {
     if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
     if (m_transport.IsPlaying()) return "Playing: ";

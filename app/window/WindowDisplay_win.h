@@ -13,41 +13,43 @@
 #include "ui/LToolTips.h"
 #include "ui/LWin.h"
 
-// What the main window shows besides the list and the notes: texts, buttons, menu ticks, icon, meters, and where the
-// keyboard goes when the control that had it no longer listens.
+// The display of the main window besides list and notes: texts, buttons, menu ticks, icon, meters. Also moves
+// the focus when its control is disabled or has done its work.
+// Units:  positions in ms of the dictation, levels in dB.
 // Thread: the window thread.
 class WindowDisplay {
 public:
     WindowDisplay(const DictationList& list, const Transport& transport, const CurrentDictation& current)
         : m_list(list), m_transport(transport), m_current(current) {}
 
-    // The window's controls exist. userName: who is logged on.
+    // Precondition: the window's controls exist. userName: the name of the logged-on user.
     void Attach(HWND window, const std::string& userName);
     void Detach();
 
-    // Which buttons and menu items can be given; what stands before the window at the moment does not count.
+    // Enables and disables buttons and menu items. Something modal that is open does not count.
     void ShowSituation(CommandSituation situation);
-    // The first menu of a resource, at a place of the screen; returns when it is closed.
+    // Shows the first menu of a resource at a point of the screen; returns when it is closed.
     void ShowPopup(int resource, POINT at, const CommandSituation& situation) const;
-    // What runs has begun or ended.
+    // An activity of the transport has started or ended.
     void ShowActivity();
-    // Name, position and length of the current dictation, and what is being done with it.
+    // Shows name, position and length of the current dictation, and the activity.
     void ShowPosition();
     void ShowLevels(int8_t leftDb, int8_t rightDb);
     void DrawButton(const DRAWITEMSTRUCT& item) const;
     void ShowRecordMode(RecordMode mode);
     void ShowPlaySpeed(PlaySpeed speed);
-    // The dictation whose notes could not be saved, empty when there is none: in place of who is logged on.
+    // Shows a dictation's name in place of the logged-on user: its notes could not be saved. Empty: no such
+    // dictation.
     void ShowUnsaved(const std::string& name);
-    // fraction: 0 to 1.
+    // fraction: of the queue, 0 to 1.
     void ShowSendProgress(double fraction);
-    // The next of the texts of the information line.
+    // Shows the next text of the information line.
     void ShowNextInfo();
 
-    // Where the keyboard is at home in a view: on the list, or on the transport where there is none.
+    // Moves the focus to its home: the list, or, in the compact view, which has none, the transport.
     void FocusHome();
-    // A button that had its say must not take the next press of the space bar. cameFrom: the control that had the
-    // keyboard before the button and gets it back; nullptr: it goes home.
+    // Takes the focus from a button after its command; otherwise the space bar would press it again.
+    // cameFrom: the control that had the focus before the button and gets it back; nullptr: the home.
     void LeaveButton(HWND cameFrom);
 
 private:
@@ -71,6 +73,6 @@ private:
     std::string m_loggedOn;
     ViewMode m_view = ViewMode::Normal;
     size_t m_infoText = 0;
-    bool m_showsInsert = false;  // on the record button
+    bool m_showsInsert = false;  // the record button shows the symbol for inserting
     bool m_showsRecordingIcon = false;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-// Pixels of the screen.
+// Screen coordinates, in pixels.
 struct ScreenPoint {
     int x = 0;
     int y = 0;
@@ -30,18 +30,21 @@ constexpr ScreenPoint FitOnDesktop(ScreenPoint stored, ScreenSize window, Screen
             fit(stored.y, window.height, desktop.top, desktop.bottom)};
 }
 
+// The stored values of the setting "viewmode".
 enum class ViewMode : int32_t { Compact = 0, Normal = 1, Maximized = 2 };
 
-// What a settings file may hold to one of the views.
+// Converts a stored number; any other value is the normal view.
 constexpr ViewMode ToViewMode(int32_t stored) {
     return stored >= 0 && stored <= 2 ? static_cast<ViewMode>(stored) : ViewMode::Normal;
 }
 
-// Dialog units of the client area; none for the maximized view.
+// Client area of a view when it is chosen, and its smallest, in dialog units. The maximized view has that of
+// the normal one, to which it can be restored.
 constexpr ScreenSize ClientUnits(ViewMode view) {
     return view == ViewMode::Compact ? ScreenSize{185, 70} : ScreenSize{280, 140};
 }
 
+// Whether the window is shown top-most; never when maximized.
 constexpr bool IsTopMost(ViewMode view, bool wanted) {
     return wanted && view != ViewMode::Maximized;
 }

@@ -5,6 +5,10 @@
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
 
+// Sizes come from dialog units and not from stored pixels, so the window follows the system font; only the
+// position is stored. The size that the user gave the window by dragging is not kept: the next start shows
+// the view's own size.
+
 DialogUnits WindowLayout::Units() const {
     RECT box = {0, 0, 4, 8};
     MapDialogRect(m_window, &box);
@@ -29,7 +33,7 @@ void WindowLayout::LayoutNormalSizeAndPosition() {
     m_isReady = false;
     if (m_view != ViewMode::Maximized && IsZoomed(m_window)) ShowWindow(m_window, SW_RESTORE);
     if (!IsZoomed(m_window)) {
-        // Also before it is maximized: that is the place to which it is restored.
+        // Also before maximizing: this is the position to which the window is restored.
         RECT desktop;
         SystemParametersInfoA(SPI_GETWORKAREA, 0, &desktop, 0);
         const ScreenSize size = WindowSizeOf(m_view);
@@ -60,7 +64,7 @@ void WindowLayout::LayoutControls() {
                      places);
     for (const ControlPlace& place : places) {
         const HWND control = GetDlgItem(m_window, place.control);
-        // Nothing of the old picture is kept: centred and right-aligned texts would leave traces.
+        // The old pixels are not copied: centred and right-aligned texts would leave traces.
         if (!place.IsHidden())
             SetWindowPos(control, nullptr, place.x, place.y, place.width, place.height,
                          SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
@@ -92,7 +96,7 @@ void WindowLayout::EvDrag(bool isDragging) {
 }
 
 void WindowLayout::EvMove() {
-    // The place of a minimized or maximized window is not one to come back to.
+    // The position of a minimized or maximized window is not stored.
     if (!m_isReady || m_isDragging || IsIconic(m_window) || IsZoomed(m_window)) return;
     RECT box;
     GetWindowRect(m_window, &box);

@@ -4,7 +4,10 @@
 #include "app/window/ControlLayout.h"
 #include "ui/LWin.h"
 
-// Size, place and controls of the main window in its three views. Thread: the window thread.
+// Size, position and views of the main window, and the placing of its controls. The rules are portable:
+// WindowFit for the window, ControlLayout for the controls.
+// Units:  pixels, unless dialog units are named.
+// Thread: the window thread.
 class WindowLayout {
 public:
     explicit WindowLayout(const AppState& state) : m_state(state) {}
@@ -16,9 +19,9 @@ public:
     void LayoutControls();
     void SetView(ViewMode view);
     void ToggleFloat();
-    // The window is never made smaller than its controls need.
+    // Limits the size from below, so that all controls stay visible.
     void EvGetMinMaxInfo(MINMAXINFO& info) const;
-    // Stores where the window now is; while the user drags it, once when he lets go.
+    // Stores the position of the window; while the user drags it, once at the end.
     void EvMove();
     void EvDrag(bool isDragging);
     ViewMode View() const { return m_view; }
@@ -31,5 +34,5 @@ private:
     HWND m_window = nullptr;
     ViewMode m_view = ViewMode::Normal;
     bool m_isDragging = false;
-    bool m_isReady = false;  // moves before the first layout are the platform's, not the user's
+    bool m_isReady = false;  // false: moves come from our own layout and are not stored
 };
