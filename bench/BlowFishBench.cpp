@@ -9,6 +9,8 @@
 #include "bench/Ratios.h"
 #include "send/LBlowFish.h"
 
+// Encryption of a megabyte, against the implementation of a general cryptography library.
+
 namespace {
 
 constexpr char kBlowfishBench[] = "Blowfish";

@@ -21,8 +21,9 @@
 #include "bench/Ratios.h"
 #include "tests/unit/BorrowedStream.h"
 
-// Compressing and decompressing an hour through our sink and source, against a bare loop around the platform's codec
-// with the same blocks. Both write into and read from memory, so that the disk does not blur the difference.
+// Compressing and decompressing an hour through our sink and source, against a bare loop around the
+// platform's codec with the same blocks. Both read and write memory, so that the disk does not blur the
+// difference.
 
 namespace {
 
@@ -31,12 +32,13 @@ constexpr int32_t kHourFrames = 3600 * kRate;
 
 // --- Formats and sound -----------------------------------------------------------------------------------
 
+// Wave format records (LWaveFileFormat) of the codecs: IMA ADPCM, GSM 6.10 and mu-law, 8000 Hz, mono.
 constexpr uint8_t kImaRecord[] = {0x11, 0, 1, 0, 0x40, 0x1F, 0, 0, 0xD7, 0x0F,
                                   0,    0, 0, 1, 4,    0,    2, 0, 0xF9, 1};
 constexpr uint8_t kGsmRecord[] = {0x31, 0, 1, 0, 0x40, 0x1F, 0, 0, 0x59, 6, 0, 0, 65, 0, 0, 0, 2, 0, 0x40, 1};
 constexpr uint8_t kLawRecord[] = {7, 0, 1, 0, 0x40, 0x1F, 0, 0, 0x40, 0x1F, 0, 0, 1, 0, 8, 0, 0, 0};
 
-// A block of a voice-like tone, the same for each second.
+// A block of a voice-like tone, repeated for the whole hour.
 const std::vector<int16_t>& Block16() {
     static const std::vector<int16_t> block = [] {
         std::vector<int16_t> samples(kBlockFrames);
@@ -62,7 +64,7 @@ void Compress(LMemoryFile& file, const LWaveFileFormat& format, const std::vecto
         sink.Write(block.data(), std::min(left, kBlockFrames));
 }
 
-// A file of one hour, made once.
+// A compressed file of one hour, made once for each format.
 LMemoryFile& Hour(const LWaveFileFormat& format) {
     static std::map<uint16_t, LMemoryFile> hours;
     LMemoryFile& file = hours[format.Tag()];
@@ -76,7 +78,7 @@ WAVEFORMATEX* Record(const LWaveFileFormat& format) {
     return reinterpret_cast<WAVEFORMATEX*>(const_cast<uint8_t*>(format.Bytes().data()));
 }
 
-// A stream with its two buffers, sized for a block of PCM on one side.
+// A codec stream with its two buffers, sized for a block of PCM on its PCM side.
 class BareCodec {
 public:
     BareCodec(const LWaveFileFormat& from, const LWaveFileFormat& to) {
@@ -104,7 +106,7 @@ public:
     BareCodec& operator=(const BareCodec&) = delete;
 
     std::span<uint8_t> Free() { return std::span(m_in).subspan(m_used); }
-    // Converts what was put there; what the codec leaves goes to the front.
+    // Converts the bytes that were put into Free(); bytes that the codec leaves move to the front.
     std::span<const uint8_t> Convert(size_t added) {
         m_header.cbSrcLength = static_cast<DWORD>(m_used + added);
         acmStreamConvert(m_stream, &m_header, ACM_STREAMCONVERTF_BLOCKALIGN);
@@ -163,7 +165,7 @@ void DecompressOurs(benchmark::State& state, const LWaveFileFormat& format) {
     }
 }
 
-// Hands its samples out, as every reader does, but as the codec gives them.
+// Copies the samples out, as every reader does, but in the codec's own format.
 void DecompressBare(benchmark::State& state, const LWaveFileFormat& format) {
     LMemoryFile& file = Hour(format);
     std::vector<uint8_t> block(size_t{kBlockFrames} * 2);
@@ -203,11 +205,11 @@ struct CodecBench {
     const char* ours;
     const char* bare;
     void (*runOurs)(benchmark::State&, const LWaveFileFormat&);
-    void (*runBare)(benchmark::State&, const LWaveFileFormat&);  // null: only our time is of interest
+    void (*runBare)(benchmark::State&, const LWaveFileFormat&);  // null: only our time is measured
     std::span<const uint8_t> record;
 };
-// The fast codecs, with which our own work shows most; and seeking where it takes most, since GSM 6.10 has to be
-// decoded from some way before the place.
+// The fast codecs, since with them our own work has the largest share; and seeking in GSM 6.10, where it
+// takes longest, since decoding has to start some way before the place.
 constexpr double kAtMost = 1 / 0.95;
 constexpr double kSeekAtMostMs = 5.0;
 const CodecBench kCodecs[] = {

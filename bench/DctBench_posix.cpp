@@ -14,6 +14,9 @@
 #include "send/SendItem.h"
 #include "store/SettingsKeys.h"
 
+// The conversion of an hour of dictation into a DCT file of the default format (8 bits), plain and encrypted,
+// against a command-line converter that only writes the 8-bit WAV file.
+
 extern char** environ;
 
 namespace {
@@ -30,7 +33,8 @@ constexpr int32_t kRate = 8000;
 constexpr int32_t kHourFrames = 3600 * kRate;
 constexpr double kTwoPi = 6.283185307179586;
 
-// Voiced syllables of changing pitch, four in a second, with a breath every few seconds and some hiss.
+// A speech-like signal: voiced syllables of changing pitch, four in a second, with a pause every five seconds
+// and some noise.
 int32_t SpeechLike(int32_t frame) {
     static uint32_t noise = 1;
     noise = noise * 1664525u + 1013904223u;
@@ -42,7 +46,8 @@ int32_t SpeechLike(int32_t frame) {
     return static_cast<int32_t>(0x7FFF0 * (0.3 * syllable * voice + 0.004 * hiss));
 }
 
-// An hour of dictation in a folder of its own, and the recipients it is converted for.
+// An hour of dictation in a data folder of its own, with two recipients (rec0 plain, rec1 encrypted); removed
+// at the end.
 class Hour {
 public:
     static const Hour& Get() {
@@ -101,14 +106,14 @@ void Convert(benchmark::State& state, const char* recipient) {
     LFile::Delete(file);
 }
 
-// A path as other programs take it.
+// A path with the separators of the platform, for another program.
 std::string Native(const LPath& path) {
     std::string text(path.View());
     std::replace(text.begin(), text.end(), '\\', '/');
     return text;
 }
 
-// Without dither, which is the faster of its two ways.
+// -D: without dither, the faster of the converter's two ways.
 void ConvertWithSox(benchmark::State& state) {
     const Hour& hour = Hour::Get();
     std::string arguments[] = {"sox", "-D", Native(hour.File("Sent\\00000001.wav")),

@@ -10,8 +10,8 @@
 
 namespace {
 
-// Shows every run as usual and keeps the shortest time of each bench, which other programs on the machine
-// disturb least.
+// Prints every run as usual and keeps the shortest time of each bench: other programs on the machine can only
+// lengthen a run, so the shortest is the least disturbed.
 class ShortestTimes final : public benchmark::ConsoleReporter {
 public:
     ShortestTimes() : ConsoleReporter(OO_None) {}
@@ -60,8 +60,8 @@ std::vector<BenchFigure>& BenchFigures() {
 }
 
 int main(int argc, char** argv) {
-    // Many short runs, of which the shortest counts. Ours and the peer's take turns, so that a busy moment of the
-    // machine meets both. The command line may say otherwise.
+    // Many short runs, of which the shortest counts. Our benches and the peers' take turns, so that a busy
+    // moment of the machine meets both. Options of the command line come later and win.
     std::string defaults[] = {"--benchmark_repetitions=20", "--benchmark_min_time=0.02",
                               "--benchmark_enable_random_interleaving=true"};
     std::vector<char*> arguments(argv, argv + argc);

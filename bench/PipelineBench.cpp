@@ -24,7 +24,8 @@ constexpr int32_t kHourFrames = 3600 * kRate;
 
 // --- Fixtures ------------------------------------------------------------------------------------------
 
-// Noise of full scale: what is decided for each sample is not to be guessed by the processor.
+// Pseudo-random noise; shift gives its level. With noise the processor cannot predict decisions that depend
+// on single samples.
 std::vector<int32_t> Noise(size_t count, int shift) {
     std::vector<int32_t> samples(count);
     uint32_t state = 1;
@@ -35,7 +36,7 @@ std::vector<int32_t> Noise(size_t count, int shift) {
     return samples;
 }
 
-constexpr int kAtMost16Bits = 13;  // shifts: up to 2^18
+constexpr int kAtMost16Bits = 13;  // shift for amplitudes up to 2^18, within 16 bits
 constexpr int kTwiceTooLoud = 11;
 
 class TemporaryFile {
@@ -115,7 +116,7 @@ private:
 
 // --- The limiter, against a bare scan for the peak -------------------------------------------------------
 
-// Both take their sound from the same source, whose own work is neither's.
+// Both take their sound from the same source, so its own work lengthens both times alike.
 constexpr char kPeakScanBench[] = "PeakScan";
 constexpr char kLimitQuietBench[] = "LimiterAtUnity";
 constexpr char kLimitLoudBench[] = "LimiterAtWork";
@@ -149,7 +150,7 @@ BENCHMARK_CAPTURE(Limit, loud, kTwiceTooLoud)->Name(kLimitLoudBench);
 
 // --- The loops for any processor and for SSE2 ------------------------------------------------------------
 
-// Calls one loop over a block, from and to memory that suits all of them.
+// Calls one loop over a block; the buffers are large enough for every sample format.
 using Loop = void (*)(const LKernels& kernels, const int32_t* in, int32_t* out);
 
 void RunLoop(benchmark::State& state, const LKernels& kernels, Loop loop) {
@@ -220,8 +221,8 @@ constexpr char kReadShortBench[] = "ReadHour16ShortsOfSndfile";
 constexpr char kCopyBench[] = "CopyHour8To16";
 constexpr char kCopyPeerBench[] = "CopyHour8To16OfSndfile";
 constexpr char kOpenBench[] = "OpenAndSeekInFourHours";
-// Reading into 32 bits a sample is the comparison: both deliver the same. Into 16 bits the peer hands on
-// the file's bytes as they stand.
+// Reading into 32-bit samples is the fair comparison, since both do the same work. Into 16 bits the peer
+// copies the bytes of the file unchanged.
 const BenchRatio kFileRatios[] = {
     {"WAV reading, 32-bit samples / libsndfile", kReadBench, kReadIntBench, 0.77},
     {"WAV reading, 32-bit samples / its 16-bit samples", kReadBench, kReadShortBench},

@@ -21,8 +21,8 @@
 #include "audio/convert/LSRCConvertRate.h"
 #include "bench/Ratios.h"
 
-// Rate conversion of a minute, block by block, from samples of the size that each library likes best; ours
-// are those of the pipeline. Then the quality of our conversion, in the same run.
+// Rate conversion of a minute of sound, block by block. Each library gets samples of its preferred type, ours
+// those of the pipeline. The quality of our conversion is measured in the same run.
 
 namespace {
 
@@ -62,7 +62,7 @@ double Voice(int32_t frame, int32_t rate) {
     return 0.05 * sum;
 }
 
-// Made once for each kind of sample and rate.
+// The input signal, made once for each sample type and rate.
 template <class T>
 const std::vector<T>& Material(int32_t rate, double fullScale) {
     static std::map<int32_t, std::vector<T>> made;
@@ -94,12 +94,12 @@ private:
     int32_t m_position = 0;
 };
 
-// Each run by itself: the shorter it is, the sooner one of them is left alone by the rest of the machine.
+// One iteration for each run: the shorter a run, the greater its chance not to be disturbed.
 void OneByOne(benchmark::internal::Benchmark* bench) {
     bench->Iterations(1);
 }
 
-// For those that take a large multiple of our time.
+// For peers that take a large multiple of our time.
 [[maybe_unused]] void Seldom(benchmark::internal::Benchmark* bench) {
     bench->Iterations(1)->Repetitions(3);
 }
@@ -122,7 +122,7 @@ void Ours(benchmark::State& state, const Rates& rates) {
 BENCHMARK_CAPTURE(Ours, down, kDown)->Name(kDownOurs)->Apply(OneByOne);
 BENCHMARK_CAPTURE(Ours, up, kUp)->Name(kUpOurs)->Apply(OneByOne);
 
-// The two loops of a conversion without anything around them.
+// The two inner loops of a conversion (narrowing, interpolating) by themselves.
 void Loops(benchmark::State& state, const Rates& rates, const LKernels& kernels) {
     const std::vector<int32_t>& in = Material<int32_t>(rates.in, 0x80000);
     const LSincFilter filter(rates.in, rates.out, 63);
@@ -238,7 +238,7 @@ BENCHMARK_CAPTURE(Speexdsp, up, kUp)->Name(kUpSpeex)->Apply(Seldom);
 
 // --- Quality -------------------------------------------------------------------------------------------
 
-// What becomes of a second of a tone at half of full scale, in decibels.
+// The result of converting a second of a tone at half of full scale. Units: dB.
 struct ToneResult {
     double levelDb;  // of the tone, against the input
     double snrDb;    // of the tone against the rest
@@ -259,7 +259,8 @@ ToneResult ConvertTone(const Rates& rates, double hz) {
     for (int32_t done = 0; done < rates.out; done += kBlockFrames)
         source->Read(out.data() + done, std::min(kBlockFrames, rates.out - done));
 
-    // The whole periods of a whole second: sine and cosine are orthogonal.
+    // A least-squares fit of the tone. Over a second of whole periods sine and cosine are orthogonal, so each
+    // coefficient is a plain sum.
     double re = 0.0, im = 0.0, power = 0.0;
     for (size_t i = 0; i < out.size(); ++i) {
         const double angle = 2 * std::numbers::pi * hz * static_cast<double>(i) / rates.out, v = out[i];

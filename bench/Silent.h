@@ -2,7 +2,7 @@
 
 #include "base/LProcess.h"
 
-// Nobody watches the process that is measured.
+// A context that ignores all reports, for measuring a process by itself.
 class Silent final : public ProcessContext {
 public:
     bool CancelRequested() override { return false; }

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 """The main job, from microphone to typist, with the real program on the rig: tools/rig tools/demo.py
 
-A spoken sample goes in at the microphone while corvane.exe records; the dictation is played back, gets a
-note and is sent to a typist's folder; what is heard and what arrives there is measured against what was
-spoken. Leaves its files in
-out/, prints each step with its figure, and exits 0 only when everything holds."""
+A spoken sample is played into the microphone while corvane.exe records; the dictation is played back, gets a
+note and is sent to a typist's folder; the sound that is heard and the file that arrives are compared with
+the sample. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
+pass."""
 
 import os
 import shutil

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes send/BlowfishTables.cpp: Blowfish's initial words are the hexadecimal digits of pi, worked out here.
+"""Writes send/BlowfishTables.cpp: the initial words of Blowfish are the hexadecimal digits of the fraction
+of pi, computed here by Machin's formula, pi = 16 arctan(1/5) - 4 arctan(1/239).
 
 usage: tools/make-blowfish-tables.py >send/BlowfishTables.cpp
 """

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Runs clang-tidy over the program's sources: portable files as the host build compiles them, the others
-as the Windows build does; with --tests also over the tests. A file is looked at again only when it, a
-header that it includes, or the rules have changed; what passed is remembered in build/tidy."""
+as the Windows build does; with --tests also over the tests. A file is checked again only when it, a header
+that it includes, or the rules have changed; files that passed are recorded in build/tidy."""
 
 import hashlib
 import json
