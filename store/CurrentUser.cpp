@@ -8,6 +8,10 @@
 #include "store/RegistryUser.h"
 #include "store/SettingsKeys.h"
 
+// The list of users is a numbered list of settings (Settings::ListItemKey), changed one key at a time. Each
+// order of writes is chosen so that an end of the program between two of them leaves a user twice, which
+// reading corrects, and never loses one.
+
 static std::string ReadDetail(const LProfileSection& section, const Settings::TextKey& key) {
     return section.Read(key.key, key.defaultValue);
 }

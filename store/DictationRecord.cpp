@@ -5,6 +5,12 @@
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 
+// Records are small files in the settings format. They are read in one go, to tell a file that cannot be read
+// from one with empty values, and written key by key with the platform's functions, each change complete by
+// itself. A crash while a record is created can leave it without a number; RepairRecord completes it from the
+// file name.
+
+// Digits of the number in a file name.
 constexpr size_t kNumberDigits = 8;
 
 DictationRecord DictationRecord::Read(const LPath& record, uint32_t waitMs) {

@@ -5,6 +5,10 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 
+// Notes are written as a whole under another name and then swapped in (LFile::WriteWhole), so the old notes
+// exist until the new ones are complete. The zero byte at the end, which the format demands, is also the sign
+// of completeness for RecoverUnfinished.
+
 namespace NotesFile {
 
 constexpr size_t kPreviewBytes = 127;

@@ -7,11 +7,17 @@
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 
+// A fixed binary layout of 1964 bytes: texts in zero-padded fields, then the wave format structure. Read with
+// LByteReader, which fails once and stays failed, so the check for a file that is too short stands at the
+// end; nothing is taken over from a file that fails.
+
 namespace {
 
 constexpr uint32_t kVersion = 1;  // written; version 0 has neither flags nor encryption password
 constexpr size_t kFileBytes = 1964;
+// The size of version 0, without flags and pass phrase.
 constexpr size_t kOldFileBytes = 1896;
+// Sizes of the text fields, with their padding.
 constexpr size_t kNameBytes = 32;
 constexpr size_t kAddressBytes = 128;
 constexpr size_t kFolderBytes = 256;

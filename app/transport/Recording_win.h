@@ -11,7 +11,7 @@
 
 // Records into one dictation: prepares its file, opens the input, runs the recorder.
 // Units:  milliseconds of the dictation; levels in dB.
-// Errors: told to the user, those at the start by a box, those during a recording as Outcome::trouble.
+// Errors: reported to the user, those at the start by a box, those during a recording as Outcome::trouble.
 // Thread: the window thread, on which the recorder's messages arrive too.
 class Recording final : private LSoundRecorderNotify {
 public:

@@ -14,8 +14,8 @@
 // Starting a recording can take long (compressed audio is decoded first) and runs messages meanwhile, so the
 // commands that arrive then must find a consistent state: m_isStarting refuses them, and a Stop is remembered
 // and carried out when the recording has started.
-// A selected dictation stands at its end. Position 0 was rejected: with the mode "overwrite" the first press
-// on Record after the start would replace the whole last dictation.
+// The position in a newly selected dictation is its end. Position 0 was rejected: with the mode "overwrite"
+// the first press on Record after the start would replace the whole last dictation.
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 // The transport: the position in the current dictation, and recording, playing and winding, one at a time.
 // Units:  milliseconds of the dictation; levels in dB.
-// Errors: told to the user; a command that cannot be carried out returns false.
+// Errors: reported to the user; a command that cannot be carried out returns false.
 // Thread: the window thread. Stop and the start of a recording can run messages, and with them other
 //         commands.
 class Transport final : private Recording::Owner, private Playback::Owner {

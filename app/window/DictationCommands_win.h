@@ -14,7 +14,7 @@
 
 // Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is
 // touched the transport is stopped and the notes are saved, and all questions to the user are asked.
-// Errors: told to the user, each once; false when nothing or not everything was done.
+// Errors: reported to the user, each once; false when nothing or not everything was done.
 // Thread: the window thread.
 class DictationCommands {
 public:

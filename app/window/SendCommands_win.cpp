@@ -10,6 +10,12 @@
 #include "store/SendToSettings.h"
 #include "store/SettingsKeys.h"
 
+// Sending one dictation is a short transaction on the window thread: move its files (MoveToSent), append the
+// queue entry, commit the move. If the entry cannot be appended the move is undone by its destructor, so a
+// dictation is never in Sent without being queued. Conversion and delivery follow on the send thread, from
+// the files in Sent alone: neither window nor list takes part in them.
+// An unfinished earlier move is settled first, since it may hold this dictation's audio.
+
 namespace {
 
 constexpr char kNoRecipients[] =

@@ -9,7 +9,7 @@
 
 // Sending from the main window: choosing the recipient, moving the dictation into the Sent folder, and adding
 // it to the queue.
-// Errors: told to the user.
+// Errors: reported to the user.
 // Thread: the window thread.
 class SendCommands {
 public:
