@@ -155,8 +155,19 @@ void DictationList::UpdateFile(const LPath& record) {
     Update({LoadDictationRow(record)});
 }
 
-void DictationList::UpdateNumber(int32_t number) {
-    if (const int index = m_rows.IndexOf(number); index >= 0) UpdateFile(m_rows.RecordAt(index));
+void DictationList::UpdateLater(const LPath& record) {
+    if (const std::optional<int32_t> number = NumberOf(record)) UpdateLater(*number);
+}
+
+void DictationList::UpdateLater(int32_t number) {
+    m_toUpdate.push_back(number);
+    PostMessageA(GetParent(m_list), WM_ROWCHANGED, 0, 0);
+}
+
+void DictationList::UpdateNoted() {
+    if (IsRenaming()) return;
+    for (const int32_t number : std::exchange(m_toUpdate, {}))
+        if (const int index = m_rows.IndexOf(number); index >= 0) UpdateFile(m_rows.RecordAt(index));
 }
 
 void DictationList::UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing) {
@@ -353,6 +364,8 @@ LRESULT DictationList::EvEndLabelEdit(const NMLVDISPINFOA& edit) {
     const char* typed = index >= 0 ? edit.item.pszText : nullptr;  // null: cancelled
     const auto name = typed != nullptr ? ChangedName(TextAt(index, 0), typed) : std::nullopt;
     const bool isStored = name && StoreName(m_rows.RecordAt(index), *name);
-    m_owner->AfterRename(name ? m_renamedNumber : std::nullopt, isStored);
+    if (name) m_toUpdate.push_back(*m_renamedNumber);
+    PostMessageA(GetParent(m_list), WM_ROWCHANGED, 0, 0);  // also for the rows that waited for this end
+    m_owner->AfterRename(name && !isStored);
     return FALSE;  // refused: the list view would write into any row that is under the editor by now
 }

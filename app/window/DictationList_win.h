@@ -32,10 +32,10 @@ public:
         virtual void SelectionMoved() = 0;
         // A row was double-clicked.
         virtual void PlayFromStart() = 0;
-        // Called before the name of a row is edited, and after its editor has closed. renamed: the number of
-        // the dictation that got another name, if any; isStored: whether its record could be written.
+        // Called before the name of a row is edited, and after its editor has closed. isLost: the new name
+        // could not be stored.
         virtual void BeforeRename() = 0;
-        virtual void AfterRename(std::optional<int32_t> renamed, bool isStored) = 0;
+        virtual void AfterRename(bool isLost) = 0;
     };
 
     // current: the dictation that the view follows and that BeginRename edits.
@@ -52,7 +52,10 @@ public:
     // Loads a row anew and moves it to the end, with its selection; a last row changes in place. While its
     // record cannot be read the row stays as it is.
     void UpdateFile(const LPath& record);
-    void UpdateNumber(int32_t number);
+    // The same by a posted WM_ROWCHANGED, for callers in the middle of a click: the row must not move under it.
+    void UpdateLater(const LPath& record);
+    // Answers WM_ROWCHANGED. Does nothing while a name is edited; the end of the editing posts the message again.
+    void UpdateNoted();
     // The same for several rows, in the given order. listing: of their folder, as it is now.
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
     // Loads the rows again whose records could not be read before.
@@ -100,6 +103,7 @@ private:
     std::optional<DictationFiles> FilesAt(int index) const;
     bool IsInView(int index) const;
     void SelectOnly(int index);
+    void UpdateLater(int32_t number);
     void EvItemChanged(const NMLISTVIEW& change);
     void EvBeginLabelEdit(const NMLVDISPINFOA& edit);
     LRESULT EvEndLabelEdit(const NMLVDISPINFOA& edit);
@@ -110,6 +114,7 @@ private:
     LFont m_font;
     RowOrder m_rows;  // mirrors the rows of the list view, in the same order
     std::optional<int32_t> m_renamedNumber;
+    std::vector<int32_t> m_toUpdate;  // numbers of the rows that wait for UpdateNoted
     std::vector<LPath> m_unreadable;  // records of rows that are to be loaded again
     int m_quiet = 0;  // above 0: our own code changes rows, and SelectionMoved is not reported
 };

@@ -100,7 +100,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Chosen); }},
     {CM_RENAMEFILE, CM_RENAMEFILE,
      // Pending changes first: the row must not move under its editor.
-     [](MainDialog& d, int) { return d.ApplyRowChanges(), d.m_dictations.BeginRename(); }},
+     [](MainDialog& d, int) { return d.m_list.UpdateNoted(), d.m_dictations.BeginRename(); }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
      [](MainDialog& d, int command) {
@@ -393,7 +393,8 @@ bool MainDialog::EvSelectionMoved(WPARAM, LPARAM, LRESULT& result) {
 }
 
 bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
-    ApplyRowChanges();
+    m_list.UpdateNoted();
+    m_display.ShowPosition();
     result = 0;
     return true;
 }
@@ -571,27 +572,9 @@ void MainDialog::BeforeRename() {
     m_notes.Save();
 }
 
-void MainDialog::AfterRename(std::optional<int32_t> renamed, bool isStored) {
-    if (renamed && !isStored) m_dictations.TellNotStored();
-    // The row is reloaded later, after the list view has closed its editor.
-    if (renamed) m_changedRows.push_back(*renamed);
-    PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
+void MainDialog::AfterRename(bool isLost) {
+    if (isLost) m_dictations.TellNotStored();
     PostMessageA(Window(), WM_SHOWLATER, 0, 0);
-}
-
-// Notes the row for reloading by a posted message: a list view in the middle of a click must not see its row
-// move.
-void MainDialog::PostRowChanged(const LPath& record) {
-    const std::optional<int32_t> number = m_list.NumberOf(record);
-    if (!number || !IsOpen()) return;
-    m_changedRows.push_back(*number);
-    PostMessageA(Window(), WM_ROWCHANGED, 0, 0);
-}
-
-void MainDialog::ApplyRowChanges() {
-    if (m_list.IsRenaming()) return;  // AfterRename posts this message again
-    for (int32_t number : std::exchange(m_changedRows, {})) m_list.UpdateNumber(number);
-    m_display.ShowPosition();
 }
 
 void MainDialog::UnsavedNotesChanged() {

@@ -120,23 +120,20 @@ private:
     void FollowSelection();
     // Follows a pending change of the selection now.
     void SettleSelection();
-    // Rows are reloaded later, by a posted message.
-    void PostRowChanged(const LPath& record);
-    void ApplyRowChanges();
 
     // DictationList::Owner
     void FileChanged() override { FollowSelection(); }
     void SelectionMoved() override;
     void PlayFromStart() override;
     void BeforeRename() override;
-    void AfterRename(std::optional<int32_t> renamed, bool isStored) override;
+    void AfterRename(bool isLost) override;
     // NotesBox::Owner
-    void NotesSaved(const LPath& notesFile) override { PostRowChanged(notesFile.WithExtension(".dat")); }
+    void NotesSaved(const LPath& notesFile) override { m_list.UpdateLater(notesFile.WithExtension(".dat")); }
     void UnsavedNotesChanged() override;
     // Transport::Owner
     bool HaveDictation() override { return m_current || m_dictations.Create(); }
     void ActivityChanged() override;
-    void RecordingStopped(const DictationFiles& files) override { PostRowChanged(files.record); }
+    void RecordingStopped(const DictationFiles& files) override { m_list.UpdateLater(files.record); }
     void PositionChanged() override;
     void LevelChanged(int8_t leftDb, int8_t rightDb) override { m_display.ShowLevels(leftDb, rightDb); }
     // CommandTarget
@@ -181,7 +178,6 @@ private:
     LSplash m_splash;
     LIntroduction m_introduction;
     std::function<void()> m_onCreated;
-    std::vector<int32_t> m_changedRows;  // numbers of rows that are to be reloaded
     uint32_t m_startTick = 0;
     bool m_selectionMoved = false;
     bool m_isMenuOpen = false;
