@@ -80,7 +80,7 @@ uint32_t InstallMarkerOf(const LPath& executable) {
 // take its size away.
 void Activate(HWND window) {
     if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
-    SetForegroundWindow(window);
+    SetForegroundWindow(GetLastActivePopup(window));  // an open box, which has disabled the window
 }
 
 void Install(uint32_t marker, HWND running, const LPath& executable, const InstallRequest& desktops) {

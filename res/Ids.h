@@ -88,6 +88,7 @@
 #define TIMER_HARDWARE    3
 #define TIMER_HOTKEY      4
 #define TIMER_STOPPEDTONE 5
+#define TIMER_SHOWLATER   6
 
 // Messages into the main window
 #define WM_SENDPROGRESS 1041

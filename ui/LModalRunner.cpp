@@ -15,12 +15,17 @@
 // An entry of the stack. The end of the outermost one posts the requests that waited for it.
 class LModalRunner::Stay {
 public:
-    Stay(LModalRunner& runner, Standing what) : m_runner(runner) { m_runner.m_standing.push_back(what); }
+    Stay(LModalRunner& runner, Standing what) : m_runner(runner) {
+        m_runner.m_opening();
+        m_runner.m_standing.push_back(what);
+    }
     ~Stay() {
         m_runner.m_standing.pop_back();
+        m_runner.NoteInput();  // the press that closed it went past the window
         if (m_runner.m_window == nullptr || !m_runner.m_standing.empty()) return;
         if (m_runner.m_closeWanted) PostMessageA(m_runner.m_window, WM_CLOSE, 0, 0);
-        if (!m_runner.m_later.empty()) PostMessageA(m_runner.m_window, m_runner.m_laterMessage, 0, 0);
+        if (!m_runner.m_later.empty() || !m_runner.m_atRest.empty())
+            PostMessageA(m_runner.m_window, m_runner.m_laterMessage, 0, 0);
     }
     Stay(const Stay&) = delete;
     Stay& operator=(const Stay&) = delete;
@@ -29,21 +34,58 @@ private:
     LModalRunner& m_runner;
 };
 
-void LModalRunner::Attach(HWND window, UINT laterMessage, std::function<void()> stop) {
+// Drops the keys that a box is given in its first second. The platform asks the filter before each message of
+// a box's own loop, which the main loop never sees.
+namespace {
+class DeafToKeys {
+public:
+    DeafToKeys() : m_hook(SetWindowsHookExA(WH_MSGFILTER, Filter, nullptr, GetCurrentThreadId())) {
+        s_sinceMs = GetTickCount();
+    }
+    ~DeafToKeys() {
+        if (m_hook != nullptr) UnhookWindowsHookEx(m_hook);
+    }
+    DeafToKeys(const DeafToKeys&) = delete;
+    DeafToKeys& operator=(const DeafToKeys&) = delete;
+
+private:
+    static constexpr DWORD kDeafMs = 1000;
+
+    static LRESULT CALLBACK Filter(int code, WPARAM wParam, LPARAM lParam) {
+        const auto& message = *reinterpret_cast<const MSG*>(lParam);
+        const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+        if (code == MSGF_DIALOGBOX && isKey && GetTickCount() - s_sinceMs < kDeafMs) return 1;
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline DWORD s_sinceMs = 0;
+    HHOOK m_hook;
+};
+}  // namespace
+
+void LModalRunner::Attach(HWND window, UINT laterMessage, std::function<void()> stop,
+                          std::function<void()> opening) {
     m_window = window;
     m_laterMessage = laterMessage;
     m_stop = std::move(stop);
+    m_opening = std::move(opening);
 }
 
 void LModalRunner::Detach() {
     m_window = nullptr;
     m_later.clear();
+    m_atRest.clear();
 }
 
 int LModalRunner::Box(std::string_view text, std::string_view caption, UINT flags) {
     if (!MayGoOn()) return 0;
     const Stay stay(*this, Standing::Question);
     return LMessageBox(m_window, text, caption, flags);
+}
+
+int LModalRunner::UnaskedBox(std::string_view text, std::string_view caption, UINT flags) {
+    const DeafToKeys deaf;
+    return Box(text, caption, flags);
 }
 
 INT_PTR LModalRunner::RunModal(LDialog& dialog, int resource, WhatRuns whatRuns) {
@@ -69,9 +111,19 @@ void LModalRunner::TellLater(std::string_view text) {
     PostMessageA(m_window, m_laterMessage, 0, 0);
 }
 
-void LModalRunner::ShowLater() {
-    if (What() != Standing::Nothing) return;  // the end of the outermost Stay posts the message again
+void LModalRunner::TellAtRest(std::string_view text) {
+    if (m_window == nullptr) return;
+    m_atRest.emplace_back(text);
+    PostMessageA(m_window, m_laterMessage, 0, 0);
+}
+
+bool LModalRunner::ShowLater() {
+    if (What() != Standing::Nothing) return false;  // the end of the outermost Stay posts the message again
     for (const std::string& text : std::exchange(m_later, {})) Tell(text);
+    if (m_atRest.empty() || !IsHandAtRest()) return !m_atRest.empty();
+    for (const std::string& text : std::exchange(m_atRest, {}))
+        UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
+    return false;
 }
 
 LModalRunner::Standing LModalRunner::What() const {

@@ -13,6 +13,8 @@
 // message loop. The runner tells their receivers which kind is open, so that they can refuse, and takes a
 // request to close that arrives meanwhile. Nothing is opened any more once the window is destroyed or is to
 // close.
+// A box that comes unasked, such as an error of the send thread, waits until the user's hands have rested, and
+// is deaf to keys in its first second: a key that was meant for the notes must not answer it unread.
 // Thread: the window thread.
 class LModalRunner {
 public:
@@ -25,8 +27,9 @@ public:
     LModalRunner(const LModalRunner&) = delete;
     LModalRunner& operator=(const LModalRunner&) = delete;
 
-    // stop ends that activity. The window is posted laterMessage when it shall call ShowLater.
-    void Attach(HWND window, UINT laterMessage, std::function<void()> stop);
+    // stop ends that activity; opening is called before anything opens. The window is posted laterMessage when
+    // it shall call ShowLater.
+    void Attach(HWND window, UINT laterMessage, std::function<void()> stop, std::function<void()> opening);
     // The window is being destroyed; texts that wait are dropped.
     void Detach();
 
@@ -34,6 +37,8 @@ public:
     int Box(std::string_view text, std::string_view caption, UINT flags);
     // A box with the caption "Error" and an OK button.
     void Tell(std::string_view text) { Box(text, "Error", MB_OK | MB_ICONEXCLAMATION); }
+    // A box that no command of the user leads to. Asked for only while IsHandAtRest.
+    int UnaskedBox(std::string_view text, std::string_view caption, UINT flags);
     // As LDialog::RunModal; -1 also when the window is gone or is to close.
     INT_PTR RunModal(LDialog& dialog, int resource, WhatRuns whatRuns);
     // For other modal windows: show is called with the owner. -1 when it was not called.
@@ -44,7 +49,15 @@ public:
     // Queues an error text from the middle of a command or a mouse click; it is shown by ShowLater, once the
     // message is finished and nothing is open.
     void TellLater(std::string_view text);
-    void ShowLater();
+    // Queues a text that no command leads to; ShowLater shows it while the hand rests.
+    void TellAtRest(std::string_view text);
+    // Shows what may be shown now. True when texts still wait for the hand to rest.
+    bool ShowLater();
+
+    // The user pressed a key or a mouse button; called for each such message.
+    void NoteInput() { m_lastInputMs = GetTickCount(); }
+    // Nothing was pressed for 1.5 s.
+    bool IsHandAtRest() const { return GetTickCount() - m_lastInputMs >= kRestMs; }
 
     Standing What() const;
     // To be tested after every call that ran messages: false when the window is destroyed or is to close.
@@ -56,12 +69,15 @@ public:
     static void CancelProcess();
 
 private:
+    static constexpr DWORD kRestMs = 1500;
+
     class Stay;
 
     HWND m_window = nullptr;
     UINT m_laterMessage = 0;
-    std::function<void()> m_stop;
+    std::function<void()> m_stop, m_opening;
     std::vector<Standing> m_standing;
-    std::vector<std::string> m_later;
+    std::vector<std::string> m_later, m_atRest;  // texts of TellLater and TellAtRest
+    DWORD m_lastInputMs = 0;                     // tick count
     bool m_closeWanted = false;
 };

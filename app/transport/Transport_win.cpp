@@ -79,7 +79,7 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
     }
     FinishActivity();
     m_owner.RecordingStopped(outcome.files);
-    if (outcome.trouble != nullptr) m_runner.TellLater(outcome.trouble);
+    if (outcome.trouble != nullptr) m_runner.TellAtRest(outcome.trouble);
 }
 
 // ---- Playing ---------------------------------------------------------------------------------------------
@@ -144,7 +144,7 @@ void Transport::PlaybackEnded(Playback::Ending ending) {
     if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
     if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();
-    if (ending == Playback::Ending::DeviceLost) m_runner.TellLater(kDeviceLost);
+    if (ending == Playback::Ending::DeviceLost) m_runner.TellAtRest(kDeviceLost);
 }
 
 // ---- Winding ---------------------------------------------------------------------------------------------

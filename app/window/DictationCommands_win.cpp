@@ -1,5 +1,6 @@
 #include "app/window/DictationCommands_win.h"
 
+#include "base/LText.h"
 #include "base/LTime.h"
 #include "store/DictationRecord.h"
 #include "store/DictationStore.h"
@@ -10,6 +11,7 @@ namespace {
 constexpr char kDiskLow[] =
     "Your hard drive is low on space. Corvane might not function properly unless you remove some files.";
 constexpr char kConfirmDelete[] = "Are you sure you want to delete this dictation?";
+constexpr char kConfirmSeveral[] = "\n\nAll %lu selected dictations will be deleted.";
 constexpr char kCannotDelete[] =
     "A dictation could not be deleted completely.\n\n"
     "One of its files may be open in another program or be write-protected. What is left of it stays in the "
@@ -83,8 +85,10 @@ bool DictationCommands::SetPriority(std::string_view priority) {
 bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     if (dictations.empty() || !StopAndSave()) return false;
     const FolderListing asked(m_state.user.currentFolder);
-    if (m_runner.Box(kConfirmDelete, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) !=
-        IDYES)
+    std::string question = kConfirmDelete;
+    if (dictations.size() > 1)
+        question += LFormat(kConfirmSeveral, static_cast<unsigned long>(dictations.size()));
+    if (m_runner.Box(question, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) != IDYES)
         return false;
     if (!StopAndSave()) return false;
     const FolderListing listing(m_state.user.currentFolder);
@@ -128,13 +132,15 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
 }
 
 // "Cancel" in this box empties the queue, and Escape means Cancel; a user who records or plays presses Escape
-// to stop. So the box waits while the transport runs, and when a device started the transport while the box
+// to stop. So the box waits while the transport runs and until the hand has rested, and when a device started the transport while the box
 // was open, Cancel stops that and leaves the queue alone.
 void DictationCommands::ShowSendError() {
     if (m_transport.IsRunning() || m_runner.What() != LModalRunner::Standing::Nothing) return;
+    if (!m_runner.IsHandAtRest()) return;
     const SendError error = m_queue.TakeError();
     if (!error) return;
-    const int answer = m_runner.Box(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
+    const int answer =
+        m_runner.UnaskedBox(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
     if (!m_runner.MayGoOn()) return;
     if (answer != IDCANCEL) return m_queue.StartSending();
     if (m_transport.IsRunning())
@@ -154,5 +160,5 @@ void DictationCommands::DeleteOldFiles() {
 void DictationCommands::TestHardDrive() {
     if (!IsDiskLow(m_state.data)) return;
     DeleteOldFiles();
-    m_runner.Box(kDiskLow, "Warning", MB_OK | MB_ICONEXCLAMATION);
+    m_runner.UnaskedBox(kDiskLow, "Warning", MB_OK | MB_ICONEXCLAMATION);
 }

@@ -72,6 +72,7 @@ KeyAction ActionOf(const KeyPress& press) {
     using Kind = KeyAction::Kind;
     // The name editor gets all keys.
     if (press.focus == KeyFocus::NameEditor) return {};
+    if (press.focus == KeyFocus::OtherWindow && (press.key < kF1 || press.key > kF12)) return {};
     if ((press.key == kF7 || press.key == kF8) && IsWith(press, With::Nothing))
         return {press.repeats ? Kind::Swallow : Kind::Wind, 0,
                 press.key == kF7 ? WindDirection::Back : WindDirection::Forward};
@@ -82,4 +83,8 @@ KeyAction ActionOf(const KeyPress& press) {
         if (shortcut.key == press.key && IsWith(press, shortcut.with))
             return {press.repeats ? Kind::Swallow : Kind::Command, shortcut.command};
     return {};
+}
+
+bool CountsOnce(int command) {
+    return command == CM_NEWFILE || command == CM_SENDFILE || command == CM_SENDFILE_TO;
 }

@@ -5,7 +5,13 @@
 #include "app/transport/PlayPlan.h"
 
 // The control that has the focus when a key goes down.
-enum class KeyFocus { Elsewhere, Button, Notes, NameEditor };
+enum class KeyFocus {
+    Elsewhere,
+    Button,
+    Notes,
+    NameEditor,
+    OtherWindow,  // the introduction, which speaks of the function keys
+};
 
 // A key message with the state of the modifier keys.
 struct KeyPress {
@@ -33,3 +39,7 @@ struct KeyAction {
 // The effect of a key. A held key gives its command once; with repeats, Ctrl+S held for a second would send
 // every dictation of the list.
 KeyAction ActionOf(const KeyPress& press);
+
+// Whether two presses, or clicks, in quick succession count as one: New and Send. The list moves on after the
+// first, and the second would take the next dictation.
+bool CountsOnce(int command);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/window/CommandState.h"
 #include "base/LText.h"
 #include "res/Ids.h"
 
@@ -18,7 +19,6 @@ static bool IsOfClass(HWND control, const char* wanted) {
 }
 
 bool Keyboard::PreTranslateMessage(const MSG& message) {
-    if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
     switch (message.message) {
         case WM_KEYDOWN:
         case WM_SYSKEYDOWN:
@@ -45,7 +45,8 @@ bool Keyboard::EvKeyDown(const MSG& message) {
                                        .shift = IsDown(VK_SHIFT),
                                        .repeats = (message.lParam & kKeyWasDown) != 0,
                                        .focus = FocusOf(message.hwnd)});
-    if (action.kind == KeyAction::Kind::Command) m_target.Give(action.command);
+    if (action.kind == KeyAction::Kind::Command && !IsSecondPress(action.command, message.time))
+        m_target.Give(action.command);
     if (action.kind == KeyAction::Kind::Wind) {
         ReleaseHeld();
         m_heldKey = message.wParam;
@@ -59,15 +60,21 @@ void Keyboard::ReleaseHeld() {
     if (std::exchange(m_heldKey, 0) != 0) m_target.WindByKey(m_direction, false);
 }
 
+// Two presses in quick succession count as one where the second would take another dictation.
+bool Keyboard::IsSecondPress(int command, DWORD timeMs) {
+    const bool isSecond = CountsOnce(command) && command == std::exchange(m_lastCommand, command) &&
+                          timeMs - m_lastCommandMs <= GetDoubleClickTime();
+    m_lastCommandMs = timeMs;
+    return isSecond;
+}
+
 KeyFocus Keyboard::FocusOf(HWND control) const {
+    if (control != m_window && !IsChild(m_window, control)) return KeyFocus::OtherWindow;
     if (control == GetDlgItem(m_window, IDC_NOTES)) return KeyFocus::Notes;
     if (IsOfClass(control, "Edit")) return KeyFocus::NameEditor;
     return IsOfClass(control, "Button") ? KeyFocus::Button : KeyFocus::Elsewhere;
 }
 
-// A double click on New or Send counts as one click: a user who clicks twice by habit must not send two
-// dictations.
 bool Keyboard::IsSecondClick(const MSG& message) const {
-    const int control = GetDlgCtrlID(message.hwnd);
-    return control == IDC_NEW || control == IDC_SEND;
+    return IsChild(m_window, message.hwnd) && CountsOnce(MenuCommandOf(GetDlgCtrlID(message.hwnd)));
 }

@@ -31,10 +31,13 @@ public:
 private:
     KeyFocus FocusOf(HWND control) const;
     bool EvKeyDown(const MSG& message);
+    bool IsSecondPress(int command, DWORD timeMs);
     bool IsSecondClick(const MSG& message) const;
 
     Target& m_target;
     HWND m_window = nullptr;
     WPARAM m_heldKey = 0;
+    int m_lastCommand = 0;
+    DWORD m_lastCommandMs = 0;  // tick count
     WindDirection m_direction = WindDirection::Back;
 };

@@ -34,6 +34,7 @@ namespace {
 // sending.
 constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
+constexpr UINT kRestLookMs = 250;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
 constexpr char kNotAllListed[] =
@@ -57,27 +58,27 @@ WindDirection DirectionOf(int button) {
 
 }  // namespace
 
-// In the order of the message numbers.
+// In the order of the message numbers. The function tells whether the message is handled, and with what result.
+const MainDialog::AskedEntry MainDialog::kAsked[] = {
+    {WM_ACTIVATE, &MainDialog::EvActivate},        {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
+    {WM_DRAWITEM, &MainDialog::EvDrawItem},        {WM_NOTIFY, &MainDialog::EvNotify},
+    {WM_CONTEXTMENU, &MainDialog::EvContextMenu},  {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},
+    {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd}, {WM_APICOMMAND, &MainDialog::EvAPICommand},
+};
+
+// The same for messages that are answered with 0.
 const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_MOVE, &MainDialog::EvMove},
     {WM_SIZE, &MainDialog::EvSize},
-    {WM_ACTIVATE, &MainDialog::EvActivate},
     {WM_CLOSE, &MainDialog::EvClose},
-    {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
     {WM_ENDSESSION, &MainDialog::EvEndSession},
     {WM_GETMINMAXINFO, &MainDialog::EvGetMinMaxInfo},
-    {WM_DRAWITEM, &MainDialog::EvDrawItem},
-    {WM_NOTIFY, &MainDialog::EvNotify},
-    {WM_CONTEXTMENU, &MainDialog::EvContextMenu},
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
-    {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},
-    {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
     {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
-    {WM_APICOMMAND, &MainDialog::EvAPICommand},
     {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
@@ -87,6 +88,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
 };
 
 // In the order of the command numbers: first, last, function; its result is Give's.
@@ -156,7 +158,9 @@ bool MainDialog::InitDialog() {
     if (m_onCreated) m_onCreated();
     _putenv("TZ=GMT0");  // dates are stored and shown without a time-zone shift
     _tzset();
-    m_runner.Attach(Window(), WM_SHOWLATER, [this] { m_transport.Stop(); });
+    // The splash screen would cover what opens.
+    m_runner.Attach(
+        Window(), WM_SHOWLATER, [this] { m_transport.Stop(); }, [this] { m_splash.Close(); });
     for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));
     m_keyboard.Attach(Window());
     m_layout.Attach(Window());
@@ -229,21 +233,27 @@ void MainDialog::DestroyDialog() {
 }
 
 bool MainDialog::PreTranslateMessage(MSG& message) {
-    return m_introduction.PreTranslateMessage(message) || m_keyboard.PreTranslateMessage(message);
+    const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (isKey || message.message == WM_LBUTTONDOWN) m_runner.NoteInput();
+    return m_keyboard.PreTranslateMessage(message) || m_introduction.PreTranslateMessage(message);
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
 
 bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
-    for (const MessageEntry& entry : kMessages)
+    for (const AskedEntry& entry : kAsked)
         if (entry.message == message) return (this->*entry.handle)(wParam, lParam, result);
+    for (const MessageEntry& entry : kMessages) {
+        if (entry.message != message) continue;
+        result = 0;
+        (this->*entry.handle)(wParam, lParam);
+        return true;
+    }
     return false;  // not ours: default handling
 }
 
-bool MainDialog::EvClose(WPARAM, LPARAM, LRESULT& result) {
-    result = 0;
+void MainDialog::EvClose(WPARAM, LPARAM) {
     if (!m_isClosing && m_runner.TakeClose() && MayClose()) CloseWindow();
-    return true;
 }
 
 // False when the user wants to keep notes that could not be saved, or a box that may be the same question is
@@ -265,25 +275,21 @@ bool MainDialog::EvQueryEndSession(WPARAM, LPARAM, LRESULT& result) {
 }
 
 // The session ends; the process may be terminated as soon as this returns, so the notes are saved first.
-bool MainDialog::EvEndSession(WPARAM wParam, LPARAM, LRESULT& result) {
-    result = 0;
-    if (wParam == FALSE) return true;
+void MainDialog::EvEndSession(WPARAM wParam, LPARAM) {
+    if (wParam == FALSE) return;
     m_notes.Save();
     if (m_runner.TakeClose()) CloseWindow();
-    return true;
 }
 
-bool MainDialog::EvCommand(WPARAM wParam, LPARAM, LRESULT& result) {
+void MainDialog::EvCommand(WPARAM wParam, LPARAM) {
     const int command = LOWORD(wParam);
     const int notification = HIWORD(wParam);
-    result = 0;
     if (command == IDC_NOTES) {
         if (notification == EN_CHANGE) m_notes.EvChange();
-        return true;
+        return;
     }
     const bool isFromMenuButtonOrKey = notification == 0 || notification == 1;
     if (isFromMenuButtonOrKey) Give(command);
-    return true;
 }
 
 bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -307,10 +313,8 @@ bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     return true;
 }
 
-bool MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result) {
+void MainDialog::EvGetMinMaxInfo(WPARAM, LPARAM lParam) {
     m_layout.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
-    result = 0;
-    return true;
 }
 
 bool MainDialog::EvActivate(WPARAM wParam, LPARAM, LRESULT&) {
@@ -326,20 +330,18 @@ bool MainDialog::EvMenuLoop(WPARAM, LPARAM, LRESULT&) {
 
 bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
     m_isMenuOpen = false;
+    m_runner.NoteInput();
     PostMessageA(Window(), WM_SHOWLATER, 0, 0);
     return false;
 }
 
-bool MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
     Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
-    result = 0;
-    return true;
+    if (lParam == 0) LeaveButton();
 }
 
-bool MainDialog::EvMicButton(WPARAM wParam, LPARAM, LRESULT& result) {
+void MainDialog::EvMicButton(WPARAM wParam, LPARAM) {
     m_devices.MicButton(LOWORD(wParam));
-    result = 0;
-    return true;
 }
 
 bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -347,32 +349,24 @@ bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
     return true;
 }
 
-bool MainDialog::EvDrag(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvDrag(WPARAM, LPARAM) {
     m_keyboard.ReleaseHeld();
     m_layout.EvDrag(true);
-    result = 0;
-    return true;
 }
 
-bool MainDialog::EvDragEnd(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvDragEnd(WPARAM, LPARAM) {
     m_layout.EvDrag(false);
-    result = 0;
-    return true;
 }
 
-bool MainDialog::EvMove(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvMove(WPARAM, LPARAM) {
     m_layout.EvMove();
-    result = 0;
-    return true;
 }
 
-bool MainDialog::EvSize(WPARAM wParam, LPARAM, LRESULT& result) {
+void MainDialog::EvSize(WPARAM wParam, LPARAM) {
     if (wParam != SIZE_MINIMIZED) {
         m_layout.LayoutControls();
         m_list.ShowCurrent();
     }
-    result = 0;
-    return true;
 }
 
 bool MainDialog::EvNotify(WPARAM, LPARAM lParam, LRESULT& result) {
@@ -380,52 +374,38 @@ bool MainDialog::EvNotify(WPARAM, LPARAM lParam, LRESULT& result) {
     return header.idFrom == IDC_LIST && m_list.HandleNotify(header, result);
 }
 
-bool MainDialog::EvSendProgress(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvSendProgress(WPARAM, LPARAM) {
     m_display.ShowSendProgress(m_queue.GetProgress());
-    result = 0;
-    return true;
 }
 
-bool MainDialog::EvSelectionMoved(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvSelectionMoved(WPARAM, LPARAM) {
     SettleSelection();
-    result = 0;
-    return true;
 }
 
-bool MainDialog::EvRowChanged(WPARAM, LPARAM, LRESULT& result) {
+void MainDialog::EvRowChanged(WPARAM, LPARAM) {
     m_list.UpdateNoted();
     m_display.ShowPosition();
-    result = 0;
-    return true;
 }
 
-// Not while a name is edited or a menu is open: a box would end the editing and close the menu. Both post
-// this message again at their end.
-bool MainDialog::EvShowLater(WPARAM, LPARAM, LRESULT& result) {
-    if (!m_isMenuOpen && !m_list.IsRenaming()) m_runner.ShowLater();
-    result = 0;
-    return true;
+// Menu and name editor post this message again at their end; texts that wait for the hand to rest are looked
+// after by a timer.
+void MainDialog::EvShowLater(WPARAM, LPARAM) {
+    if (!IsHandBusy() && m_runner.ShowLater()) SetTimer(Window(), TIMER_SHOWLATER, kRestLookMs, nullptr);
 }
 
-bool MainDialog::EvTimer(WPARAM wParam, LPARAM, LRESULT& result) {
+void MainDialog::EvTimer(WPARAM wParam, LPARAM) {
     KillTimer(Window(), wParam);
-    result = 0;
     for (const TimerEntry& entry : kTimers)
         if (entry.timer == wParam) (this->*entry.handle)();
-    return true;
 }
 
 void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
-    const bool isHandBusy = m_isMenuOpen || m_list.IsRenaming();
-    if (!isHandBusy && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
-    if (!isHandBusy) m_dictations.ShowSendError();
+    if (!IsHandBusy() && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
+    // Escape closes the introduction; in the box it would empty the queue.
+    if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
-}
-
-void MainDialog::EvTimerSaveNotes() {
-    m_notes.Save();
 }
 
 // ---- Commands --------------------------------------------------------------------------------------------
@@ -450,12 +430,22 @@ bool MainDialog::Give(int command) {
     if (!IsOpen() || !IsCommandEnabled(command, Situation())) return false;
     for (const CommandEntry& entry : kCommands) {
         if (command < entry.first || command > entry.last) continue;
+        const std::optional<DictationFiles> before = m_current.Files();
         const bool isDone = entry.give(*this, command);
-        const bool wasTyping = m_notes.LeftFor() != nullptr && m_notes.LeftFor() == GetFocus();
-        if (IsOpen()) m_display.LeaveButton(wasTyping ? Item(IDC_NOTES) : nullptr);
+        SettleSelection();
+        if (!IsOpen()) return isDone;
+        LeaveButton();
+        // The next typed word would go into another patient's notes.
+        if (!m_current.Is(before) && GetFocus() == Item(IDC_NOTES)) m_display.FocusHome();
         return isDone;
     }
     return false;
+}
+
+// Gives the keyboard back to the notes if the button was pressed while typing, else to the list.
+void MainDialog::LeaveButton() {
+    const bool wasTyping = m_notes.LeftFor() != nullptr && m_notes.LeftFor() == GetFocus();
+    if (IsOpen()) m_display.LeaveButton(wasTyping ? Item(IDC_NOTES) : nullptr);
 }
 
 // Other programs may change something when a menu command could: the window is open and nothing modal is.
@@ -498,6 +488,8 @@ bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
 
 bool MainDialog::SetView(ViewMode view) {
     if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the name editor, which might become invisible
+    // Where one row is shown, one is selected: Delete and Send take all that are.
+    if (view == ViewMode::Compact && m_current) m_list.SelectFile(m_current.Files()->record);
     const HWND focus = GetFocus();
     m_layout.SetView(view);
     m_display.ShowSituation(Situation());
@@ -514,7 +506,7 @@ bool MainDialog::ShowAbout() {
 
 void MainDialog::OpenWindow() {
     if (IsIconic(Window())) ShowWindow(Window(), SW_RESTORE);
-    SetForegroundWindow(Window());
+    SetForegroundWindow(GetLastActivePopup(Window()));  // an open box, which has disabled the window
 }
 
 int MainDialog::Status() const {

@@ -52,9 +52,13 @@ public:
     bool PreTranslateMessage(MSG& message) override;
 
 private:
-    struct MessageEntry {
+    struct AskedEntry {
         UINT message;
         bool (MainDialog::*handle)(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    };
+    struct MessageEntry {
+        UINT message;
+        void (MainDialog::*handle)(WPARAM wParam, LPARAM lParam);
     };
     struct CommandEntry {
         int first;
@@ -65,6 +69,7 @@ private:
         UINT_PTR timer;
         void (MainDialog::*handle)();
     };
+    static const AskedEntry kAsked[];
     static const MessageEntry kMessages[];
     static const CommandEntry kCommands[];
     static const TimerEntry kTimers[];
@@ -80,35 +85,39 @@ private:
     // Messages
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
     bool EvActivate(WPARAM wParam, LPARAM, LRESULT& result);
-    bool EvClose(WPARAM, LPARAM, LRESULT& result);
-    bool EvCommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    void EvClose(WPARAM, LPARAM);
+    void EvCommand(WPARAM wParam, LPARAM lParam);
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
-    bool EvDrag(WPARAM, LPARAM, LRESULT& result);
-    bool EvDragEnd(WPARAM, LPARAM, LRESULT& result);
+    void EvDrag(WPARAM, LPARAM);
+    void EvDragEnd(WPARAM, LPARAM);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
-    bool EvEndSession(WPARAM wParam, LPARAM, LRESULT& result);
-    bool EvGetMinMaxInfo(WPARAM, LPARAM lParam, LRESULT& result);
-    bool EvHoldButton(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    void EvEndSession(WPARAM wParam, LPARAM);
+    void EvGetMinMaxInfo(WPARAM, LPARAM lParam);
+    void EvHoldButton(WPARAM wParam, LPARAM lParam);
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
-    bool EvMicButton(WPARAM wParam, LPARAM, LRESULT& result);
-    bool EvMove(WPARAM, LPARAM, LRESULT& result);
+    void EvMicButton(WPARAM wParam, LPARAM);
+    void EvMove(WPARAM, LPARAM);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
-    bool EvRowChanged(WPARAM, LPARAM, LRESULT& result);
-    bool EvSelectionMoved(WPARAM, LPARAM, LRESULT& result);
-    bool EvSendProgress(WPARAM, LPARAM, LRESULT& result);
-    bool EvShowLater(WPARAM, LPARAM, LRESULT& result);
-    bool EvSize(WPARAM wParam, LPARAM, LRESULT& result);
-    bool EvTimer(WPARAM wParam, LPARAM, LRESULT& result);
+    void EvRowChanged(WPARAM, LPARAM);
+    void EvSelectionMoved(WPARAM, LPARAM);
+    void EvSendProgress(WPARAM, LPARAM);
+    void EvShowLater(WPARAM, LPARAM);
+    void EvSize(WPARAM wParam, LPARAM);
+    void EvTimer(WPARAM wParam, LPARAM);
     bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
 
     // Timers
     void EvTimerInfoLine();
-    void EvTimerSaveNotes();
+    void EvTimerSaveNotes() { m_notes.Save(); }
+    void EvTimerShowLater() { EvShowLater(0, 0); }
+    // A box would close the menu, or end the editing of a name.
+    bool IsHandBusy() const { return m_isMenuOpen || m_list.IsRenaming(); }
 
     // Commands
     CommandSituation Situation() const;
+    void LeaveButton();
     bool Wind(WindDirection direction, bool isDown);
     bool SetRecordMode(RecordMode mode);
     bool SetPlaySpeed(PlaySpeed speed);

@@ -189,14 +189,32 @@ def test_a_hurried_hand_makes_one_dictation_and_stays_with_it(corvane, data):
         data.add_dictation(number, pcm_wav(8000), name=f"Case {number}")
     program = corvane()
     wait_for(lambda: program.describe()["foreground"], "the window in front")
-    left, top, right, bottom = program.control("IDC_NEW")["rect"]
-    at = [str((left + right) // 2), str((top + bottom) // 2)]
-    subprocess.run(["xdotool", "mousemove", *at, "click", "--repeat", "2", "--delay", "40", "1"], check=True)
+
+    def click(name, times):
+        left, top, right, bottom = program.control(name)["rect"]
+        at = [str((left + right) // 2), str((top + bottom) // 2)]
+        times = ["--repeat", str(times), "--delay", "40"]
+        subprocess.run(["xdotool", "mousemove", *at, "click", *times, "1"], check=True)
+
+    click("IDC_NEW", 2)
     wait_for(lambda: program.api(8) == 4, "a new dictation")
     subprocess.run(["xdotool", "key", "c", "space", "Return"], check=True)
     program.command("CM_PRIORITY_LOW")  # worked off after the keys
     wait_for(lambda: data.record(4).get("priority") == "Low", "the priority of the new dictation")
     assert program.api(8) == 4 and len(program.rows()) == 4 and program.api(7) == 0
+    # Typing on after a command that takes another dictation changes nobody's notes.
+    program.select(2)
+    click("IDC_NOTES", 1)
+    subprocess.run(["xdotool", "key", "--delay", "50", "x", "ctrl+s", "ctrl+s", "y"], check=True)
+    wait_for(lambda: data.status(2) == "Sent", "the dictation delivered")
+    assert (data.sent / "00000002.txt").read_bytes() == b"x\0" and program.notes() == "" and len(program.rows()) == 3
+    # Where one row is shown, one is selected.
+    program.select(1, 3)
+    program.command("CM_VIEW_COMPACT")
+    program.command("CM_DELETEFILE")
+    assert "All" not in program.wait_box("Confirm Delete")
+    program.answer_box("Confirm Delete", 6)
+    wait_for(lambda: len(program.rows()) == 2, "one deleted")
 
 
 def test_a_change_that_cannot_be_stored_is_told_once(corvane, data):

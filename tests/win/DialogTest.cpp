@@ -7,6 +7,7 @@
 #include "res/Ids.h"
 #include "tests/unit/TempFolder.h"
 #include "tests/win/SheetPage.h"
+#include "ui/LModalRunner.h"
 #include "ui/LPropertySheet.h"
 #include "ui/LTextEditDlg.h"
 
@@ -140,6 +141,16 @@ TEST(TextEntry, StartsWithItsTextSelectedAndAnswersWithAtMost259Bytes) {
     }
     const Hand hand({{"Title", type}, Press("Title", IDCANCEL)});
     EXPECT_EQ(LTextEditDlg::Ask(nullptr, "Title", "Enter case no.", "before"), std::nullopt);
+}
+
+TEST(ModalRunner, AnUnaskedBoxIsDeafToAKeyThatWasMeantForSomethingElse) {
+    LModalRunner runner;
+    runner.Attach(
+        GetDesktopWindow(), WM_NULL, [] {}, [] {});
+    const auto escape = [](HWND) { PostMessageA(GetFocus(), WM_KEYDOWN, VK_ESCAPE, 1); };
+    const Hand hand({{"Error", escape}, Press("Error", IDOK)});
+    EXPECT_EQ(runner.UnaskedBox("The dictation was not sent.", "Error", MB_OKCANCEL), IDOK);
+    EXPECT_FALSE(runner.IsHandAtRest());
 }
 
 namespace {

@@ -150,6 +150,8 @@ TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
          {.key = kReturn, .repeats = true, .focus = KeyFocus::Button},
          Kind::Swallow,
          0},
+        {"F5 in the introduction", {.key = kF5, .focus = KeyFocus::OtherWindow}, Kind::Command, CM_RECORD},
+        {"Home there", {.key = kHome, .focus = KeyFocus::OtherWindow}, Kind::PassOn, 0},
     };
     for (const auto& c : kCases) {
         const KeyAction action = ActionOf(c.press);
