@@ -1,29 +1,16 @@
 #pragma once
 
-#include "audio/stream/LKernels.h"
+#include <optional>
+
 #include "audio/stream/LSoundSink.h"
 #include "audio/stream/LSoundSource.h"
+#include "base/LArith.h"
 #include "base/LBytes.h"
 #include "base/LMemoryFile.h"
 #include "tests/unit/BorrowedStream.h"
 #include "tests/unit/TestKit.h"
 
 using Samples = std::vector<int32_t>;
-
-// The versions of the hot loops that this processor runs.
-inline std::vector<const LKernels*> AllKernels() {
-    __builtin_cpu_init();
-    std::vector<const LKernels*> all = {&kPlainKernels};
-    if (__builtin_cpu_supports("mmx")) all.push_back(&kMmxKernels);
-    if (__builtin_cpu_supports("sse2")) all.push_back(&kSse2Kernels);
-    return all;
-}
-
-// False when vectors have been left in the registers of the floating-point unit, which then overflows.
-inline bool IsFloatingPointUnitClean() {
-    const volatile long double one = 1;
-    return one + one / 2 == 1.5L;
-}
 
 inline Bytes operator+(Bytes a, const Bytes& b) {
     a.insert(a.end(), b.begin(), b.end());
@@ -93,12 +80,14 @@ public:
         if (fits < frames) SetError();
     }
     void Truncate(int32_t frames) override {
-        if (frames <= GetFrames()) StartAt(std::max(frames, 0));
+        if (cuts && frames <= GetFrames()) StartAt(std::max(frames, 0));
     }
     void StartAt(int32_t frames) {
         SetFrames(frames);
         m_taken.resize(static_cast<size_t>(frames) * GetChannels());
     }
+
+    bool cuts = true;  // a compressed file does not
 
 private:
     Samples& m_taken;
@@ -110,19 +99,33 @@ class ArraySource final : public LSoundSourceBase {
 public:
     ArraySource(int32_t rate, uint8_t channels, Samples samples, int32_t level = kFullScale16,
                 bool error = false)
-        : LSoundSourceBase(rate, channels, level), m_samples(std::move(samples)) {
+        : LSoundSourceBase(rate, channels, level),
+          present(static_cast<int32_t>(samples.size()) / GetChannels()),
+          m_samples(std::move(samples)) {
         if (error) SetError();
     }
     void Read(int32_t* samples, int32_t frames) override {
+        EXPECT_LE(frames, kBlockFrames);
         for (int32_t i = 0; i < frames * GetChannels(); ++i) {
-            const size_t at = static_cast<size_t>(m_position * GetChannels() + i);
-            samples[i] = at < m_samples.size() ? m_samples[at] : 0;
+            const size_t at = static_cast<size_t>(m_position) * GetChannels() + static_cast<size_t>(i);
+            const bool isThere =
+                at < std::min(m_samples.size(), static_cast<size_t>(present) * GetChannels());
+            samples[i] = isThere ? m_samples[at] : 0;
         }
-        m_position += frames;
+        m_position = Saturate(int64_t{m_position} + frames);
+        if (isGrowing) readAhead = std::max(readAhead, m_position - present);
     }
     int32_t GetPosition() const override { return m_position; }
-    int32_t GetLength() const override { return static_cast<int32_t>(m_samples.size()) / GetChannels(); }
-    void Seek(int32_t frame) override { m_position = std::clamp(frame, 0, GetLength()); }
+    int32_t GetLength() const override {
+        return m_position >= present ? present : std::max(guess.value_or(present), m_position + 1);
+    }
+    void Seek(int32_t frame) override { m_position = std::clamp(frame, 0, present); }
+    bool IsGrowing() const override { return isGrowing; }
+
+    int32_t present;               // frames: fewer than were given while it grows, or more, all silent
+    bool isGrowing = false;        // a recording that is being made,
+    int32_t readAhead = 0;         // of which so many frames were read too early
+    std::optional<int32_t> guess;  // its length until the end was met, as of a compressed file
 
 private:
     Samples m_samples;

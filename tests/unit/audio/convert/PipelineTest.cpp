@@ -1,48 +1,72 @@
-#include <numeric>
-
 #include "audio/convert/LPRSourceToSink.h"
+#include "audio/convert/LRecordSpeed.h"
 #include "audio/convert/LSPConvChannels.h"
+#include "audio/convert/LSRCConvertRate.h"
+#include "audio/convert/LSinkConvertRate.h"
+#include "audio/convert/WindSource.h"
 #include "audio/stream/LSoundTime.h"
-#include "tests/unit/audio/AudioTest.h"
+#include "tests/unit/audio/SoundKit.h"
 
-TEST(Sample, SurvivesTheInternalScaleRoundedAndNeverCracksAtTheTopOfEightBits) {
-    for (int v = -32768; v <= 32767; ++v) ASSERT_EQ(ToPcm16(FromPcm16(static_cast<int16_t>(v))), v);
-    for (int v = 0; v <= 255; ++v) ASSERT_EQ(ToPcm8(FromPcm8(static_cast<uint8_t>(v))), v);
-    EXPECT_EQ(FromPcm16(-32768), -524288);
-    static const struct {
-        int32_t sample;
-        int16_t pcm16;
-        uint8_t pcm8;
-    } kCases[] = {
-        {7, 0, 128},           {8, 1, 128},           {-8, 0, 128},         {-9, -1, 128},
-        {2047, 128, 128},      {2048, 128, 129},      {-2049, -128, 127},   {0x7F7FF, 32640, 255},
-        {0x7F800, 32640, 255}, {0x7FFF0, 32767, 255}, {0x80000, -32768, 0},
-    };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(ToPcm16(c.sample), c.pcm16) << c.sample;
-        EXPECT_EQ(ToPcm8(c.sample), c.pcm8) << c.sample;
-    }
+static LSoundSource Source(uint8_t channels, int32_t rate = 44100, bool error = false) {
+    return LSoundSource::Make<ArraySource>(rate, channels, Ramp(9000 * channels), kFullScale16, error);
 }
 
-TEST(SoundSource, IsSilentAndInErrorRatherThanEmptyOrImpossible) {
-    TraceLog log;
-    const ArraySource impossible(0, 0, {});
-    EXPECT_TRUE(impossible.IsError() && impossible.GetSampleRate() == 44100 && impossible.GetChannels() == 1);
-    EXPECT_EQ(log.All(),
-              "LSoundSourceBase::SetSampleRate SampleRate <= 0 ERROR\n"
-              "LSoundSourceBase::SetChannels nChans == 0 ERROR\n");
-
+TEST(SoundSource, IsSilentAndInErrorRatherThanEmpty) {
     LSoundSource handle = LSoundSource::Make<ArraySource>(8000, uint8_t{2}, Samples{1, 2});
     LSoundSource taken = std::move(handle);
     EXPECT_EQ(taken->GetSampleRate(), 8000);
     taken.Reset();
     for (const LSoundSource& empty : {handle, taken, LSoundSource()}) {
-        int32_t sample = 5;
-        empty->Read(&sample, 1);
-        EXPECT_TRUE(empty->IsError() && sample == 0 && empty->GetLength() == 0);
+        EXPECT_TRUE(empty->IsError() && empty->GetLength() == 0);
+        EXPECT_EQ(ReadFrames(*empty, 1), Samples{0});
         EXPECT_EQ(empty->GetSampleRate(), 11025);
         EXPECT_EQ(empty->GetLevel(), 0x200000);
     }
+}
+
+// Whoever reads such a source to its end hears silence and gets there; such a sink writes nothing.
+TEST(Stages, SayWhyTheyRefuse) {
+    const std::pair<const char*, LSoundSource (*)()> sources[] = {
+        {"LSoundSourceBase::SetSampleRate SampleRate <= 0 ERROR", [] { return Source(1, 0); }},
+        {"LSoundSourceBase::SetChannels nChans == 0 ERROR", [] { return Source(0); }},
+        {"LSoundSourceBase::SetSampleRate SampleRate <= 0 ERROR",
+         [] { return LSRCConvertRate::OpenSource(Source(1), 0); }},
+        {"Multichannels (or 0) used when BUILD_SUPPORT_MULTICHANS is not set",
+         [] { return LSRCConvertRate::OpenSource(Source(3), 8000); }},
+        {"LSRCConvertRate::LSRCConvertRate rates too far apart",
+         [] { return LSRCConvertRate::OpenSource(Source(1), 1); }},
+        {"LSPConvChannels::OpenSource Multichannels (or 0) used when BUILD_SUPPORT_MULTICHANS is not set",
+         [] { return LSPConvChannels::OpenSource(Source(6), 2); }},
+    };
+    for (const auto& [trace, open] : sources) {
+        TraceLog log;
+        const LSoundSource source = open();
+        EXPECT_TRUE(source->IsError()) << trace;
+        EXPECT_EQ(log.All(), std::string(trace) + "\n");
+        if (source->GetLength() > 0) continue;  // not a stage
+        source->Seek(2);
+        EXPECT_EQ(ReadFrames(*source, 5), Samples(size_t{5} * source->GetChannels())) << trace;
+    }
+    static Samples taken;
+    const auto mono = [] { return LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken); };
+    const auto stereo = [] { return LSoundSink::Make<CollectingSink>(8000, uint8_t{2}, taken); };
+    const std::tuple<const char*, int32_t, LSoundSink> sinks[] = {
+        {"LRecordSpeed::OpenSink Percent==0", 0, mono()},
+        {"LRecordSpeed::OpenSink Percent==0", -100, mono()},
+        {"LSinkConvertRateBase::LSinkConvertRateBase can only be used on mono streams", 200, stereo()},
+        {"LSinkConvertRateBase::LSinkConvertRateBase rates too far apart", INT32_MAX, mono()},
+    };
+    for (const auto& [trace, percent, target] : sinks) {
+        TraceLog log;
+        const LSoundSink sink = LRecordSpeed::OpenSink(percent, target);
+        EXPECT_TRUE(!sink || sink->IsError()) << trace;
+        EXPECT_EQ(log.All(), std::string(trace) + "\n");
+        if (sink) sink->Write(Samples(20).data(), 10);
+        if (sink) sink->Truncate(0);
+    }
+    EXPECT_TRUE(taken.empty());
+    EXPECT_TRUE(LSRCConvertRate::OpenSource(LSoundSource(), 8000)->IsError());
+    EXPECT_TRUE(WindSource(LSoundSource(), 1.5, 8, 6000).IsError());
 }
 
 TEST(SoundTime, CountsAnyLengthAndCutsOffWhatItDoesNotShow) {
@@ -79,29 +103,15 @@ TEST(ConvChannels, KeepsTheLeftChannelAndDoublesMono) {
     for (const auto& c : kCases) {
         LSoundSource source =
             LSPConvChannels::OpenSource(LSoundSource::Make<ArraySource>(8000, c.from, c.in), c.to);
-        Samples out(4, 99);
         source->Seek(1);
-        source->Read(out.data(), 4 / c.to);
-        EXPECT_EQ(out, c.out);
+        EXPECT_EQ(ReadFrames(*source, 4 / c.to), c.out);
         EXPECT_EQ(source->GetPosition(), 1 + 4 / c.to);
         EXPECT_EQ(source->GetLength(), 3);
     }
-    TraceLog log;
-    const LSoundSource six = LSoundSource::Make<ArraySource>(8000, uint8_t{6}, Samples(6));
-    EXPECT_TRUE(LSPConvChannels::OpenSource(six, 2)->IsError());
-    EXPECT_TRUE(log.Has(
-        "LSPConvChannels::OpenSource Multichannels (or 0) used when BUILD_SUPPORT_MULTICHANS is not set"));
 }
 
-static Samples Ramp(int32_t count) {
-    Samples samples(static_cast<size_t>(count));
-    std::iota(samples.begin(), samples.end(), 1);
-    return samples;
-}
-
-static ProcessResult CopyRamp(int32_t length, Samples& taken, NotingContext& context) {
-    return LPRSourceToSink(LSoundSource::Make<ArraySource>(8000, uint8_t{1}, Ramp(length)),
-                           LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken))
+static ProcessResult Copy(const LSoundSource& source, Samples& taken, NotingContext& context) {
+    return LPRSourceToSink(source, LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken))
         .Process(context);
 }
 
@@ -109,81 +119,57 @@ TEST(SourceToSink, CopiesEveryFrameAndNoneMoreAndStopsBetweenBlocks) {
     for (int32_t length : {0, 1, 8191, 8192, 8193, 20000}) {
         Samples taken;
         NotingContext context;
-        EXPECT_EQ(CopyRamp(length, taken, context), ProcessResult::Done);
+        const LSoundSource source = LSoundSource::Make<ArraySource>(8000, uint8_t{1}, Ramp(length));
+        EXPECT_EQ(Copy(source, taken, context), ProcessResult::Done);
         EXPECT_EQ(taken, Ramp(length)) << length;
         EXPECT_TRUE(context.errors.empty());
-        if (length == 20000) {
-            EXPECT_EQ(context.progress, (std::vector<double>{8192 / 20000.0, 16384 / 20000.0}));
-        }
+        if (length < 20000) continue;
+        EXPECT_EQ(context.progress, (std::vector<double>{8192 / 20000.0, 16384 / 20000.0}));
+        source->Seek(0);
+        taken.clear();
+        context.cancelAfter = 1;
+        EXPECT_EQ(Copy(source, taken, context), ProcessResult::Stopped);
+        EXPECT_EQ(taken, Ramp(8192));
     }
-    Samples taken;
-    NotingContext context;
-    context.cancelAfter = 1;
-    EXPECT_EQ(CopyRamp(20000, taken, context), ProcessResult::Stopped);
-    EXPECT_EQ(taken, Ramp(8192));
 }
 
-// Guesses its length until it has met its end, like a compressed file with a wrong byte rate.
-class GuessingSource final : public LSoundSourceBase {
-public:
-    GuessingSource(Samples samples, int32_t guess, int32_t level)
-        : LSoundSourceBase(8000, 1, level), m_guess(guess), m_inner(8000, 1, std::move(samples)) {}
-    void Read(int32_t* samples, int32_t frames) override { m_inner.Read(samples, frames); }
-    int32_t GetPosition() const override { return m_inner.GetPosition(); }
-    int32_t GetLength() const override {
-        if (GetPosition() >= m_inner.GetLength()) return m_inner.GetLength();
-        return std::max(m_guess, GetPosition() + 1);
-    }
-    void Seek(int32_t frame) override { m_inner.Seek(frame); }
-
-private:
-    int32_t m_guess;
-    ArraySource m_inner;
-};
-
-TEST(SourceToSink, TakesAGuessedLengthForNoMoreThanThatAndLimitsWhatMayBeLoud) {
+TEST(SourceToSink, TakesAGuessedLengthForNoMoreThanThat) {
     for (const int32_t guess : {0, 100, 19999, 20000, 20001, INT32_MAX}) {
-        for (const int32_t level : {kFullScale16, kFullScale16 + 1}) {
+        for (const int32_t level : {kFullScale16, kFullScale16 + 1}) {  // without a limiter and with one
             Samples taken;
             NotingContext context;
-            LPRSourceToSink process(LSoundSource::Make<GuessingSource>(Ramp(20000), guess, level),
-                                    LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken));
-            EXPECT_EQ(process.Process(context), ProcessResult::Done);
+            const LSoundSource source = LSoundSource::Make<ArraySource>(8000, uint8_t{1}, Ramp(20000), level);
+            static_cast<ArraySource&>(*source).guess = guess;
+            EXPECT_EQ(Copy(source, taken, context), ProcessResult::Done);
             EXPECT_EQ(taken, Ramp(20000)) << guess << ' ' << level;
             for (const double progress : context.progress) EXPECT_LE(progress, 1.0);
         }
     }
-    Samples taken;
-    NotingContext context;
-    LPRSourceToSink loud(LSoundSource::Make<ArraySource>(8000, uint8_t{1}, Samples(9000, 0x100000), 0x100000),
-                         LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken));
-    EXPECT_EQ(loud.Process(context), ProcessResult::Done);
-    EXPECT_EQ(taken.size(), 9000u);
-    EXPECT_LE(*std::max_element(taken.begin(), taken.end()), kFullScale16);
 }
 
 TEST(SourceToSink, FailsVisiblyWhenItCannotDeliver) {
     static const struct {
-        int channels, level;
+        uint8_t channels;
         bool error;
-        int sinkRate, sinkChannels, sinkTakes;
+        int32_t sinkRate;
+        uint8_t sinkChannels;
+        int32_t sinkTakes;
         const char* trace;
     } kCases[] = {
-        {1, kFullScale16, true, 8000, 1, 9000, "LPRSourceToSink::Process Source Error"},
-        {1, kFullScale16, false, 8000, 0, 9000, "LPRSourceToSink::Process Sink Error"},
-        {6, kFullScale16, false, 8000, 1, 9000, "LPRSourceToSink::Process no channel converter"},
-        {1, kFullScale16, false, 0, 1, 9000, "LPRSourceToSink::Process no rate converter"},
-        {1, kFullScale16, false, 8000, 1, 8191, "LPRSourceToSink::Process Sink Error"},
-        {1, kFullScale16, false, 8000, 1, 8999, "LPRSourceToSink::Process Sink Error"},
+        {1, true, 8000, 1, 9000, "LPRSourceToSink::Process Source Error"},
+        {1, false, 8000, 0, 9000, "LPRSourceToSink::Process Sink Error"},
+        {6, false, 8000, 1, 9000, "LPRSourceToSink::Process no channel converter"},
+        {1, false, 0, 1, 9000, "LPRSourceToSink::Process no rate converter"},
+        {1, false, 8000, 1, 8191, "LPRSourceToSink::Process Sink Error"},
+        {1, false, 8000, 1, 8999, "LPRSourceToSink::Process Sink Error"},
     };
     for (const auto& c : kCases) {
         TraceLog log;
         Samples taken;
         NotingContext context;
-        LPRSourceToSink process(LSoundSource::Make<ArraySource>(8000, static_cast<uint8_t>(c.channels),
-                                                                Ramp(9000 * c.channels), c.level, c.error),
-                                LSoundSink::Make<CollectingSink>(
-                                    c.sinkRate, static_cast<uint8_t>(c.sinkChannels), taken, c.sinkTakes));
+        LPRSourceToSink process(
+            Source(c.channels, 8000, c.error),
+            LSoundSink::Make<CollectingSink>(c.sinkRate, c.sinkChannels, taken, c.sinkTakes));
         EXPECT_EQ(process.Process(context), ProcessResult::Failed) << c.trace;
         EXPECT_TRUE(log.Has(c.trace)) << log.All();
         EXPECT_EQ(context.errors.size(), 1u) << c.trace;
