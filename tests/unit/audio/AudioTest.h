@@ -50,24 +50,6 @@ inline Bytes Wave16(const Bytes& data) {
     return WaveFile(PcmFormat(16) + Chunk("data", data));
 }
 
-// A file of which from some place on nothing can be read any more: a bad sector, a drive that is gone.
-class DyingFile final : public LReadStream {
-public:
-    explicit DyingFile(const Bytes& bytes) : m_file(bytes) {}
-    void DieAt(size_t bytes) { m_readable = static_cast<int64_t>(bytes); }
-    size_t Read(std::span<uint8_t> buffer) override {
-        const int64_t left = std::max<int64_t>(m_readable - m_file.Position(), 0);
-        return m_file.Read(buffer.first(std::min(buffer.size(), static_cast<size_t>(left))));
-    }
-    bool Seek(int64_t position) override { return m_file.Seek(position); }
-    int64_t Position() const override { return m_file.Position(); }
-    int64_t Size() const override { return m_file.Size(); }
-
-private:
-    LMemoryFile m_file;
-    int64_t m_readable = INT64_MAX;
-};
-
 // Keeps what it is given. fullAfter frames it is a disk that takes no more.
 class CollectingSink final : public LSoundSinkBase {
 public:

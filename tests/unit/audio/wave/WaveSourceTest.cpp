@@ -1,8 +1,7 @@
-#include <numeric>
-
 #include "audio/wave/LRewriteWave.h"
+#include "audio/wave/LSNKPCMFile.h"
 #include "audio/wave/LWaveFile.h"
-#include "tests/unit/audio/AudioTest.h"
+#include "tests/unit/audio/SoundKit.h"
 
 static const Bytes kFmt16 = PcmFormat(16);
 static const Bytes kFrames = Hex("0100 0200 0300");
@@ -13,24 +12,18 @@ static LSoundSource OpenBytes(const Bytes& bytes) {
     return LWaveFile::OpenSource(std::make_unique<LMemoryFile>(bytes));
 }
 
-static Samples ReadAll(LSoundSource source, int32_t frames) {
-    Samples samples(static_cast<size_t>(frames) * source->GetChannels(), 99);
-    source->Read(samples.data(), frames);
-    return samples;
-}
-
 TEST(WaveSource, ReadsSamplesAndThenSilence) {
     LSoundSource mono = OpenBytes(Wave16(Hex("0100 FFFF 0080")));
     EXPECT_EQ(mono->GetLevel(), 0x7FFF0);
-    EXPECT_EQ(ReadAll(mono, 2), (Samples{16, -16}));
-    EXPECT_EQ(ReadAll(mono, 3), (Samples{-524288, 0, 0}));
+    EXPECT_EQ(ReadFrames(*mono, 2), (Samples{16, -16}));
+    EXPECT_EQ(ReadFrames(*mono, 3), (Samples{-524288, 0, 0}));
     EXPECT_EQ(mono->GetPosition(), 5);
 
     LSoundSource stereo =
         OpenBytes(WaveFile(PcmFormat(8, 18, 2, 11025) + Chunk("data", Hex("00 80 FF 81 77"))));
     EXPECT_EQ(stereo->GetSampleRate(), 11025);
     EXPECT_EQ(stereo->GetLength(), 2) << "half a frame does not count";
-    EXPECT_EQ(ReadAll(stereo, 3), (Samples{-524288, 0, 0x7F000, 4096, 0, 0}));
+    EXPECT_EQ(ReadFrames(*stereo, 3), (Samples{-524288, 0, 0x7F000, 4096, 0, 0}));
 }
 
 TEST(WaveSource, SeeksWithSilenceBeforeTheStart) {
@@ -44,11 +37,11 @@ TEST(WaveSource, SeeksWithSilenceBeforeTheStart) {
     };
     for (const auto& c : kCases) {
         source->Seek(c.to);
-        EXPECT_EQ(ReadAll(source, 7), c.read) << c.to;
+        EXPECT_EQ(ReadFrames(*source, 7), c.read) << c.to;
         EXPECT_EQ(source->GetPosition(), c.to + 7);
     }
     source->Seek(INT32_MAX);
-    ReadAll(source, 4);
+    ReadFrames(*source, 4);
     EXPECT_EQ(source->GetPosition(), INT32_MAX);
 }
 
@@ -70,7 +63,7 @@ TEST(WaveSource, FindsTheDataInEveryValidFile) {
         LSoundSource source = OpenBytes(bytes);
         EXPECT_FALSE(source->IsError()) << what;
         EXPECT_EQ(source->GetLength(), 3) << what;
-        EXPECT_EQ(ReadAll(source, 4), (Samples{16, 32, 48, 0})) << what;
+        EXPECT_EQ(ReadFrames(*source, 4), (Samples{16, 32, 48, 0})) << what;
     }
 }
 
@@ -116,39 +109,58 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
 }
 
 TEST(WaveSource, IsNotWholeWhenAReadFellShort) {
-    for (const size_t missing : {0u, 1u}) {
-        const Bytes bytes = Wave16(Bytes(20000));
-        auto file = std::make_unique<DyingFile>(bytes);
-        DyingFile& drive = *file;
-        LSoundSource source = LWaveFile::OpenSource(std::move(file));
-        drive.DieAt(bytes.size() - missing);
-        ReadAll(source, kBlockFrames);
+    for (const int missing : {0, 1}) {
+        LMemoryFile file(Wave16(Bytes(20000)));
+        auto drive = Borrow(file);
+        drive->readable = file.Size() - missing;
+        LSoundSource source = LWaveFile::OpenSource(std::move(drive));
+        ReadFrames(*source, kBlockFrames);
         EXPECT_TRUE(source->IsWhole());
-        ReadAll(source, kBlockFrames);
+        ReadFrames(*source, kBlockFrames);
         EXPECT_EQ(source->IsWhole(), missing == 0);
     }
 }
 
-TEST(WaveSource, PlaysARecordingWhileItGrowsAndWhenItIsCut) {
-    const ScratchFile file({});
-    Samples block(kBlockFrames);
-    std::iota(block.begin(), block.end(), 0);
-    LSoundSink sink = LWaveFile::OpenSinkPCM(file.path, 16, 1, 8000);
-    sink->Write(block.data(), kBlockFrames);
+TEST(WaveSource, FollowsARecordingUntilItsRecorderHasFinishedIt) {
+    enum class Finish { Closed, Crash, ClosedAtTheSameMoment };
+    for (const Finish finish : {Finish::Closed, Finish::Crash, Finish::ClosedAtTheSameMoment}) {
+        LMemoryFile file;
+        const Samples spoken = {16, 32, 48, 64, 80, 96, 112, 128};
+        LSoundSink sink = LSNKPCMFileBase::Open(Borrow(file), 0, 16, 1, 8000);
+        sink->Write(spoken.data(), 2);
+        BorrowedStream::isBeingWritten = true;
+        LSoundSource source = LWaveFile::OpenSource(Borrow(file));
+        EXPECT_TRUE(source->IsGrowing());
+        EXPECT_EQ(source->GetLength(), 2);
+        EXPECT_EQ(ReadFrames(*source, 3), (Samples{16, 32, 0})) << "silence in place of what comes later";
+        if (finish == Finish::Crash) source->Seek(3);  // beyond its end, where it is already
+        sink->Write(&spoken[2], 4);
+        EXPECT_EQ(source->GetLength(), 6);
+        EXPECT_EQ(ReadFrames(*source, 2), (Samples{64, 80})) << "each sample in its own place";
+        // Voice activation takes silence back, then the speaker goes on.
+        sink->Truncate(4);
+        EXPECT_EQ(ReadFrames(*source, 1), Samples{0});
+        sink->Write(&spoken[4], 4);
+        EXPECT_EQ(ReadFrames(*source, 1), Samples{112}) << "in step with its position";
+        EXPECT_TRUE(source->IsGrowing());
 
-    TraceLog log;
-    LSoundSource source = LWaveFile::OpenSource(file.path);
-    EXPECT_TRUE(log.Has("LSRCPCMFileBase::LSRCPCMFileBase Wav File Is Streaming"));
-    ASSERT_EQ(source->GetLength(), kBlockFrames);
-    // Voice activation takes silence back, then the speaker goes on.
-    sink->Truncate(10);
-    Samples cut(100);
-    cut[8] = cut[9] = 16;
-    EXPECT_EQ(ReadAll(source, 100), cut);
-    sink->Write(block.data(), kBlockFrames - 10);
-    EXPECT_EQ(ReadAll(source, 1)[0], FromPcm16(ToPcm16(90))) << "in step with its position";
-    sink.Reset();
-    EXPECT_EQ(LWaveFile::OpenSource(file.path)->GetLength(), kBlockFrames);
+        const auto append = [&file] {  // by whoever else
+            file.Seek(file.Size());
+            EXPECT_TRUE(file.WriteAll(Hex("0700 0800")));
+        };
+        const Bytes leftByCrash = FileBytes(file);
+        sink.Reset();
+        if (finish == Finish::Crash)
+            file = LMemoryFile(leftByCrash);
+        else
+            append();
+        BorrowedStream::isBeingWritten = finish == Finish::ClosedAtTheSameMoment;
+        EXPECT_FALSE(source->IsGrowing());
+        if (finish == Finish::Crash) append();
+        EXPECT_EQ(source->GetLength(), 8) << "that was final";
+        BorrowedStream::isBeingWritten = false;
+        EXPECT_FALSE(LWaveFile::OpenSource(Borrow(file))->IsGrowing()) << "nobody writes it";
+    }
 }
 
 TEST(WaveInfo, TellsLayoutAndLength) {
@@ -226,76 +238,4 @@ TEST(RewriteWave, LeavesTheOldFileWhenItHasNothingToDoOrDoesNotFinish) {
     EXPECT_EQ(Rewritten(compressed, ProcessResult::Failed), compressed);
     const Bytes foreign = WaveFile(kFmt16 + kData + Chunk("LIST", {}));
     EXPECT_EQ(Rewritten(foreign, ProcessResult::Stopped, 0), foreign);
-}
-
-namespace {
-
-// A file that a recorder works on while a source reads it.
-struct Recording {
-    LMemoryFile file;
-    bool isBeingWritten = true;
-};
-
-class RecordingStream final : public LReadStream {
-public:
-    explicit RecordingStream(Recording& recording) : m_recording(recording) {}
-    size_t Read(std::span<uint8_t> buffer) override {
-        m_recording.file.Seek(m_position);
-        const size_t count = m_recording.file.Read(buffer);
-        m_position += static_cast<int64_t>(count);
-        return count;
-    }
-    bool Seek(int64_t position) override {
-        m_position = position;
-        return true;
-    }
-    int64_t Position() const override { return m_position; }
-    int64_t Size() const override { return m_recording.file.Size(); }
-    bool IsBeingWritten() const override { return m_recording.isBeingWritten; }
-
-private:
-    Recording& m_recording;
-    int64_t m_position = 0;
-};
-
-}  // namespace
-
-TEST(GrowingFile, IsFollowedUntilItsRecorderHasFinishedIt) {
-    enum class Finish { Header, Crash, HeaderOfLess };
-    for (const Finish finish : {Finish::Header, Finish::Crash, Finish::HeaderOfLess}) {
-        Recording recording;
-        const auto append = [&](const Bytes& bytes) {
-            recording.file.Seek(recording.file.Size());
-            EXPECT_TRUE(recording.file.WriteAll(bytes));
-        };
-        append(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100 0200"));
-        LSoundSource source = LWaveFile::OpenSource(std::make_unique<RecordingStream>(recording));
-        EXPECT_TRUE(source->IsGrowing());
-        EXPECT_EQ(source->GetLength(), 2);
-        Samples samples(3);
-        source->Read(samples.data(), 3);
-        EXPECT_EQ(samples, (Samples{16, 32, 0})) << "silence in place of what comes later";
-        if (finish == Finish::Crash) source->Seek(3);  // beyond its end, where it is already
-        append(Hex("0300 0400 0500 06"));
-        EXPECT_EQ(source->GetLength(), 5) << "whole frames";
-        source->Read(samples.data(), 2);
-        EXPECT_EQ(samples[0], 64) << "each sample in its own place";
-        EXPECT_EQ(samples[1], 80);
-        EXPECT_TRUE(source->IsGrowing());
-
-        recording.isBeingWritten = finish == Finish::HeaderOfLess;
-        if (finish != Finish::Crash) {
-            recording.file.Seek(42);
-            EXPECT_TRUE(recording.file.WriteAll(Little(finish == Finish::Header ? 10 : 6)));
-        }
-        EXPECT_FALSE(source->IsGrowing());
-        append(Hex("0700 0800"));
-        EXPECT_EQ(source->GetLength(), finish == Finish::HeaderOfLess ? 3 : 5) << "that was final";
-    }
-    // Nobody writes it: left over by a crash.
-    Recording leftOver;
-    leftOver.isBeingWritten = false;
-    EXPECT_TRUE(
-        leftOver.file.WriteAll(WaveFile(PcmFormat(16)) + Text("data") + Little(0xFFFFFFFF) + Hex("0100")));
-    EXPECT_FALSE(LWaveFile::OpenSource(std::make_unique<RecordingStream>(leftOver))->IsGrowing());
 }
