@@ -3,18 +3,14 @@
 // and a number of three bytes); then a WAV file.
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
 #include "audio/wave/LSRCACMWave.h"
 #include "base/LArith.h"
 #include "base/LBytes.h"
 #include "base/LMemoryFile.h"
+#include "tests/fuzz/Fuzz.h"
 #include "tests/stubs/StandInCodec.h"
-
-static void Require(bool condition) {
-    if (!condition) abort();
-}
 
 // A length at or below the position means that nothing comes any more.
 static void ReadSome(LSRCACMWave& source, int32_t frames) {

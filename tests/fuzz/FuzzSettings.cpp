@@ -1,28 +1,17 @@
-#include <cstdlib>
-
-#include "base/LFile.h"
 #include "base/LProfileText.h"
 #include "base/LTime.h"
 #include "store/CurrentUser.h"
 #include "store/DictationRecord.h"
 #include "store/SettingsKeys.h"
-
-static void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
-struct Scratch {
-    ~Scratch() { LFile::Delete(path); }
-    LPath path = LFile::MakeTemporary("cvf");
-};
+#include "tests/fuzz/Fuzz.h"
 
 static void CheckValues(std::string_view text) {
     const int32_t seconds = Settings::ParseTime(text);
-    Check(seconds >= 0 && seconds <= 86400);
+    Require(seconds >= 0 && seconds <= 86400);
     const int8_t level = LParseLevel(text).value_or(-15);
-    Check(level >= kSilenceDb && LParseLevel(LFormatLevel(level)) == level);
+    Require(level >= kSilenceDb && LParseLevel(LFormatLevel(level)) == level);
     const LCalendar date = LToCalendar(static_cast<int64_t>(seconds) * 3000000 * (level + 1));
-    Check(date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31 && date.year >= 1601);
+    Require(date.month >= 1 && date.month <= 12 && date.day >= 1 && date.day <= 31 && date.year >= 1601);
 }
 
 // What stands in a file, however wild, is read as values that can be written and read again, and a text that
@@ -35,13 +24,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     LFile(file, LFile::Open::CreateNew).WriteAll({data, size});
 
     const DictationRecord record = DictationRecord::Read(file);
-    Check(ReadUserList(file).size() <= size + 1);
+    Require(ReadUserList(file).size() <= size + 1);
     WriteSendKeys(file, record);
-    Check(DictationRecord::Read(file).number == record.number);
+    Require(DictationRecord::Read(file).number == record.number);
 
     Settings::Write(file, RecordKeys::kSendStatus, "Sending");
     Settings::Write(file, RecordKeys::kName, text);
-    Check(Settings::Read(file, RecordKeys::kSendStatus) == "Sending");
-    Check(Settings::Read(file, RecordKeys::kName) == LProfileValue(LProfileSafe(text)));
+    Require(Settings::Read(file, RecordKeys::kSendStatus) == "Sending");
+    Require(Settings::Read(file, RecordKeys::kName) == LProfileValue(LProfileSafe(text)));
     return 0;
 }

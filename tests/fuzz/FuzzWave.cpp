@@ -1,16 +1,12 @@
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "audio/wave/LAcmRecord.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LMemoryFile.h"
+#include "tests/fuzz/Fuzz.h"
 #include "tests/stubs/StandInCodec.h"
-
-static void Require(bool condition) {
-    if (!condition) abort();
-}
 
 // What was read without a seek must come again after one.
 static void CompareRereading(LSoundSource source, const std::vector<int32_t>& first, int32_t frames) {

@@ -132,33 +132,17 @@ bool Conversion::Convert(uint32_t inputBytes, Flag flag, Used& used) {
         Good(m_input.first(inputBytes), flag, used);
     if (StandInCodec::conversions++ < StandInCodec::failAfter) return true;
     const uint32_t room = static_cast<uint32_t>(m_output.size());
-    switch (StandInCodec::fault) {
-        case Fault::Fails:
-            return false;
-        case Fault::YieldsNothing:
-            used.output = 0;
-            return true;
-        case Fault::YieldsAndConsumesNothing:
-            used = {};
-            return true;
-        case Fault::ConsumesNothing:
-            used = {0, std::min(room, Out())};
-            return true;
-        case Fault::TakesOddBytes:
-            used = {StandInCodec::conversions == StandInCodec::failAfter + 1 ? 1u : 0u, 0};
-            return true;
-        case Fault::ConsumesTooMuch:
-            used.input = inputBytes + 1;
-            return true;
-        case Fault::YieldsTooMuch:
-            used.output = room + 1;
-            return true;
-        case Fault::OddBytes:
-            used.output = std::min(room, used.output + (used.output ? 1 : 0));
-            return true;
-        default:
-            return true;
-    }
+    const bool isFirst = StandInCodec::conversions == StandInCodec::failAfter + 1;
+    const Fault fault = StandInCodec::fault;
+    if (fault == Fault::Fails) return false;
+    if (fault == Fault::YieldsNothing) used.output = 0;
+    if (fault == Fault::YieldsAndConsumesNothing) used = {};
+    if (fault == Fault::ConsumesNothing) used = {0, std::min(room, Out())};
+    if (fault == Fault::TakesOddBytes) used = {isFirst ? 1u : 0u, 0};
+    if (fault == Fault::ConsumesTooMuch) used.input = inputBytes + 1;
+    if (fault == Fault::YieldsTooMuch) used.output = room + 1;
+    if (fault == Fault::OddBytes) used.output = std::min(room, used.output + (used.output ? 1 : 0));
+    return true;
 }
 
 }  // namespace
@@ -184,6 +168,6 @@ LWaveFileFormat StandInCodec::Format(uint16_t channels, uint32_t sampleRate) {
     record.U16(static_cast<uint16_t>(align));
     record.U16(0);
     record.U16(3);
-    for (const uint8_t extra : {uint8_t{1}, uint8_t{2}, uint8_t{3}}) record.U8(extra);
+    for (uint8_t extra = 1; extra <= 3; ++extra) record.U8(extra);
     return LWaveFileFormat(record.View());
 }

@@ -22,18 +22,7 @@ static Samples ThroughSink(Rates rates, const Samples& in, size_t piece = 8192) 
     return taken;
 }
 
-TEST(SincFilter, FindsTheSmallestExactRatioOrAGoodOne) {
-    static const struct {
-        int32_t in, out, phases, step;
-    } kCases[] = {
-        {44100, 8000, 80, 441}, {8000, 44100, 441, 80}, {48000, 44100, 147, 160}, {44100, 11025, 1, 4},
-        {640, 639, 639, 640},   {1, 639, 639, 1},       {8200000, 8200, 1, 1000},
-    };
-    for (const auto& c : kCases) {
-        const LSincFilter filter(c.in, c.out, 15);
-        EXPECT_EQ(filter.Phases(), c.phases) << c.in << " " << c.out;
-        EXPECT_EQ(filter.Step(), c.step) << c.in << " " << c.out;
-    }
+TEST(SincFilter, FindsAGoodRatio) {
     for (int32_t in = 7001; in < 400000; in = in * 9 / 8) {
         const LSincFilter filter(in, 8000, 15);
         const double wanted = in / 8000.0;
@@ -128,16 +117,23 @@ TEST(ConvertRate, KeepsAnHourAnHourAndLongerOnesToo) {
 }
 
 // A tone of twice full scale comes out turned down, not cut off at full scale: the overtone is what cutting adds.
-TEST(ConvertRate, GetsWhatIsTooLoudFromALimiter) {
-    Samples taken;
-    NotingContext context;
-    LPRSourceToSink process(
-        LSoundSource::Make<ArraySource>(44100, uint8_t{1}, Tone(44100, 500, 44100, 0x100000), 0x100000),
-        LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken));
-    ASSERT_EQ(process.Process(context), ProcessResult::Done);
-    EXPECT_NEAR(ToneDb(taken, 500, 8000, 0x7FFF0), 0.0, 0.2);
-    EXPECT_LT(ToneDb(taken, 1500, 8000, 0x7FFF0), -50.0);
-    EXPECT_LE(*std::max_element(taken.begin(), taken.end()), kFullScale16);
+// Where the filter overshoots what was not too loud, that is turned down too.
+TEST(ConvertRate, StandsBetweenLimiters) {
+    const auto converted = [](const Samples& in, int32_t level) {
+        Samples taken;
+        NotingContext context;
+        LPRSourceToSink process(LSoundSource::Make<ArraySource>(44100, uint8_t{1}, in, level),
+                                LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken));
+        EXPECT_EQ(process.Process(context), ProcessResult::Done);
+        EXPECT_LE(*std::max_element(taken.begin(), taken.end()), kFullScale16);
+        return taken;
+    };
+    const Samples tone = converted(Tone(44100, 500, 44100, 0x100000), 0x100000);
+    EXPECT_NEAR(ToneDb(tone, 500, 8000, 0x7FFF0), 0.0, 0.2);
+    EXPECT_LT(ToneDb(tone, 1500, 8000, 0x7FFF0), -50.0);
+    Samples square = Tone(44100, 500, 44100, 1000);
+    for (int32_t& v : square) v = v < 0 ? -kFullScale16 : kFullScale16;
+    converted(square, kFullScale16);
 }
 
 TEST(ConvertRate, ReadsAGrowingSourceOnlyAsFarAsItGoesAndTrustsNoEstimate) {
@@ -171,19 +167,6 @@ TEST(ConvertRate, ReadsAGrowingSourceOnlyAsFarAsItGoesAndTrustsNoEstimate) {
     EXPECT_EQ(source->GetPosition(), 400);
 }
 
-TEST(ConvertRate, DoublesTheLevelThatItsFilterMayOvershoot) {
-    static const struct {
-        int32_t level, rate, outLevel;
-    } kCases[] = {{kFullScale16, 8000, 2 * kFullScale16},
-                  {0x100000, 8000, 0x200000},
-                  {0x100001, 8000, 0x100001},
-                  {16, 44100, 16}};
-    for (const auto& c : kCases) {
-        const LSoundSource source = LSoundSource::Make<ArraySource>(44100, uint8_t{2}, Samples(90), c.level);
-        EXPECT_EQ(LSRCConvertRate::OpenSource(source, c.rate)->GetLevel(), c.outLevel) << c.level;
-    }
-}
-
 // Speech, silence that is cut off again, speech: both stand behind each other as if there had been no silence
 // between them, but for the frames that the filter reaches across the cut. What was there before stays.
 TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
@@ -192,13 +175,15 @@ TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
         const LSincFilter filter(rates.in, rates.out, 15);
         const Samples joined = ThroughSink(rates, speech + more);
         for (const int32_t silence : {0, 1, 14, 15, 9000, 25000}) {
-            Samples taken;
+            Samples taken(50, 77);
             {
                 LSoundSink file = LSoundSink::Make<CollectingSink>(rates.out, uint8_t{1}, taken);
                 static_cast<CollectingSink&>(*file).StartAt(50);
                 const LSoundSink sink = LSinkConvertRateBase::OpenSink(file, rates.in);
                 const int32_t start = sink->GetFrames();
                 EXPECT_EQ(start, filter.ToInput(50));
+                sink->Write(more.data(), 4000);
+                sink->Truncate(-1);
                 sink->Write(speech.data(), kBlockFrames);
                 sink->Write(speech.data() + kBlockFrames, 9001 - kBlockFrames);
                 for (int32_t i = 0; i < silence; i += 5000)
@@ -209,6 +194,7 @@ TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
                 sink->Write(more.data(), 4000);
             }
             ASSERT_EQ(taken.size(), joined.size() + 50) << rates.in << " " << silence;
+            EXPECT_EQ(Samples(taken.begin(), taken.begin() + 50), Samples(50, 77));
             for (int32_t i = 0; i < static_cast<int32_t>(joined.size()); ++i) {
                 const bool isNearCut = std::abs(filter.ToInput(i) - 9001) <= 8;
                 if (isNearCut && silence > 0) continue;
@@ -217,17 +203,6 @@ TEST(SinkConvertRate, CutsWhatItsInputCutsAndNothingElse) {
             }
         }
     }
-}
-
-TEST(SinkConvertRate, CutsNothingOfWhatWasThereBefore) {
-    Samples taken(50, 77);
-    LSoundSink file = LSoundSink::Make<CollectingSink>(8000, uint8_t{1}, taken);
-    static_cast<CollectingSink&>(*file).StartAt(50);
-    LSoundSink sink = LSinkConvertRateBase::OpenSink(std::move(file), 44100);
-    sink->Write(Noise(8000, 9999).data(), 8000);
-    sink->Truncate(-1);
-    sink.Reset();
-    EXPECT_EQ(taken, Samples(50, 77));
 }
 
 TEST(RecordSpeed, LosesNothingWhereTheTargetCannotBeCut) {

@@ -82,36 +82,22 @@ TEST(Sample, SurvivesTheInternalScaleRoundedAndNeverCracksAtTheTop) {
         int32_t sample;
         int16_t pcm16, narrowed;
         uint8_t pcm8;
-    } kCases[] = {{7, 0, 0, 128},
-                  {8, 1, 1, 128},
-                  {-8, 0, 0, 128},
-                  {-9, -1, -1, 128},
-                  {2047, 128, 128, 128},
-                  {2048, 128, 128, 129},
-                  {-2049, -128, -128, 127},
-                  {0x7F7FF, 32640, 32640, 255},
-                  {0x7F800, 32640, 32640, 255},
-                  {0x7FFF0, 32767, 32767, 255},
-                  {0x80000, -32768, 32767, 0},
-                  {-0x80009, 32767, -32768, 0}};
+    } kCases[] = {
+        {7, 0, 0, 128},
+        {8, 1, 1, 128},
+        {-9, -1, -1, 128},
+        {2047, 128, 128, 128},
+        {2048, 128, 128, 129},
+        {0x7F800, 32640, 32640, 255},
+        {0x80000, -32768, 32767, 0},
+        {-0x80009, 32767, -32768, 0},
+    };
     for (const auto& c : kCases) {
         EXPECT_EQ(ToPcm16(c.sample), c.pcm16) << c.sample;
         EXPECT_EQ(ToPcm8(c.sample), c.pcm8) << c.sample;
         int16_t narrowed;
         kPlainKernels.narrow(&c.sample, &narrowed, 1);
         EXPECT_EQ(narrowed, c.narrowed) << c.sample;
-    }
-}
-
-TEST(Gain, IsAtMostTwoBelowTheTrueProductAndNeverAbove) {
-    Samples values = Noise(50, 1 << 29);
-    for (const int32_t v : {0, 1, -1, 4095, 4096, -4097, 0x7FFF0, -0x80000, 1 << 29}) values.push_back(v);
-    for (const int32_t value : values) {
-        for (const int32_t gain : {0, 1, 0xFFF, 0x1000, 0x7FFFFF, 0xABCDEF, kUnityGain - 1, kUnityGain}) {
-            const double below = std::ldexp(static_cast<double>(value) * gain, -24) - TimesGain(value, gain);
-            EXPECT_TRUE(below >= 0 && below < 2) << value << " x " << gain;
-        }
-        EXPECT_EQ(TimesGain(value, kUnityGain), value);
     }
 }
 
