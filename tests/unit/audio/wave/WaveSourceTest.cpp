@@ -199,43 +199,34 @@ TEST(WaveInfo, TellsLayoutAndLength) {
     }
 }
 
-// Rewrites a file made of these bytes and returns what it holds then.
-static Bytes Rewritten(const Bytes& before, ProcessResult expected, int cancelAfter = -1) {
-    const ScratchFile file(before);
-    NotingContext context;
-    context.cancelAfter = cancelAfter;
-    EXPECT_EQ(LRewriteWave(file.path).Process(context), expected);
-    EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u) << "nothing is left beside it";
-    EXPECT_EQ(context.errors.empty(), expected != ProcessResult::Failed);
-    return file.Contents();
-}
-
-TEST(RewriteWave, BringsEveryPcmFileIntoOurLayout) {
-    const Bytes list = Chunk("LIST", Bytes(5));
-    const Bytes fmt8Stereo = PcmFormat(8, 18, 2, 11025);
+TEST(RewriteWave, BringsEveryPcmFileIntoOurLayoutOrLeavesIt) {
+    const Bytes list = Chunk("LIST", Bytes(5)), fmt8Stereo = PcmFormat(8, 18, 2, 11025);
+    const Bytes ours = WaveFile(kFmt16 + kOpenData + kFrames);
+    const Bytes compressed = WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + kData);
     Bytes samples(65536 * 2);
     for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i % 2 ? i >> 9 : i >> 1);
-    const std::pair<Bytes, Bytes> cases[] = {
-        {WaveFile(PcmFormat(16, 16) + kData), Wave16(kFrames)},
-        {WaveFile(PcmFormat(16, 16) + Chunk("data", samples)), Wave16(samples)},
-        {WaveFile(list + kFmt16 + list + kOpenData + kFrames), Wave16(kFrames)},
-        {WaveFile(PcmFormat(12) + kData), Wave16(kFrames)},
+    const std::tuple<Bytes, Bytes, ProcessResult> cases[] = {
+        {WaveFile(PcmFormat(16, 16) + Chunk("data", samples)), Wave16(samples), ProcessResult::Done},
+        {WaveFile(list + kFmt16 + list + kOpenData + kFrames), Wave16(kFrames), ProcessResult::Done},
+        {WaveFile(PcmFormat(12) + kData), Wave16(kFrames), ProcessResult::Done},
         {WaveFile(fmt8Stereo + list + Chunk("data", Hex("00 FF 80 7F"))),
-         WaveFile(fmt8Stereo + Chunk("data", Hex("00 FF 80 7F")))},
+         WaveFile(fmt8Stereo + Chunk("data", Hex("00 FF 80 7F"))), ProcessResult::Done},
         // 24 and 32 bits round to the nearest, the top of the range holds.
         {WaveFile(PcmFormat(24) + Chunk("data", Hex("7F0001 800001 FFFF7F 000080 7FFF7F 80FF00"))),
-         Wave16(Hex("0001 0101 FF7F 0080 FF7F 0001"))},
+         Wave16(Hex("0001 0101 FF7F 0080 FF7F 0001")), ProcessResult::Done},
         {WaveFile(PcmFormat(32) + Chunk("data", Hex("FF7F0100 00800100 FFFFFF7F 00000080"))),
-         Wave16(Hex("0100 0200 FF7F 0080"))},
+         Wave16(Hex("0100 0200 FF7F 0080")), ProcessResult::Done},
+        {ours, ours, ProcessResult::Done},
+        {compressed, compressed, ProcessResult::Failed},
+        {WaveFile(kFmt16 + kData + list), WaveFile(kFmt16 + kData + list), ProcessResult::Stopped},
     };
-    for (const auto& [before, after] : cases) EXPECT_EQ(Rewritten(before, ProcessResult::Done), after);
-}
-
-TEST(RewriteWave, LeavesTheOldFileWhenItHasNothingToDoOrDoesNotFinish) {
-    const Bytes ours = WaveFile(kFmt16 + kOpenData + kFrames);
-    EXPECT_EQ(Rewritten(ours, ProcessResult::Done), ours);
-    const Bytes compressed = WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + kData);
-    EXPECT_EQ(Rewritten(compressed, ProcessResult::Failed), compressed);
-    const Bytes foreign = WaveFile(kFmt16 + kData + Chunk("LIST", {}));
-    EXPECT_EQ(Rewritten(foreign, ProcessResult::Stopped, 0), foreign);
+    for (const auto& [before, after, result] : cases) {
+        const ScratchFile file(before);
+        NotingContext context;
+        context.cancelAfter = result == ProcessResult::Stopped ? 0 : -1;
+        EXPECT_EQ(LRewriteWave(file.path).Process(context), result);
+        EXPECT_EQ(file.Contents(), after);
+        EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u) << "nothing is left beside it";
+        EXPECT_EQ(context.errors.empty(), result != ProcessResult::Failed);
+    }
 }
