@@ -19,17 +19,9 @@ TEST(Speed, WrapsOnlyWhatIsNeeded) {
     EXPECT_EQ(LSpeedSource::OpenSource(source, 70)->GetPosition(), 1000);
     EXPECT_EQ(LSpeedSource::OpenSource(source, 7)->GetLength(), 18000) << "held at 50 percent";
     EXPECT_EQ(LSpeedSource::OpenSource(source, 700)->GetLength(), 4500) << "held at 200 percent";
-}
-
-TEST(Speed, PlacesConvertThereAndBack) {
-    for (const int32_t percent : {50, 70, 150, 200}) {
-        for (const int32_t place : {0, 1, 2, 6, 7, 8000, 999'999'999}) {
-            const int32_t heard = LSpeedSource::FromSourceFrame(place, percent);
-            const int32_t back = LSpeedSource::ToSourceFrame(heard, percent);
-            EXPECT_TRUE(back == place || (percent > 100 && back == place + 1)) << place << " at " << percent;
-        }
-    }
     EXPECT_EQ(LSpeedSource::FromSourceFrame(INT32_MAX, 70), INT32_MAX);
+    for (const int32_t place : {0, 1, 2, 6, 7, 8000, 999'999'999})
+        EXPECT_EQ(LSpeedSource::ToSourceFrame(LSpeedSource::FromSourceFrame(place, 70), 70), place);
 }
 
 // Pitch and loudness of each syllable where they belong, and no clicks.

@@ -191,17 +191,14 @@ TEST(AcmSource, EstimatesTheLengthUntilItKnowsIt) {
     static const struct {
         uint32_t byteRate;
         int32_t atStart, afterABlock;
-    } kCases[] = {
-        {9000, 20000, 20000},  {4500, 40000, 8192 + 2 * (20000 - 8192)},
-        {0, 22500, 21476},     {1, 22500 * 8000, 8192 + (22500 - 9216) * 8000},
-        {0xFFFFFFFF, 1, 8193},
-    };
+    } kCases[] = {{4500, 40000, 8192 + 2 * (20000 - 8192)}, {0, 22500, 21476}, {0xFFFFFFFF, 1, 8193}};
     for (const auto& c : kCases) {
         LSoundSource source = OpenSource(With(file, c.byteRate));
         EXPECT_EQ(source->GetLength(), c.atStart) << c.byteRate;
         ReadFrames(*source, kBlockFrames, kBlockFrames);
         EXPECT_EQ(source->GetLength(), c.afterABlock) << c.byteRate;
     }
+    EXPECT_EQ(OpenSource(With(file, 1))->GetLength(), 22500 * 8000);
     EXPECT_EQ(OpenSource(Encoded({}))->GetLength(), 0);
     // Where the format tells its blocks, a byte rate four times too high must not hide three quarters.
     EXPECT_EQ(OpenSource(With(Encoded(Speech(100 * 320), kGsm), 6500))->GetLength(), 100 * 320);
@@ -379,31 +376,54 @@ TEST(AcmRecord, TakesThePlainTagOutOfAnExtensibleRecord) {
     }
 }
 
-TEST(RewriteWave, DecodesEveryOtherFormatToTheEndOrLeavesItAlone) {
-    const Samples samples = Speech(20001 * 2);
+TEST(RewriteWave, BringsEveryFileIntoOurLayoutOrLeavesItAlone) {
+    const Bytes list = Chunk("LIST", Bytes(5)), fmt16 = PcmFormat(16),
+                fmt8Stereo = PcmFormat(8, 18, 2, 11025);
+    const Bytes data = Chunk("data", Hex("0100 0200")),
+                open = Text("data") + Little(0xFFFFFFFF) + Hex("0100 0200");
+    const Bytes extensible = Chunk("fmt ", Hex("FEFF 0100 401F0000 C05D0000 0300 1800 1600 1800 04000000 "
+                                               "0100 0000 0000 1000 8000 00AA00389B71"));
+    const Samples samples = Speech(40001 * 2);
     const Bytes compressed = Encoded(samples, StandInCodec::Format(2));
     Bytes pcm;
     for (const int32_t v : samples) pcm = std::move(pcm) + Little(static_cast<uint16_t>(ToPcm16(v)), 2);
     const Bytes decoded = WaveFile(PcmFormat(16, 18, 2) + Chunk("data", pcm));
-    const Bytes extensible = WaveFile(Chunk("fmt ", Hex("FEFF 0100 401F0000 C05D0000 0300 1800 1600 1800 "
-                                                        "04000000 0100 0000 0000 1000 8000 00AA00389B71")) +
-                                      Chunk("data", Hex("7F0001 800001")));
-    const std::tuple<Fault, Bytes, Bytes> cases[] = {
-        {Fault::None, compressed, decoded},
-        {Fault::None, With(compressed, 1000000), decoded},
-        {Fault::None, extensible, Wave16(Hex("0001 0101"))},
-        {Fault::NoCodec, compressed, compressed},
-        {Fault::Fails, compressed, compressed},
-        {Fault::YieldsAndConsumesNothing, compressed, compressed},
-        {Fault::YieldsTooMuch, compressed, compressed},
+    constexpr auto kDone = ProcessResult::Done, kFailed = ProcessResult::Failed,
+                   kStopped = ProcessResult::Stopped;
+    const struct {
+        const char* what;
+        Bytes before, after;
+        Fault fault = Fault::None;
+        ProcessResult result = kDone;
+    } cases[] = {
+        {"long", WaveFile(PcmFormat(16, 16, 2) + Chunk("data", pcm)), decoded},
+        {"chunks and open", WaveFile(list + fmt16 + list + open), Wave16(Hex("0100 0200"))},
+        {"12 bits", WaveFile(PcmFormat(12) + data), Wave16(Hex("0100 0200"))},
+        {"8 bits", WaveFile(fmt8Stereo + list + Chunk("data", Hex("00 FF 80 7F"))),
+         WaveFile(fmt8Stereo + Chunk("data", Hex("00 FF 80 7F")))},
+        // 24 and 32 bits round to the nearest, the top of the range holds.
+        {"24 bits", WaveFile(PcmFormat(24) + Chunk("data", Hex("7F0001 800001 FFFF7F 000080 7FFF7F 80FF00"))),
+         Wave16(Hex("0001 0101 FF7F 0080 FF7F 0001"))},
+        {"32 bits", WaveFile(PcmFormat(32) + Chunk("data", Hex("FF7F0100 00800100 FFFFFF7F 00000080"))),
+         Wave16(Hex("0100 0200 FF7F 0080"))},
+        {"extensible", WaveFile(extensible + Chunk("data", Hex("7F0001 800001"))), Wave16(Hex("0001 0101"))},
+        {"compressed", compressed, decoded},
+        {"wrong byte rate", With(compressed, 1000000), decoded},
+        {"ours", WaveFile(fmt16 + open), WaveFile(fmt16 + open)},
+        {"stopped", WaveFile(fmt16 + data + list), WaveFile(fmt16 + data + list), Fault::None, kStopped},
+        {"no codec", compressed, compressed, Fault::NoCodec, kFailed},
+        {"failing codec", compressed, compressed, Fault::Fails, kFailed},
+        {"stuck codec", compressed, compressed, Fault::YieldsAndConsumesNothing, kFailed},
+        {"boasting codec", compressed, compressed, Fault::YieldsTooMuch, kFailed},
     };
-    for (const auto& [fault, before, after] : cases) {
-        const WithFault with(fault, 2);
-        const ScratchFile file(before);
+    for (const auto& c : cases) {
+        const WithFault with(c.fault, 2);
+        const ScratchFile file(c.before);
         NotingContext context;
-        EXPECT_EQ(LRewriteWave(file.path, StandInCodec::Open).Process(context),
-                  fault == Fault::None ? ProcessResult::Done : ProcessResult::Failed);
-        EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u);
-        EXPECT_TRUE(file.Contents() == after) << static_cast<int>(fault);
+        context.cancelAfter = c.result == kStopped ? 0 : -1;
+        EXPECT_EQ(LRewriteWave(file.path, StandInCodec::Open).Process(context), c.result) << c.what;
+        EXPECT_TRUE(file.Contents() == c.after) << c.what;
+        EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u) << c.what;
+        EXPECT_EQ(context.errors.empty(), c.result != kFailed) << c.what;
     }
 }

@@ -1,4 +1,3 @@
-#include "audio/wave/LRewriteWave.h"
 #include "audio/wave/LSNKPCMFile.h"
 #include "audio/wave/LWaveFile.h"
 #include "tests/unit/audio/SoundKit.h"
@@ -196,37 +195,5 @@ TEST(WaveInfo, TellsLayoutAndLength) {
         EXPECT_EQ(info.LengthMs(), c.lengthMs) << c.what;
         EXPECT_EQ(info.isStreaming, c.streaming) << c.what;
         EXPECT_EQ(info.NeedsRewrite(), c.rewrite) << c.what;
-    }
-}
-
-TEST(RewriteWave, BringsEveryPcmFileIntoOurLayoutOrLeavesIt) {
-    const Bytes list = Chunk("LIST", Bytes(5)), fmt8Stereo = PcmFormat(8, 18, 2, 11025);
-    const Bytes ours = WaveFile(kFmt16 + kOpenData + kFrames);
-    const Bytes compressed = WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + kData);
-    Bytes samples(65536 * 2);
-    for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint8_t>(i % 2 ? i >> 9 : i >> 1);
-    const std::tuple<Bytes, Bytes, ProcessResult> cases[] = {
-        {WaveFile(PcmFormat(16, 16) + Chunk("data", samples)), Wave16(samples), ProcessResult::Done},
-        {WaveFile(list + kFmt16 + list + kOpenData + kFrames), Wave16(kFrames), ProcessResult::Done},
-        {WaveFile(PcmFormat(12) + kData), Wave16(kFrames), ProcessResult::Done},
-        {WaveFile(fmt8Stereo + list + Chunk("data", Hex("00 FF 80 7F"))),
-         WaveFile(fmt8Stereo + Chunk("data", Hex("00 FF 80 7F"))), ProcessResult::Done},
-        // 24 and 32 bits round to the nearest, the top of the range holds.
-        {WaveFile(PcmFormat(24) + Chunk("data", Hex("7F0001 800001 FFFF7F 000080 7FFF7F 80FF00"))),
-         Wave16(Hex("0001 0101 FF7F 0080 FF7F 0001")), ProcessResult::Done},
-        {WaveFile(PcmFormat(32) + Chunk("data", Hex("FF7F0100 00800100 FFFFFF7F 00000080"))),
-         Wave16(Hex("0100 0200 FF7F 0080")), ProcessResult::Done},
-        {ours, ours, ProcessResult::Done},
-        {compressed, compressed, ProcessResult::Failed},
-        {WaveFile(kFmt16 + kData + list), WaveFile(kFmt16 + kData + list), ProcessResult::Stopped},
-    };
-    for (const auto& [before, after, result] : cases) {
-        const ScratchFile file(before);
-        NotingContext context;
-        context.cancelAfter = result == ProcessResult::Stopped ? 0 : -1;
-        EXPECT_EQ(LRewriteWave(file.path).Process(context), result);
-        EXPECT_EQ(file.Contents(), after);
-        EXPECT_EQ(TempFolder::Names(file.folder.Path()).size(), 1u) << "nothing is left beside it";
-        EXPECT_EQ(context.errors.empty(), result != ProcessResult::Failed);
     }
 }
