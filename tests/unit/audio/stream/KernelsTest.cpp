@@ -47,22 +47,18 @@ const struct {
     {"to 16", [](auto& k, auto& in, auto& out) { k.toPcm16(in.samples, out.data(), in.count); }},
     {"from 8", [](auto& k, auto& in, auto& out) { k.fromPcm8(in.pcm, As<int32_t>(out), in.count); }},
     {"from 16", [](auto& k, auto& in, auto& out) { k.fromPcm16(in.pcm, As<int32_t>(out), in.count); }},
-    {"up",
-     [](auto& k, auto& in, auto& out) {
-         const int32_t step = HighestGain(in) / static_cast<int32_t>(in.count + 1);
-         k.ramp({0, step, -1000}, in.samples, As<int32_t>(out), in.count / in.channels, in.channels);
-     }},
-    {"down",
+    {"ramp",
      [](auto& k, auto& in, auto& out) {
          const int32_t highest = HighestGain(in), step = highest / static_cast<int32_t>(in.count + 1);
-         k.ramp({highest, -step, INT32_MIN}, in.samples, As<int32_t>(out), in.count / in.channels,
-                in.channels);
+         const size_t frames = in.count / in.channels;
+         k.ramp({0, step, -1000}, in.samples, As<int32_t>(out), frames, in.channels);
+         k.ramp({highest, -step, INT32_MIN}, in.samples, As<int32_t>(out) + in.count, frames, in.channels);
      }},
 };
 
 void ExpectAgreement(const Input& in) {
     for (const auto& loop : kLoops) {
-        Bytes plain(4 * in.count + 4, 0x55);  // what lies behind the last one is not to be touched
+        Bytes plain(8 * in.count + 4, 0x55);  // what lies behind the last one is not to be touched
         loop.run(kPlainKernels, in, plain);
         for (const LKernels* kernels : AllKernels()) {
             Bytes made(plain.size(), 0x55);
