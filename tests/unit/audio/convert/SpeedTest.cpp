@@ -70,15 +70,15 @@ TEST(Speed, BeginsAndEndsWithTheSource) {
 }
 
 TEST(Speed, DependsOnThePlaceAlone) {
-    const Samples voice = Noise(24000, 0x40000);
-    LSoundSource speed = LSpeedSource::OpenSource(Array(8000, voice), 70);
+    const Samples noise = Noise(24000, 0x40000);
+    LSoundSource speed = LSpeedSource::OpenSource(Array(8000, noise), 70);
     const Samples whole = ReadFrames(*speed, speed->GetLength() + 50);
     EXPECT_EQ(Samples(whole.end() - 50, whole.end()), Samples(50));
     speed->Seek(0);
     EXPECT_EQ(ReadFrames(*speed, speed->GetLength() + 50, 8192), whole);
     speed->Seek(10001);
     const Samples once = ReadFrames(*speed, 5000);
-    EXPECT_TRUE(std::equal(once.begin(), once.begin() + 160, voice.begin() + 7000)) << "from the exact frame";
+    EXPECT_TRUE(std::equal(once.begin(), once.begin() + 160, noise.begin() + 7000)) << "from the exact frame";
     speed->Seek(10001);
     EXPECT_EQ(ReadFrames(*speed, 5000, 160), once);
     speed->Seek(INT32_MAX);
@@ -87,13 +87,13 @@ TEST(Speed, DependsOnThePlaceAlone) {
 
 // A second channel of opposite phase does not hide the first; one beside a silent first is heard.
 TEST(Speed, CutsAllChannelsAtTheSamePlaces) {
-    const Samples voice = Noise(16000, 0x40000);
+    const Samples noise = Noise(16000, 0x40000);
     Samples opposite, rightOnly;
-    for (const int32_t v : voice) {
+    for (const int32_t v : noise) {
         opposite.insert(opposite.end(), {v, -v});
         rightOnly.insert(rightOnly.end(), {0, v});
     }
-    const Samples mono = AtSpeed(Array(8000, voice), 150);
+    const Samples mono = AtSpeed(Array(8000, noise), 150);
     const Samples both = AtSpeed(Array(8000, opposite, 2), 150);
     const Samples right = AtSpeed(Array(8000, rightOnly, 2), 150);
     ASSERT_EQ(both.size(), 2 * mono.size());
@@ -105,9 +105,9 @@ TEST(Speed, CutsAllChannelsAtTheSamePlaces) {
 }
 
 TEST(Speed, FollowsARecordingThatGrowsAsIfItHadBeenThereFromTheBeginning) {
-    const Samples voice = Noise(24000, 0x40000);
+    const Samples noise = Noise(24000, 0x40000);
     for (const int32_t percent : {50, 70, 150, 200}) {
-        const LSoundSource recording = Array(8000, voice);
+        const LSoundSource recording = Array(8000, noise);
         auto& grower = static_cast<ArraySource&>(*recording);
         grower.present = 0;
         grower.isGrowing = true;
@@ -120,7 +120,7 @@ TEST(Speed, FollowsARecordingThatGrowsAsIfItHadBeenThereFromTheBeginning) {
             heard = heard + ReadFrames(*speed, speed->GetLength() - speed->GetPosition());
         }
         EXPECT_EQ(grower.readAhead, 0) << percent;
-        EXPECT_EQ(heard, AtSpeed(Array(8000, voice), percent)) << percent;
+        EXPECT_EQ(heard, AtSpeed(Array(8000, noise), percent)) << percent;
     }
 }
 

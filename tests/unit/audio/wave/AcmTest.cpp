@@ -56,7 +56,7 @@ Bytes Encoded(const Samples& samples, const LWaveFileFormat& format = StandInCod
     return FileBytes(file);
 }
 
-// With another byte rate, or another block align, in its head.
+// With another byte rate in its head.
 Bytes With(Bytes file, uint32_t byteRate) {
     std::ranges::copy(Little(byteRate), file.begin() + 28);
     return file;
