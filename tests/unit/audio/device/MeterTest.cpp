@@ -1,8 +1,6 @@
 #include "audio/device/LMeter.h"
 #include "tests/unit/TestKit.h"
 
-using LDB::LDBTablesClass;
-
 // 400 pixels, 100 segments: above -24 dB 12 dB take 25 of them, below it 24 dB. Red begins behind the 88th.
 static constexpr int32_t kWidth = 400;
 static constexpr int8_t kLevels[] = {-127, -30, 10, -3, -127, -127, 12, -20};
@@ -21,18 +19,6 @@ static std::string Show(const LMeter& meter) {
         text += letters[i] + std::to_string(next - i);
     }
     return text;
-}
-
-TEST(Meter, ScaleIsMonotonousAndFullAtFullScale) {
-    int32_t before = 0;
-    for (int32_t db = -128; db <= 127; ++db) {
-        const int32_t position = LDB::kTables.Position(static_cast<int8_t>(db));
-        if (db > LDBTablesClass::kLowestDb && db <= kFullScaleDb)
-            EXPECT_GT(position, before) << db;
-        else
-            EXPECT_EQ(position, db <= 0 ? 0 : LDBTablesClass::kScale) << db;
-        before = position;
-    }
 }
 
 TEST(Meter, IsGreenBelowTheMarkedLevelAndRedAboveIt) {
@@ -55,6 +41,10 @@ TEST(Meter, HoldsThePeakThenLetsItFallAndIsStillWhenAllIsSilent) {
         EXPECT_EQ(meter.WaitMs(begin), LMeter::kNever);
         meter.SetLevel(9, begin);
         EXPECT_EQ(meter.WaitMs(begin), LMeter::kNever) << "a steady level needs no timer";
+        meter.SetLevel(8, begin + 100);
+        meter.Advance(begin + 200);
+        EXPECT_EQ(meter.WaitMs(begin + 200), LMeter::kHoldMs - 100) << "sleeps while the peak is held";
+        meter.SetLevel(9, begin + 1000);
         meter.SetLevel(-127, begin + 1000);
         meter.Advance(begin + 1500);  // the bar falls 36 dB in a second
         EXPECT_EQ(Show(meter), "G56.37R1.6");
@@ -71,14 +61,6 @@ TEST(Meter, HoldsThePeakThenLetsItFallAndIsStillWhenAllIsSilent) {
         meter.Advance(now + 0x90000000u);
         EXPECT_EQ(Show(meter), ".100") << "what was held long ago does not come back";
     }
-}
-
-TEST(Meter, SleepsWhileThePeakIsHeld) {
-    LMeter meter;
-    meter.SetLevel(0, 0);
-    meter.SetLevel(-1, 100);
-    meter.Advance(200);
-    EXPECT_EQ(meter.WaitMs(200), LMeter::kHoldMs - 100);
 }
 
 TEST(Meter, RepaintsExactlyWhatChanges) {

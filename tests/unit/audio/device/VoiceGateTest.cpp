@@ -113,16 +113,6 @@ TEST_F(GateTest, KeepsEveryWordWithItsOnsetAndCutsLongSilence) {
     EXPECT_TRUE(m_log.Has("LSoundRecorder::ThreadFunction VoiceActivatedStop RECORDING->WAITING"));
 }
 
-TEST_F(GateTest, LateBlocksMayHaveAnyLength) {
-    Start(kVoice);
-    Speak("LQ");
-    SpeakBlock('s', 123);
-    SpeakBlock('l', kBlockFrames);
-    SpeakBlock('q', 700);
-    EXPECT_EQ(m_gate.Stop(), 200 + 1039 + 50);
-    EXPECT_EQ(Written(), "1 2 3:123 4:8192 5:397");
-}
-
 TEST_F(GateTest, LowestThresholdsRecordSilenceToTheEnd) {
     for (const VoiceGate::Settings& settings :
          {VoiceGate::Settings{-128, 100, 0, true}, {-127, 100, 0, false}}) {
