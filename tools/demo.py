@@ -19,7 +19,6 @@ sys.path.insert(0, str(ROOT / "tests" / "system"))
 import dct  # noqa: E402
 import sound  # noqa: E402
 from corvane import Corvane, Data, WinCtl, wait_for  # noqa: E402
-from player import HEARD_RATE, Heard  # noqa: E402
 
 OUT = ROOT / "out"
 WORDS = (
@@ -78,13 +77,13 @@ def measure(steps, what, spoken, heard):
 
 def play_back(corvane, steps, spoken):
     corvane.command("CM_GOTOSTART")
-    with Heard() as heard:
+    with sound.Heard() as heard:
         corvane.command("CM_PLAY")
         wait_for(lambda: corvane.api(API_STATUS) == PLAYING, "a playing dictation")
-        wait_for(lambda: heard.count > HEARD_RATE * spoken.duration / 2, "half of it", 30)
+        wait_for(lambda: heard.count > sound.HEARD_RATE * spoken.duration / 2, "half of it", 30)
         screenshot(corvane, "playing.png")
         wait_for(lambda: corvane.api(API_STATUS) == STOPPED, "the end of the dictation", 60)
-    audio = sound.Audio(heard.sound()[1] / 32768, HEARD_RATE)
+    audio = sound.Audio(heard.sound()[1] / 32768, sound.HEARD_RATE)
     measure(steps, "played back", spoken, audio)
 
 

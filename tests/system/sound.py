@@ -1,13 +1,18 @@
 """Spoken samples, and measurements that tell whether what arrived is what was spoken."""
 
 import io
+import os
 import subprocess
+import threading
+import time
 import wave
 from dataclasses import dataclass
 from pathlib import Path
 
 import numpy as np
+from corvane import wait_for
 
+HEARD_RATE = 48000  # of the rig's speaker
 ENVELOPE_STEP = 0.005  # seconds per envelope value
 ENVELOPE_WINDOW = 8  # values that one looks at
 LEAD_IN = 0.3  # seconds of silence that a sample is played with, since a device takes a moment to run
@@ -95,3 +100,48 @@ def microphone_streams():
     """How many programs have the microphone open and running."""
     text = subprocess.run(["pactl", "list", "source-outputs"], capture_output=True, text=True, check=True).stdout
     return text.count("Corked: no")
+
+
+class Heard:
+    """What the speaker plays while this is open, as 16-bit mono samples."""
+
+    def __enter__(self):
+        self.chunks, self.count = [], 0
+        self.begun = float("inf")  # when the first sample was heard, as time.monotonic() tells
+        self.parec = subprocess.Popen(
+            ["parec", "--device=speaker.monitor", "--format=s16le", "--channels=1", f"--rate={HEARD_RATE}"]
+            + ["--latency-msec=20", "--raw"],
+            stdout=subprocess.PIPE,
+        )
+        self.reader = threading.Thread(target=self._read, daemon=True)
+        self.reader.start()
+        wait_for(lambda: self.count, "the speaker's monitor")
+        return self
+
+    def _read(self):
+        while data := os.read(self.parec.stdout.fileno(), 65536):
+            self.chunks.append(data)
+            self.count += len(data) // 2
+            # The chunk that came soonest after its sound tells the time best.
+            self.begun = min(self.begun, time.monotonic() - self.count / HEARD_RATE)
+
+    def __exit__(self, *_):
+        time.sleep(0.15)  # what is on its way
+        self.parec.terminate()
+        self.parec.wait()
+        self.reader.join()
+
+    @property
+    def samples(self):
+        data = b"".join(self.chunks[:])
+        return np.frombuffer(data[: len(data) // 2 * 2], "<i2").astype(float)
+
+    def sound(self, floor=8):
+        """From the first to the last sample above the floor: start index, samples."""
+        samples = self.samples
+        loud = np.flatnonzero(np.abs(samples) > floor)
+        assert len(loud), "nothing was heard"
+        return loud[0], samples[loud[0] : loud[-1] + 1]
+
+    def first_sound_after(self, moment):
+        return self.begun + self.sound()[0] / HEARD_RATE - moment

@@ -1,38 +1,45 @@
 """What the user hears when he plays, winds and changes the speed. The dictation is a tone that rises steadily, so that
-its pitch tells the place in the dictation that is heard at any moment."""
+its pitch tells the place in the dictation that is heard at any moment. At the speaker's own rate it is heard to the
+sample."""
 
-import struct
+import os
 import subprocess
+import time
+from pathlib import Path
 
 import numpy as np
 import pytest
-
 from corvane import pcm_wav, wait_for, write_ini
-from player import HEARD_RATE, Heard, patient
-from sound import microphone_streams
+from sound import HEARD_RATE, Heard, microphone_streams
 
-pytestmark = patient
+# Sound that is measured suffers when the machine is busy with other things. A fault of ours fails every time.
+pytestmark = pytest.mark.flaky(reruns=2)
 
-RATE = 8000
 SECONDS = 20
 LOWEST, STEP = 400, 100  # Hz, and Hz in a second
 STOPPED, RECORDING, PLAYING, WINDING = 0, 1, 3, 4
-STATUS = 7
+STATUS, BUTTON = 7, 1792
+FIRST_SOUND = 0.25  # seconds from Play to the ear, most of it the sound server's
+LONGEST_GAP = 0.06  # seconds of silence at a jump
 
 
-def rising_tone():
-    t = np.arange(SECONDS * RATE) / RATE
-    tone = 12000 * np.sin(2 * np.pi * (LOWEST * t + STEP * t * t / 2))
-    return pcm_wav(0)[:4] + struct.pack("<I", 38 + 2 * len(t)) + pcm_wav(0)[8:42] + struct.pack("<I", 2 * len(t)) + (
-        tone.astype("<i2").tobytes()
-    )
+def rising_tone(seconds=SECONDS):
+    t = np.arange(int(seconds * HEARD_RATE)) / HEARD_RATE
+    return (12000 * np.cos(2 * np.pi * (LOWEST * t + STEP * t * t / 2))).astype("<i2")
+
+
+TONE = rising_tone()
+
+
+def wav(samples):
+    return pcm_wav(len(samples), HEARD_RATE)[: -2 * len(samples)] + samples.tobytes()
 
 
 class Places:
     """Moments of 40 ms: when, and which place of the dictation was heard then (nan: silence). Seconds."""
 
     def __init__(self, heard):
-        samples = heard.so_far()
+        samples = heard.samples
         size = int(0.04 * HEARD_RATE)
         blocks = samples[: len(samples) // size * size].reshape(-1, size)
         spectrum = np.abs(np.fft.rfft(blocks * np.hanning(size), 16 * size))
@@ -40,11 +47,12 @@ class Places:
         loud = np.sqrt((blocks**2).mean(axis=1)) > 1000
         self.when = np.arange(len(blocks)) * 0.04
         self.place = np.where(loud, (pitch - LOWEST) / STEP, np.nan)
-        self.seconds = loud.sum() * 0.04
         sounding = np.flatnonzero(loud)
         self.first, self.last = (self.place[sounding[i]] if len(sounding) > 2 else np.nan for i in (1, -2))
-        inside = loud[sounding[0] : sounding[-1]] if len(sounding) else loud
-        self.silences = np.diff(np.flatnonzero(np.concatenate(([1], inside, [1])))).max(initial=1) * 0.04 - 0.04
+
+    def steps(self):
+        """From each place that is heard to the next."""
+        return np.diff(self.place[~np.isnan(self.place)])
 
     def slope(self, begin, end):
         """How fast the place moves, in multiples of normal speed, between two places that are both heard."""
@@ -52,13 +60,30 @@ class Places:
         return np.polyfit(self.when[inside], self.place[inside], 1)[0]
 
 
+def longest_silence(heard, floor=100):
+    """Between the first sound and the last; seconds."""
+    return np.diff(np.flatnonzero(np.abs(heard.samples) > floor)).max(initial=0) / HEARD_RATE
+
+
 @pytest.fixture
-def program(corvane, data):
-    data.add_dictation(1, rising_tone())
-    started = corvane()
-    started.command("CM_GOTOSTART")
-    wait_for(lambda: started.control("IDC_POSITION")["text"].startswith("00:00 /"), "the start")
-    return started
+def play(corvane, data):
+    """Starts the program at the start of a dictation, which no volume changes."""
+
+    def start(samples=TONE, **options):
+        write_ini(data.settings, {"settings": {"warnbelowmb": 0, "soundoutvolume": "12dB", "voiceactivate": "--dB"}})
+        if samples is not None:
+            data.add_dictation(1, wav(samples))
+        started = corvane(**options)
+        started.command("CM_GOTOSTART")
+        wait_for(lambda: started.control("IDC_POSITION")["text"].startswith("00:00 /"), "the start")
+        return started
+
+    return start
+
+
+@pytest.fixture
+def program(play):
+    return play()
 
 
 def wait_status(program, status, seconds=10):
@@ -70,14 +95,49 @@ def wait_place(listener, place, seconds=10):
     wait_for(lambda: np.nanmax(Places(listener).place, initial=-1) >= place, f"{place} s of the dictation", seconds)
 
 
-def hold_key(key):
+def key(action, name):
+    subprocess.run(["xdotool", action, name], check=True)
+
+
+def hold_key(name):
+    active = ["xdotool", "getactivewindow", "getwindowname"]
     wait_for(
-        lambda: subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, text=True)
-        .stdout.strip()
-        == "Corvane",
+        lambda: subprocess.run(active, capture_output=True, text=True).stdout.strip() == "Corvane",
         "an active main window",
     )
-    subprocess.run(["xdotool", "keydown", key], check=True)
+    key("keydown", name)
+
+
+@pytest.mark.parametrize("seconds", [0.05, 2.9])
+def test_every_sample_is_heard_at_once_and_to_the_last(play, seconds):
+    samples = rising_tone(seconds)
+    samples[-1] = 5000
+    program = play(samples)
+    with Heard() as heard:
+        asked = time.monotonic()
+        program.command("CM_PLAY")
+        wait_for(lambda: np.any(heard.samples), "a beginning")
+        wait_status(program, STOPPED)
+    assert heard.first_sound_after(asked) < FIRST_SOUND
+    _, audio = heard.sound()
+    assert len(audio) == len(samples) and (audio == samples).all()
+    assert program.control("IDC_POSITION")["text"] == f"00:0{seconds:.0f} / 00:0{seconds:.0f}"
+
+
+def test_four_hours_are_heard_at_once(play, data):
+    frames = 4 * 3600 * HEARD_RATE
+    with open(data.add_dictation(1).with_suffix(".wav"), "wb") as file:  # silence takes no disk
+        head = pcm_wav(0, HEARD_RATE)
+        file.write(head[:4] + (38 + 2 * frames).to_bytes(4, "little") + head[8:42] + (2 * frames).to_bytes(4, "little"))
+        file.write(TONE.tobytes())
+        file.truncate(46 + 2 * frames)
+    program = play(None)
+    with Heard() as heard:
+        asked = time.monotonic()
+        program.command("CM_PLAY")
+        wait_place(heard, 0.5)
+        program.command("CM_STOP")
+    assert heard.first_sound_after(asked) < FIRST_SOUND
 
 
 def test_play_goes_on_where_stop_stopped(program):
@@ -86,14 +146,14 @@ def test_play_goes_on_where_stop_stopped(program):
         wait_place(first, 2.0)
         program.command("CM_STOP")
         wait_status(program, STOPPED)
-        before = Places(first)
     with Heard() as second:
         program.command("CM_PLAY")
-        wait_place(second, before.last + 1.5)
+        wait_place(second, Places(first).last + 1.5)
         program.command("CM_STOP")
-        after = Places(second)
-    assert before.first < 0.2 and abs(after.first - before.last) < 0.35
-    assert before.silences < 0.1 and after.silences < 0.1
+    before, after = Places(first), Places(second)
+    print(f"goes on {1000 * (after.first - before.last):+.0f} ms from where it stopped")
+    assert before.first < 0.2 and abs(after.first - before.last) < 0.2
+    assert max(longest_silence(first), longest_silence(second)) < 0.01
     assert 0.97 < before.slope(0.3, 2.0) < 1.03
 
 
@@ -106,13 +166,14 @@ def test_the_speed_changes_while_playing(program):
             program.command(command)
             wait_place(listener, end + 0.3)
         program.command("CM_STOP")
-        heard = Places(listener)
+    heard = Places(listener)
     for command, speed in (("CM_PLAY_SLOW", 0.7), ("CM_PLAY_FAST", 1.5), ("CM_PLAY_NORMAL", 1.0)):
         assert heard.slope(*places[command]) == pytest.approx(speed, abs=0.07), command
-    assert heard.silences < 0.2
+    steps = heard.steps()
+    print(f"at changes of speed: {1000 * longest_silence(listener):.0f} ms of silence, steps of", steps.min(), steps.max())
+    assert longest_silence(listener) < LONGEST_GAP
     # No place is left out and none comes twice, but for the moment that a change takes.
-    steps = np.diff(heard.place[~np.isnan(heard.place)])
-    assert np.abs(steps).max() < 0.3
+    assert np.abs(steps).max() < 0.2
 
 
 def test_playing_ends_with_the_dictation_and_begins_again_at_its_start(program):
@@ -123,8 +184,7 @@ def test_playing_ends_with_the_dictation_and_begins_again_at_its_start(program):
         assert Places(listener).first < 0.2
         program.command("CM_PLAY_FAST")
         wait_status(program, STOPPED, 25)
-        heard = Places(listener)
-    assert heard.last > SECONDS - 0.3
+    assert Places(listener).last > SECONDS - 0.2
     assert program.control("IDC_POSITION")["text"] == "00:20 / 00:20"
 
 
@@ -135,33 +195,33 @@ def test_winding_runs_while_the_key_is_held_and_playing_goes_on(program):
         began = Places(listener).last
         hold_key("F7")
         wait_for(lambda: Places(listener).last < began - 3.0, "a place three seconds earlier")
-        subprocess.run(["xdotool", "keyup", "F7"], check=True)
+        key("keyup", "F7")
         wait_status(program, PLAYING)
         wound_to = Places(listener).last
         wait_for(lambda: Places(listener).last > wound_to + 1.0, "playing on")
         program.command("CM_STOP")
-        heard = Places(listener)
+    heard = Places(listener)
     places = heard.place[~np.isnan(heard.place)]
     lowest = int(places[int(4.5 / 0.04) :].argmin()) + int(4.5 / 0.04)
     assert places[lowest] < began - 2.9
     assert abs(places[lowest + 8] - places[lowest]) < 0.6  # it plays on from where winding was heard to end
-    assert heard.silences < 0.35
+    assert longest_silence(listener) < 0.35
 
 
 def test_winding_forward_ends_at_the_end(program):
-    program.send(1792, 14)  # the dictation microphone's button goes down
+    program.send(BUTTON, 14)  # the dictation microphone's button goes down
     wait_status(program, WINDING)
     wait_status(program, STOPPED)
     assert program.control("IDC_POSITION")["text"] == "00:20 / 00:20"
-    program.send(1792, 15)
+    program.send(BUTTON, 15)
     assert program.api(STATUS) == STOPPED
-    program.send(1792, 12)
+    program.send(BUTTON, 12)
     wait_status(program, WINDING)
-    program.send(1792, 13)
+    program.send(BUTTON, 13)
     wait_status(program, STOPPED)
 
 
-def test_go_to_start_plays_on_from_there(program):
+def test_go_to_start_plays_on_from_its_first_sample(program):
     with Heard() as listener:
         program.command("CM_PLAY")
         wait_place(listener, 3.0)
@@ -169,18 +229,21 @@ def test_go_to_start_plays_on_from_there(program):
         wait_for(lambda: Places(listener).last < 1.0, "the start again")
         assert program.api(STATUS) == PLAYING
         program.command("CM_STOP")
+    beginning = np.lib.stride_tricks.sliding_window_view(listener.sound()[1], 480)
+    assert np.flatnonzero((beginning == TONE[:480]).all(axis=1)).size == 2
+    print(f"gap at a seek: {1000 * longest_silence(listener):.0f} ms")
+    assert longest_silence(listener) < LONGEST_GAP
 
 
 def test_play_while_recording_plays_what_was_recorded(program, data):
-    write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "--dB"}})
     program.command("CM_GOTOEND")
-    before = data.audio(1).stat().st_size
+    enough = data.audio(1).stat().st_size + 2 * HEARD_RATE
     program.record("CM_RECORD_END")
-    wait_for(lambda: data.audio(1).stat().st_size > before + 2 * RATE, "a second more")
+    wait_for(lambda: data.audio(1).stat().st_size > enough, "a second more")
     program.command("CM_PLAY")
     wait_status(program, PLAYING)
     assert microphone_streams() == 0
-    assert data.audio(1).stat().st_size > before + 2 * RATE
+    assert data.audio(1).stat().st_size > enough
     assert program.control("IDC_POSITION")["text"].startswith("00:2")
     program.command("CM_NEWFILE")
     wait_for(lambda: len(program.rows()) == 2, "a new row")
@@ -188,17 +251,13 @@ def test_play_while_recording_plays_what_was_recorded(program, data):
 
 
 def test_the_play_pedal_plays_while_it_is_held_and_after_a_tap(program):
-    program.send(1792, 4)
+    program.send(BUTTON, 4)
     wait_status(program, PLAYING)
-    program.send(1792, 5)  # a tap: it plays on
+    program.send(BUTTON, 5)  # a tap: it plays on
     assert program.api(STATUS) == PLAYING
-    program.send(1792, 4)
-    program.send(1792, 5)
+    program.send(BUTTON, 4)
+    program.send(BUTTON, 5)
     wait_status(program, STOPPED)
-
-
-def key(action, name):
-    subprocess.run(["xdotool", action, name], check=True)
 
 
 def middle_of(program, control):
@@ -207,9 +266,7 @@ def middle_of(program, control):
 
 
 def test_a_winding_key_that_comes_up_in_a_menu_is_not_held_for_ever(program):
-    program.send(1792, 14)
-    wait_status(program, STOPPED)  # at the end
-    program.send(1792, 15)
+    program.command("CM_GOTOEND")
     hold_key("F7")
     wait_status(program, WINDING)
     key("key", "alt+d")
@@ -224,9 +281,9 @@ def test_a_winding_key_that_comes_up_in_a_menu_is_not_held_for_ever(program):
 
 
 def test_winding_belongs_to_the_button_that_was_pressed_last(program):
-    program.send(1792, 12)
-    program.send(1792, 14)
-    program.send(1792, 13)  # rewind comes up while fast forward is down
+    program.send(BUTTON, 12)
+    program.send(BUTTON, 14)
+    program.send(BUTTON, 13)  # rewind comes up while fast forward is down
     assert program.api(STATUS) == WINDING
     program.command("CM_STOP")
     wait_status(program, STOPPED)
@@ -251,3 +308,49 @@ def test_the_space_bar_after_a_click_on_stop_records_nothing(program, data):
     wait_status(program, PLAYING)
     program.command("CM_STOP")
     assert data.audio(1).read_bytes() == before
+
+
+@pytest.mark.parametrize("jump, least, most", [("CM_GOTOSTART", 0, 5), ("CM_PLAY_FAST", 0, 5), (None, 9, 16)])
+def test_a_device_that_vanishes_ends_the_playback(play, jump, least, most):
+    """Its buffers never come back: after 71 looks of 150 ms the player gives up; a jump finds out at once."""
+    socket = Path(os.environ["RIG"]) / "vanishing"
+    socket.unlink(missing_ok=True)
+    server = subprocess.Popen(
+        ["pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no"]
+        + ["-L", f"module-native-protocol-unix socket={socket} auth-anonymous=1"]
+        + ["-L", "module-null-sink sink_name=other norewinds=1"],
+        stderr=subprocess.DEVNULL,
+    )
+    address = f"unix:{socket}"
+    wait_for(lambda: subprocess.run(["pactl", "-s", address, "info"], capture_output=True).returncode == 0, "a server")
+    program = play(environment={"PULSE_SERVER": address})
+    program.command("CM_PLAY")
+    wait_for(lambda: program.control("IDC_POSITION")["text"].startswith("00:01"), "a second of sound")
+    server.kill()
+    server.wait()
+    gone = time.monotonic()
+    if jump:
+        program.command(jump)
+    assert "no longer answers" in program.wait_box("Error", most)
+    assert least < time.monotonic() - gone < most
+    program.answer_box("Error", 1)
+    program.command("CM_PLAY")  # there is none to begin with, either
+    assert program.wait_box("Error").startswith("Unable to start playback device.")
+    assert program.api(STATUS) == STOPPED
+
+
+def test_the_player_costs_next_to_nothing(play, data):
+    """At 8000 Hz; what the platform's sound takes is not counted."""
+    data.add_dictation(1, pcm_wav(8000 * SECONDS))
+    program = play(None)
+    seconds_of = lambda thread: int((thread / "schedstat").read_text().split()[0]) / 1e9
+    program.command("CM_PLAY")
+    wait_for(lambda: program.control("IDC_POSITION")["text"].startswith("00:02"), "two seconds of sound")
+    threads = Path(f"/proc/{program.process.pid}/task").iterdir()
+    ours = [thread for thread in threads if (thread / "comm").read_text() == "corvane.exe\n"]
+    player = max(ours, key=lambda thread: int(thread.name))  # the last that was started
+    since, used = time.monotonic(), seconds_of(player)
+    wait_for(lambda: program.control("IDC_POSITION")["text"].startswith("00:08"), "six more")
+    load = (seconds_of(player) - used) / (time.monotonic() - since)
+    print(f"load of the player's thread: {100 * load:.2f} % of a core")
+    assert load < 0.01

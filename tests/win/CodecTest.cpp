@@ -1,0 +1,152 @@
+#include <windows.h>
+
+#include <cmath>
+#include <functional>
+
+#include "audio/wave/LAcm.h"
+#include "audio/wave/LRewriteWave.h"
+#include "audio/wave/LWaveFile.h"
+#include "send/SendItem.h"
+#include "tests/unit/audio/SoundKit.h"
+#include "tests/unit/send/SendTest.h"
+#include "ui/LChooseFormat.h"
+
+// The machine's own codecs, through the product's sources and sinks.
+
+namespace {
+
+LPath Data(const char* name) {
+    return LPath::Join(CORVANE_DATA "/codecs", name);
+}
+
+Samples ReadAll(const LPath& path) {
+    const LSoundSource source = LWaveFile::OpenSource(path);
+    return ReadFrames(*source, source->GetLength());
+}
+
+// What was spoken is this much louder than its difference to what is heard, in dB.
+double SignalToNoise(const Samples& spoken, uint8_t channels, const Samples& heard) {
+    double signal = 0, noise = 1;
+    for (size_t i = 0; i < heard.size(); ++i) {
+        const size_t frame = i / channels;
+        const double wanted = frame < spoken.size() / 2 ? spoken[frame * 2 + i % channels] : 0;
+        signal += wanted * wanted;
+        noise += (wanted - heard[i]) * (wanted - heard[i]);
+    }
+    return 10 * std::log10(signal / noise);
+}
+
+}  // namespace
+
+TEST(Codec, ReadsFilesOfOtherProgramsAtAnyPlaceAndMakesRecordingsOfThem) {
+    static const struct {
+        const char* name;
+        uint8_t channels;
+        double least;
+    } kCases[] = {{"sox-gsm.wav", 1, 8},   {"ffmpeg-gsm.wav", 1, 8},   {"sox-ima.wav", 2, 15},
+                  {"sox-ms.wav", 2, 15},   {"ffmpeg-ima.wav", 2, 15},  {"ffmpeg-ms.wav", 2, 15},
+                  {"sox-8.wav", 2, 30},    {"ffmpeg-alaw.wav", 2, 30}, {"sox-mulaw.wav", 2, 30},
+                  {"ffmpeg-24.wav", 1, 90}};
+    const Samples spoken = ReadAll(Data("spoken.wav"));
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.name);
+        const LSoundSource source = LWaveFile::OpenSource(Data(c.name));
+        ASSERT_EQ(source->GetChannels(), c.channels);
+        Samples heard = ReadFrames(*source, 10000);  // the length is an estimate until all has been read
+        heard.resize(static_cast<size_t>(source->GetLength()) * c.channels);
+        EXPECT_NEAR(heard.size() / c.channels, 8070, 70) << "a second, and the silence of the last block";
+        EXPECT_GT(SignalToNoise(spoken, c.channels, heard), c.least);
+        for (const int32_t place : {1, 4999, 640, 7000}) {
+            source->Seek(place);
+            const Samples sought = ReadFrames(*source, 900);
+            EXPECT_TRUE(std::equal(sought.begin(), sought.end(), heard.data() + place * c.channels)) << place;
+        }
+        const ScratchFile file(Text(ReadFileText(Data(c.name))));
+        NotingContext context;
+        EXPECT_EQ(LRewriteWave(file.path).Process(context), ProcessResult::Done);
+        const Samples rewritten = ReadAll(file.path);
+        ASSERT_EQ(rewritten.size(), heard.size());
+        for (size_t i = 0; i < heard.size(); ++i) ASSERT_NEAR(rewritten[i], heard[i], 16) << i;
+    }
+}
+
+TEST(Codec, WhatIsSentCompressedIsStillWhatWasSpoken) {
+    static const struct {
+        const char *what, *record;
+        size_t bytes;
+        double least;
+    } kCases[] = {{"GSM 6.10", "3100 0100 401F0000 59060000 4100 0000 0200 4001", 48 + 25 * 65, 8},
+                  {"IMA ADPCM", "1100 0100 401F0000 D70F0000 0001 0400 0200 F901", 48 + 16 * 256, 15},
+                  {"A-law", "0600 0100 401F0000 401F0000 0100 0800 0000", 46 + 8000, 30},
+                  {"mu-law", "0700 0100 401F0000 401F0000 0100 0800 0000", 46 + 8000, 30}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.what);
+        SendWorld world;
+        NotingContext context;
+        SendToSettings recipient = world.ToShare();
+        recipient.flags = SendToSettings::kSendWave;
+        recipient.waveFormat = LWaveFileFormat(Hex(c.record));
+        const SendQueueEntry entry{world.AddDictation(5, Text(ReadFileText(Data("spoken.wav")))),
+                                   world.AddRecipient(0, recipient), 0, true};
+        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), context).Send(),
+                  ProcessResult::Done);
+        const ScratchFile delivered(Text(world.Delivered("wav00000-00005.wav")));
+        EXPECT_EQ(delivered.Contents().size(), c.bytes);
+        EXPECT_GT(SignalToNoise(ReadAll(Data("spoken.wav")), 1, ReadAll(delivered.path)), c.least);
+        EXPECT_EQ(world.Status(5), "Sent");
+        EXPECT_TRUE(context.errors.empty());
+    }
+    EXPECT_FALSE(TestSupportedRecord(LWaveFileFormat(Hex("7777 0100 401F0000 401F0000 0100 0800 0000"))));
+}
+
+// --- The format chooser -------------------------------------------------------------------------------------
+
+namespace {
+
+// What a user does with the platform's chooser, step by step, while it stands.
+const std::function<bool()>* g_step;
+size_t g_steps;
+
+bool Press(const char* title, WPARAM button) {
+    const HWND box = FindWindowA("#32770", title);
+    return IsWindowVisible(box) && PostMessageA(box, WM_COMMAND, button, 0);
+}
+bool Pick(int list, const char* text) {
+    const HWND dialog = FindWindowA("#32770", "Sound Selection");
+    const HWND combo = GetDlgItem(dialog, list);
+    if (!IsWindowVisible(dialog) ||
+        SendMessageA(combo, CB_SELECTSTRING, 0, reinterpret_cast<LPARAM>(text)) < 0)
+        return false;
+    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(list, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
+    return true;
+}
+void CALLBACK DoStep(HWND, UINT, UINT_PTR, DWORD) {
+    if (g_steps == 0 || !(*g_step)()) return;
+    ++g_step;
+    --g_steps;
+}
+
+bool Choose(LWaveFileFormat& format, std::initializer_list<std::function<bool()>> steps) {
+    g_step = steps.begin();
+    g_steps = steps.size();
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, DoStep);
+    const bool isChosen = LChooseFormat(nullptr, format, 0, TestSupportedRecord);
+    KillTimer(nullptr, timer);
+    EXPECT_EQ(g_steps, 0u);
+    return isChosen;
+}
+
+}  // namespace
+
+TEST(ChooseFormat, RefusesWhatCanOnlyBeReadAndCanBeLeft) {
+    constexpr int kFormats = 101, kAttributes = 102;
+    LWaveFileFormat format(Hex("3100 0100 401F0000 59060000 4100 0000 0200 4001"));
+    EXPECT_TRUE(Choose(
+        format,
+        {[] { return Pick(kFormats, "Microsoft ADPCM"); }, [] { return Press("Sound Selection", IDOK); },
+         [] { return Press("Format Not Available", IDOK); }, [] { return Pick(kFormats, "IMA ADPCM"); },
+         [] { return Pick(kAttributes, "11025 Hz"); }, [] { return Press("Sound Selection", IDOK); }}));
+    EXPECT_EQ(Bytes(format.Record().begin(), format.Record().end()),
+              Hex("1100 0100 112B0000 D4150000 0001 0400 0200 F901"));
+    EXPECT_FALSE(Choose(format, {[] { return Press("Sound Selection", IDCANCEL); }}));
+}
