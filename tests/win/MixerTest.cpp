@@ -7,8 +7,8 @@
 #include "audio/stream/LDecibel.h"
 #include "tests/unit/TestKit.h"
 
-// The mixer of the platform's real default devices. Its source lines have controls that take nothing, so that only
-// the destinations are read back; a card with everything is in tests/win/mixer.
+// The mixer of the platform's real default devices. Its source lines have controls that take nothing, so that
+// only the destinations are read back; a card with everything is in tests/win/mixer.
 
 // What a control of a destination stands at; -1 when there is none.
 static int32_t ControlValue(DWORD deviceKind, DWORD lineType, DWORD controlType) {
