@@ -99,7 +99,7 @@ TEST(Codec, WhatIsSentCompressedIsStillWhatWasSpoken) {
     EXPECT_FALSE(TestSupportedRecord(LWaveFileFormat(Hex("7777 0100 401F0000 401F0000 0100 0800 0000"))));
 }
 
-// --- The format chooser -------------------------------------------------------------------------------------
+// --- The format chooser --------------------------------------------------------------------------------
 
 namespace {
 

@@ -1,6 +1,6 @@
-// The mixer on a card with everything that a mixer may offer. Wave-in device 1 and wave-out device 2 belong to
-// its mixer, number 5. As strict as the platform: a call that names a device where a mixer belongs, or whose
-// counts and sizes are not the control's, fails.
+// The mixer on a card with everything that a mixer may offer. Wave-in device 1 and wave-out device 2 belong
+// to its mixer, number 5. As strict as the platform: a call that names a device where a mixer belongs, or
+// whose counts and sizes are not the control's, fails.
 
 #include <windows.h>
 
