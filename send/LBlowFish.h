@@ -23,7 +23,6 @@ public:
     // Encrypts in place. Precondition: the size is a multiple of 8 and the key is set; an incomplete last
     // block is left as it is.
     void EncryptBuffer(std::span<uint8_t> buffer) const;
-    void EncryptBlock(std::span<uint8_t, kBlockBytes> block) const { EncryptBuffer(block); }
 
 private:
     void MixKey(std::string_view text);
