@@ -3,15 +3,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <cstdlib>
-
 #include "base/LCopyFile.h"
 #include "base/LFileLock.h"
-#include "base/LProfile.h"
+#include "base/LRegistry_win.h"
 #include "store/DataFolder_win.h"
-#include "store/MoveToSent.h"
 #include "store/NotesFile.h"
 #include "tests/unit/TestKit.h"
+#include "tests/win/OtherProgram.h"
 
 TEST(PlatformFile, IsSharedWithReadersAndWithNoSecondWriter) {
     TempFolder folder;
@@ -46,11 +44,8 @@ TEST(PlatformFile, WhatIsOpenNeitherMovesNorIsReplaced) {
 }
 
 // Reads along, as a virus scanner does, so that the file cannot be renamed.
-struct ScannedContext final : ProcessContext {
+struct ScannedContext final : NotingContext {
     bool CancelRequested() override { return (scanner = LFile(path, LFile::Open::Read), false); }
-    void SetProgress(double) override {}
-    void SetStatus(std::string_view) override {}
-    void SetError(std::string_view) override {}
     LPath path;
     LFile scanner;
 };
@@ -73,58 +68,24 @@ TEST(PlatformFile, ACopyThatCannotBeRenamedIsMadeDirectly) {
     EXPECT_EQ(ReadFileText(folder.File("d (2).dct")), "new");
 }
 
-// The other program of the test below.
-TEST(PlatformFileLock, DISABLED_HoldUntilKilled) {
+TEST(PlatformFileLock, DISABLED_HoldsItsLockUntilItIsKilled) {
     LFileLock lock;
-    if (lock.TryTake(LPath(std::getenv("CORVANE_TEST_LOCK"))) == LFileLock::Result::Taken) Sleep(30000);
+    if (lock.TryTake(OtherProgram::File()) != LFileLock::Result::Taken) return;
+    WriteFileText(LPath::Join(LFolderOf(OtherProgram::File().View()), "held"), "");
+    Sleep(30000);
 }
 
 TEST(PlatformFileLock, KeepsOtherProgramsOutUntilItsHolderIsGone) {
     TempFolder folder;
     const LPath path = folder.File("a.lck");
-    char program[MAX_PATH];
-    GetModuleFileNameA(nullptr, program, sizeof program);
-    std::string command = '"' + std::string(program) +
-                          "\" --gtest_also_run_disabled_tests --gtest_filter=PlatformFileLock.DISABLED_*";
-    SetEnvironmentVariableA("CORVANE_TEST_LOCK", path.c_str());
-    STARTUPINFOA start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION other = {};
-    ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                               &other));
-    for (int tried = 0; !LFile::Exists(path) && tried < 1000; ++tried) Sleep(20);
-    Sleep(50);
+    OtherProgram other("HoldsItsLockUntilItIsKilled", path);
     LFileLock lock;
+    for (int tried = 0; !LFile::Exists(folder.File("held")) && tried < 1000; ++tried) Sleep(20);
     EXPECT_EQ(lock.Take(path, 100), LFileLock::Result::Held);
-    TerminateProcess(other.hProcess, 1);
+    other.Kill();
     EXPECT_EQ(lock.Take(path, 5000), LFileLock::Result::Taken);
-    CloseHandle(other.hProcess);
-    CloseHandle(other.hThread);
     EXPECT_EQ(LFileLock().TryTake(path), LFileLock::Result::Held);
     EXPECT_EQ(LFileLock().TryTake(folder.File("none\\a.lck")), LFileLock::Result::Failed);
-}
-
-TEST(PlatformFile, ADictationInUseStaysInCurrentAsItWas) {
-    TempFolder folder;
-    const DataFolder data = DataFolder::FromText(folder.Path().View());
-    const CurrentUser user = SelectUser(data, 0);
-    const auto notQueued = [](const LPath&) { return QueueAnswer::No; };
-    const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, 3);
-    LProfile::Write(current.record, "file", "name", "Mrs Smith");
-    WriteFileText(current.audio, "audio");
-    WriteFileText(current.notes, "notes");
-    for (const LPath* held : {&current.audio, &current.record, &current.notes}) {
-        LFile reader(*held, LFile::Open::Read);
-        EXPECT_FALSE(MoveToSent(user, current.record, notQueued).Run("Jo", 1));
-        EXPECT_EQ(LProfile::Read(current.record, "file", "name", ""), "Mrs Smith");
-        EXPECT_EQ(LProfile::Read(current.record, "file", "sendstatus", "none"), "none");
-        EXPECT_TRUE(LFile::Exists(current.audio) && LFile::Exists(current.notes));
-        EXPECT_FALSE(DictationFiles::OfNumber(user.sentFolder, 3).AnyExists());
-    }
-    MoveToSent move(user, current.record, notQueued);
-    EXPECT_TRUE(move.Run("Jo", 1));
-    move.Commit();
-    EXPECT_EQ(LProfile::Read(move.Sent().record, "file", "sendstatus", ""), "Sending");
 }
 
 TEST(PlatformFile, FreeSpaceIsThatOfTheDriveAndPlentyWhenUnknown) {
@@ -141,28 +102,16 @@ namespace {
 // One text value of the machine's hive, put back when the test ends.
 class MachineValue {
 public:
-    MachineValue(const char* keyName, const char* value) : m_value(value) {
-        RegCreateKeyExA(HKEY_LOCAL_MACHINE, keyName, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key, nullptr);
-        DWORD size = sizeof m_old - 1;
-        m_had = RegQueryValueExA(m_key, value, nullptr, nullptr, reinterpret_cast<BYTE*>(m_old), &size) == 0;
-    }
-    ~MachineValue() {
-        m_had ? Set(m_old) : Remove();
-        RegCloseKey(m_key);
-    }
+    MachineValue(const char* key, const char* value) : m_key(key), m_value(value) {}
+    ~MachineValue() { Set(m_old); }
     MachineValue(const MachineValue&) = delete;
     MachineValue& operator=(const MachineValue&) = delete;
-    void Set(const std::string& text) {
-        RegSetValueExA(m_key, m_value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                       static_cast<DWORD>(text.size() + 1));
-    }
-    void Remove() { RegDeleteValueA(m_key, m_value); }
+    // Empty, as if there were none.
+    void Set(std::string_view text) { LWriteRegistryText(HKEY_LOCAL_MACHINE, m_key, m_value, text); }
 
 private:
-    const char* m_value;
-    HKEY m_key = nullptr;
-    char m_old[1000] = {};
-    bool m_had = false;
+    const char *m_key, *m_value;
+    const std::string m_old = LReadRegistryText(HKEY_LOCAL_MACHINE, m_key, m_value);
 };
 
 }  // namespace
@@ -173,13 +122,13 @@ TEST(PlatformDataFolder, IsTheRegistrysOrTheDefaultBelowThePrograms) {
     MachineValue programs("Software\\Microsoft\\Windows\\CurrentVersion", "ProgramFilesDir");
     data.Set("C:\\data");
     EXPECT_EQ(FindDataFolder().settingsFile.View(), "C:\\data\\settings.ini");
-    data.Remove();
+    data.Set("");
     programs.Set(folder.Path().c_str());
     const LPath expected = folder.File("Mervald\\Corvane\\");
     EXPECT_EQ(FindDataFolder().folder.View(), expected.View());
     EXPECT_TRUE(WriteFileText(LPath::Join(expected.View(), "settings.ini"), "x"))
         << "both levels were created";
-    programs.Remove();
+    programs.Set("");
     EXPECT_EQ(FindDataFolder().folder.View(), "C:\\Corvane\\");
     LFile::DeleteFolder(LPath("C:\\Corvane"));
 }

@@ -5,8 +5,8 @@
 
 #include "base/LOwned.h"
 #include "base/LPath.h"
-#include "base/LThread.h"
 #include "base/LTime.h"
+#include "tests/unit/TestThread.h"
 
 // A file as a virus scanner holds it: nobody else can open it.
 class HeldFile {
@@ -27,15 +27,14 @@ private:
 };
 
 // The same for a moment only.
-class BrieflyHeldFile final : LThread {
+class BrieflyHeldFile {
 public:
-    explicit BrieflyHeldFile(const LPath& path) : m_held(path) { EXPECT_TRUE(Start(kThreadNormal)); }
-    ~BrieflyHeldFile() override { Stop(); }
+    explicit BrieflyHeldFile(const LPath& path) : m_held(path) {}
 
 private:
-    void ThreadFunction() override {
+    HeldFile m_held;
+    TestThread m_thread{[this] {
         LSleep(300);
         m_held.LetGo();
-    }
-    HeldFile m_held;
+    }};
 };

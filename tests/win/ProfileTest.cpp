@@ -3,69 +3,27 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "base/LThread.h"
 #include "tests/unit/TempFolder.h"
-
-namespace {
-
-class Writer final : public LThread {
-public:
-    Writer(const LPath& file, std::string section) : m_file(file), m_section(std::move(section)) {}
-    ~Writer() override { Stop(); }
-    void ThreadFunction() override {
-        for (int i = 0; i < 50; ++i)
-            failures += !LProfile::Write(m_file, m_section, std::to_string(i), m_section);
-    }
-    int failures = 0;
-
-private:
-    LPath m_file;
-    std::string m_section;
-};
-
-}  // namespace
+#include "tests/unit/TestThread.h"
+#include "tests/win/OtherProgram.h"
 
 TEST(PlatformProfile, TwoThreadsWriteOneFileWithoutLoss) {
     TempFolder folder;
     const LPath file = folder.File("bgsend.dat");
-    Writer a(file, "a");
-    Writer b(file, "b");
-    ASSERT_TRUE(a.Start(kThreadNormal));
-    ASSERT_TRUE(b.Start(kThreadNormal));
-    ASSERT_TRUE(a.WaitForEnd(60000));
-    ASSERT_TRUE(b.WaitForEnd(60000));
-    EXPECT_EQ(a.failures + b.failures, 0);
+    const auto write = [&file](const char* section) {
+        for (int i = 0; i < 50; ++i) EXPECT_TRUE(LProfile::Write(file, section, std::to_string(i), section));
+    };
+    {
+        const TestThread a([&] { write("a"); }), b([&] { write("b"); });
+    }
     for (const char* section : {"a", "b"}) {
         const LProfileSection read(file, section);
         for (int i = 0; i < 50; ++i) EXPECT_EQ(read.Read(std::to_string(i), ""), section) << i;
     }
 }
 
-namespace {
-
-constexpr char kChildFile[] = "CORVANE_TEST_PROFILE";
-
-// This program again, busy with writing.
-PROCESS_INFORMATION StartWriter(const LPath& file) {
-    SetEnvironmentVariableA(kChildFile, file.c_str());
-    char self[kPathSize] = {};
-    GetModuleFileNameA(nullptr, self, sizeof self);
-    std::string command = "\"" + std::string(self) +
-                          "\" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_WritesUntilItIsEnded";
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr, nullptr,
-                   &startup, &process);
-    return process;
-}
-
-}  // namespace
-
-TEST(PlatformProfile, DISABLED_WritesUntilItIsEnded) {
-    char file[kPathSize] = {};
-    ASSERT_GT(GetEnvironmentVariableA(kChildFile, file, sizeof file), 0u);
-    for (int i = 0;; ++i) LProfile::Write(LPath(file), "beat", "beat", std::to_string(i));
+TEST(PlatformProfile, DISABLED_WritesUntilItIsKilled) {
+    for (int i = 0;; ++i) LProfile::Write(OtherProgram::File(), "beat", "beat", std::to_string(i));
 }
 
 TEST(PlatformProfile, AProgramThatIsKilledWhileWritingLosesNoKey) {
@@ -75,15 +33,12 @@ TEST(PlatformProfile, AProgramThatIsKilledWhileWritingLosesNoKey) {
     for (int i = 0; i < 200; ++i) old += "key" + std::to_string(i) + "=" + std::string(50, 'v') + "\r\n";
     for (DWORD round = 0; round < 20; ++round) {
         WriteFileText(file, old);
-        const PROCESS_INFORMATION writer = StartWriter(file);
+        OtherProgram writer("WritesUntilItIsKilled", file);
         const DWORD start = GetTickCount();
         while (ReadFileText(file).size() <= old.size() && GetTickCount() - start < 20000) Sleep(1);
         EXPECT_LT(GetTickCount() - start, 20000u) << "it never wrote";
         Sleep(round % 7);  // at another moment each time
-        TerminateProcess(writer.hProcess, 1);
-        WaitForSingleObject(writer.hProcess, 20000);
-        CloseHandle(writer.hThread);
-        CloseHandle(writer.hProcess);
+        writer.Kill();
         ASSERT_TRUE(ReadFileText(file).starts_with(old)) << round;
     }
 }

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "base/LProfile.h"
-#include "base/LThread.h"
 #include "base/LTime.h"
 #include "tests/unit/TempFolder.h"
+#include "tests/unit/TestThread.h"
 
 namespace {
 
@@ -48,23 +48,6 @@ protected:
     TempFolder temp;
     const LPath path = temp.File("bgsend.dat");
     SendQueueFile queue;
-};
-
-// Another program that adds entries.
-class Appender final : public LThread {
-public:
-    Appender(const LPath& path, int first) : m_first(first) { m_queue.SetPath(path), Start(kThreadNormal); }
-    ~Appender() override { Stop(); }
-
-private:
-    void ThreadFunction() override {
-        // One that did not get its turn changed nothing.
-        for (int32_t i = 0, count = 0; i < 20 && !StopRequested();) {
-            if (m_queue.Append(Entry(m_first + i), count)) ++i;
-        }
-    }
-    SendQueueFile m_queue;
-    int m_first;
 };
 
 }  // namespace
@@ -140,7 +123,14 @@ TEST_F(SendQueueFileTest, FinishesARemovalThatWasCutOff) {
 }
 
 TEST_F(SendQueueFileTest, NoEntryIsLostBetweenTwoPrograms) {
-    Appender one(path, 100), two(path, 200);
+    const auto append = [&](int first) {
+        SendQueueFile file;  // of another program
+        file.SetPath(path);
+        // One that did not get its turn changed nothing.
+        for (int32_t i = 0, tried = 0, count = 0; i < 20 && tried < 100; ++tried)
+            if (file.Append(Entry(first + i), count)) ++i;
+    };
+    const TestThread one([&] { append(100); }), two([&] { append(200); });
     std::vector<uint32_t> taken;
     SendQueueEntry head;
     const uint32_t begun = LTickMs();
