@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <map>
+#include <string>
+
+#include "app/window/KeyTable.h"
+#include "app/window/WindowLayout_win.h"
+#include "res/Ids.h"
+#include "tests/unit/TempFolder.h"
+
+namespace {
+
+// A key as menus write it: "Ctrl+N", "F5", "Home".
+KeyPress Pressed(std::string text) {
+    static const std::map<std::string, int> kNames = {
+        {"Del", VK_DELETE}, {"End", VK_END}, {"Esc", VK_ESCAPE}, {"Home", VK_HOME}, {"Ins", VK_INSERT}};
+    KeyPress press;
+    const auto takes = [&text](const std::string& prefix) {
+        return text.starts_with(prefix) && (text.erase(0, prefix.size()), true);
+    };
+    press.ctrl = takes("Ctrl+");
+    press.shift = takes("Shift+");
+    const auto name = kNames.find(text);
+    if (name != kNames.end())
+        press.key = name->second;
+    else
+        press.key = text.size() == 1 ? text[0] : VK_F1 + std::stoi(text.substr(1)) - 1;
+    return press;
+}
+
+int ExpectKeysOfItems(HMENU menu) {
+    int keys = 0;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        if (const HMENU sub = GetSubMenu(menu, i)) keys += ExpectKeysOfItems(sub);
+        char buffer[100] = "";
+        GetMenuStringA(menu, static_cast<UINT>(i), buffer, sizeof buffer, MF_BYPOSITION);
+        const std::string text = buffer;
+        const size_t tab = text.find('\t');
+        if (tab == std::string::npos || text.ends_with("Alt+F4")) continue;  // that is the platform's
+        const KeyAction action = ActionOf(Pressed(text.substr(tab + 1)));
+        const int wound = action.direction == WindDirection::Back ? CM_REWIND : CM_FASTFORWARD;
+        EXPECT_EQ(GetMenuItemID(menu, i), action.kind == KeyAction::Kind::Wind ? wound : action.command)
+            << text;
+        ++keys;
+    }
+    return keys;
+}
+
+}  // namespace
+
+TEST(Menu, EachItemHasTheKeyThatItNames) {
+    for (const int resource : {IDM_MAIN, IDM_DICTATION}) {
+        const HMENU menu = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(resource));
+        EXPECT_GT(ExpectKeysOfItems(menu), 3);
+        DestroyMenu(menu);
+    }
+}
+
+TEST(Menu, TicksTheViewThatIsChosen) {
+    const TempFolder temp;
+    AppState state;
+    state.data = DataFolder::FromText(temp.Path().View());
+    const HMENU menu = LoadMenuA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDM_MAIN));
+    const HWND window =
+        CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 400, 300, nullptr, menu, nullptr, nullptr);
+    const auto isTicked = [menu](UINT item) {
+        return (GetMenuState(menu, item, MF_BYCOMMAND) & MF_CHECKED) != 0;
+    };
+    WindowLayout layout(state);
+    layout.Attach(window);
+    layout.SetView(ViewMode::Compact);
+    layout.ToggleFloat();
+    EXPECT_TRUE(isTicked(CM_VIEW_COMPACT) && isTicked(CM_VIEW_FLOAT));
+    EXPECT_FALSE(isTicked(CM_VIEW_NORMAL));
+    DestroyWindow(window);
+}
