@@ -29,7 +29,6 @@ public:
     }
     bool IsError() const { return m_address == nullptr; }
     char* At(SIZE_T offset) const { return static_cast<char*>(m_address) + offset; }
-    HANDLE Process() const { return m_process.Get(); }
     bool Put(SIZE_T offset, const void* from, SIZE_T bytes) {
         return WriteProcessMemory(m_process.Get(), At(offset), from, bytes, nullptr) != 0;
     }

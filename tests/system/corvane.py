@@ -9,6 +9,8 @@ import subprocess
 import time
 from pathlib import Path
 
+from sound import microphone_streams, play
+
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("CORVANE_BUILD", ROOT / "build" / "win32"))
 EXE = BUILD / "corvane.exe"
@@ -17,7 +19,7 @@ TITLE = "Corvane"
 DIALOG_CLASS = "#32770"
 FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
 
-WM_CLOSE, WM_COMMAND, WM_LBUTTONDOWN, WM_LBUTTONUP = 0x10, 0x111, 0x201, 0x202
+WM_CLOSE, WM_CHAR, WM_COMMAND, PBM_GETPOS, LVM_GETITEMCOUNT = 0x10, 0x102, 0x111, 0x408, 0x1004
 API = 32767
 
 # The public numbers, as the resource compiler reads them: IDS["CM_NEWFILE"] is 1001.
@@ -49,14 +51,22 @@ class WinCtl:
 
     def ask(self, *fields):
         """The answer to a command; None when it could not be obeyed."""
-        escapes = {"\\": "\\\\", "\t": "\\t", "\n": "\\n", "\r": "\\r"}
-        line = "\t".join("".join(escapes.get(c, c) for c in str(f)) for f in fields)
-        self.process.stdin.write(line.encode("latin-1") + b"\n")
+        self.process.stdin.write(json.dumps(fields).encode() + b"\n")
         self.process.stdin.flush()
         answer = self.process.stdout.readline()
         assert answer, "winctl has ended"
-        answer = json.loads(answer)
-        return answer if answer["ok"] else None
+        return json.loads(answer)
+
+    def answer_only_button(self, title, words):
+        """Presses the button of a box that a program shows without its window, once it says these words."""
+
+        def box():
+            handle = self.ask("find", DIALOG_CLASS, title)["hwnd"]
+            children = handle and self.ask("window", handle)["children"]
+            return children if children and any(words in c["text"] for c in children) else None
+
+        children = wait_for(box, f'a box "{title}" that says "{words}"', 20)
+        self.ask("click", next(c["hwnd"] for c in children if c["class"] == "Button"))
 
     def close(self):
         self.process.stdin.close()
@@ -95,14 +105,12 @@ def write_ini(path, sections):
     Path(path).write_bytes("".join(line + "\r\n" for line in lines).encode("latin-1"))
 
 
-def recipient_record(name, folder, password=None, method=1):
+def recipient_record(name, folder, password=None):
     """A recipient's record, as the program itself writes it: PCM, mono, 8000 Hz, 8 bits."""
+    text = lambda value, size=0: value.encode("latin-1").ljust(size, b"\0")
+    record = struct.pack("<II32sI128x", 1, 1 if password else 0, text(name), 1) + text(folder, 256 + 448)
     wave_format = struct.pack("<HHIIHHH", 1, 1, 8000, 8000, 1, 8, 0)
-    texts = ((name, 32),)
-    tail = (("", 128), (folder, 256), ("", 128), ("", 32), ("", 32), ("", 256), (password or "", 64))
-    pack = lambda fields: b"".join(t.encode("latin-1").ljust(size, b"\0") for t, size in fields)
-    record = struct.pack("<II", 1, 1 if password else 0) + pack(texts) + struct.pack("<I", method) + pack(tail)
-    return record + wave_format.ljust(1024, b"\0")
+    return record + text(password or "", 64) + wave_format.ljust(1024, b"\0")
 
 
 class Data:
@@ -231,12 +239,11 @@ class Corvane:
         self.post(WM_COMMAND, IDS[name])
 
     def control(self, name):
-        wanted = IDS[name]
-        return next(c for c in self.describe()["children"] if c["id"] == wanted)
+        return next(c for c in self.describe()["children"] if c["id"] == IDS[name])
 
-    def press(self, name):
-        """Clicks a button of the main window."""
-        self.winctl.ask("click", self.control(name)["hwnd"])
+    def tell(self, name, message, w=0, l=0):
+        """Sends a message to a control and returns its answer."""
+        return self.winctl.ask("send", self.control(name)["hwnd"], message, w, l)["result"]
 
     # --- What it shows --------------------------------------------------------------------------------
 
@@ -245,51 +252,28 @@ class Corvane:
 
     def boxes(self):
         """Its message boxes: visible top-level dialogs with a button."""
+        has_button = lambda w: any(c["class"] == "Button" and c["id"] in range(1, 8) for c in w["children"])
         windows = self.winctl.ask("windows", self.pid)["windows"]
-        return [
-            w
-            for w in windows
-            if w["class"] == DIALOG_CLASS
-            and w["hwnd"] != self.window
-            and any(c["class"] == "Button" and c["id"] in range(1, 8) for c in w["children"])
-        ]
+        return [w for w in windows if w["class"] == DIALOG_CLASS and w["hwnd"] != self.window and has_button(w)]
 
-    def wait_box(self, title, seconds=10):
+    def _box(self, title):
+        return wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"')
+
+    def wait_box(self, title):
         """Waits for a message box and returns its text."""
-        box = wait_for(
-            lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"', seconds
-        )
-        texts = [c["text"] for c in box["children"] if c["class"] == "Static" and c["text"]]
-        return "\n".join(texts)
+        return "\n".join(c["text"] for c in self._box(title)["children"] if c["class"] == "Static" and c["text"])
 
     def answer_box(self, title, button):
         """Presses a button (1 OK, 2 Cancel, 6 Yes, 7 No) of a message box and waits until it is gone."""
-        box = wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"')
+        box = self._box(title)
         self.winctl.ask("click", next(c["hwnd"] for c in box["children"] if c["id"] == button))
         wait_for(lambda: box["hwnd"] not in [b["hwnd"] for b in self.boxes()], "the end of the box")
 
-    def menu(self):
-        """The whole menu, flat: {number: item}."""
-        items = {}
-
-        def walk(menu):
-            for item in menu:
-                if "items" in item:
-                    walk(item["items"])
-                else:
-                    items[item["number"]] = item
-
-        walk(self.winctl.ask("menu", self.window)["menu"])
-        return items
-
-    def list(self):
-        return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])
+    def rows(self):
+        return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])["rows"]
 
     def list_count(self):
-        return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"], 1 << 30)["count"]
-
-    def rows(self):
-        return self.list()["rows"]
+        return self.tell("IDC_LIST", LVM_GETITEMCOUNT)
 
     def row(self, number):
         return next((r for r in self.rows() if r["number"] == number), None)
@@ -307,11 +291,11 @@ class Corvane:
 
     def type_notes(self, text):
         """Types into the notes box; a line ends with the Enter key, "\r"."""
-        self.winctl.ask("type", self.control("IDC_NOTES")["hwnd"], text)
+        for character in text:
+            self.tell("IDC_NOTES", WM_CHAR, ord(character), 1)
 
     def progress(self):
-        bar = self.winctl.ask("progress", self.control("IDC_SENDPROGRESS")["hwnd"])
-        return bar["position"]
+        return self.tell("IDC_SENDPROGRESS", PBM_GETPOS)
 
     # --- A user's roads -------------------------------------------------------------------------------
 
@@ -323,22 +307,16 @@ class Corvane:
 
     def record(self, command="CM_RECORD"):
         """Starts recording and waits until the microphone runs."""
-        from sound import microphone_streams
-
         self.command(command)
         wait_for(lambda: microphone_streams() > 0, "a running microphone")
 
     def stop(self):
-        from sound import microphone_streams
-
         self.command("CM_STOP")
         wait_for(lambda: microphone_streams() == 0, "a stopped microphone")
         self.api(0)  # answered once the command is done, and with it the file's head
 
     def dictate(self, sample, spoken, command="CM_RECORD", number=None):
         """Records a spoken sample and stops once all of it is on disk."""
-        from sound import play
-
         self.record(command)
         number = number if number is not None else self.api(8)
         path = self.data.audio(number)
