@@ -14,15 +14,17 @@ NO_DEVICE = (
 
 
 def test_without_a_sound_card_the_user_is_told_and_the_dictation_stays_as_it_was(corvane, data):
-    before = pcm_wav(16000)
-    base = data.add_dictation(6, before)
+    contents = {6: pcm_wav(16000), 7: b"not a recording at all"}
+    for number, before in contents.items():
+        data.add_dictation(number, before)
     program = corvane(environment={"PULSE_SERVER": "unix:/nowhere"})
-    for command in ("CM_RECORD_OVERWRITE", "CM_RECORD_END"):
-        program.select(6)
-        program.command(command)
-        assert program.wait_box("Sound Device Error") == NO_DEVICE
-        program.answer_box("Sound Device Error", 1)
-        assert base.with_suffix(".wav").read_bytes() == before
+    for number, before in contents.items():
+        for command in ("CM_RECORD", "CM_RECORD_END"):
+            program.select(number)
+            program.command(command)
+            assert program.wait_box("Sound Device Error") == NO_DEVICE
+            program.answer_box("Sound Device Error", 1)
+            assert data.audio(number).read_bytes() == before
     assert program.row(6)["texts"][3] == "00:02" and program.close() == 0
 
 

@@ -161,12 +161,3 @@ def test_closing_while_a_long_recording_is_prepared_leaves_it_as_it_was(corvane,
     assert program.close() == 0
     assert data.audio(1).read_bytes() == wav
     assert not data.audio(1).with_suffix(".tmp").exists()
-
-
-def test_without_a_device_a_file_that_is_no_audio_stays_where_it_is(corvane, data):
-    data.add_dictation(1, b"not a recording at all")
-    program = corvane(environment={"PULSE_SERVER": "unix:/nowhere"})
-    program.command("CM_RECORD")
-    assert program.wait_box("Sound Device Error").startswith("Unable to start record device.")
-    program.answer_box("Sound Device Error", 1)
-    assert data.audio(1).read_bytes() == b"not a recording at all"
