@@ -1,7 +1,6 @@
 """Fixtures of the system tests. They run on the rig: tools/rig pytest tests/system"""
 
 import os
-import subprocess
 from pathlib import Path
 
 import pytest
@@ -13,11 +12,6 @@ WORDS = (
     "This is a letter about Mister Harris, who came to the clinic on Monday. "
     "His blood pressure is one hundred and thirty over eighty. Please see him again in two weeks."
 )
-
-
-def pytest_sessionstart(session):
-    if "RIG" not in os.environ:
-        pytest.exit("run these on the rig: tools/rig pytest tests/system", 2)
 
 
 @pytest.fixture(scope="session")
@@ -57,8 +51,8 @@ def corvane(winctl, data):
     """Starts corvane.exe, as often as a test asks; whatever still runs afterwards is ended."""
     started = []
 
-    def start(*arguments, **options):
-        started.append(Corvane(winctl, options.pop("data", data), arguments, **options))
+    def start(data=data, environment=None):
+        started.append(Corvane(winctl, data, environment))
         return started[-1].start()
 
     yield start

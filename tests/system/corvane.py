@@ -19,7 +19,7 @@ TITLE = "Corvane"
 DIALOG_CLASS = "#32770"
 FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
 
-WM_CLOSE, WM_CHAR, WM_COMMAND, PBM_GETPOS, LVM_GETITEMCOUNT = 0x10, 0x102, 0x111, 0x408, 0x1004
+WM_CLOSE, WM_CHAR, WM_COMMAND, PBM_GETPOS = 0x10, 0x102, 0x111, 0x408
 API = 32767
 
 # The public numbers, as the resource compiler reads them: IDS["CM_NEWFILE"] is 1001.
@@ -45,9 +45,8 @@ class WinCtl:
     """The helper inside Windows: one command, one answer."""
 
     def __init__(self):
-        self.process = subprocess.Popen(
-            ["wine", str(TOOLS / "winctl.exe")], stdin=subprocess.PIPE, stdout=subprocess.PIPE
-        )
+        pipes = {"stdin": subprocess.PIPE, "stdout": subprocess.PIPE}
+        self.process = subprocess.Popen(["wine", str(TOOLS / "winctl.exe")], **pipes)
 
     def ask(self, *fields):
         """The answer to a command; None when it could not be obeyed."""
@@ -169,23 +168,18 @@ def pcm_wav(frames, rate=8000, sizes_known=True, value=1000):
 class Corvane:
     """One running corvane.exe."""
 
-    def __init__(self, winctl, data, arguments=(), environment=None, program=EXE):
+    def __init__(self, winctl, data, environment=None):
         self.winctl, self.data = winctl, data
         self.environment = {**os.environ, **(environment or {})}
-        self.program = program
-        self.arguments = [str(a) for a in arguments]
         self.process = None
         self.window = self.pid = 0
 
     # --- Its life -------------------------------------------------------------------------------------
 
     def start(self):
-        if self.data:
-            self.winctl.ask("setreg", FOLDERS_KEY, "DataFiles", windows_path(self.data.folder))
+        self.winctl.ask("setreg", FOLDERS_KEY, "DataFiles", windows_path(self.data.folder))
         started = time.monotonic()
-        self.process = subprocess.Popen(
-            ["wine", str(self.program), *self.arguments], env=self.environment, stdin=subprocess.DEVNULL
-        )
+        self.process = subprocess.Popen(["wine", str(EXE)], env=self.environment, stdin=subprocess.DEVNULL)
         found = wait_for(self._find, "the main window", 20)
         self.window, self.pid = found["hwnd"], found["pid"]
         wait_for(lambda: self.api(0) == 1, "an answering main window")
@@ -272,9 +266,6 @@ class Corvane:
     def rows(self):
         return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])["rows"]
 
-    def list_count(self):
-        return self.tell("IDC_LIST", LVM_GETITEMCOUNT)
-
     def row(self, number):
         return next((r for r in self.rows() if r["number"] == number), None)
 
@@ -339,5 +330,5 @@ class Corvane:
 
 
 def sizes_known(path):
-    head = Path(path).read_bytes()[:8]
-    return len(head) == 8 and head[4:8] != b"\xff\xff\xff\xff"
+    """Whether a recording was ended in order."""
+    return Path(path).read_bytes()[4:8] not in (b"", b"\xff\xff\xff\xff")

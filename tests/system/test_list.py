@@ -13,8 +13,7 @@ def test_the_picture_is_that_of_the_rows_and_stands_still(corvane, data, winctl)
     for number in range(1, ROWS + 1):
         data.add_dictation(number, pcm_wav(800), name=f"Case {number}")
     program = corvane()
-    handle = program.control("IDC_LIST")["hwnd"]
-    tell = lambda message, w=0, l=0: winctl.ask("send", handle, message, w, l)["result"]
+    tell = lambda message, w=0: program.tell("IDC_LIST", message, w)
     numbers = lambda: [r["number"] for r in program.rows()]
 
     def picture():

@@ -20,11 +20,6 @@ constexpr UINT kAnswerMs = 10000;
 
 using Json = nlohmann::json;
 
-template <class T>
-T Number(const Json& field) {
-    return static_cast<T>(field.get<int64_t>());
-}
-
 const char* Text(const Json& field) {
     return field.get_ref<const std::string&>().c_str();
 }
@@ -119,7 +114,7 @@ BOOL CALLBACK AddTopLevel(HWND window, LPARAM search) {
 
 // windows <process>: its visible top-level windows with their controls
 Json Windows(const Json& command) {
-    WindowSearch search = {Number<DWORD>(command[1]), Json::array()};
+    WindowSearch search = {command[1].get<DWORD>(), Json::array()};
     EnumWindows(AddTopLevel, reinterpret_cast<LPARAM>(&search));
     return {{"windows", search.found}};
 }
@@ -192,7 +187,7 @@ Json Select(const Json& command) {
     item.state = command[3] != 0 ? item.stateMask : 0;
     DWORD_PTR done = 0;
     return Success(!memory.IsError() && memory.Put(0, &item, sizeof item) &&
-                   Ask(list, LVM_SETITEMSTATE, Number<WPARAM>(command[2]),
+                   Ask(list, LVM_SETITEMSTATE, command[2].get<WPARAM>(),
                        reinterpret_cast<LPARAM>(memory.At(0)), &done) &&
                    done != 0);
 }
@@ -202,15 +197,15 @@ Json Select(const Json& command) {
 // send <hwnd> <message> <wParam> <lParam>: the message's result
 Json Send(const Json& command) {
     DWORD_PTR result = 0;
-    const bool answered = Ask(Window(command), Number<UINT>(command[2]), Number<WPARAM>(command[3]),
-                              Number<LPARAM>(command[4]), &result);
+    const bool answered = Ask(Window(command), command[2].get<UINT>(), command[3].get<WPARAM>(),
+                              command[4].get<LPARAM>(), &result);
     return Result(answered, result);
 }
 
 // post <hwnd> <message> <wParam> <lParam>
 Json Post(const Json& command) {
-    return Success(PostMessageA(Window(command), Number<UINT>(command[2]), Number<WPARAM>(command[3]),
-                                Number<LPARAM>(command[4])) != 0);
+    return Success(PostMessageA(Window(command), command[2].get<UINT>(), command[3].get<WPARAM>(),
+                                command[4].get<LPARAM>()) != 0);
 }
 
 // sendatom <hwnd> <message> <wParam> <text>: sends a message whose lParam is a global atom with this text
@@ -218,7 +213,7 @@ Json SendAtom(const Json& command) {
     const ATOM atom = GlobalAddAtomA(Text(command[4]));
     DWORD_PTR result = 0;
     const bool answered =
-        Ask(Window(command), Number<UINT>(command[2]), Number<WPARAM>(command[3]), atom, &result);
+        Ask(Window(command), command[2].get<UINT>(), command[3].get<WPARAM>(), atom, &result);
     GlobalDeleteAtom(atom);
     return Result(answered, result);
 }

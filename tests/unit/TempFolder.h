@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +18,10 @@ public:
         LFile::Delete(m_path);
         LFile::MakeFolder(m_path);
     }
-    ~TempFolder() { Remove(m_path); }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path.c_str(), ignored);
+    }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
@@ -41,19 +45,6 @@ public:
     }
 
 private:
-    static void Remove(const LPath& folder) {
-        std::vector<LFolderEntry> entries;
-        LListFolder(folder, "*", [&entries](const LFolderEntry& entry) {
-            entries.push_back(entry);
-            return true;
-        });
-        for (const LFolderEntry& entry : entries) {
-            const LPath path = LPath::Join(folder.View(), entry.name);
-            entry.isFolder ? Remove(path) : static_cast<void>(LFile::Delete(path));
-        }
-        LFile::DeleteFolder(folder);
-    }
-
     LPath m_path;
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstdlib>
 #include <map>
 #include <string>
 
@@ -16,16 +17,11 @@ KeyPress Pressed(std::string text) {
     static const std::map<std::string, int> kNames = {
         {"Del", VK_DELETE}, {"End", VK_END}, {"Esc", VK_ESCAPE}, {"Home", VK_HOME}, {"Ins", VK_INSERT}};
     KeyPress press;
-    const auto takes = [&text](const std::string& prefix) {
-        return text.starts_with(prefix) && (text.erase(0, prefix.size()), true);
-    };
-    press.ctrl = takes("Ctrl+");
-    press.shift = takes("Shift+");
-    const auto name = kNames.find(text);
-    if (name != kNames.end())
-        press.key = name->second;
-    else
-        press.key = text.size() == 1 ? text[0] : VK_F1 + std::stoi(text.substr(1)) - 1;
+    press.ctrl = text.starts_with("Ctrl+");
+    press.shift = text.starts_with("Shift+");
+    text.erase(0, text.rfind('+') + 1);
+    const int functionKey = text.size() == 1 ? text[0] : VK_F1 - 1 + std::atoi(text.c_str() + 1);
+    press.key = kNames.contains(text) ? kNames.at(text) : functionKey;
     return press;
 }
 

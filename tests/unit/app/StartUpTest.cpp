@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <span>
-#include <vector>
 
 #include "app/StartUpPlan.h"
 #include "base/LMemoryFile.h"
@@ -37,15 +36,9 @@ TEST(StartUp, TheMarkerIsTheLastFourBytes) {
 }
 
 TEST(StartUp, OnlyTheExactFirstArgumentShowsTheIntroduction) {
-    static const struct {
-        std::vector<const char*> arguments;
-        bool expected;
-    } kCases[] = {
-        {{"corvane.exe"}, false},
-        {{"corvane.exe", "/install"}, true},
-        {{"corvane.exe", "/INSTALL"}, false},
-        {{"corvane.exe", "/logon", "/install"}, false},
-    };
-    for (const auto& c : kCases)
-        EXPECT_EQ(WantsIntroduction(static_cast<int>(c.arguments.size()), c.arguments.data()), c.expected);
+    const char* const given[] = {"corvane.exe", "/install", "/logon"};
+    EXPECT_FALSE(WantsIntroduction(1, given));
+    EXPECT_TRUE(WantsIntroduction(2, given));
+    const char* const later[] = {"corvane.exe", "/INSTALL", "/install"};
+    EXPECT_FALSE(WantsIntroduction(3, later));
 }

@@ -118,7 +118,6 @@ TEST_F(SendItemTest, AnEntryThatNamesOtherFilesIsRefusedAndTouchesNothing) {
     const LPath recipient = world.AddRecipient(0, world.ToShare());
     const LPath dictation = world.AddDictation(5);
     const LPath foreign[] = {world.temp.File("00000005.wav"),
-                             LPath::Join(world.data.View(), "00000005.wav"),
                              LPath::Join(UserFolderPath(world.data, 1).View(), "Sent\\00000005.wav"),
                              LPath::Join(world.sent.View(), "..\\Sent\\00000005.wav"),
                              LPath::Join(world.sent.View(), "letter.wav"),

@@ -32,17 +32,15 @@ inline DctHeader SampleHeader() {
     return header;
 }
 
-inline Bytes WriteDct(LMemoryFile& out, std::string_view passPhrase, const Bytes& notes, const Bytes& audio,
-                      ProcessResult expected = ProcessResult::Done) {
-    LMemoryFile notesFile(notes), audioFile(audio);
+// On a disk with room for so many bytes.
+inline Bytes WriteDct(std::string_view passPhrase, const Bytes& notes, const Bytes& audio,
+                      size_t room = SIZE_MAX) {
+    LMemoryFile out, notesFile(notes), audioFile(audio);
+    out.SetCapacity(room);
     NotingContext context;
-    EXPECT_EQ(DctWriter(out, passPhrase, context).Write(SampleHeader(), &notesFile, &audioFile), expected);
+    EXPECT_EQ(DctWriter(out, passPhrase, context).Write(SampleHeader(), &notesFile, &audioFile),
+              room == SIZE_MAX ? ProcessResult::Done : ProcessResult::Failed);
     return FileBytes(out);
-}
-
-inline Bytes WriteDct(std::string_view passPhrase, const Bytes& notes, const Bytes& audio) {
-    LMemoryFile out;
-    return WriteDct(out, passPhrase, notes, audio);
 }
 
 // A data folder with user 0, a share that dictations are sent to, and a queue file.

@@ -174,7 +174,7 @@ TEST_F(MoveToSentTest, AJournalOfRubbishMovesNothing) {
         WriteFileText(Journal(), text);
         Recover();
         ExpectWhole(Sent(12), "sent");
-        EXPECT_FALSE(LFile::Exists(Journal()));
+        EXPECT_FALSE(LFile::Exists(Journal())) << text;
     }
 }
 

@@ -75,24 +75,16 @@ TEST_F(SendToSettingsTest, SavingReplacesTheFileAndReadsBack) {
 
 TEST_F(SendToSettingsTest, TheDescriptionNamesTheAddressOfTheMethod) {
     SendToSettings jo;
+    jo.method = 0;
     jo.name = "Jo";
     jo.emailAddress = "jo@a";
     jo.folder = "X:\\in";
     jo.ftpHost = "hostA";
-    static const struct {
-        uint32_t method;
-        bool isDefault;
-        const char* expected;
-    } kCases[] = {
-        {0, false, "Jo (jo@a)"},
-        {1, true, "Jo DEFAULT (X:\\in)"},
-        {2, false, "Jo (hostA)"},
-        {0xFFFFFFFF, true, "Jo DEFAULT (undefined method)"},
-    };
-    for (const auto& c : kCases) {
-        jo.method = c.method;
-        EXPECT_EQ(DescribeRecipient(jo, c.isDefault), c.expected);
+    for (const char* expected : {"Jo (jo@a)", "Jo (X:\\in)", "Jo (hostA)", "Jo (undefined method)"}) {
+        EXPECT_EQ(DescribeRecipient(jo, false), expected);
+        ++jo.method;
     }
+    EXPECT_EQ(DescribeRecipient(jo, true), "Jo DEFAULT (undefined method)");
 }
 
 TEST_F(SendToSettingsTest, NobodyIsTheDefaultWhenItPointsPastTheEnd) {

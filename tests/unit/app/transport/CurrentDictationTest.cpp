@@ -15,9 +15,8 @@ struct Rows final : DictationSelection {
     int32_t focus = 0;
 
     Rows(std::vector<int32_t> numbers, int32_t focused) : selected(std::move(numbers)), focus(focused) {}
-    bool Has(int32_t number) const { return std::ranges::find(selected, number) != selected.end(); }
     std::optional<DictationFiles> Focused() const override {
-        return Has(focus) ? std::optional(Files(focus)) : std::nullopt;
+        return std::ranges::count(selected, focus) != 0 ? std::optional(Files(focus)) : std::nullopt;
     }
     std::optional<DictationFiles> First() const override {
         return selected.empty() ? std::nullopt : std::optional(Files(selected.front()));

@@ -35,9 +35,8 @@ TEST(WindowFit, AMaximizedWindowIsNeverTopMost) {
 class LayoutTest : public ::testing::Test {
 protected:
     void Lay(ViewMode view, int width, int height, DialogUnits units = {6, 13}) {
-        LayoutControls(view, {width, height}, units, m_places);
-        m_width = width;
-        m_height = height;
+        m_size = {width, height};
+        LayoutControls(view, m_size, units, m_places);
     }
     const ControlPlace& Of(int control) const {
         for (const ControlPlace& place : m_places)
@@ -52,7 +51,8 @@ protected:
         for (const ControlPlace& a : m_places) {
             EXPECT_TRUE(seen.insert(a.control).second) << a.control << " is placed twice";
             if (a.IsHidden()) continue;
-            EXPECT_TRUE(a.x >= 0 && a.y >= 0 && a.x + a.width <= m_width && a.y + a.height <= m_height)
+            EXPECT_TRUE(a.x >= 0 && a.y >= 0 && a.x + a.width <= m_size.width &&
+                        a.y + a.height <= m_size.height)
                 << a.control << " sticks out";
             for (const ControlPlace& b : m_places) {
                 const bool apart = a.x + a.width <= b.x || b.x + b.width <= a.x || a.y + a.height <= b.y ||
@@ -63,8 +63,7 @@ protected:
     }
 
     std::array<ControlPlace, kControlCount> m_places;
-    int m_width = 0;
-    int m_height = 0;
+    ScreenSize m_size = {};
 };
 
 TEST_F(LayoutTest, EveryViewIsSoundAtTheUsualFontSizes) {
