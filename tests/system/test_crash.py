@@ -29,11 +29,12 @@ def test_a_recording_that_was_cut_off_lists_grows_and_is_sent(corvane, data, spe
     program.dictate(*more_speech, command="CM_RECORD_END", number=number)
     assert audio.read_bytes()[46 : len(cut) - 46] == cut[46 : len(cut) - 46]
     kept = (len(cut) - 46) / 16000
-    assert abs(sound.read_wav(audio).duration - kept - more_speech[1].duration) < 0.3
+    recorded = sound.read_wav(audio).duration
+    assert recorded > kept + more_speech[1].duration
     program.send_default(number)
     assert program.wait_sent(number) == "Sent"
     heard = sound.read_wav(dct.read(data.delivered()[0]).audio)
-    assert abs(heard.duration - kept - more_speech[1].duration) < 0.3
+    assert abs(heard.duration - recorded) < 0.01
 
 
 def test_kills_at_random_moments_lose_no_dictation(corvane, data):
