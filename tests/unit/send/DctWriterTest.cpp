@@ -1,5 +1,6 @@
 #include "send/DctWriter.h"
 
+#include "tests/unit/BorrowedStream.h"
 #include "tests/unit/send/SendTest.h"
 
 namespace {
@@ -74,8 +75,9 @@ TEST(DctWriter, FailsWhenAFileEndsBeforeItsSizeOrIsTooLongForTheFormat) {
     LFile huge(scratch.path, LFile::Open::Write);
     ASSERT_TRUE(huge.Seek(0xFFFFFFFF) && huge.SetEnd());
     LMemoryFile whole(Text("Hello"));
-    DyingFile ending(Text("Hello"));
-    ending.DieAt(3);
+    LMemoryFile cut(Text("Hello"));
+    BorrowedStream ending(cut);
+    ending.readable = 3;
     for (const auto& [notes, audio] : std::initializer_list<std::pair<LReadStream*, LReadStream*>>{
              {&whole, &ending}, {&ending, &whole}, {&whole, &huge}}) {
         LMemoryFile out;
