@@ -13,8 +13,8 @@
 // message loop. The runner tells their receivers which kind is open, so that they can refuse, and takes a
 // request to close that arrives meanwhile. Nothing is opened any more once the window is destroyed or is to
 // close.
-// A box that comes unasked, such as an error of the send thread, waits until the user's hands have rested, and
-// is deaf to keys in its first second: a key that was meant for the notes must not answer it unread.
+// A box that comes unasked, such as an error of the send thread, waits until the user's hands have rested,
+// and is deaf to keys in its first second: a key that was meant for the notes must not answer it unread.
 // Thread: the window thread.
 class LModalRunner {
 public:
@@ -27,8 +27,8 @@ public:
     LModalRunner(const LModalRunner&) = delete;
     LModalRunner& operator=(const LModalRunner&) = delete;
 
-    // stop ends that activity; opening is called before anything opens. The window is posted laterMessage when
-    // it shall call ShowLater.
+    // stop ends that activity; opening is called before anything opens. The window is posted laterMessage
+    // when it shall call ShowLater.
     void Attach(HWND window, UINT laterMessage, std::function<void()> stop, std::function<void()> opening);
     // The window is being destroyed; texts that wait are dropped.
     void Detach();

@@ -1,6 +1,6 @@
-// The bookkeeping of compressed files around a codec that misbehaves. The input: one byte for the fault, one for
-// the conversion with which it begins, one for the number of commands; the commands, four bytes each (what to do,
-// and a number of three bytes); then a WAV file.
+// The bookkeeping of compressed files around a codec that misbehaves. The input: one byte for the fault, one
+// for the conversion with which it begins, one for the number of commands; the commands, four bytes each
+// (what to do, and a number of three bytes); then a WAV file.
 
 #include <algorithm>
 #include <vector>

@@ -1,5 +1,6 @@
-// winctl.exe: drives and observes a window of another program, as any program could. It reads commands from its
-// input, one JSON array per line, and answers each with one line of JSON; null when it could not be obeyed.
+// winctl.exe: drives and observes a window of another program, as any program could. It reads commands from
+// its input, one JSON array per line, and answers each with one line of JSON; null when it could not be
+// obeyed.
 
 #include <windows.h>
 

@@ -8,7 +8,8 @@
 
 #include "base/LPath.h"
 
-// This program again, busy with a disabled test of its own and with the file that it is given, until it is killed.
+// This program again, busy with a disabled test of its own and with the file that it is given, until it is
+// killed.
 class OtherProgram {
 public:
     OtherProgram(const char* test, const LPath& file) {

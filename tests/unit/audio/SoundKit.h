@@ -17,7 +17,8 @@ inline Samples ReadFrames(LSoundSourceBase& source, int32_t frames, int32_t bloc
     return samples;
 }
 
-// Stands for all these samples in a test's table. Only what is computed in integers is the same in every build.
+// Stands for all these samples in a test's table. Only what is computed in integers is the same in every
+// build.
 inline std::string Digest(const Samples& samples) {
     uint32_t hash = 2166136261u;
     for (const int32_t v : samples) hash = (hash ^ static_cast<uint32_t>(v)) * 16777619u;

@@ -116,8 +116,8 @@ TEST(ConvertRate, KeepsAnHourAnHourAndLongerOnesToo) {
     }
 }
 
-// A tone of twice full scale comes out turned down, not cut off at full scale: the overtone is what cutting adds.
-// Where the filter overshoots what was not too loud, that is turned down too.
+// A tone of twice full scale comes out turned down, not cut off at full scale: the overtone is what cutting
+// adds. Where the filter overshoots what was not too loud, that is turned down too.
 TEST(ConvertRate, StandsBetweenLimiters) {
     const auto converted = [](const Samples& in, int32_t level) {
         Samples taken;
