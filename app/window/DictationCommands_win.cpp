@@ -132,8 +132,8 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
 }
 
 // "Cancel" in this box empties the queue, and Escape means Cancel; a user who records or plays presses Escape
-// to stop. So the box waits while the transport runs and until the hand has rested, and when a device started the transport while the box
-// was open, Cancel stops that and leaves the queue alone.
+// to stop. So the box waits while the transport runs and until the hand has rested, and when a device started
+// the transport while the box was open, Cancel stops that and leaves the queue alone.
 void DictationCommands::ShowSendError() {
     if (m_transport.IsRunning() || m_runner.What() != LModalRunner::Standing::Nothing) return;
     if (!m_runner.IsHandAtRest()) return;

@@ -52,9 +52,11 @@ public:
     // Loads a row anew and moves it to the end, with its selection; a last row changes in place. While its
     // record cannot be read the row stays as it is.
     void UpdateFile(const LPath& record);
-    // The same by a posted WM_ROWCHANGED, for callers in the middle of a click: the row must not move under it.
+    // The same by a posted WM_ROWCHANGED, for callers in the middle of a click: the row must not move under
+    // it.
     void UpdateLater(const LPath& record);
-    // Answers WM_ROWCHANGED. Does nothing while a name is edited; the end of the editing posts the message again.
+    // Answers WM_ROWCHANGED. Does nothing while a name is edited; the end of the editing posts the message
+    // again.
     void UpdateNoted();
     // The same for several rows, in the given order. listing: of their folder, as it is now.
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);

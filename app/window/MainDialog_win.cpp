@@ -58,7 +58,7 @@ WindDirection DirectionOf(int button) {
 
 }  // namespace
 
-// In the order of the message numbers. The function tells whether the message is handled, and with what result.
+// In the order of the message numbers. The function tells whether the message is handled, and its result.
 const MainDialog::AskedEntry MainDialog::kAsked[] = {
     {WM_ACTIVATE, &MainDialog::EvActivate},        {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
     {WM_DRAWITEM, &MainDialog::EvDrawItem},        {WM_NOTIFY, &MainDialog::EvNotify},
