@@ -10,6 +10,7 @@ import time
 from pathlib import Path
 
 from sound import microphone_streams, play
+from waiting import wait_for
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("CORVANE_BUILD", ROOT / "build" / "win32"))
@@ -27,18 +28,6 @@ IDS = {
     name: int(value, 0)
     for name, value in re.findall(r"^#define\s+(\w+)\s+(\w+)", (ROOT / "res" / "Ids.h").read_text(), re.M)
 }
-
-
-def wait_for(condition, what, seconds=10.0):
-    """Polls until the condition gives something true, and returns that; fails when it never does."""
-    deadline = time.monotonic() + seconds
-    while True:
-        value = condition()
-        if value:
-            return value
-        if time.monotonic() > deadline:
-            raise AssertionError(f"waited {seconds:g} s in vain: {what}")
-        time.sleep(0.02)
 
 
 class WinCtl:
@@ -250,12 +239,12 @@ class Corvane:
         windows = self.winctl.ask("windows", self.pid)["windows"]
         return [w for w in windows if w["class"] == DIALOG_CLASS and w["hwnd"] != self.window and has_button(w)]
 
-    def _box(self, title):
-        return wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"')
+    def _box(self, title, seconds=10):
+        return wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"', seconds)
 
-    def wait_box(self, title):
+    def wait_box(self, title, seconds=10):
         """Waits for a message box and returns its text."""
-        return "\n".join(c["text"] for c in self._box(title)["children"] if c["class"] == "Static" and c["text"])
+        return "\n".join(c["text"] for c in self._box(title, seconds)["children"] if c["class"] == "Static" and c["text"])
 
     def answer_box(self, title, button):
         """Presses a button (1 OK, 2 Cancel, 6 Yes, 7 No) of a message box and waits until it is gone."""

@@ -10,7 +10,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 import numpy as np
-from corvane import wait_for
+from waiting import wait_for
 
 HEARD_RATE = 48000  # of the rig's speaker
 ENVELOPE_STEP = 0.005  # seconds per envelope value

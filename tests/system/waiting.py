@@ -1,0 +1,15 @@
+"""Conditions instead of pauses."""
+
+import time
+
+
+def wait_for(condition, what, seconds=10.0):
+    """Polls until the condition gives something true, and returns that; fails when it never does."""
+    deadline = time.monotonic() + seconds
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"waited {seconds:g} s in vain: {what}")
+        time.sleep(0.02)
