@@ -27,6 +27,14 @@ TEST_F(DictationStoreTest, NumbersWrapToZeroAndNeverNameAnOldDictationAgain) {
     }
 }
 
+TEST_F(DictationStoreTest, ALostCounterTakesNoTimeWithManyDictations) {
+    for (int32_t number = 1; number <= 2000; ++number)
+        WriteFileText((number % 2 ? Current(number) : Sent(number)).record, "");
+    const uint32_t begun = LTickMs();
+    EXPECT_EQ(NextDictationNumber(m_user), 2001);
+    EXPECT_LT(LTickMs() - begun, 1000u);
+}
+
 // A folder of the file's name can no more be read than a file that another program holds.
 TEST_F(DictationStoreTest, WhatCannotBeReadIsNeitherNumberedNorWritten) {
     ASSERT_TRUE(LFile::MakeFolder(m_user.userFile));
