@@ -20,7 +20,7 @@
 // One program sends for all sessions on a data folder. Two senders would deliver the same head twice, and the
 // removal by one could erase an entry added by the other.
 
-static constexpr size_t kLongestError = 259;
+static constexpr char kUntoldFile[] = "untold.txt";
 static constexpr char kQueueUnwritable[] = "Corvane internal files are read only or corrupt.";
 
 // How long another program, such as a virus scanner, may hold the queue file: after the first two limits
@@ -47,6 +47,7 @@ static bool TryShortly(Attempt attempt) {
 }
 
 // Receives progress and errors of the stages of one item. Keeps the first error text, which names the cause.
+// It is told before the stages go on: the next thing may be the status "Sent", and then a kill.
 class BGSend::ItemContext final : public ProcessContext {
 public:
     ItemContext(BGSend& queue, const Work& work) : m_queue(queue), m_work(work) {}
@@ -54,13 +55,18 @@ public:
     void SetProgress(double fraction) override { m_queue.SetItemProgress(fraction); }
     void SetStatus(std::string_view) override {}  // the main window shows the bar alone
     void SetError(std::string_view text) override {
-        if (m_error.empty()) m_error = text;
+        if (!m_error.empty() || text.empty()) return;
+        m_error = text;
+        if (m_item) Tell(*m_item);
     }
+    void TellAtOnce(const SendItem& item) { m_item = &item; }
+    void Tell(const SendItem& item) { m_queue.SetError({m_error, item.DictationName(), item.TypistName()}); }
     const std::string& Error() const { return m_error; }
 
 private:
     BGSend& m_queue;
     const Work& m_work;
+    const SendItem* m_item = nullptr;
     std::string m_error;
 };
 
@@ -118,7 +124,6 @@ bool BGSend::Stop(uint32_t timeoutMs) {
 
 void BGSend::ClearQueue(uint32_t waitMs) {
     Stop(waitMs);
-    TakeError();
     m_toldUnusable = false;
     TryShortly([this] { return Empty(); }) ? SetProgress(0.0) : TellUnusable();
     StartSending();
@@ -143,9 +148,25 @@ double BGSend::GetProgress() const {
     return m_range.LastAccepted();
 }
 
+void BGSend::KeepErrorsIn(const LPath& userFolder) {
+    LLock lock(m_errorLock);
+    m_errors.KeepIn(LPath::Join(userFolder.View(), kUntoldFile));
+}
+
+SendError BGSend::PendingError() const {
+    LLock lock(m_errorLock);
+    return m_errors.All();
+}
+
+void BGSend::ForgetError(const SendError& told) {
+    LLock lock(m_errorLock);
+    m_errors.Forget(told);
+}
+
 SendError BGSend::TakeError() {
-    LLock lock(m_stateLock);
-    return std::exchange(m_error, {});
+    const SendError error = PendingError();
+    ForgetError(error);
+    return error;
 }
 
 void BGSend::ThreadFunction() {
@@ -204,14 +225,16 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
 ProcessResult BGSend::MakeFile(const Work& work) {
     ItemContext context(*this, work);
     SendItem item(work.entry, m_data, context);
+    const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
+    const bool wasTold = told != m_toldKept.end();
+    if (!wasTold) context.TellAtOnce(item);
     const ProcessResult result = item.Send();
     const bool isKept = result == ProcessResult::Stopped;
-    const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
-    if (!isKept || told == m_toldKept.end())
-        SetError({context.Error(), item.DictationName(), item.TypistName()});
-    if (!isKept && told != m_toldKept.end()) m_toldKept.erase(told);
-    if (isKept && told == m_toldKept.end() && !context.Error().empty())
-        m_toldKept.push_back(work.entry.dictation);
+    if (wasTold && !isKept) {
+        context.Tell(item);
+        m_toldKept.erase(told);
+    }
+    if (isKept && !wasTold && !context.Error().empty()) m_toldKept.push_back(work.entry.dictation);
     return result;
 }
 
@@ -279,13 +302,10 @@ void BGSend::SetProgress(double value) {
     if (m_owner) m_owner->PostSendProgress();
 }
 
-// False when an earlier error has not been taken yet: the first one stands.
+// False when too many errors wait already.
 bool BGSend::SetError(const SendError& error) {
-    LLock lock(m_stateLock);
-    if (m_error || !error) return false;
-    m_error = error;
-    m_error.text.resize(std::min(m_error.text.size(), kLongestError));
-    return true;
+    LLock lock(m_errorLock);
+    return m_errors.Add(error);
 }
 
 void BGSend::TellUnusable() {

@@ -14,6 +14,7 @@
 #include "send/SendError.h"
 #include "send/SendProgressRange.h"
 #include "send/SendQueueFile.h"
+#include "send/UntoldErrors.h"
 #include "store/CurrentUser.h"
 
 // Listener for the progress of sending: the main window, which posts itself a message.
@@ -32,11 +33,12 @@ struct BGSendOwner {
 // one sends the entries of all: it holds the lock file "sending.lck". The threads of the others look once a
 // second, until the queue is empty or the lock is free.
 // Units:  progress is a fraction of the whole queue, 0 to 1.
-// Errors: kept as one text for the user; the first one stands until it is taken. While the queue file cannot
-//         be read or changed, nothing is sent; the thread reports this after some seconds, once until the
-//         file works again or an entry is added, and goes on trying.
-// Thread: the owner's; RequestStop, GetProgress and TakeError on any. The destructor stops the thread and
-//         waits for it.
+// Errors: kept as one text for the user; the first one stands until it is answered, and those that follow are
+//         named below it. They survive the program (UntoldErrors). While the queue file cannot be read or
+//         changed, nothing is sent; the thread reports this after some seconds, once until the file works
+//         again or an entry is added, and goes on trying.
+// Thread: the owner's; RequestStop, GetProgress and what deals with errors on any. The destructor stops the
+//         thread and waits for it.
 class BGSend final : private LThread {
 public:
     BGSend() = default;
@@ -59,9 +61,8 @@ public:
     void RequestStop();
     using LThread::WaitForEnd;
 
-    // The user's "Cancel": stops the thread, clears the error text, empties the queue and starts again. An
-    // item that does not stop within waitMs is dropped at its next check. A queue that cannot be emptied
-    // leaves a new error text.
+    // The user's "Cancel": stops the thread, empties the queue and starts again. An item that does not stop
+    // within waitMs is dropped at its next check. A queue that cannot be emptied leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
     // Whether a dictation (given by its audio file in Sent) waits in the queue; unknown while the queue file
     // cannot be read.
@@ -69,7 +70,14 @@ public:
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;
-    // Returns the pending error and clears it.
+
+    // Takes up the errors that an earlier run did not tell, and keeps those of this one in a file of this
+    // folder until they are answered. For the one program that may write there (inuse.lck).
+    void KeepErrorsIn(const LPath& userFolder);
+    // The error that waits to be told, and its removal by the answer; what came in between goes on waiting.
+    SendError PendingError() const;
+    void ForgetError(const SendError& told);
+    // Both in one.
     SendError TakeError();
 
 private:
@@ -111,9 +119,10 @@ private:
     std::optional<SendQueueEntry> m_finished;  // sent or failed, and to be removed from the head
     bool m_isActive = false;                   // the thread will look at the queue again before it ends
 
-    mutable LCriticalSection m_stateLock;  // guards m_range and m_error
+    mutable LCriticalSection m_stateLock;  // guards m_range
     SendProgressRange m_range;
-    SendError m_error;
+    mutable LCriticalSection m_errorLock;  // guards m_errors, also while its file is written
+    UntoldErrors m_errors;
 
     // Used by the send thread alone: the dictations whose files could not be read and that the user was told
     // about, and the number of entries in a row that were put off for this reason.

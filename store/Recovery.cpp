@@ -123,6 +123,7 @@ constexpr LeftOver kAnywhere[] = {
     {LLeftOver::kRecipient, SendToSettings::RecoverUnfinished},
     {LLeftOver::kNotes, NotesFile::RecoverUnfinished},
     {LLeftOver::kJournal, Discard},
+    {LLeftOver::kUntold, Discard},
 };
 // In Current only: in Sent, files of this name belong to the send thread.
 constexpr LeftOver kInCurrent[] = {{LLeftOver::kAudio, FinishAudio}};

@@ -130,6 +130,7 @@ TEST_F(BGSendTest, AFailureIsRemovedAndTheNextEntryIsTriedAtOnce) {
     const SendError error = queue.TakeError();
     EXPECT_TRUE(error.text.starts_with("Unable to send the dictation.")) << error.text;
     EXPECT_EQ(error.dictation, "Letter 1") << "the first failure wins";
+    EXPECT_EQ(error.others.size(), 2u) << "the others are named below it";
     EXPECT_EQ(queue.TakeError().text, "");
 }
 
