@@ -133,20 +133,33 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
 
 // "Cancel" in this box empties the queue, and Escape means Cancel; a user who records or plays presses Escape
 // to stop. So the box waits while the transport runs and until the hand has rested, and when a device started
-// the transport while the box was open, Cancel stops that and leaves the queue alone.
+// the transport while the box was open, Cancel stops that and leaves the queue alone. A box that ended with
+// its window, or could not be opened, is no answer: the next start shows the error.
 void DictationCommands::ShowSendError() {
-    if (m_transport.IsRunning() || m_runner.What() != LModalRunner::Standing::Nothing) return;
-    if (!m_runner.IsHandAtRest()) return;
-    const SendError error = m_queue.TakeError();
+    if (!m_transport.IsRunning() && m_runner.IsHandAtRest()) AskAboutSendError();
+}
+
+void DictationCommands::AskAboutSendError() {
+    if (m_runner.What() != LModalRunner::Standing::Nothing) return;
+    const SendError error = m_queue.PendingError();
     if (!error) return;
     const int answer =
         m_runner.UnaskedBox(SendErrorBoxText(error), "Error", MB_OKCANCEL | MB_ICONEXCLAMATION);
-    if (!m_runner.MayGoOn()) return;
+    if (!m_runner.MayGoOn() || answer == 0) return;
+    m_queue.ForgetError(error);
     if (answer != IDCANCEL) return m_queue.StartSending();
     if (m_transport.IsRunning())
         m_transport.Stop();
     else
         m_queue.ClearQueue();
+}
+
+bool DictationCommands::TellSendErrorAtClose() {
+    if (m_runner.What() == LModalRunner::Standing::Nothing && m_queue.PendingError()) {
+        StopAndSave();
+        AskAboutSendError();
+    }
+    return m_runner.MayGoOn();
 }
 
 // ---- Disk ------------------------------------------------------------------------------------------------

@@ -45,9 +45,11 @@ public:
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
 
-    // Shows the pending error of sending, unless the transport runs or something modal is open; then it stays
-    // pending.
+    // Shows the pending error of sending, unless the transport runs, the user's hand is at work or something
+    // modal is open; then it stays pending.
     void ShowSendError();
+    // The same before the user closes the window: what runs is stopped for it. False when the window is gone.
+    bool TellSendErrorAtClose();
 
     // Deletes sent dictations beyond the age in the settings.
     void DeleteOldFiles();
@@ -57,6 +59,7 @@ public:
     void TellNotStored() { m_runner.TellLater(kNotStored); }
 
 private:
+    void AskAboutSendError();
     static const char kNotStored[];
 
     std::vector<DictationFiles> CurrentAlone() const;

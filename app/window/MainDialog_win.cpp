@@ -190,15 +190,15 @@ bool MainDialog::InitDialog() {
     return false;
 }
 
-// Repairs unfinished work of an earlier run, before anything is listed or sent.
+// Repairs unfinished work of an earlier run, before anything is listed or sent, and takes up its errors.
 void MainDialog::RecoverLeftovers() {
     m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
     // Left to another Windows session on the same folder: its unfinished work would look left over.
-    const LPath lock =
-        LPath::Join(UserFolderPath(m_state.data.folder, m_state.user.number).View(), LLeftOver::kInUseLock);
-    if (m_inUse.TryTake(lock) == LFileLock::Result::Held) return;
+    const LPath folder = UserFolderPath(m_state.data.folder, m_state.user.number);
+    if (m_inUse.TryTake(LPath::Join(folder.View(), LLeftOver::kInUseLock)) == LFileLock::Result::Held) return;
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
+    m_queue.KeepErrorsIn(folder);
 }
 
 // False when the window is about to close.
@@ -253,11 +253,11 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 }
 
 void MainDialog::EvClose(WPARAM, LPARAM) {
-    if (!m_isClosing && m_runner.TakeClose() && MayClose()) CloseWindow();
+    if (!m_isClosing && m_runner.TakeClose() && MayClose() && m_dictations.TellSendErrorAtClose())
+        CloseWindow();
 }
 
-// False when the user wants to keep notes that could not be saved, or a box that may be the same question is
-// open.
+// False when the user keeps notes that could not be saved, or a box that may ask the same is open.
 bool MainDialog::MayClose() {
     m_notes.Save();
     if (m_notes.Unsaved().Empty()) return true;

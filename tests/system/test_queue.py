@@ -1,7 +1,7 @@
 """The queue: what an earlier run left, what cannot be sent, and a file that lies."""
 
 import dct
-from corvane import pcm_wav, read_ini, wait_for, windows_path, write_ini
+from corvane import WM_CLOSE, pcm_wav, read_ini, wait_for, windows_path, write_ini
 
 
 def queue_count(data):
@@ -25,7 +25,8 @@ def test_what_an_earlier_run_left_is_sent_in_order(corvane, data):
 
 
 def test_a_share_that_is_gone_is_told(corvane, data):
-    data.add_dictation(31, pcm_wav(8000))
+    for number in (31, 32):
+        data.add_dictation(number, pcm_wav(8000))
     data.share.rmdir()
     program = corvane()
     program.send_default(31)
@@ -35,6 +36,15 @@ def test_a_share_that_is_gone_is_told(corvane, data):
     assert program.api(0) == 1 and queue_count(data) == 0
     # The recording itself is still there to be recovered and sent again.
     assert data.audio(31, data.sent).read_bytes() == pcm_wav(8000)
+    # Closing tells what the timer has not told yet, and a kill only puts it off.
+    program.send_default(32)
+    wait_for(lambda: data.status(32) == "Sent" and queue_count(data) == 0, "an empty queue")
+    program.post(WM_CLOSE)
+    assert program.wait_box("Error")
+    program.kill()
+    program = corvane()
+    program.answer_box("Error", 1)
+    assert program.close() == 0
 
 
 def test_without_a_recipient_nothing_is_moved(corvane, data):
