@@ -93,8 +93,10 @@ bool MoveToSent::Run(std::string_view recipient, int64_t now) {
     return false;
 }
 
-// Failed (no lock file can be created) counts as having the turn: nothing can be moved in such a folder
-// either.
+bool MoveToSent::ConcernsAll() const {
+    return m_reason == kUnwritable || m_reason == kEarlierMove;
+}
+
 LFileLock::Result MoveToSent::TakeTurn() {
     return m_turn.Take(m_journal.WithExtension(LLeftOver::kLock), kMoveWaitMs);
 }

@@ -39,6 +39,8 @@ public:
     bool Run(std::string_view recipient, int64_t now);
     // Sentences for the user; empty unless Run failed.
     const char* Reason() const { return m_reason; }
+    // Whether the reason would keep back every other dictation as well.
+    bool ConcernsAll() const;
     const DictationFiles& Sent() const { return m_sent; }
     // Makes the move final; to be called once the dictation is in the queue.
     void Commit();

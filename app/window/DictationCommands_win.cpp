@@ -1,5 +1,6 @@
 #include "app/window/DictationCommands_win.h"
 
+#include "app/window/NotSentText.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "store/DictationRecord.h"
@@ -10,6 +11,8 @@ namespace {
 
 constexpr char kDiskLow[] =
     "Your hard drive is low on space. Corvane might not function properly unless you remove some files.";
+// How long a command may wait, with the window, for files that others hold: seconds for each of them.
+constexpr uint32_t kPatienceMs = 6000;
 constexpr char kConfirmDelete[] = "Are you sure you want to delete this dictation?";
 constexpr char kConfirmSeveral[] = "\n\nAll %lu selected dictations will be deleted.";
 constexpr char kCannotDelete[] =
@@ -118,17 +121,28 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
     if (dictations.empty() || !StopAndSave()) return false;
     const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
     if (recipient < 0) return false;
+    std::vector<NotSent> left;
+    size_t tried = 0;
+    uint32_t lostMs = 0;
     for (const DictationFiles& files : dictations) {
-        // In each pass: while a box about the dictation before was open, another program may have added
-        // notes, a device may have recorded, or the dictation may have been removed.
+        // In each pass: stopping can run messages, and with them notes of another program, a recording of a
+        // device, or the end of the dictation.
         if (!StopAndSave()) return false;
+        ++tried;
         if (!m_list.NumberOf(files.record)) continue;
+        const uint32_t begun = LTickMs();
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
-        const SendCommands::Outcome outcome = m_send.Send(files, recipient, isUnsaved);
-        if (outcome == SendCommands::Outcome::Failed) return false;
-        if (outcome == SendCommands::Outcome::Queued) m_list.RemoveFiles({files});
+        const SendCommands::Result result = m_send.Send(files, recipient, isUnsaved);
+        if (result.outcome == SendCommands::Outcome::Queued) {
+            m_list.RemoveFiles({files});
+            continue;
+        }
+        left.push_back({m_list.NameOf(files.record), result.reason});
+        lostMs += LTickMs() - begun;
+        if (result.outcome == SendCommands::Outcome::NothingSends || lostMs >= kPatienceMs) break;
     }
-    return true;
+    if (!left.empty()) m_runner.Tell(NotSentText(left, dictations.size() - tried));
+    return left.empty();
 }
 
 // "Cancel" in this box empties the queue, and Escape means Cancel; a user who records or plays presses Escape

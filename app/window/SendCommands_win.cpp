@@ -3,9 +3,7 @@
 #include "app/dialogs/ChooseRecipientDialog_win.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LFile.h"
-#include "base/LText.h"
 #include "base/LTime.h"
-#include "store/DictationRecord.h"
 #include "store/MoveToSent.h"
 #include "store/SendToSettings.h"
 #include "store/SettingsKeys.h"
@@ -23,6 +21,9 @@ constexpr char kNoRecipients[] =
     "Recipient "
     "Settings item on the Settings menu and add a New Recipient.";
 constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
+constexpr char kNoRecording[] = "It has no recording yet. Please record it first.";
+constexpr char kUnsavedNotes[] = "Its notes could not be saved. The disk may be full. It stays in the list.";
+constexpr char kNotQueued[] = "The list of dictations to send cannot be written to. It stays in the list.";
 
 // Whether there is audio to send. False also for a recording that ended without a word; true for a file that
 // cannot be opened now, which the move then reports.
@@ -39,11 +40,6 @@ void SendCommands::TellNoRecipients() const {
     m_runner.Box(kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
 }
 
-void SendCommands::TellNotSent(const DictationFiles& files, const char* reason) const {
-    const std::string name = DictationRecord::Read(files.record).name;
-    m_runner.Tell(LFormat("Unable to send the dictation \"%s\".\n\n%s", name.c_str(), reason));
-}
-
 int SendCommands::DefaultRecipient() const {
     const std::optional<int32_t> index = DefaultRecipientIndex(m_state.user.userFile);
     if (!index) TellNoRecipients();
@@ -56,26 +52,19 @@ int SendCommands::ChooseRecipient() const {
     return AskForRecipient(m_state, m_runner);
 }
 
-SendCommands::Outcome SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
+SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
     MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
-    if (!HasRecording(files.audio)) {
-        TellNotSent(files, "It has no recording yet. Please record it first.");
-        return Outcome::NothingToSend;
-    }
-    if (hasUnsavedNotes) {
-        TellNotSent(files, "Its notes could not be saved. The disk may be full. It stays in the list.");
-        return Outcome::NothingToSend;
-    }
-    const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
+    if (!HasRecording(files.audio)) return {Outcome::NotSent, kNoRecording};
+    if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
+    const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
     MoveToSent move(m_state.user, files.record, isQueued);
-    if (!move.Run(description, LNowSeconds())) {
-        TellNotSent(files, move.Reason());
-        return Outcome::Failed;
-    }
+    if (!move.Run(description, LNowSeconds()))
+        return {move.ConcernsAll() ? Outcome::NothingSends : Outcome::NotSent, move.Reason()};
+    // A refusal leaves an error text of the queue, too; the destructor undoes the move.
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
-        return Outcome::Failed;  // the queue keeps the error text; the destructor undoes the move
+        return {Outcome::NothingSends, kNotQueued};
     move.Commit();
-    return Outcome::Queued;
+    return {Outcome::Queued, {}};
 }

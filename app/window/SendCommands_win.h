@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vector>
+#include <string>
 
 #include "app/AppState.h"
 #include "send/BGSend.h"
@@ -9,7 +9,7 @@
 
 // Sending from the main window: choosing the recipient, moving the dictation into the Sent folder, and adding
 // it to the queue.
-// Errors: reported to the user.
+// Errors: of choosing, reported to the user; of sending, in the result.
 // Thread: the window thread.
 class SendCommands {
 public:
@@ -21,20 +21,22 @@ public:
     // Lets the user choose; -1 when there is no recipient or the user cancels.
     int ChooseRecipient() const;
 
-    // The result for one dictation. Unless it is Queued the user has been told why the dictation stays in the
-    // list.
     enum class Outcome {
         Queued,
-        NothingToSend,  // concerns only this dictation
-        Failed,         // the next dictations would fail as well
+        NotSent,      // for a reason of this dictation alone
+        NothingSends  // the next dictations would fail as well
+    };
+    // reason: a sentence for the user; empty when the dictation was queued.
+    struct Result {
+        Outcome outcome;
+        std::string reason;
     };
     // Moves one dictation to the Sent folder and queues it. Refused when its notes could not be saved
     // (hasUnsavedNotes), because it would be sent without them.
-    Outcome Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes);
+    Result Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes);
 
 private:
     void TellNoRecipients() const;
-    void TellNotSent(const DictationFiles& files, const char* reason) const;
 
     const AppState& m_state;
     BGSend& m_queue;
