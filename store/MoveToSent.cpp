@@ -102,9 +102,12 @@ LFileLock::Result MoveToSent::TakeTurn() {
 }
 
 // Checks everything that can be known before the first file is moved. Returns the sentence for the user,
-// empty when nothing is in the way.
+// empty when nothing is in the way. Without a lock file nothing is moved, even where the journal could be
+// written: another session might take the move for one that was cut off, and undo it.
 const char* MoveToSent::FindObstacle() {
-    if (TakeTurn() == LFileLock::Result::Held || !TakeUpJournal()) return kEarlierMove;
+    const LFileLock::Result turn = TakeTurn();
+    if (turn == LFileLock::Result::Failed) return kUnwritable;
+    if (turn == LFileLock::Result::Held || !TakeUpJournal()) return kEarlierMove;
     m_before = DictationRecord::Read(m_current.record);
     if (m_before.result != LReadResult::Values) return kUnreadable;
     if (LFile::IsReadOnly(m_current.record)) return kReadOnly;
@@ -162,7 +165,7 @@ bool MoveToSent::WriteJournal() const {
 bool MoveToSent::TakeUp(const CurrentUser& user, const AskQueue& isQueued) {
     if (LFile::IsAbsent(JournalPath(user))) return true;
     MoveToSent move(user, LPath(), isQueued);
-    return move.TakeTurn() != LFileLock::Result::Held && move.TakeUpJournal();
+    return move.TakeTurn() == LFileLock::Result::Taken && move.TakeUpJournal();
 }
 
 // Settles the move named by the journal, if there is one. The holder of the lock finds only journals of

@@ -166,6 +166,15 @@ TEST_F(MoveToSentTest, TheNextStartCompletesWhatIsInTheQueueOrSent) {
     }
 }
 
+TEST_F(MoveToSentTest, NothingIsMovedWithoutTheLock) {
+    MakeFiles(Current(12), "new");
+    ASSERT_TRUE(LFile::MakeFolder(Journal().WithExtension(".lck")));
+    MoveToSent move(m_user, Current(12).record, NotQueued);
+    EXPECT_FALSE(move.Run("Jo", 1));
+    EXPECT_TRUE(move.ConcernsAll());
+    ExpectPutBack(true, 0);
+}
+
 TEST_F(MoveToSentTest, AJournalOfRubbishMovesNothing) {
     MakeFiles(Sent(12), "sent");
     const std::string rubbish[] = {"", "..\\00000012.dat", "x", "00000012.dat\r\n00000013.dat",
