@@ -23,6 +23,8 @@ constexpr char kNoRecipients[] =
 constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
 constexpr char kNoRecording[] = "It has no recording yet. Please record it first.";
 constexpr char kUnsavedNotes[] = "Its notes could not be saved. The disk may be full. It stays in the list.";
+constexpr char kNoFolder[] =
+    "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
 constexpr char kNotQueued[] = "The list of dictations to send cannot be written to. It stays in the list.";
 
 // Whether there is audio to send. False also for a recording that ended without a word; true for a file that
@@ -32,6 +34,15 @@ bool HasRecording(const LPath& audio) {
     if (!file.IsOpen()) return !LFile::IsAbsent(audio);
     LWaveInfo info;
     return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
+}
+
+// Whether the recipient is to be sent to by a folder that nobody has entered. The send thread would count
+// each dictation as sent.
+bool LacksFolder(const LPath& recipient) {
+    SendToSettings settings;
+    return settings.Load(recipient) &&
+           settings.method == static_cast<uint32_t>(SendToSettings::Method::Folder) &&
+           settings.folder.empty();
 }
 
 }  // namespace
@@ -58,6 +69,7 @@ SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipie
     if (!HasRecording(files.audio)) return {Outcome::NotSent, kNoRecording};
     if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
+    if (LacksFolder(recipientPath)) return {Outcome::NothingSends, kNoFolder};
     const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
     MoveToSent move(m_state.user, files.record, isQueued);
     if (!move.Run(description, LNowSeconds()))
