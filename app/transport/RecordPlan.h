@@ -24,6 +24,19 @@ struct RecordStart {
     int32_t frames = 0;
 };
 
+// Place in the dictation as the user sees it. Another program may have changed the file since it was
+// measured.
+struct ShownPlace {
+    int32_t positionMs = 0;
+    int32_t lengthMs = 0;
+};
+
+// Overwriting from the end of what is shown appends: there may be more behind it that the user has never
+// seen.
+constexpr RecordMode ModeAt(RecordMode mode, ShownPlace shown) {
+    return shown.positionMs >= shown.lengthMs ? RecordMode::Append : mode;
+}
+
 // Overwrite starts at the position, append at the end; insert, which is not built yet, also at the end, so
 // that it replaces nothing. A position at or beyond the end gives the exact end, where no frame is cut;
 // within the file the milliseconds are rounded down to a whole frame.

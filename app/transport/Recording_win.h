@@ -6,6 +6,7 @@
 #include "app/AppState.h"
 #include "app/transport/RecordPlan.h"
 #include "audio/device/LSoundRecorder_win.h"
+#include "base/LArith.h"
 #include "store/DictationFiles.h"
 #include "ui/LModalRunner.h"
 
@@ -47,6 +48,8 @@ public:
     bool IsWaiting() const { return m_isRunning && m_isWaiting; }
     const DictationFiles& Files() const { return m_target.files; }
     int32_t StartMs() const { return m_target.start.positionMs; }
+    // Length of the audio that the recording found.
+    int32_t LengthBeforeMs() const { return Saturate(m_target.info.LengthMs()); }
 
 private:
     // The target of a recording, determined before anything is changed.

@@ -60,8 +60,13 @@ bool Transport::Record(RecordMode mode) {
 bool Transport::Start(RecordMode mode) {
     m_isPreparing = true;
     m_stopAsked = false;
-    const bool started = m_recording.Start(*m_current.Files(), mode, m_positionMs);
+    const RecordMode modeHere = ModeAt(mode, {m_positionMs, m_lengthMs});
+    const bool started = m_recording.Start(*m_current.Files(), modeHere, m_positionMs);
     m_isPreparing = false;
+    if (started) {  // as they are in the file, which another program may have changed
+        m_positionMs = m_recording.StartMs();
+        m_lengthMs = m_recording.LengthBeforeMs();
+    }
     if (started) m_owner.ActivityChanged();
     if (started && m_stopAsked) Stop();
     return started;

@@ -41,6 +41,17 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
     }
 }
 
+TEST(RecordPlan, TheShownEndIsTheEndOfTheFileThatAnotherProgramChanged) {
+    const auto startAt = [](ShownPlace shown, int64_t bytes) {
+        const RecordMode mode = ModeAt(RecordMode::Overwrite, shown);
+        return PlanRecording(mode, shown.positionMs, Existing(16, 1, 8000, bytes)).positionMs;
+    };
+    EXPECT_EQ(startAt({10000, 10000}, 288000), 18000) << "longer";
+    EXPECT_EQ(startAt({10000, 10000}, 64000), 4000) << "shorter";
+    EXPECT_EQ(startAt({0, 0}, 64000), 4000) << "was empty";
+    EXPECT_EQ(startAt({4000, 10000}, 288000), 4000) << "a place that the user chose";
+}
+
 TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
     static const struct {
         int32_t ms;
