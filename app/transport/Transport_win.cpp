@@ -72,7 +72,9 @@ bool Transport::Start(RecordMode mode) {
     return started;
 }
 
+// What stood behind the position was cut off with the first block; until then nothing has changed.
 void Transport::RecordingPosition(int32_t positionMs) {
+    if (positionMs > m_recording.StartMs()) m_lengthMs = positionMs;
     m_positionMs = positionMs;
     m_owner.PositionChanged();
 }

@@ -79,6 +79,15 @@ def test_a_stored_insert_mode_takes_nothing_away(corvane, data):
     assert samples(data, 1).startswith(before)
 
 
+def test_a_recording_over_a_passage_shows_the_length_that_is_left(corvane, data):
+    record_every_sound(data)
+    data.add_dictation(1, pcm_wav(10 * SECOND))
+    program = corvane()
+    program.command("CM_GOTOSTART")
+    program.record()
+    wait_for(lambda: program.control("IDC_POSITION")["text"] in ("00:01 / 00:01", "00:02 / 00:02"), "its length")
+
+
 def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
     data.add_recipient("Other", index=1)
     (data.user / "rec0.dat").unlink()  # his place in the list stays empty; the others are offered all the same
