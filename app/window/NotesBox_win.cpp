@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/window/NotesText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/NotesFile.h"
@@ -11,6 +12,8 @@
 // not for each key.
 // A text that the control cannot hold completely is never saved back, since the rest would be lost. Whether
 // it was held is seen from the control's own length after setting it.
+// Another Windows session may write the same notes: a text is saved together with what stands in the file by
+// then, and the control shows both.
 
 constexpr UINT kSaveAfterMs = 500;
 // Bytes. The limit of an edit control on Windows 95; every platform lays out this much without a noticeable
@@ -42,10 +45,14 @@ void NotesBox::Load(const LPath& notesFile) {
     KillTimer(m_dialog, TIMER_SAVENOTES);
     m_file = notesFile;
     m_isModified = false;
-    if (const std::string* kept = m_unsaved.Find(m_file)) return Show(*kept, true);
+    if (const UnsavedNotes::Kept* kept = m_unsaved.Find(m_file)) {
+        m_earlier = kept->earlier;
+        return Show(kept->text, true);
+    }
     std::string text;
     const bool isRead = (m_file.Empty() || NotesFile::Read(m_file, text)) && text.size() <= kMostEdited;
     if (!isRead) text.resize(std::min(text.size(), kMostEdited));
+    m_earlier = text;
     Show(text, isRead);
 }
 
@@ -60,12 +67,31 @@ void NotesBox::Show(std::string_view text, bool isWhole) {
     EnableWindow(m_edit, !m_file.Empty());
 }
 
+// Shows the text that is in the file, and leaves the cursor at the word where it was.
+void NotesBox::ShowMerged(std::string_view shown, const std::string& merged) {
+    m_earlier = merged;
+    if (shown == merged) return;
+    const auto same = static_cast<DWORD>(SharedBytes(shown, merged));
+    DWORD at = 0;
+    SendMessageA(m_edit, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&at));
+    if (at > same) at += static_cast<DWORD>(merged.size() - shown.size());
+    Show(merged, true);
+    SendMessageA(m_edit, EM_SETSEL, at, static_cast<LPARAM>(at));
+    SendMessageA(m_edit, EM_SCROLLCARET, 0, 0);
+}
+
 bool NotesBox::Save() {
     KillTimer(m_dialog, TIMER_SAVENOTES);
-    Retry();
-    if (m_isModified && !m_file.Empty()) {
+    if (!m_isModified || m_file.Empty()) {
+        Retry();
+    } else {
         m_isModified = false;
-        if (m_unsaved.Save(m_file, LWindowText(m_edit))) m_owner->NotesSaved(m_file);
+        const std::string text = LWindowText(m_edit);
+        if (const std::optional<std::string> written = m_unsaved.Save(m_file, m_earlier, text)) {
+            ShowMerged(text, *written);
+            m_owner->NotesSaved(m_file);
+            Retry();
+        }
         m_owner->UnsavedNotesChanged();
     }
     return m_unsaved.Find(m_file) == nullptr;
@@ -73,7 +99,11 @@ bool NotesBox::Save() {
 
 void NotesBox::Retry() {
     if (m_unsaved.Empty()) return;
-    for (const LPath& written : m_unsaved.Retry()) m_owner->NotesSaved(written);
+    for (const LPath& written : m_unsaved.Retry()) {
+        std::string text;
+        if (written == m_file && NotesFile::Read(m_file, text)) ShowMerged(LWindowText(m_edit), text);
+        m_owner->NotesSaved(written);
+    }
     m_owner->UnsavedNotesChanged();
 }
 

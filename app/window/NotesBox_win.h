@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <string>
 #include <string_view>
 
 #include "app/window/UnsavedNotes.h"
@@ -28,8 +29,8 @@ public:
     // Shows the notes of a dictation; an empty path empties and disables the control. Call Save before. Notes
     // that cannot be read or are longer than 65,535 bytes are shown read-only and never written back.
     void Load(const LPath& notesFile);
-    // Writes the typed text and earlier unsaved notes; stops the timer. False when notes of this dictation
-    // are still unsaved.
+    // Writes the typed text, joined with what another program has written meanwhile, and earlier unsaved
+    // notes; stops the timer. False when notes of this dictation are still unsaved.
     bool Save();
     // The control reported a change: marks the text modified and restarts the timer.
     void EvChange();
@@ -46,6 +47,7 @@ public:
 private:
     static LRESULT CALLBACK EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void Retry();
+    void ShowMerged(std::string_view shown, const std::string& merged);
     void Show(std::string_view text, bool isWhole);
 
     WNDPROC m_editProc = nullptr;  // the platform's own
@@ -55,6 +57,7 @@ private:
     Owner* m_owner = nullptr;
     UnsavedNotes m_unsaved;
     LPath m_file;
+    std::string m_earlier;  // what the file held when it was last read or written
     bool m_isModified = false;
     bool m_isLoading = false;
 };

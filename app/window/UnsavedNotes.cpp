@@ -2,28 +2,40 @@
 
 #include <algorithm>
 
+#include "app/window/NotesText.h"
 #include "store/NotesFile.h"
 
-bool UnsavedNotes::Save(const LPath& notes, std::string_view text) {
+// A file that cannot be read is not written: nobody knows what another program has put into it.
+static std::optional<std::string> TryWrite(const LPath& notes, std::string_view earlier,
+                                           std::string_view text) {
+    std::string inFile;
+    if (!NotesFile::Read(notes, inFile)) return std::nullopt;
+    std::string merged = MergeNotes(earlier, inFile, text);
+    if (!NotesFile::Write(notes, merged)) return std::nullopt;
+    return merged;
+}
+
+std::optional<std::string> UnsavedNotes::Save(const LPath& notes, std::string_view earlier,
+                                              std::string_view text) {
     Forget(notes);
-    if (NotesFile::Write(notes, text)) return true;
-    m_kept.push_back({notes, std::string(text)});
-    return false;
+    std::optional<std::string> written = TryWrite(notes, earlier, text);
+    if (!written) m_kept.push_back({notes, std::string(earlier), std::string(text)});
+    return written;
 }
 
 std::vector<LPath> UnsavedNotes::Retry() {
     std::vector<LPath> written;
     std::erase_if(m_kept, [&](const Kept& kept) {
-        if (!NotesFile::Write(kept.notes, kept.text)) return false;
+        if (!TryWrite(kept.notes, kept.earlier, kept.text)) return false;
         written.push_back(kept.notes);
         return true;
     });
     return written;
 }
 
-const std::string* UnsavedNotes::Find(const LPath& notes) const {
+const UnsavedNotes::Kept* UnsavedNotes::Find(const LPath& notes) const {
     const auto found = std::ranges::find(m_kept, notes, &Kept::notes);
-    return found == m_kept.end() ? nullptr : &found->text;
+    return found == m_kept.end() ? nullptr : &*found;
 }
 
 void UnsavedNotes::Forget(const LPath& notes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,12 +13,20 @@
 // Thread: the window thread.
 class UnsavedNotes {
 public:
-    // Writes the notes of a dictation; false when that failed and the text is kept here.
-    bool Save(const LPath& notes, std::string_view text);
+    // A text that is not in its file yet, and the text of the file that it was made from.
+    struct Kept {
+        LPath notes;
+        std::string earlier;
+        std::string text;
+    };
+
+    // Writes the notes of a dictation, together with what another program has made of the earlier text
+    // meanwhile. Returns what is in the file now; nullopt when that failed and the text is kept here.
+    std::optional<std::string> Save(const LPath& notes, std::string_view earlier, std::string_view text);
     // Tries again to write all kept notes. Returns the paths of those that were written.
     std::vector<LPath> Retry();
-    // The kept text of a dictation; nullptr when the file holds the current text.
-    const std::string* Find(const LPath& notes) const;
+    // What is kept of a dictation; nullptr when the file holds the current text.
+    const Kept* Find(const LPath& notes) const;
     // Drops the text of a deleted dictation.
     void Forget(const LPath& notes);
 
@@ -26,9 +35,5 @@ public:
     const LPath& First() const { return m_kept.front().notes; }
 
 private:
-    struct Kept {
-        LPath notes;
-        std::string text;
-    };
     std::vector<Kept> m_kept;
 };

@@ -1,0 +1,60 @@
+#include "app/window/NotesText.h"
+
+#include <algorithm>
+
+namespace {
+
+// The one span in which a text differs from an earlier one.
+struct Change {
+    size_t begin = 0;  // in the earlier text
+    size_t end = 0;
+    std::string_view text;  // in place of it
+};
+
+Change FindChange(std::string_view earlier, std::string_view now) {
+    const size_t begin = SharedBytes(earlier, now);
+    const auto most = static_cast<ptrdiff_t>(std::min(earlier.size(), now.size()) - begin);
+    const auto tail = std::mismatch(earlier.rbegin(), earlier.rbegin() + most, now.rbegin());
+    const auto same = static_cast<size_t>(tail.first - earlier.rbegin());
+    return {begin, earlier.size() - same, now.substr(begin, now.size() - same - begin)};
+}
+
+bool IsBreak(char c) {
+    return c == '\r' || c == '\n';
+}
+
+std::string JoinParts(std::string_view ours, std::string_view theirs) {
+    if (ours.starts_with(theirs)) return std::string(ours);
+    if (theirs.starts_with(ours)) return std::string(theirs);
+    const bool isParted = IsBreak(ours.back()) || IsBreak(theirs.front());
+    return std::string(ours) + (isParted ? "" : "\r\n") + std::string(theirs);
+}
+
+}  // namespace
+
+size_t SharedBytes(std::string_view one, std::string_view other) {
+    const auto differ = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
+    return static_cast<size_t>(differ.first - one.begin());
+}
+
+std::string MergeNotes(std::string_view earlier, std::string_view theirs, std::string_view ours) {
+    if (theirs.empty()) return std::string(ours);
+    Change first = FindChange(earlier, ours);
+    Change second = FindChange(earlier, theirs);
+    if (second.end <= first.begin && second.begin < first.begin) std::swap(first, second);
+    const bool isSamePlace = first.begin == second.begin && first.end == second.end;
+    if (first.end <= second.begin && !isSamePlace)
+        return std::string(earlier.substr(0, first.begin))
+            .append(first.text)
+            .append(earlier.substr(first.end, second.begin - first.end))
+            .append(second.text)
+            .append(earlier.substr(second.end));
+    // Both changed the same passage: each version of it is kept.
+    const size_t begin = std::min(first.begin, second.begin);
+    const size_t kept = earlier.size() - std::max(first.end, second.end);
+    const auto passage = [&](std::string_view text) {
+        return text.substr(begin, text.size() - kept - begin);
+    };
+    return std::string(earlier.substr(0, begin)) + JoinParts(passage(ours), passage(theirs)) +
+           std::string(earlier.substr(earlier.size() - kept));
+}

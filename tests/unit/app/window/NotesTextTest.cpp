@@ -1,0 +1,28 @@
+#include "app/window/NotesText.h"
+
+#include <gtest/gtest.h>
+
+TEST(NotesText, MergingKeepsWhatEitherVersionAdded) {
+    static const struct {
+        const char *earlier, *theirs, *ours, *merged;
+    } kCases[] = {
+        {"note", "note", "note x", "note x"},
+        {"note", "note x", "note", "note x"},
+        {"", "theirs", "ours", "ours\r\ntheirs"},
+        {"note", "note A", "note B", "note B\r\n A"},
+        {"note", "note A\r\n", "note", "note A\r\n"},
+        {"note", "note\r\nA", "note B", "note B\r\nA"},
+        // One goes on where the other ended.
+        {"note", "note on", "note on and on", "note on and on"},
+        {"note", "note on and on", "note on", "note on and on"},
+        {"note A", "note B\r\n A", "note ABC", "note B\r\n ABC"},
+        // At different places.
+        {"one two", "zero one two", "one two three", "zero one two three"},
+        {"one two", "one two three", "zero one two", "zero one two three"},
+        {"one two three", "one three", "one two three four", "one three four"},
+        // Of the same passage.
+        {"the left arm", "the right arm", "the lame arm", "the lame\r\nright arm"},
+        {"all of it", "", "all of it and more", "all of it and more"},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(MergeNotes(c.earlier, c.theirs, c.ours), c.merged) << c.theirs;
+}
