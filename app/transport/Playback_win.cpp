@@ -53,6 +53,7 @@ Playback::Result Playback::Start(const LSoundSource& source, Activity activity, 
     m_source = source;
     m_activity = activity;
     m_player.SetDevice(device);
+    m_speed = speed;
     m_player.SetSpeed(SpeedPercent(speed));
     if (!m_player.Start(source)) {
         m_activity = Activity::Stopped;
@@ -77,7 +78,9 @@ void Playback::Seek(int32_t positionMs) {
 }
 
 void Playback::SetSpeed(PlaySpeed speed) {
-    if (IsPlaying()) m_player.SetSpeed(SpeedPercent(speed));
+    if (!IsPlaying()) return;
+    m_speed = speed;
+    m_player.SetSpeed(SpeedPercent(speed));
 }
 
 int32_t Playback::PositionMs(int32_t frames) const {

@@ -37,6 +37,8 @@ public:
     bool IsPlaying() const { return m_activity == Activity::Playing; }
     bool IsWinding() const { return m_activity == Activity::Winding; }
     WindDirection Direction() const { return m_direction; }
+    // That of the last Play or SetSpeed.
+    PlaySpeed Speed() const { return m_speed; }
 
     // These two have an effect only while playing.
     void Seek(int32_t positionMs);
@@ -59,4 +61,5 @@ private:
     LSoundSource m_source;  // the source that the player plays
     Activity m_activity = Activity::Stopped;
     WindDirection m_direction = WindDirection::Back;
+    PlaySpeed m_speed = PlaySpeed::Normal;
 };

@@ -111,6 +111,7 @@ bool Transport::PlayAt(PlaySpeed speed) {
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kPlaySpeed, static_cast<int32_t>(speed));
     if (!IsPlaying()) return Play();
     m_playback.SetSpeed(speed);
+    m_owner.PositionChanged();
     return true;
 }
 

@@ -55,6 +55,7 @@ public:
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
     bool IsPlaying() const { return m_playback.IsPlaying(); }
+    PlaySpeed Speed() const { return m_playback.Speed(); }
     bool IsWinding() const { return m_playback.IsWinding(); }
     bool IsWinding(WindDirection direction) const {
         return m_playback.IsWinding() && m_playback.Direction() == direction;

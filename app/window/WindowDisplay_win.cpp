@@ -185,7 +185,8 @@ bool WindowDisplay::IsHeld(int control) const {
 // The activity, in front of the dictation's name.
 const char* WindowDisplay::Doing() const {
     if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
-    if (m_transport.IsPlaying()) return "Playing: ";
+    constexpr const char* kPlaying[] = {"Playing slowly: ", "Playing: ", "Playing fast: "};
+    if (m_transport.IsPlaying()) return kPlaying[static_cast<int>(m_transport.Speed())];
     if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
     return m_transport.IsWinding() ? "Winding: " : "";
 }
