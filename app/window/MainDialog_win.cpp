@@ -60,10 +60,11 @@ WindDirection DirectionOf(int button) {
 
 // In the order of the message numbers. The function tells whether the message is handled, and its result.
 const MainDialog::AskedEntry MainDialog::kAsked[] = {
-    {WM_ACTIVATE, &MainDialog::EvActivate},        {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
-    {WM_DRAWITEM, &MainDialog::EvDrawItem},        {WM_NOTIFY, &MainDialog::EvNotify},
-    {WM_CONTEXTMENU, &MainDialog::EvContextMenu},  {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},
-    {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd}, {WM_APICOMMAND, &MainDialog::EvAPICommand},
+    {WM_ACTIVATE, &MainDialog::EvActivate},       {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
+    {WM_DRAWITEM, &MainDialog::EvDrawItem},       {WM_NOTIFY, &MainDialog::EvNotify},
+    {WM_CONTEXTMENU, &MainDialog::EvContextMenu}, {WM_CTLCOLORSTATIC, &MainDialog::EvCtlColorStatic},
+    {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},  {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
+    {WM_APICOMMAND, &MainDialog::EvAPICommand},
 };
 
 // The same for messages that are answered with 0.
@@ -570,9 +571,7 @@ void MainDialog::AfterRename(bool isLost) {
 }
 
 void MainDialog::UnsavedNotesChanged() {
-    if (!IsOpen()) return;
-    const bool isSaved = m_notes.Unsaved().Empty();
-    m_display.ShowUnsaved(isSaved ? "" : m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat")));
+    if (IsOpen()) m_display.ShowNotes(m_notes);
 }
 
 // ---- Notifications ---------------------------------------------------------------------------------------

@@ -88,6 +88,9 @@ private:
     void EvClose(WPARAM, LPARAM);
     void EvCommand(WPARAM wParam, LPARAM lParam);
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool EvCtlColorStatic(WPARAM wParam, LPARAM lParam, LRESULT& result) {
+        return m_display.ColourState(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam), result);
+    }
     void EvDrag(WPARAM, LPARAM);
     void EvDragEnd(WPARAM, LPARAM);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "app/window/ControlNames.h"
 #include "app/window/TransportButton_win.h"
@@ -13,6 +14,9 @@
 
 constexpr int kPositionFontHeight = 15;  // pixels
 constexpr int kProgressSteps = 100;
+// Of the state line while something is wrong: white on a dark red.
+constexpr COLORREF kAlarmColour = RGB(176, 0, 0);
+constexpr COLORREF kAlarmTextColour = RGB(255, 255, 255);
 
 constexpr int kButtons[] = {IDC_NEW,       IDC_SEND,   IDC_PLAY,        IDC_RECORD,  IDC_STOP,
                             IDC_GOTOSTART, IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK};
@@ -26,7 +30,8 @@ void WindowDisplay::Attach(HWND window, const std::string& userName) {
     SetPositionFont();
     AddToolTips();
     m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
-    LSetWindowText(Item(IDC_LOGGEDON), m_loggedOn);
+    m_alarmBrush.Reset(CreateSolidBrush(kAlarmColour));
+    ShowState();
     SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
     ShowNextInfo();
 }
@@ -210,8 +215,27 @@ void WindowDisplay::ShowLevels(int8_t leftDb, int8_t rightDb) {
 
 // ---- Lines -----------------------------------------------------------------------------------------------
 
-void WindowDisplay::ShowUnsaved(const std::string& name) {
-    LSetWindowText(Item(IDC_LOGGEDON), name.empty() ? m_loggedOn : "Notes not saved: " + name);
+void WindowDisplay::ShowNotes(const NotesBox& notes) {
+    const UnsavedNotes& unsaved = notes.Unsaved();
+    m_unsaved.clear();
+    if (!unsaved.Empty())
+        m_unsaved = "Notes not saved: " + m_list.NameOf(unsaved.First().WithExtension(".dat"));
+    ShowState();
+}
+
+// The state line: what is wrong, else who is logged on.
+void WindowDisplay::ShowState() {
+    const bool wasAlarm = std::exchange(m_isAlarm, !m_unsaved.empty());
+    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? m_unsaved : m_loggedOn);
+    if (m_isAlarm != wasAlarm) InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);
+}
+
+bool WindowDisplay::ColourState(HDC dc, HWND control, LRESULT& brush) const {
+    if (!m_isAlarm || control != Item(IDC_LOGGEDON)) return false;
+    SetTextColor(dc, kAlarmTextColour);
+    SetBkColor(dc, kAlarmColour);
+    brush = reinterpret_cast<LRESULT>(m_alarmBrush.Get());
+    return true;
 }
 
 void WindowDisplay::ShowSendProgress(double fraction) {
@@ -219,6 +243,7 @@ void WindowDisplay::ShowSendProgress(double fraction) {
 }
 
 void WindowDisplay::ShowNextInfo() {
+    if (m_isAlarm) return;
     LSetWindowText(Item(IDC_INFOLINE), kInfoTexts[m_infoText]);
     m_infoText = (m_infoText + 1) % std::size(kInfoTexts);
 }

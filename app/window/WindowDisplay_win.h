@@ -10,6 +10,7 @@
 #include "app/transport/Transport_win.h"
 #include "app/window/CommandState.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/NotesBox_win.h"
 #include "ui/LToolTips.h"
 #include "ui/LWin.h"
 
@@ -38,12 +39,14 @@ public:
     void DrawButton(const DRAWITEMSTRUCT& item) const;
     void ShowRecordMode(RecordMode mode);
     void ShowPlaySpeed(PlaySpeed speed);
-    // Shows a dictation's name in place of the logged-on user: its notes could not be saved. Empty: no such
-    // dictation.
-    void ShowUnsaved(const std::string& name);
+    // The state of the notes has changed: whether some wait to be saved.
+    void ShowNotes(const NotesBox& notes);
+    // Answers WM_CTLCOLORSTATIC; false for a control that keeps its colours.
+    bool ColourState(HDC dc, HWND control, LRESULT& brush) const;
     // fraction: of the queue, 0 to 1.
     void ShowSendProgress(double fraction);
-    // Shows the next text of the information line.
+    // Shows the next text of the information line, which rests while something is wrong: what moves draws the
+    // eye away from the state line.
     void ShowNextInfo();
 
     // Moves the focus to its home: the list, or, in the compact view, which has none, the transport.
@@ -62,6 +65,7 @@ private:
     bool IsHeld(int control) const;
     int FocusedButton() const;
     const char* Doing() const;
+    void ShowState();
 
     const DictationList& m_list;
     const Transport& m_transport;
@@ -71,6 +75,9 @@ private:
     LFont m_positionFont;
     LIcon m_icons[2][2];  // [recording][small]
     std::string m_loggedOn;
+    std::string m_unsaved;  // about notes that could not be saved; empty: none
+    LBrush m_alarmBrush;
+    bool m_isAlarm = false;  // the state line says what is wrong
     ViewMode m_view = ViewMode::Normal;
     size_t m_infoText = 0;
     bool m_showsInsert = false;  // the record button shows the symbol for inserting
