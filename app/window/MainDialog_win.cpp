@@ -570,7 +570,7 @@ void MainDialog::AfterRename(bool isLost) {
     PostMessageA(Window(), WM_SHOWLATER, 0, 0);
 }
 
-void MainDialog::UnsavedNotesChanged() {
+void MainDialog::NotesStateChanged() {
     if (IsOpen()) m_display.ShowNotes(m_notes);
 }
 

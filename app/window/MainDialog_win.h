@@ -141,7 +141,7 @@ private:
     void AfterRename(bool isLost) override;
     // NotesBox::Owner
     void NotesSaved(const LPath& notesFile) override { m_list.UpdateLater(notesFile.WithExtension(".dat")); }
-    void UnsavedNotesChanged() override;
+    void NotesStateChanged() override;
     // Transport::Owner
     bool HaveDictation() override { return m_current || m_dictations.Create(); }
     void ActivityChanged() override;

@@ -11,7 +11,8 @@
 // Every change restarts a timer of half a second, so the file is written once for each pause of typing and
 // not for each key.
 // A text that the control cannot hold completely is never saved back, since the rest would be lost. Whether
-// it was held is seen from the control's own length after setting it.
+// it was held is seen from the control's own length after setting it. Nor is one that the control would lay
+// out for seconds: it is shown with line breaks that are not its own.
 // Another Windows session may write the same notes: a text is saved together with what stands in the file by
 // then, and the control shows both.
 
@@ -19,6 +20,8 @@ constexpr UINT kSaveAfterMs = 500;
 // Bytes. The limit of an edit control on Windows 95; every platform lays out this much without a noticeable
 // delay (10 MB took seconds).
 constexpr size_t kMostEdited = 65535;
+constexpr char kTooLong[] = "Notes too long to be edited here";
+constexpr char kCannotRead[] = "Notes cannot be read at present";
 
 void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
     m_edit = edit;
@@ -47,24 +50,28 @@ void NotesBox::Load(const LPath& notesFile) {
     m_isModified = false;
     if (const UnsavedNotes::Kept* kept = m_unsaved.Find(m_file)) {
         m_earlier = kept->earlier;
-        return Show(kept->text, true);
+        return Show(kept->text, nullptr);
     }
-    std::string text;
-    const bool isRead = (m_file.Empty() || NotesFile::Read(m_file, text)) && text.size() <= kMostEdited;
-    if (!isRead) text.resize(std::min(text.size(), kMostEdited));
-    m_earlier = text;
-    Show(text, isRead);
+    m_earlier.clear();
+    const bool isRead = m_file.Empty() || NotesFile::Read(m_file, m_earlier);
+    Show(m_earlier, isRead ? nullptr : kCannotRead);
 }
 
-void NotesBox::Show(std::string_view text, bool isWhole) {
+// Editable unless there is a reason against it.
+void NotesBox::Show(std::string_view text, const char* readOnlyReason) {
+    if (text.size() > kMostEdited || !IsLaidOutQuickly(text)) readOnlyReason = kTooLong;
+    std::string shown(text.substr(0, kMostEdited));
+    if (readOnlyReason != nullptr) shown = BreakLongLines(shown).substr(0, kMostEdited);
     m_isLoading = true;
-    SetWindowTextA(m_edit, std::string(text).c_str());
+    SetWindowTextA(m_edit, shown.c_str());
     m_isLoading = false;
     // A text that was cut by the control must not be saved over the whole one.
-    isWhole = isWhole && static_cast<size_t>(GetWindowTextLengthA(m_edit)) == text.size();
-    if (!isWhole) LTrace("NotesBox::Load notes too long to edit:", m_file.View());
-    SendMessageA(m_edit, EM_SETREADONLY, isWhole ? FALSE : TRUE, 0);
+    if (static_cast<size_t>(GetWindowTextLengthA(m_edit)) != shown.size()) readOnlyReason = kTooLong;
+    if (readOnlyReason == kTooLong) LTrace("NotesBox::Load notes too long to edit:", m_file.View());
+    m_readOnlyReason = readOnlyReason;
+    SendMessageA(m_edit, EM_SETREADONLY, readOnlyReason == nullptr ? FALSE : TRUE, 0);
     EnableWindow(m_edit, !m_file.Empty());
+    m_owner->NotesStateChanged();
 }
 
 // Shows the text that is in the file, and leaves the cursor at the word where it was.
@@ -75,7 +82,7 @@ void NotesBox::ShowMerged(std::string_view shown, const std::string& merged) {
     DWORD at = 0;
     SendMessageA(m_edit, EM_GETSEL, 0, reinterpret_cast<LPARAM>(&at));
     if (at > same) at += static_cast<DWORD>(merged.size() - shown.size());
-    Show(merged, true);
+    Show(merged, nullptr);
     SendMessageA(m_edit, EM_SETSEL, at, static_cast<LPARAM>(at));
     SendMessageA(m_edit, EM_SCROLLCARET, 0, 0);
 }
@@ -92,7 +99,7 @@ bool NotesBox::Save() {
             m_owner->NotesSaved(m_file);
             Retry();
         }
-        m_owner->UnsavedNotesChanged();
+        m_owner->NotesStateChanged();
     }
     return m_unsaved.Find(m_file) == nullptr;
 }
@@ -104,13 +111,13 @@ void NotesBox::Retry() {
         if (written == m_file && NotesFile::Read(m_file, text)) ShowMerged(LWindowText(m_edit), text);
         m_owner->NotesSaved(written);
     }
-    m_owner->UnsavedNotesChanged();
+    m_owner->NotesStateChanged();
 }
 
 void NotesBox::Forget(const LPath& notesFile) {
     m_unsaved.Forget(notesFile);
     if (m_file == notesFile) m_isModified = false;
-    m_owner->UnsavedNotesChanged();
+    m_owner->NotesStateChanged();
 }
 
 void NotesBox::EvChange() {
@@ -120,9 +127,8 @@ void NotesBox::EvChange() {
 }
 
 void NotesBox::Append(std::string_view text) {
-    const auto isReadOnly = [this] { return (GetWindowLongA(m_edit, GWL_STYLE) & ES_READONLY) != 0; };
-    if (isReadOnly()) Load(m_file);  // the file may have been held by another program
-    if (m_file.Empty() || isReadOnly()) return;
+    if (m_readOnlyReason != nullptr) Load(m_file);  // the file may have been held by another program
+    if (m_file.Empty() || m_readOnlyReason != nullptr) return;
     // The user's selection is restored: he may be typing in the middle of the notes.
     DWORD from = 0;
     DWORD to = 0;

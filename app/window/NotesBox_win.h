@@ -19,15 +19,16 @@ public:
         virtual ~Owner() = default;
         // Notes were written, not always those of the current dictation.
         virtual void NotesSaved(const LPath& notesFile) = 0;
-        // The set of unsaved notes may have changed.
-        virtual void UnsavedNotesChanged() = 0;
+        // The set of unsaved notes may have changed, or ReadOnlyReason.
+        virtual void NotesStateChanged() = 0;
     };
 
     // Takes over the control, which is empty and disabled until Load.
     void Attach(HWND edit, HWND dialog, Owner& owner);
 
     // Shows the notes of a dictation; an empty path empties and disables the control. Call Save before. Notes
-    // that cannot be read or are longer than 65,535 bytes are shown read-only and never written back.
+    // that cannot be read, are longer than 65,535 bytes or would keep the control busy are shown read-only
+    // and never written back.
     void Load(const LPath& notesFile);
     // Writes the typed text, joined with what another program has written meanwhile, and earlier unsaved
     // notes; stops the timer. False when notes of this dictation are still unsaved.
@@ -42,13 +43,15 @@ public:
     // The window that took the focus from the notes; null while they have it.
     HWND LeftFor() const { return m_leftFor; }
     const LPath& File() const { return m_file; }
+    // Text for the user; nullptr while the notes can be edited.
+    const char* ReadOnlyReason() const { return m_readOnlyReason; }
     const UnsavedNotes& Unsaved() const { return m_unsaved; }
 
 private:
     static LRESULT CALLBACK EditProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void Retry();
     void ShowMerged(std::string_view shown, const std::string& merged);
-    void Show(std::string_view text, bool isWhole);
+    void Show(std::string_view text, const char* readOnlyReason);
 
     WNDPROC m_editProc = nullptr;  // the platform's own
     HWND m_edit = nullptr;
@@ -58,6 +61,7 @@ private:
     UnsavedNotes m_unsaved;
     LPath m_file;
     std::string m_earlier;  // what the file held when it was last read or written
+    const char* m_readOnlyReason = nullptr;
     bool m_isModified = false;
     bool m_isLoading = false;
 };

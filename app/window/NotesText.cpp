@@ -1,8 +1,14 @@
 #include "app/window/NotesText.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace {
+
+// Sum of the squares of the paragraphs' lengths, in bytes: one of 10,000, or 65,000 bytes in paragraphs of
+// 1,500. It takes some 0.2 to 0.4 s.
+constexpr uint64_t kMostLayOutWork = 100'000'000;
+constexpr size_t kShownLineBytes = 400;
 
 // The one span in which a text differs from an earlier one.
 struct Change {
@@ -57,4 +63,29 @@ std::string MergeNotes(std::string_view earlier, std::string_view theirs, std::s
     };
     return std::string(earlier.substr(0, begin)) + JoinParts(passage(ours), passage(theirs)) +
            std::string(earlier.substr(earlier.size() - kept));
+}
+
+bool IsLaidOutQuickly(std::string_view text) {
+    uint64_t work = 0;
+    while (!text.empty() && work <= kMostLayOutWork) {
+        const size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+        work += uint64_t{length} * length;
+        text.remove_prefix(length);
+    }
+    return work <= kMostLayOutWork;
+}
+
+std::string BreakLongLines(std::string_view text) {
+    std::string broken;
+    while (!text.empty()) {
+        size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+        const bool isTooLong = length > kShownLineBytes;
+        if (isTooLong) {
+            const size_t blank = text.substr(0, kShownLineBytes).rfind(' ');
+            length = blank == text.npos ? kShownLineBytes : blank + 1;
+        }
+        broken.append(text.substr(0, length)).append(isTooLong ? "\r\n" : "");
+        text.remove_prefix(length);
+    }
+    return broken;
 }

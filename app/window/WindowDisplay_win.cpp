@@ -30,6 +30,7 @@ void WindowDisplay::Attach(HWND window, const std::string& userName) {
     SetPositionFont();
     AddToolTips();
     m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
+    m_normalState = m_loggedOn;
     m_alarmBrush.Reset(CreateSolidBrush(kAlarmColour));
     ShowState();
     SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
@@ -220,13 +221,14 @@ void WindowDisplay::ShowNotes(const NotesBox& notes) {
     m_unsaved.clear();
     if (!unsaved.Empty())
         m_unsaved = "Notes not saved: " + m_list.NameOf(unsaved.First().WithExtension(".dat"));
+    m_normalState = notes.ReadOnlyReason() != nullptr ? notes.ReadOnlyReason() : m_loggedOn;
     ShowState();
 }
 
-// The state line: what is wrong, else who is logged on.
+// The state line: what is wrong, else why the notes cannot be edited or who is logged on.
 void WindowDisplay::ShowState() {
     const bool wasAlarm = std::exchange(m_isAlarm, !m_unsaved.empty());
-    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? m_unsaved : m_loggedOn);
+    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? m_unsaved : m_normalState);
     if (m_isAlarm != wasAlarm) InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);
 }
 

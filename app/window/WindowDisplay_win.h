@@ -39,7 +39,8 @@ public:
     void DrawButton(const DRAWITEMSTRUCT& item) const;
     void ShowRecordMode(RecordMode mode);
     void ShowPlaySpeed(PlaySpeed speed);
-    // The state of the notes has changed: whether some wait to be saved.
+    // The state of the notes has changed: whether some wait to be saved, and whether those shown can be
+    // edited.
     void ShowNotes(const NotesBox& notes);
     // Answers WM_CTLCOLORSTATIC; false for a control that keeps its colours.
     bool ColourState(HDC dc, HWND control, LRESULT& brush) const;
@@ -75,7 +76,8 @@ private:
     LFont m_positionFont;
     LIcon m_icons[2][2];  // [recording][small]
     std::string m_loggedOn;
-    std::string m_unsaved;  // about notes that could not be saved; empty: none
+    std::string m_unsaved;      // about notes that could not be saved; empty: none
+    std::string m_normalState;  // the text of the state line while nothing is wrong
     LBrush m_alarmBrush;
     bool m_isAlarm = false;  // the state line says what is wrong
     ViewMode m_view = ViewMode::Normal;

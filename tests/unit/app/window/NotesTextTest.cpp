@@ -26,3 +26,16 @@ TEST(NotesText, MergingKeepsWhatEitherVersionAdded) {
     };
     for (const auto& c : kCases) EXPECT_EQ(MergeNotes(c.earlier, c.theirs, c.ours), c.merged) << c.theirs;
 }
+
+TEST(NotesText, WhatIsLaidOutSlowlyIsBrokenForDisplay) {
+    const std::string words = "a line as it is\r\n" + std::string(16000, 'w') + " end";
+    EXPECT_TRUE(IsLaidOutQuickly(std::string(9000, 'w')));
+    EXPECT_FALSE(IsLaidOutQuickly(words));
+    EXPECT_TRUE(IsLaidOutQuickly(BreakLongLines(words)));
+    EXPECT_EQ(BreakLongLines("a line as it is\r\n"), "a line as it is\r\n");
+    std::string joined = BreakLongLines(words + words);
+    std::string all = words + words;
+    std::erase_if(joined, [](char c) { return c == '\r' || c == '\n'; });
+    std::erase_if(all, [](char c) { return c == '\r' || c == '\n'; });
+    EXPECT_EQ(joined, all);
+}
