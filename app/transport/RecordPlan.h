@@ -15,6 +15,8 @@ constexpr RecordMode ToRecordMode(int32_t stored) {
 constexpr int32_t kFromStartBelowMs = 501;
 // Hang time of voice activation: after three seconds without voice nothing is written until the next word.
 constexpr int32_t kHangTimeMs = 3000;
+// A recording that has heard no voice for this long since its start says so.
+constexpr uint32_t kNoVoiceMs = 10000;
 // The longest recording, counted from its start: four hours.
 constexpr int32_t kMaximumRecordingMs = 14400000;
 

@@ -7,6 +7,7 @@
 #include "audio/wave/LRewriteWave.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/DictationStore.h"
@@ -159,6 +160,8 @@ bool Recording::StartRecorder() {
     m_recorder.SetDevice(input.device);
 
     m_isRunning = true;
+    m_hasHeard = false;
+    m_startTick = LTickMs();
     const int8_t threshold = Settings::Read(settings, SettingsKeys::kVoiceActivate);
     const int32_t maximumMs = Saturate(int64_t{m_target.start.positionMs} + kMaximumRecordingMs);
     if (!m_recorder.Start(m_sink, kHangTimeMs, threshold, maximumMs, 0)) {
@@ -183,7 +186,12 @@ void Recording::Stop() {
     m_recorder.Stop();
 }
 
+bool Recording::HearsNothing() const {
+    return IsWaiting() && !m_hasHeard && LTickMs() - m_startTick >= kNoVoiceMs;
+}
+
 void Recording::OnRecording() {
+    m_hasHeard = true;
     m_isWaiting = false;
     m_owner.RecordingWaits(false);
 }
@@ -217,6 +225,7 @@ void Recording::OnStopped(int32_t) {
     if (!outcome.trouble && recordedAnything && !LWaveFile::IsComplete(outcome.files.audio, frames))
         outcome.trouble = kWriteFailed;
     PutBackSetAside();
+    outcome.isEmpty = !recordedAnything;
     outcome.lengthMs = LWaveFile::LengthMs(outcome.files.audio);
     // The recorded passage is the end of the file; the next recording continues there.
     outcome.positionMs = recordedAnything ? outcome.lengthMs : m_target.start.positionMs;

@@ -21,6 +21,7 @@ public:
         DictationFiles files;
         int32_t positionMs = 0;  // end of the recorded passage; its planned start when nothing was recorded
         int32_t lengthMs = 0;    // of the whole dictation
+        bool isEmpty = false;    // nothing was written
         const char* trouble = nullptr;  // text for the user; nullptr: none
     };
 
@@ -46,6 +47,8 @@ public:
     bool IsRunning() const { return m_isRunning; }
     // Whether voice activation waits for the speaker.
     bool IsWaiting() const { return m_isRunning && m_isWaiting; }
+    // Whether ten seconds have passed since the start and voice activation has not heard the speaker yet.
+    bool HearsNothing() const;
     const DictationFiles& Files() const { return m_target.files; }
     int32_t StartMs() const { return m_target.start.positionMs; }
     // Length of the audio that the recording found.
@@ -85,4 +88,6 @@ private:
     LSoundSink m_sink;
     bool m_isRunning = false;
     bool m_isWaiting = false;
+    bool m_hasHeard = false;
+    uint32_t m_startTick = 0;
 };

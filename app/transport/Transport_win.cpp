@@ -1,6 +1,7 @@
 #include "app/transport/Transport_win.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "audio/stream/LDecibel.h"
 #include "audio/wave/LWaveFile.h"
@@ -83,6 +84,7 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
     if (m_current.Is(outcome.files)) {
         m_lengthMs = outcome.lengthMs;
         m_positionMs = outcome.positionMs;
+        m_recordedNothing = outcome.isEmpty && outcome.trouble == nullptr;
     }
     FinishActivity();
     m_owner.RecordingStopped(outcome.files);
@@ -124,6 +126,7 @@ bool Transport::PlayFrom(int32_t positionMs) {
 bool Transport::Tell(Playback::Result result) {
     switch (result) {
         case Playback::Result::Started:
+            m_recordedNothing = false;
             m_owner.ActivityChanged();
             return true;
         case Playback::Result::NothingToPlay:
@@ -179,6 +182,7 @@ void Transport::EndWinding(WindDirection direction) {
 
 bool Transport::Stop() {
     m_playsAfterWinding = false;
+    if (std::exchange(m_recordedNothing, false)) m_owner.PositionChanged();
     if (m_isPreparing) {
         m_stopAsked = true;
         LModalRunner::CancelProcess();
@@ -200,6 +204,7 @@ void Transport::FinishActivity() {
 void Transport::EvDictationChanged() {
     EvAudioChanged();
     m_positionMs = m_lengthMs;
+    m_recordedNothing = false;
     m_owner.PositionChanged();
 }
 

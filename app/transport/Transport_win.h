@@ -54,6 +54,9 @@ public:
     // Also true while a recording is being prepared, because that can be stopped.
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
+    bool HearsNothing() const { return m_recording.HearsNothing(); }
+    // The recording that ended last wrote nothing, and no command has been given since.
+    bool RecordedNothing() const { return m_recordedNothing; }
     bool IsPlaying() const { return m_playback.IsPlaying(); }
     PlaySpeed Speed() const { return m_playback.Speed(); }
     bool IsWinding() const { return m_playback.IsWinding(); }
@@ -93,6 +96,7 @@ private:
     bool m_isStarting = false;   // between Record and its return: refuses another recording
     bool m_isPreparing = false;  // file and device of a recording are being prepared
     bool m_stopAsked = false;    // Stop was called during the preparation
+    bool m_recordedNothing = false;
     // Playing or recording ran before winding, and playing goes on after it.
     bool m_playsAfterWinding = false;
     Playback m_playback;

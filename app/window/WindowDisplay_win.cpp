@@ -190,6 +190,8 @@ bool WindowDisplay::IsHeld(int control) const {
 
 // The activity, in front of the dictation's name.
 const char* WindowDisplay::Doing() const {
+    if (m_transport.HearsNothing()) return "No voice heard: ";
+    if (m_transport.RecordedNothing()) return "Nothing recorded: ";
     if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
     constexpr const char* kPlaying[] = {"Playing slowly: ", "Playing: ", "Playing fast: "};
     if (m_transport.IsPlaying()) return kPlaying[static_cast<int>(m_transport.Speed())];
@@ -198,6 +200,7 @@ const char* WindowDisplay::Doing() const {
 }
 
 void WindowDisplay::ShowPosition() {
+    ShowState();
     if (!m_current) {
         LSetWindowText(Item(IDC_DICTATIONNAME), "No dictation selected");
         LSetWindowText(Item(IDC_POSITION), "");
@@ -227,8 +230,11 @@ void WindowDisplay::ShowNotes(const NotesBox& notes) {
 
 // The state line: what is wrong, else why the notes cannot be edited or who is logged on.
 void WindowDisplay::ShowState() {
-    const bool wasAlarm = std::exchange(m_isAlarm, !m_unsaved.empty());
-    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? m_unsaved : m_normalState);
+    std::string wrong = m_unsaved;
+    if (wrong.empty() && m_transport.HearsNothing()) wrong = "No voice heard. Microphone on?";
+    if (wrong.empty() && m_transport.RecordedNothing()) wrong = "Nothing was recorded.";
+    const bool wasAlarm = std::exchange(m_isAlarm, !wrong.empty());
+    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? wrong : m_normalState);
     if (m_isAlarm != wasAlarm) InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);
 }
 

@@ -159,6 +159,20 @@ def test_a_compressed_recording_is_continued_as_it_sounds(corvane, data, tmp_pat
     assert sound[3 * SECOND + 400 :].std() < 100
 
 
+def test_a_recording_that_heard_no_voice_is_told_until_the_next_command(corvane, data):
+    data.add_dictation(1, pcm_wav(SECOND))
+    program = corvane()
+    state = lambda: program.control("IDC_LOGGEDON")["text"]
+    usual = state()
+    program.command("CM_RECORD")
+    wait_for(lambda: program.api(7) == 2, "voice activation")
+    assert state() == usual
+    program.command("CM_STOP")
+    wait_for(lambda: state() != usual, "the notice")
+    program.command("CM_GOTOSTART")
+    wait_for(lambda: state() == usual, "its end")
+
+
 def test_closing_while_a_long_recording_is_prepared_leaves_it_as_it_was(corvane, data):
     record_every_sound(data)
     wav, _ = foreign_wav(3600 * 4 * SECOND)
