@@ -4,6 +4,7 @@
 
 #include "base/LFile.h"
 #include "base/LText.h"
+#include "base/LTime.h"
 
 DictationFiles DictationFiles::OfNumber(const LPath& folder, int32_t number) {
     return OfPath(LPath::Format("%s%.8ld.dat", folder.c_str(), static_cast<long>(number)));
@@ -30,4 +31,14 @@ bool DictationFiles::AnyExists() const {
                     return !any;
                 });
     return any;
+}
+
+bool DictationFiles::IsGone() const {
+    constexpr uint32_t kReplaceMs = 200;
+    const uint32_t start = LTickMs();
+    while (LFile::IsAbsent(record)) {
+        if (LTickMs() - start >= kReplaceMs) return true;
+        LSleep(20);
+    }
+    return false;
 }

@@ -24,4 +24,6 @@ struct DictationFiles {
     DictationFiles InFolder(const LPath& folder) const;
 
     bool AnyExists() const;
+    // Whether the record is absent, and not just for the moment in which another program replaces it.
+    bool IsGone() const;
 };

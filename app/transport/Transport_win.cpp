@@ -87,7 +87,7 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
         m_recordedNothing = outcome.isEmpty && outcome.trouble == nullptr;
     }
     FinishActivity();
-    m_owner.RecordingStopped(outcome.files);
+    m_owner.RowOutdated(outcome.files);
     if (outcome.trouble != nullptr) m_runner.TellAtRest(outcome.trouble);
 }
 
@@ -118,7 +118,7 @@ bool Transport::PlayAt(PlaySpeed speed) {
 }
 
 bool Transport::PlayFrom(int32_t positionMs) {
-    if (!m_current || m_lengthMs < 1 || positionMs >= m_lengthMs) return false;
+    if (!m_current || !m_owner.IsDictationThere() || positionMs >= m_lengthMs) return false;
     return Tell(m_playback.Play(m_current.Files()->audio, positionMs, StoredSpeed()));
 }
 
@@ -163,7 +163,7 @@ void Transport::PlaybackEnded(Playback::Ending ending) {
 bool Transport::BeginWinding(WindDirection direction) {
     if (m_isStarting || IsWinding(direction)) return false;
     const bool playsAfterwards = IsPlaying() || IsRecording() || (IsWinding() && m_playsAfterWinding);
-    if (!Stop() || !m_current || m_lengthMs < 1) return false;
+    if (!Stop() || !m_current || m_lengthMs < 1 || !m_owner.IsDictationThere()) return false;
     if (!Tell(m_playback.Wind(m_current.Files()->audio, WindStartMs(m_positionMs, direction), direction)))
         return false;
     m_playsAfterWinding = playsAfterwards;
@@ -205,6 +205,8 @@ void Transport::EvDictationChanged() {
     EvAudioChanged();
     m_positionMs = m_lengthMs;
     m_recordedNothing = false;
+    // Told now: Play is greyed where there is no audio.
+    if (m_current && m_lengthMs == 0 && m_current.Files()->IsGone()) m_owner.RowOutdated(*m_current.Files());
     m_owner.PositionChanged();
 }
 

@@ -16,12 +16,17 @@ public:
     class Owner {
     public:
         virtual ~Owner() = default;
-        // Creates a new current dictation when there is none; false when that failed.
+        // Creates a new current dictation when there is none; false when that failed, or when the current one
+        // is gone.
         virtual bool HaveDictation() = 0;
+        // False when another program has sent or deleted the current dictation; the user is told, and another
+        // one is the current one then.
+        virtual bool IsDictationThere() = 0;
         // An activity has started or ended. When none runs, LevelChanged has reported silence before.
         virtual void ActivityChanged() = 0;
-        // The file is closed and its record may be read.
-        virtual void RecordingStopped(const DictationFiles& files) = 0;
+        // What the list shows of a dictation may be untrue by now: it was recorded onto (the file is closed
+        // and may be read), or is gone.
+        virtual void RowOutdated(const DictationFiles& files) = 0;
         virtual void PositionChanged() = 0;
         virtual void LevelChanged(int8_t leftDb, int8_t rightDb) = 0;
     };

@@ -1,6 +1,9 @@
 #include "app/window/DictationCommands_win.h"
 
+#include <utility>
+
 #include "app/window/NotSentText.h"
+#include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "store/DictationRecord.h"
@@ -25,6 +28,10 @@ constexpr char kRecordedOnto[] =
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected, or another program may be using your user file. Please try again.";
+
+constexpr char kGone[] =
+    "The dictation \"%.80s\"%s no longer here.\n\nSent or deleted in another window, perhaps.%s";
+constexpr char kTyped[] = "\n\nWhat stood in the box for its notes was not stored:\n\n%.2000s";
 
 }  // namespace
 
@@ -65,7 +72,7 @@ bool DictationCommands::Create() {
 }
 
 bool DictationCommands::BeginRename() {
-    if (!StopAndSave()) return false;
+    if (!StopAndSave() || !m_current || DropGone({*m_current.Files()})) return false;
     m_list.BeginRename();
     return true;
 }
@@ -73,7 +80,33 @@ bool DictationCommands::BeginRename() {
 void DictationCommands::Rename(std::string_view name) {
     if (!m_current || !ChangedName(m_list.NameOf(m_current.Files()->record), name)) return;
     if (!StopAndSave() || !m_current) return;
+    if (DropGone({*m_current.Files()})) return;
     if (!m_list.Rename(*m_current.Files(), name)) TellNotStored();
+}
+
+// Of a dictation that is gone the user is told when its row is loaded again.
+void DictationCommands::TellNotStored() {
+    if (!m_current || !m_current.Files()->IsGone()) m_runner.TellLater(kNotStored);
+}
+
+bool DictationCommands::DropGone(std::vector<DictationFiles> dictations) {
+    std::erase_if(dictations, [](const DictationFiles& files) { return !files.IsGone(); });
+    if (dictations.empty()) return false;
+    const std::string name = m_list.NameOf(dictations.front().record);
+    // Where one went others did: the user is told once, not with each row that becomes the current one.
+    for (const DictationFiles& files : m_list.NotIn(FolderListing(m_state.user.currentFolder)))
+        if (LFile::IsAbsent(files.record)) dictations.push_back(files);
+    m_notes.Save();  // hands over what was typed into one of them
+    for (const DictationFiles& files : dictations) m_notes.Forget(files.notes);
+    const int before = m_list.Count();
+    m_list.RemoveFiles(dictations);
+    const int others = before - m_list.Count() - 1;
+    if (others < 0) return true;
+    const std::string more = others == 0 ? " is" : LFormat(" and %d more are", others);
+    const std::string typed = std::exchange(m_typedForNothing, {});
+    const std::string notes = typed.empty() ? "" : LFormat(kTyped, typed.c_str());
+    m_runner.TellLater(LFormat(kGone, name.c_str(), more.c_str(), notes.c_str()));
+    return true;
 }
 
 bool DictationCommands::SetPriority(std::string_view priority) {
@@ -81,7 +114,7 @@ bool DictationCommands::SetPriority(std::string_view priority) {
     const std::vector<DictationFiles> selected = m_list.Selected();
     for (const DictationFiles& files : selected) all = StorePriority(files.record, priority) && all;
     m_list.UpdateFiles(selected, FolderListing(m_state.user.currentFolder));
-    if (!all) TellNotStored();
+    if (!DropGone(m_list.TakeAbsent()) && !all) TellNotStored();
     return all;
 }
 
@@ -133,10 +166,9 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         const uint32_t begun = LTickMs();
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
         const SendCommands::Result result = m_send.Send(files, recipient, isUnsaved);
-        if (result.outcome == SendCommands::Outcome::Queued) {
-            m_list.RemoveFiles({files});
-            continue;
-        }
+        if (result.outcome == SendCommands::Outcome::Gone) DropGone({files});
+        if (result.outcome == SendCommands::Outcome::Queued) m_list.RemoveFiles({files});
+        if (result.reason.empty()) continue;
         left.push_back({m_list.NameOf(files.record), result.reason});
         lostMs += LTickMs() - begun;
         if (result.outcome == SendCommands::Outcome::NothingSends || lostMs >= kPatienceMs) break;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -45,6 +46,13 @@ public:
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
 
+    // Takes those out of the list whose records are gone, because another session on the same folder has sent
+    // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
+    // on a dictation: its absence must not look like an empty one, and a new file must not take its name.
+    bool DropGone(std::vector<DictationFiles> dictations);
+    // Notes that were typed into such a dictation: the user gets them back with that message.
+    void KeepTyped(const std::string& notes) { m_typedForNothing = notes; }
+
     // Shows the pending error of sending, unless the transport runs, the user's hand is at work or something
     // modal is open; then it stays pending.
     void ShowSendError();
@@ -56,7 +64,7 @@ public:
     // When the disk is nearly full, deletes old sent dictations and warns.
     void TestHardDrive();
     // Reports a change that could not be stored, after the current message.
-    void TellNotStored() { m_runner.TellLater(kNotStored); }
+    void TellNotStored();
 
 private:
     void AskAboutSendError();
@@ -75,4 +83,5 @@ private:
     NotesBox& m_notes;
     Transport& m_transport;
     const CurrentDictation& m_current;
+    std::string m_typedForNothing;
 };

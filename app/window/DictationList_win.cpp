@@ -185,13 +185,18 @@ void DictationList::ReloadUnreadable() {
     if (!rows.empty()) Update(std::move(rows));
 }
 
+std::vector<DictationFiles> DictationList::TakeAbsent() {
+    return IsRenaming() ? std::vector<DictationFiles>() : std::exchange(m_absent, {});
+}
+
 void DictationList::Update(std::vector<DictationRow> rows) {
     const Quiet quiet(m_quiet);
     // The texts shown stay true until the record can be read.
     std::erase_if(rows, [this](const DictationRow& row) {
         const bool isKept = row.isUnreadable && m_rows.IndexOf(row.files.record) >= 0;
         if (isKept) m_unreadable.push_back(row.files.record);
-        return isKept;
+        if (row.isAbsent) m_absent.push_back(row.files);
+        return isKept || row.isAbsent;
     });
     if (AreLast(rows)) {
         for (const DictationRow& row : rows) ChangeTexts(m_rows.IndexOf(row.number), row);
@@ -326,6 +331,14 @@ std::vector<DictationFiles> DictationList::Selected() const {
     for (int i = -1; (i = ListView_GetNextItem(m_list, i, LVNI_SELECTED)) >= 0;)
         if (const auto files = FilesAt(i)) selected.push_back(*files);
     return selected;
+}
+
+std::vector<DictationFiles> DictationList::NotIn(const FolderListing& listing) const {
+    std::vector<DictationFiles> missing;
+    for (int i = 0; listing.IsWhole() && i < m_rows.Count(); ++i)
+        if (const LPath record = m_rows.RecordAt(i); !listing.SizeOf(record.View()))
+            missing.push_back(DictationFiles::OfPath(record));
+    return missing;
 }
 
 bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {

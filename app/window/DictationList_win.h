@@ -62,6 +62,9 @@ public:
     void UpdateFiles(const std::vector<DictationFiles>& dictations, const FolderListing& listing);
     // Loads the rows again whose records could not be read before.
     void ReloadUnreadable();
+    // The dictations whose records were found absent when their rows were to be loaded again. Such a row
+    // stays as it was until it is removed. Each is returned once; none while a name is edited.
+    std::vector<DictationFiles> TakeAbsent();
     // Removes rows. When no row remains selected, the one that takes the place of the last removed row is.
     void RemoveFiles(const std::vector<DictationFiles>& dictations);
     // Makes this row the only selected one.
@@ -79,6 +82,8 @@ public:
     bool IsSelected(const DictationFiles& files) const override;
     // The name in the row of a record; empty when the record has none.
     std::string NameOf(const LPath& record) const { return TextAt(m_rows.IndexOf(record), 0); }
+    // The rows whose records are not in a listing of their folder; none when the listing is not whole.
+    std::vector<DictationFiles> NotIn(const FolderListing& listing) const;
     bool HoldsNumber(int32_t number) const { return m_rows.IndexOf(number) >= 0; }
     // The number of a record's row; nothing when it is not listed.
     std::optional<int32_t> NumberOf(const LPath& record) const;
@@ -118,6 +123,7 @@ private:
     std::optional<int32_t> m_renamedNumber;
     std::vector<int32_t> m_toUpdate;  // numbers of the rows that wait for UpdateNoted
     std::vector<LPath> m_unreadable;  // records of rows that are to be loaded again
+    std::vector<DictationFiles> m_absent;
     int m_quiet = 0;  // above 0: our own code changes rows, and SelectionMoved is not reported
 };
 

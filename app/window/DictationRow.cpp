@@ -21,6 +21,7 @@ DictationRow LoadFiles(const DictationFiles& files, const Worth& worth) {
     row.files = files;
     DictationRecord values = DictationRecord::Read(row.files.record, 0);
     row.isUnreadable = values.result == LReadResult::Unreadable;
+    row.isAbsent = values.result == LReadResult::Absent;
     if (values.result == LReadResult::Values) RepairRecord(row.files.record, values, LNowSeconds());
     const int32_t numberOfName = NumberOfFileName(row.files.record).value_or(0);
     row.number = values.number.value_or(numberOfName);

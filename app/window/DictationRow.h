@@ -21,6 +21,7 @@ struct DictationRow {
     // Another program holds the record. Number and name are then those of the file name, and the row is to be
     // loaded again later.
     bool isUnreadable = false;
+    bool isAbsent = false;  // there is no record
 };
 
 // Loads a row. Missing files give empty texts, the duration 00:00 and the normal priority. Does not wait for

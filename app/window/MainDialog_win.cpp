@@ -385,6 +385,7 @@ void MainDialog::EvSelectionMoved(WPARAM, LPARAM) {
 
 void MainDialog::EvRowChanged(WPARAM, LPARAM) {
     m_list.UpdateNoted();
+    m_dictations.DropGone(m_list.TakeAbsent());
     m_display.ShowPosition();
 }
 

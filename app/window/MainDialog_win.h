@@ -141,11 +141,16 @@ private:
     void AfterRename(bool isLost) override;
     // NotesBox::Owner
     void NotesSaved(const LPath& notesFile) override { m_list.UpdateLater(notesFile.WithExtension(".dat")); }
+    void TypedForNothing(const LPath& notesFile, const std::string& text) override {
+        m_dictations.KeepTyped(text);
+        m_list.UpdateLater(notesFile.WithExtension(".dat"));
+    }
     void NotesStateChanged() override;
     // Transport::Owner
-    bool HaveDictation() override { return m_current || m_dictations.Create(); }
+    bool HaveDictation() override { return m_current ? IsDictationThere() : m_dictations.Create(); }
+    bool IsDictationThere() override { return !m_current || !m_dictations.DropGone({*m_current.Files()}); }
     void ActivityChanged() override;
-    void RecordingStopped(const DictationFiles& files) override { m_list.UpdateLater(files.record); }
+    void RowOutdated(const DictationFiles& files) override { m_list.UpdateLater(files.record); }
     void PositionChanged() override;
     void LevelChanged(int8_t leftDb, int8_t rightDb) override { m_display.ShowLevels(leftDb, rightDb); }
     // CommandTarget

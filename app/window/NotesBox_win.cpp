@@ -5,6 +5,7 @@
 #include "app/window/NotesText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
+#include "store/DictationFiles.h"
 #include "store/NotesFile.h"
 #include "ui/LWin.h"
 
@@ -94,6 +95,11 @@ bool NotesBox::Save() {
     } else {
         m_isModified = false;
         const std::string text = LWindowText(m_edit);
+        // A file without a record would never be listed or sent.
+        if (DictationFiles::OfPath(m_file).IsGone()) {
+            m_owner->TypedForNothing(m_file, text);
+            return true;
+        }
         if (const std::optional<std::string> written = m_unsaved.Save(m_file, m_earlier, text)) {
             ShowMerged(text, *written);
             m_owner->NotesSaved(m_file);

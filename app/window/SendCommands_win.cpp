@@ -66,6 +66,7 @@ int SendCommands::ChooseRecipient() const {
 SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
     MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
+    if (LFile::IsAbsent(files.record)) return {Outcome::Gone, {}};
     if (!HasRecording(files.audio)) return {Outcome::NotSent, kNoRecording};
     if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);

@@ -23,10 +23,11 @@ public:
 
     enum class Outcome {
         Queued,
+        Gone,         // has no record any more
         NotSent,      // for a reason of this dictation alone
         NothingSends  // the next dictations would fail as well
     };
-    // reason: a sentence for the user; empty when the dictation was queued.
+    // reason: a sentence for the user; empty when the dictation was queued or is gone.
     struct Result {
         Outcome outcome;
         std::string reason;

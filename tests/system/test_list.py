@@ -52,3 +52,21 @@ def test_the_picture_is_that_of_the_rows_and_stands_still(corvane, data, winctl)
     top = tell(LVM_GETTOPINDEX)
     program.command("CM_PRIORITY_LOW")
     check("other rows that are looked at stay", order := order[1:] + order[:1], top - 1)
+
+
+def test_what_another_session_took_away_leaves_the_list_and_nothing_takes_its_name(corvane, data):
+    acts = ["CM_PLAY", "CM_RECORD", "CM_REWIND", "CM_PRIORITY_HIGH", "CM_RENAMEFILE", "CM_SENDFILE", "notes"]
+    for number in range(1, len(acts) + 2):
+        data.add_dictation(number, pcm_wav(16000), notes=b"as they were\0", name=f"Case {number}")
+    program = corvane()
+    for number, act in enumerate(acts, 1):
+        program.select(number)
+        assert program.api(8) == number
+        for extension in ("dat", "wav", "txt"):
+            (data.current / f"{number:08d}.{extension}").unlink()
+        program.type_notes("typed for nothing") if act == "notes" else program.command(act)
+        assert f"Case {number}" in (text := program.wait_box("Error")), act
+        assert ("typed for nothing" in text) == (act == "notes")
+        program.answer_box("Error", 1)
+        assert not program.row(number) and not list(data.current.glob(f"{number:08d}.*")), act
+    assert program.list_count() == 1 and program.close() == 0
