@@ -9,6 +9,7 @@ constexpr int kGap = 2;
 constexpr int kTransportHeight = 19;
 constexpr int kLineHeight = 8;
 constexpr int kTitleHeight = 10;       // a line of the larger font, with its descenders
+constexpr int kPositionWidth = 80;     // four hours of four: "239:57 / 240:00" in the larger font
 constexpr int kLeastNotesHeight = 20;  // two lines
 
 // Collects places given in dialog units and converts them to pixels. Edges are converted, not sizes, so that
@@ -57,6 +58,11 @@ void PutMeters(Placer& placer, int x, int y, int width) {
     placer.Put(IDC_LEVEL_RIGHT, x, y + 5, width, 4);
 }
 
+void PutTitle(Placer& placer, int y, int width) {
+    placer.Put(IDC_DICTATIONNAME, kMargin, y, width - kPositionWidth - kGap, kTitleHeight);
+    placer.Put(IDC_POSITION, kMargin + width - kPositionWidth, y, kPositionWidth, kTitleHeight);
+}
+
 void LayoutCompact(Placer& placer, int width) {
     const int inner = width - 2 * kMargin;
     int y = kMargin + kTransportHeight + 4;
@@ -66,8 +72,7 @@ void LayoutCompact(Placer& placer, int width) {
     placer.Put(IDC_DOCK, kMargin + 64, y, 30, 13);
     PutMeters(placer, kMargin + 100, y + 2, inner - 100);
     y += 17;
-    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 64, kTitleHeight);
-    placer.Put(IDC_POSITION, kMargin + inner - 62, y, 62, kTitleHeight);
+    PutTitle(placer, y, inner);
     y += 12;
     placer.Put(IDC_LOGGEDON, kMargin, y, inner - 54, kLineHeight);
     placer.Put(IDC_SENDPROGRESS, kMargin + inner - 52, y, 52, kLineHeight);
@@ -85,8 +90,7 @@ void LayoutFull(Placer& placer, int width, int height) {
     placer.Put(IDC_DOCK, afterTransport + 2 * (button + kGap), kMargin, button, kTransportHeight);
 
     int y = kMargin + kTransportHeight + 3;
-    placer.Put(IDC_DICTATIONNAME, kMargin, y, inner - 148, kTitleHeight);
-    placer.Put(IDC_POSITION, kMargin + inner - 146, y, 66, kTitleHeight);
+    PutTitle(placer, y, inner - 80);
     PutMeters(placer, kMargin + inner - 74, y, 74);
     y += kTitleHeight + 2;
 

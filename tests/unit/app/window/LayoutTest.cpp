@@ -84,7 +84,7 @@ TEST_F(LayoutTest, TheMaximizedViewGivesTheListItsRoomAndLeavesTheTransportWhere
     constexpr int kRow[] = {IDC_RECORD, IDC_STOP, IDC_PLAY, IDC_GOTOSTART, IDC_REWIND, IDC_FASTFORWARD};
     Lay(ViewMode::Compact, 277, 113);
     EXPECT_TRUE(Of(IDC_LIST).IsHidden());
-    EXPECT_FALSE(Of(IDC_POSITION).IsHidden());
+    EXPECT_GE(Of(IDC_POSITION).width, 116) << "239:57 / 239:57 in one line";
     std::vector<ControlPlace> compact;
     for (int control : kRow) compact.push_back(Of(control));
     Lay(ViewMode::Maximized, 1016, 700);
