@@ -15,7 +15,7 @@ constexpr Mask kAudio = 1 << 3;  // there is audio, or there will be when the re
 constexpr Mask kRunning = 1 << 4;
 constexpr Mask kNoProcess = 1 << 5;
 constexpr Mask kNoQuestion = 1 << 6;
-constexpr Mask kBuilt = 1 << 7;  // never met: the command is not built yet
+constexpr Mask kNotBuilt = 1 << 7;  // a condition that is never met
 
 // The transport works while a box is open, since a user with a pedal may not look at the window: a box that
 // opens meanwhile must not cost him his words. All other commands need that nothing is open.
@@ -41,15 +41,15 @@ struct CommandNeeds {
 // In the order of the numbers. A command that is not listed needs kIdle.
 constexpr CommandNeeds kNeeds[] = {
     {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
-    {IDC_DOCK, IDC_DOCK, kBuilt},
+    {IDC_DOCK, IDC_DOCK, kNotBuilt},
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
-    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kBuilt},
-    {CM_VIEWSENT, CM_RECOVER, kBuilt},
-    {CM_LOGON, CM_LOGON, kBuilt},
+    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kNotBuilt},
+    {CM_VIEWSENT, CM_RECOVER, kNotBuilt},
+    {CM_LOGON, CM_LOGON, kNotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
-    {CM_LOADFILE, CM_LOADSENDFILE, kBuilt},
+    {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},
     {CM_EXIT, CM_EXIT, 0},
     {CM_RECORD, CM_RECORD, kTransport},
     {CM_PLAY, CM_PLAY, kTransport | kAudio},
@@ -59,11 +59,11 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
     {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
     {CM_RECORD_OVERWRITE, CM_RECORD_OVERWRITE, kTransport},
-    {CM_RECORD_INSERT, CM_RECORD_INSERT, kBuilt},
+    {CM_RECORD_INSERT, CM_RECORD_INSERT, kNotBuilt},
     {CM_RECORD_END, CM_RECORD_END, kTransport},
-    {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, kBuilt},
-    {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, kBuilt},
-    {CM_HELP, CM_HELP, kBuilt},
+    {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, kNotBuilt},
+    {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, kNotBuilt},
+    {CM_HELP, CM_HELP, kNotBuilt},
 };
 
 Mask Met(const CommandSituation& situation) {
