@@ -69,4 +69,4 @@ def test_what_another_session_took_away_leaves_the_list_and_nothing_takes_its_na
         assert ("typed for nothing" in text) == (act == "notes")
         program.answer_box("Error", 1)
         assert not program.row(number) and not list(data.current.glob(f"{number:08d}.*")), act
-    assert program.list_count() == 1 and program.close() == 0
+    assert len(program.rows()) == 1 and program.close() == 0
