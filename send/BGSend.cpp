@@ -90,7 +90,6 @@ bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) 
         return true;
     });
     m_toldUnusable = false;
-    if (!added) TellUnusable();
     StartSending();
     return added;
 }

@@ -50,7 +50,7 @@ public:
     void SetQueuePath(const LPath& path);
 
     // Appends an entry (the audio file in Sent, the recipient's record file, the sending user) and starts the
-    // thread. False, with an error text, when the queue file cannot be written.
+    // thread. False when the queue file cannot be written; the caller tells the user.
     bool Add(const LPath& dictation, const LPath& recipient, uint32_t user);
 
     // Starts the thread. One that runs already looks at the whole queue once more before it ends.

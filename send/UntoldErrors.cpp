@@ -16,6 +16,7 @@ static constexpr int32_t kMostCounted = 1000000;
 static constexpr size_t kLongestText = 259;
 static constexpr size_t kLongestName = 100;  // of which a box shows 80 characters
 static constexpr size_t kMostBytes = size_t{32} << 10;
+static constexpr int kMostBreaks = 6;
 static constexpr char kUnnamed[] =
     "More dictations could not be sent.\n\nPlease look through the sent dictations and send them again.";
 
@@ -33,9 +34,13 @@ void UntoldErrors::KeepIn(const LPath& file) {
         LTrace("UntoldErrors::KeepIn unable to read file", file.View());
         return;
     }
+    const int64_t size = stored.IsOpen() ? std::max<int64_t>(stored.Size(), 0) : 0;
+    std::string text(std::min(static_cast<size_t>(size), kMostBytes), '\0');
+    if (stored.Read({reinterpret_cast<uint8_t*>(text.data()), text.size()}) != text.size()) {
+        LTrace("UntoldErrors::KeepIn unable to read file", file.View());
+        return;
+    }
     m_file = file;
-    std::string text(stored.IsOpen() ? kMostBytes : 0, '\0');
-    text.resize(stored.Read({reinterpret_cast<uint8_t*>(text.data()), text.size()}));
     Parse(text);
 }
 
@@ -44,8 +49,9 @@ void UntoldErrors::Parse(std::string_view text) {
     while (!text.empty() && m_errors.size() < kMostErrors) {
         SendError error;
         for (std::string* field : {&error.text, &error.dictation, &error.typist}) *field = TakeField(text);
-        std::ranges::replace_if(
-            error.text, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n'; }, ' ');
+        int breaks = 0;  // of lines: more would push the buttons off the screen
+        for (char& c : error.text)
+            if (static_cast<unsigned char>(c) < ' ' && (c != '\n' || ++breaks > kMostBreaks)) c = ' ';
         Take(std::move(error));
     }
     m_more = m_errors.empty() ? 0 : std::clamp(more, 0, kMostCounted);

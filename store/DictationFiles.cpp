@@ -3,6 +3,7 @@
 #include <string>
 
 #include "base/LFile.h"
+#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 
@@ -36,8 +37,10 @@ bool DictationFiles::AnyExists() const {
 bool DictationFiles::IsGone() const {
     constexpr uint32_t kReplaceMs = 200;
     const uint32_t start = LTickMs();
+    const LPath folder = LPath(LFolderOf(record.View())).WithoutSeparator();
+    const LPath move = LPath::Join(LFolderOf(folder.View()), LLeftOver::kMove);
     while (LFile::IsAbsent(record)) {
-        if (LTickMs() - start >= kReplaceMs) return true;
+        if (LTickMs() - start >= kReplaceMs) return LFile::IsFolder(folder) && LFile::IsAbsent(move);
         LSleep(20);
     }
     return false;

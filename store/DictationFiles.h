@@ -24,6 +24,8 @@ struct DictationFiles {
     DictationFiles InFolder(const LPath& folder) const;
 
     bool AnyExists() const;
-    // Whether the record is absent, and not just for the moment in which another program replaces it.
+    // Whether the record is absent for good: not for the moment in which another program replaces it, while a
+    // move is under way that may bring it back, or because the folder itself is away, as a drive that was
+    // disconnected is.
     bool IsGone() const;
 };

@@ -20,7 +20,6 @@
 
 namespace {
 
-constexpr char kJournalName[] = "moving.txt";
 constexpr char kJournalWithNotes = '+';  // follows the file name of a dictation that has notes
 
 constexpr char kUnreadable[] =
@@ -45,7 +44,7 @@ constexpr char kUnmovable[] =
 LPath s_settledJournal;
 
 LPath JournalPath(const CurrentUser& user) {
-    return LPath::Join(LFolderOf(user.userFile.View()), kJournalName);
+    return LPath::Join(LFolderOf(user.userFile.View()), LLeftOver::kMove);
 }
 
 bool DeleteJournal(const LPath& journal) {

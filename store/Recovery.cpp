@@ -103,6 +103,13 @@ void Discard(const LPath& path) {
     LFile::Delete(path);
 }
 
+// Finishes the errors of sending that were being written: where the target had to be deleted first, the file
+// beside it is the only copy.
+void FinishUntold(const LPath& beside) {
+    const LPath kept = beside.WithExtension(".txt");
+    if (!LFile::IsAbsent(kept) || !LFile::Replace(beside, kept)) Discard(beside);
+}
+
 // Finishes audio that was being rewritten. The old file stays until the new one is complete, so the new one
 // is wanted only where the old one is absent; it is then the recording, complete or not.
 void FinishAudio(const LPath& rewritten) {
@@ -123,7 +130,7 @@ constexpr LeftOver kAnywhere[] = {
     {LLeftOver::kRecipient, SendToSettings::RecoverUnfinished},
     {LLeftOver::kNotes, NotesFile::RecoverUnfinished},
     {LLeftOver::kJournal, Discard},
-    {LLeftOver::kUntold, Discard},
+    {LLeftOver::kUntold, FinishUntold},
 };
 // In Current only: in Sent, files of this name belong to the send thread.
 constexpr LeftOver kInCurrent[] = {{LLeftOver::kAudio, FinishAudio}};

@@ -39,10 +39,13 @@ private:
 namespace {
 class DeafToKeys {
 public:
-    DeafToKeys() : m_hook(SetWindowsHookExA(WH_MSGFILTER, Filter, nullptr, GetCurrentThreadId())) {
+    DeafToKeys()
+        : m_before(s_hook), m_hook(SetWindowsHookExA(WH_MSGFILTER, Filter, nullptr, GetCurrentThreadId())) {
+        s_hook = m_hook;
         s_sinceMs = GetTickCount();
     }
     ~DeafToKeys() {
+        s_hook = m_before;
         if (m_hook != nullptr) UnhookWindowsHookEx(m_hook);
     }
     DeafToKeys(const DeafToKeys&) = delete;
@@ -52,14 +55,16 @@ private:
     static constexpr DWORD kDeafMs = 1000;
 
     static LRESULT CALLBACK Filter(int code, WPARAM wParam, LPARAM lParam) {
-        const auto& message = *reinterpret_cast<const MSG*>(lParam);
-        const bool isKey = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
-        if (code == MSGF_DIALOGBOX && isKey && GetTickCount() - s_sinceMs < kDeafMs) return 1;
-        return CallNextHookEx(nullptr, code, wParam, lParam);
+        if (code == MSGF_DIALOGBOX && GetTickCount() - s_sinceMs < kDeafMs) {
+            const auto& message = *reinterpret_cast<const MSG*>(lParam);
+            if (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST) return 1;
+        }
+        return CallNextHookEx(s_hook, code, wParam, lParam);
     }
 
     static inline DWORD s_sinceMs = 0;
-    HHOOK m_hook;
+    static inline HHOOK s_hook = nullptr;  // of the innermost box; Windows 95 to Me ask for it
+    HHOOK m_before, m_hook;
 };
 }  // namespace
 
@@ -124,6 +129,12 @@ bool LModalRunner::ShowLater() {
     for (const std::string& text : std::exchange(m_atRest, {}))
         UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
     return false;
+}
+
+void LModalRunner::ShowAll() {
+    for (const std::string& text : std::exchange(m_later, {})) Tell(text);
+    for (const std::string& text : std::exchange(m_atRest, {}))
+        UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
 LModalRunner::Standing LModalRunner::What() const {

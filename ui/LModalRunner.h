@@ -54,6 +54,9 @@ public:
     // Shows what may be shown now. True when texts still wait for the hand to rest.
     bool ShowLater();
 
+    // Shows all that wait, before the window closes.
+    void ShowAll();
+
     // The user pressed a key or a mouse button; called for each such message.
     void NoteInput() { m_lastInputMs = GetTickCount(); }
     // Nothing was pressed for 1.5 s.

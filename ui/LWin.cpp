@@ -25,3 +25,25 @@ void LSetWindowText(HWND window, std::string_view text) {
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags) {
     return MessageBoxA(owner, std::string(text).c_str(), std::string(caption).c_str(), flags);
 }
+
+namespace {
+struct GlobalMemoryTraits {
+    using Type = HGLOBAL;
+    static Type None() { return nullptr; }
+    static void Close(Type h) { GlobalFree(h); }
+};
+}  // namespace
+
+bool LCopyToClipboard(std::string_view text) {
+    LOwned<GlobalMemoryTraits> memory(GlobalAlloc(GMEM_MOVEABLE, text.size() + 1));
+    char* const bytes = memory ? static_cast<char*>(GlobalLock(memory.Get())) : nullptr;
+    if (bytes == nullptr) return false;
+    bytes[text.copy(bytes, text.size())] = '\0';
+    GlobalUnlock(memory.Get());
+    if (!OpenClipboard(nullptr)) return false;
+    EmptyClipboard();
+    const bool isTaken = SetClipboardData(CF_TEXT, memory.Get()) != nullptr;
+    if (isTaken) memory.Release();  // the clipboard's own now
+    CloseClipboard();
+    return isTaken;
+}

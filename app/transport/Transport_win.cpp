@@ -180,9 +180,13 @@ void Transport::EndWinding(WindDirection direction) {
 
 // ---- Position --------------------------------------------------------------------------------------------
 
+void Transport::ForgetNothingRecorded() {
+    if (std::exchange(m_recordedNothing, false)) m_owner.PositionChanged();
+}
+
 bool Transport::Stop() {
     m_playsAfterWinding = false;
-    if (std::exchange(m_recordedNothing, false)) m_owner.PositionChanged();
+    ForgetNothingRecorded();
     if (m_isPreparing) {
         m_stopAsked = true;
         LModalRunner::CancelProcess();

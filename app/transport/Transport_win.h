@@ -62,6 +62,7 @@ public:
     bool HearsNothing() const { return m_recording.HearsNothing(); }
     // The recording that ended last wrote nothing, and no command has been given since.
     bool RecordedNothing() const { return m_recordedNothing; }
+    void ForgetNothingRecorded();
     bool IsPlaying() const { return m_playback.IsPlaying(); }
     PlaySpeed Speed() const { return m_playback.Speed(); }
     bool IsWinding() const { return m_playback.IsWinding(); }

@@ -31,7 +31,9 @@ constexpr char kCannotCreate[] =
 
 constexpr char kGone[] =
     "The dictation \"%.80s\"%s no longer here.\n\nSent or deleted in another window, perhaps.%s";
-constexpr char kTyped[] = "\n\nWhat stood in the box for its notes was not stored:\n\n%.2000s";
+constexpr size_t kTypedShown = 500;
+constexpr char kTyped[] = "\n\nWhat stood in the box for its notes was not stored:\n\n%.500s";
+constexpr char kTypedCopied[] = "...\n\nAll of it is on the clipboard.";
 
 }  // namespace
 
@@ -97,24 +99,32 @@ bool DictationCommands::DropGone(std::vector<DictationFiles> dictations) {
     for (const DictationFiles& files : m_list.NotIn(FolderListing(m_state.user.currentFolder)))
         if (LFile::IsAbsent(files.record)) dictations.push_back(files);
     m_notes.Save();  // hands over what was typed into one of them
-    for (const DictationFiles& files : dictations) m_notes.Forget(files.notes);
+    std::string typed;
+    for (const DictationFiles& files : dictations) {
+        if (const UnsavedNotes::Kept* kept = m_notes.Unsaved().Find(files.notes))
+            typed += (typed.empty() ? "" : "\n\n") + m_list.NameOf(files.record) + ": " + kept->text;
+        m_notes.Forget(files.notes);
+    }
     const int before = m_list.Count();
     m_list.RemoveFiles(dictations);
     const int others = before - m_list.Count() - 1;
     if (others < 0) return true;
     const std::string more = others == 0 ? " is" : LFormat(" and %d more are", others);
-    const std::string typed = std::exchange(m_typedForNothing, {});
-    const std::string notes = typed.empty() ? "" : LFormat(kTyped, typed.c_str());
-    m_runner.TellLater(LFormat(kGone, name.c_str(), more.c_str(), notes.c_str()));
+    std::string notes = typed.empty() ? "" : LFormat(kTyped, typed.c_str());
+    if (typed.size() > kTypedShown) notes += LCopyToClipboard(typed) ? kTypedCopied : "...";
+    const std::string text = LFormat(kGone, name.c_str(), more.c_str(), notes.c_str());
+    typed.empty() ? m_runner.TellLater(text) : m_runner.TellAtRest(text);
     return true;
 }
 
 bool DictationCommands::SetPriority(std::string_view priority) {
     bool all = true;
     const std::vector<DictationFiles> selected = m_list.Selected();
-    for (const DictationFiles& files : selected) all = StorePriority(files.record, priority) && all;
+    for (const DictationFiles& files : selected)
+        all = (StorePriority(files.record, priority) || files.IsGone()) && all;
     m_list.UpdateFiles(selected, FolderListing(m_state.user.currentFolder));
-    if (!DropGone(m_list.TakeAbsent()) && !all) TellNotStored();
+    DropGone(m_list.TakeAbsent());
+    if (!all) TellNotStored();
     return all;
 }
 
@@ -201,8 +211,9 @@ void DictationCommands::AskAboutSendError() {
 }
 
 bool DictationCommands::TellSendErrorAtClose() {
-    if (m_runner.What() == LModalRunner::Standing::Nothing && m_queue.PendingError()) {
+    if (m_runner.What() == LModalRunner::Standing::Nothing) {
         StopAndSave();
+        m_runner.ShowAll();
         AskAboutSendError();
     }
     return m_runner.MayGoOn();

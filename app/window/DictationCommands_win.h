@@ -50,8 +50,6 @@ public:
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
     // on a dictation: its absence must not look like an empty one, and a new file must not take its name.
     bool DropGone(std::vector<DictationFiles> dictations);
-    // Notes that were typed into such a dictation: the user gets them back with that message.
-    void KeepTyped(const std::string& notes) { m_typedForNothing = notes; }
 
     // Shows the pending error of sending, unless the transport runs, the user's hand is at work or something
     // modal is open; then it stays pending.
@@ -83,5 +81,4 @@ private:
     NotesBox& m_notes;
     Transport& m_transport;
     const CurrentDictation& m_current;
-    std::string m_typedForNothing;
 };

@@ -433,6 +433,7 @@ bool MainDialog::Give(int command) {
     for (const CommandEntry& entry : kCommands) {
         if (command < entry.first || command > entry.last) continue;
         const std::optional<DictationFiles> before = m_current.Files();
+        m_transport.ForgetNothingRecorded();
         const bool isDone = entry.give(*this, command);
         SettleSelection();
         if (!IsOpen()) return isDone;
@@ -540,7 +541,7 @@ void MainDialog::FollowSelection() {
         m_current.Set(m_current.Choose(m_list));  // chosen again: stopping may have run messages
         const bool wasTyping = GetFocus() == Item(IDC_NOTES);
         m_notes.Load(m_current ? m_current.Files()->notes : LPath());
-        if (wasTyping && !m_current) m_display.FocusHome();
+        if (wasTyping) m_display.FocusHome();  // the next word would go into another patient's notes
         m_transport.EvDictationChanged();
     }
     m_display.ShowSituation(Situation());

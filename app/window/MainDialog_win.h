@@ -141,8 +141,7 @@ private:
     void AfterRename(bool isLost) override;
     // NotesBox::Owner
     void NotesSaved(const LPath& notesFile) override { m_list.UpdateLater(notesFile.WithExtension(".dat")); }
-    void TypedForNothing(const LPath& notesFile, const std::string& text) override {
-        m_dictations.KeepTyped(text);
+    void TypedForNothing(const LPath& notesFile) override {
         m_list.UpdateLater(notesFile.WithExtension(".dat"));
     }
     void NotesStateChanged() override;

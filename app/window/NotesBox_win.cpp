@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/window/NotesText.h"
+#include "base/LFile.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/DictationFiles.h"
@@ -96,9 +97,12 @@ bool NotesBox::Save() {
         m_isModified = false;
         const std::string text = LWindowText(m_edit);
         // A file without a record would never be listed or sent.
-        if (DictationFiles::OfPath(m_file).IsGone()) {
-            m_owner->TypedForNothing(m_file, text);
-            return true;
+        const DictationFiles files = DictationFiles::OfPath(m_file);
+        if (files.IsGone() || LFile::IsAbsent(files.record)) {
+            m_unsaved.Keep(m_file, m_earlier, text);
+            m_owner->TypedForNothing(m_file);
+            m_owner->NotesStateChanged();
+            return false;
         }
         if (const std::optional<std::string> written = m_unsaved.Save(m_file, m_earlier, text)) {
             ShowMerged(text, *written);
@@ -117,6 +121,8 @@ void NotesBox::Retry() {
         if (written == m_file && NotesFile::Read(m_file, text)) ShowMerged(LWindowText(m_edit), text);
         m_owner->NotesSaved(written);
     }
+    for (const UnsavedNotes::Kept& kept : m_unsaved.All())
+        if (LFile::IsAbsent(kept.notes.WithExtension(".dat"))) m_owner->TypedForNothing(kept.notes);
     m_owner->NotesStateChanged();
 }
 

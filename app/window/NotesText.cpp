@@ -10,7 +10,12 @@ namespace {
 constexpr uint64_t kMostLayOutWork = 100'000'000;
 constexpr size_t kShownLineBytes = 400;
 
-// The one span in which a text differs from an earlier one.
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The one span in which a text differs from an earlier one, of whole words: two changes of one word or number
+// must not become a third that nobody wrote.
 struct Change {
     size_t begin = 0;  // in the earlier text
     size_t end = 0;
@@ -18,10 +23,15 @@ struct Change {
 };
 
 Change FindChange(std::string_view earlier, std::string_view now) {
-    const size_t begin = SharedBytes(earlier, now);
+    size_t begin = SharedBytes(earlier, now);
     const auto most = static_cast<ptrdiff_t>(std::min(earlier.size(), now.size()) - begin);
     const auto tail = std::mismatch(earlier.rbegin(), earlier.rbegin() + most, now.rbegin());
-    const auto same = static_cast<size_t>(tail.first - earlier.rbegin());
+    auto same = static_cast<size_t>(tail.first - earlier.rbegin());
+    const auto isInWord = [](size_t at, std::string_view text) {
+        return at > 0 && at < text.size() && !IsBlank(text[at - 1]) && !IsBlank(text[at]);
+    };
+    while (isInWord(begin, earlier) || isInWord(begin, now)) --begin;
+    while (isInWord(earlier.size() - same, earlier) || isInWord(now.size() - same, now)) --same;
     return {begin, earlier.size() - same, now.substr(begin, now.size() - same - begin)};
 }
 
@@ -47,8 +57,8 @@ std::string MergeNotes(std::string_view earlier, std::string_view theirs, std::s
     if (theirs.empty()) return std::string(ours);
     Change first = FindChange(earlier, ours);
     Change second = FindChange(earlier, theirs);
-    if (second.end <= first.begin && second.begin < first.begin) std::swap(first, second);
     const bool isSamePlace = first.begin == second.begin && first.end == second.end;
+    if (second.end <= first.begin && !isSamePlace) std::swap(first, second);
     if (first.end <= second.begin && !isSamePlace)
         return std::string(earlier.substr(0, first.begin))
             .append(first.text)

@@ -25,7 +25,7 @@ constexpr char kNoRecording[] = "It has no recording yet. Please record it first
 constexpr char kUnsavedNotes[] = "Its notes could not be saved. The disk may be full. It stays in the list.";
 constexpr char kNoFolder[] =
     "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
-constexpr char kNotQueued[] = "The list of dictations to send cannot be written to. It stays in the list.";
+constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
 // Whether there is audio to send. False also for a recording that ended without a word; true for a file that
 // cannot be opened now, which the move then reports.
@@ -66,7 +66,7 @@ int SendCommands::ChooseRecipient() const {
 SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
     MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
-    if (LFile::IsAbsent(files.record)) return {Outcome::Gone, {}};
+    if (files.IsGone()) return {Outcome::Gone, {}};
     if (!HasRecording(files.audio)) return {Outcome::NotSent, kNoRecording};
     if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/window/NotesText.h"
+#include "base/LFile.h"
 #include "store/NotesFile.h"
 
 // A file that cannot be read is not written: nobody knows what another program has put into it.
@@ -19,13 +20,19 @@ std::optional<std::string> UnsavedNotes::Save(const LPath& notes, std::string_vi
                                               std::string_view text) {
     Forget(notes);
     std::optional<std::string> written = TryWrite(notes, earlier, text);
-    if (!written) m_kept.push_back({notes, std::string(earlier), std::string(text)});
+    if (!written) Keep(notes, earlier, text);
     return written;
+}
+
+void UnsavedNotes::Keep(const LPath& notes, std::string_view earlier, std::string_view text) {
+    Forget(notes);
+    m_kept.push_back({notes, std::string(earlier), std::string(text)});
 }
 
 std::vector<LPath> UnsavedNotes::Retry() {
     std::vector<LPath> written;
     std::erase_if(m_kept, [&](const Kept& kept) {
+        if (LFile::IsAbsent(kept.notes.WithExtension(".dat"))) return false;
         if (!TryWrite(kept.notes, kept.earlier, kept.text)) return false;
         written.push_back(kept.notes);
         return true;

@@ -22,6 +22,8 @@ TEST(NotesText, MergingKeepsWhatEitherVersionAdded) {
         {"one two three", "one three", "one two three four", "one three four"},
         // Of the same passage.
         {"the left arm", "the right arm", "the lame arm", "the lame\r\nright arm"},
+        {"the left arm", "the sore left arm", "the right arm", "the sore right arm"},
+        {"5 mg daily", "15 mg daily", "50 mg daily", "50\r\n15 mg daily"},
         {"all of it", "", "all of it and more", "all of it and more"},
     };
     for (const auto& c : kCases) EXPECT_EQ(MergeNotes(c.earlier, c.theirs, c.ours), c.merged) << c.theirs;

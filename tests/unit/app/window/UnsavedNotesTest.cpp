@@ -16,6 +16,8 @@ TEST(UnsavedNotes, KeepsWhatTheDiskDoesNotTakeUntilItDoes) {
     EXPECT_TRUE(notes.Retry().empty());
     temp.Folder("gone");
     WriteFileText(lost, std::string("of another program\0", 19));
+    EXPECT_TRUE(notes.Retry().empty()) << "no record yet, or no more";
+    WriteFileText(lost.WithExtension(".dat"), "");
     EXPECT_EQ(notes.Retry().size(), 1u);
     EXPECT_EQ(ReadFileText(lost), std::string("first and more\r\nof another program\0", 35));
     EXPECT_TRUE(notes.Empty());
