@@ -19,7 +19,8 @@ public:
         virtual ~Owner() = default;
         // Notes were written, not always those of the current dictation.
         virtual void NotesSaved(const LPath& notesFile) = 0;
-        // A text was typed into the notes of a dictation that has no record any more; it is kept, not written.
+        // A text was typed into the notes of a dictation that has no record any more; it is kept, not
+        // written.
         virtual void TypedForNothing(const LPath& notesFile) = 0;
         // The set of unsaved notes may have changed, or ReadOnlyReason.
         virtual void NotesStateChanged() = 0;

@@ -25,7 +25,8 @@ public:
     std::optional<std::string> Save(const LPath& notes, std::string_view earlier, std::string_view text);
     // Keeps a text whose dictation may be gone: it must not become a file without a record.
     void Keep(const LPath& notes, std::string_view earlier, std::string_view text);
-    // Tries again to write all kept notes whose dictation has a record. Returns the paths of those that were written.
+    // Tries again to write all kept notes whose dictation has a record. Returns the paths of those that were
+    // written.
     std::vector<LPath> Retry();
     // What is kept of a dictation; nullptr when the file holds the current text.
     const Kept* Find(const LPath& notes) const;
