@@ -30,8 +30,7 @@ constexpr char kDialogClass[] = "#32770";
 constexpr char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 constexpr char kCorruptInstaller[] =
     "Installation file corrupt.\n\nA checksum error was detected in your install file, please redownload "
-    "file and "
-    "install again.";
+    "file and install again.";
 constexpr char kFolderTooLong[] =
     "The name of the data folder is too long: the files in it could not be opened.\n\nPlease move the folder "
     "to a place with a shorter name, or install Corvane again.";

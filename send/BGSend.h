@@ -37,7 +37,7 @@ struct BGSendOwner {
 //         named below it. They survive the program (UntoldErrors). While the queue file cannot be read or
 //         changed, nothing is sent; the thread reports this after some seconds, once until the file works
 //         again or an entry is added, and goes on trying.
-// Thread: the owner's; RequestStop, GetProgress and what deals with errors on any. The destructor stops the
+// Thread: the owner's; RequestStop, GetProgress and the methods for errors: any. The destructor stops the
 //         thread and waits for it.
 class BGSend final : private LThread {
 public:
@@ -74,7 +74,8 @@ public:
     // Takes up the errors that an earlier run did not tell, and keeps those of this one in a file of this
     // folder until they are answered. For the one program that may write there (inuse.lck).
     void KeepErrorsIn(const LPath& userFolder);
-    // The error that waits to be told, and its removal by the answer; what came in between goes on waiting.
+    // The error that waits to be told, and its removal by the answer; errors that came in between go on
+    // waiting.
     SendError PendingError() const;
     void ForgetError(const SendError& told);
     // Both in one.

@@ -73,7 +73,7 @@ bool UntoldErrors::Take(SendError error) {
     const auto isTheSame = [&](const SendError& other) {
         return other.text == error.text && other.dictation == error.dictation;
     };
-    // One cause, one text: what concerns no single dictation may come up again and again.
+    // One cause, one text: an error that concerns no single dictation may come up again and again.
     if (error.dictation.empty() && std::ranges::any_of(m_errors, isTheSame)) return true;
     if (m_errors.size() >= kMostErrors) return false;
     m_errors.push_back(std::move(error));

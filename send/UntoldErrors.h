@@ -10,19 +10,19 @@
 // The errors of sending that the user has not answered yet, in their order, and the file that keeps them:
 // neither closing the window nor a kill may cost him the news of a dictation that did not arrive. Its record
 // can say "Sent" all the same.
-// The file is not trusted: it yields a bounded number of bounded texts, whatever it holds. While it cannot be
+// The file is not trusted: it yields a bounded number of bounded texts. While it cannot be
 // read it is not written either, and the errors live in memory alone.
 // Errors: of the file, traced; the errors are then told by this run or not at all.
 // Thread: one at a time; BGSend guards it.
 class UntoldErrors {
 public:
-    // Takes up what an earlier run left in the file; from then on it follows every change.
+    // Takes up the errors that an earlier run left in the file; from then on it follows every change.
     void KeepIn(const LPath& file);
     // False when there are too many: the error is counted and its text dropped.
     bool Add(SendError error);
     // The first error with the others behind it; empty when there is none.
     SendError All() const;
-    // Removes what All returned before; errors that were added since stay.
+    // Removes the errors that All returned; errors that were added since stay.
     void Forget(const SendError& told);
 
 private:

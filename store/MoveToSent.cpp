@@ -32,8 +32,7 @@ constexpr char kEarlierMove[] =
     "please try again in a moment.";
 constexpr char kSameNumber[] =
     "Another dictation of the same number waits to be sent, or its files are open in another program. It "
-    "stays in "
-    "the list; please try again later.";
+    "stays in the list; please try again later.";
 constexpr char kUnwritable[] =
     "The data folder cannot be written to. The disk may be full or write-protected. It stays in the list.";
 constexpr char kUnmovable[] =

@@ -51,7 +51,7 @@ public:
     void TellLater(std::string_view text);
     // Queues a text that no command leads to; ShowLater shows it while the hand rests.
     void TellAtRest(std::string_view text);
-    // Shows what may be shown now. True when texts still wait for the hand to rest.
+    // Shows the texts that may be shown now. True when texts still wait for the hand to rest.
     bool ShowLater();
 
     // Shows all that wait, before the window closes.

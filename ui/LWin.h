@@ -18,7 +18,7 @@ void LSetWindowText(HWND window, std::string_view text);
 // A message box owned by a window.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 
-// Replaces what the clipboard holds. False when another program keeps it open.
+// Replaces the contents of the clipboard. False when another program keeps it open.
 bool LCopyToClipboard(std::string_view text);
 
 // Owners of platform handles (base/LOwned.h).

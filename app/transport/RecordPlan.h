@@ -33,8 +33,8 @@ struct ShownPlace {
     int32_t lengthMs = 0;
 };
 
-// Overwriting from the end of what is shown appends: there may be more behind it that the user has never
-// seen.
+// Overwriting from the end of the shown length appends: more sound may lie behind it, recorded in another
+// session, that the user has never seen.
 constexpr RecordMode ModeAt(RecordMode mode, ShownPlace shown) {
     return shown.positionMs >= shown.lengthMs ? RecordMode::Append : mode;
 }

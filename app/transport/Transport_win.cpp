@@ -23,8 +23,7 @@ namespace {
 constexpr char kCannotPlay[] =
     "Unable to play this dictation.\n\n"
     "Its audio file cannot be read. It may be open in another program, or its format is one that this "
-    "computer "
-    "does not know. Nothing was changed.";
+    "computer does not know. Nothing was changed.";
 constexpr char kNoDevice[] =
     "Unable to start playback device.\n\n"
     "This might mean you do not have a sound card installed or the sound card is being used by another "
@@ -73,7 +72,7 @@ bool Transport::Start(RecordMode mode) {
     return started;
 }
 
-// What stood behind the position was cut off with the first block; until then nothing has changed.
+// The sound behind the position was cut off with the first block; until then nothing has changed.
 void Transport::RecordingPosition(int32_t positionMs) {
     if (positionMs > m_recording.StartMs()) m_lengthMs = positionMs;
     m_positionMs = positionMs;

@@ -24,8 +24,8 @@ public:
         virtual bool IsDictationThere() = 0;
         // An activity has started or ended. When none runs, LevelChanged has reported silence before.
         virtual void ActivityChanged() = 0;
-        // What the list shows of a dictation may be untrue by now: it was recorded onto (the file is closed
-        // and may be read), or is gone.
+        // The row of a dictation may be out of date: it was recorded onto (the file is closed and may be
+        // read), or is gone.
         virtual void RowOutdated(const DictationFiles& files) = 0;
         virtual void PositionChanged() = 0;
         virtual void LevelChanged(int8_t leftDb, int8_t rightDb) = 0;

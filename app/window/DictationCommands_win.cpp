@@ -40,8 +40,7 @@ constexpr char kTypedCopied[] = "...\n\nAll of it is on the clipboard.";
 const char DictationCommands::kNotStored[] =
     "The change could not be stored.\n\n"
     "The dictation's file may be open in another program or be write-protected, or the disk may be full. "
-    "What could "
-    "not be stored stays as it was.";
+    "What could not be stored stays as it was.";
 
 // Called before every command on a dictation. False when the window is to close.
 bool DictationCommands::StopAndSave() {
@@ -98,7 +97,7 @@ bool DictationCommands::DropGone(std::vector<DictationFiles> dictations) {
     // Where one went others did: the user is told once, not with each row that becomes the current one.
     for (const DictationFiles& files : m_list.NotIn(FolderListing(m_state.user.currentFolder)))
         if (LFile::IsAbsent(files.record)) dictations.push_back(files);
-    m_notes.Save();  // hands over what was typed into one of them
+    m_notes.Save();  // keeps the text that was typed into one of them
     std::string typed;
     for (const DictationFiles& files : dictations) {
         if (const UnsavedNotes::Kept* kept = m_notes.Unsaved().Find(files.notes))

@@ -54,7 +54,8 @@ public:
     // Shows the pending error of sending, unless the transport runs, the user's hand is at work or something
     // modal is open; then it stays pending.
     void ShowSendError();
-    // The same before the user closes the window: what runs is stopped for it. False when the window is gone.
+    // The same before the user closes the window: the transport is stopped for it. False when the window is
+    // gone.
     bool TellSendErrorAtClose();
 
     // Deletes sent dictations beyond the age in the settings.

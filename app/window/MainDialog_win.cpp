@@ -159,7 +159,7 @@ bool MainDialog::InitDialog() {
     if (m_onCreated) m_onCreated();
     _putenv("TZ=GMT0");  // dates are stored and shown without a time-zone shift
     _tzset();
-    // The splash screen would cover what opens.
+    // The splash screen would cover a box.
     m_runner.Attach(
         Window(), WM_SHOWLATER, [this] { m_transport.Stop(); }, [this] { m_splash.Close(); });
     for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));

@@ -15,8 +15,8 @@
 // A text that the control cannot hold completely is never saved back, since the rest would be lost. Whether
 // it was held is seen from the control's own length after setting it. Nor is one that the control would lay
 // out for seconds: it is shown with line breaks that are not its own.
-// Another Windows session may write the same notes: a text is saved together with what stands in the file by
-// then, and the control shows both.
+// Another Windows session may write the same notes: a text is saved together with the text that is in the
+// file by then, and the control shows both.
 
 constexpr UINT kSaveAfterMs = 500;
 // Bytes. The limit of an edit control on Windows 95; every platform lays out this much without a noticeable

@@ -33,8 +33,8 @@ public:
     // that cannot be read, are longer than 65,535 bytes or would keep the control busy are shown read-only
     // and never written back.
     void Load(const LPath& notesFile);
-    // Writes the typed text, joined with what another program has written meanwhile, and earlier unsaved
-    // notes; stops the timer. False when notes of this dictation are still unsaved.
+    // Writes the typed text, joined with the text that another program has written meanwhile, and
+    // earlier unsaved notes; stops the timer. False when notes of this dictation are still unsaved.
     bool Save();
     // The control reported a change: marks the text modified and restarts the timer.
     void EvChange();
@@ -63,7 +63,7 @@ private:
     Owner* m_owner = nullptr;
     UnsavedNotes m_unsaved;
     LPath m_file;
-    std::string m_earlier;  // what the file held when it was last read or written
+    std::string m_earlier;  // contents of the file when it was last read or written
     const char* m_readOnlyReason = nullptr;
     bool m_isModified = false;
     bool m_isLoading = false;

@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-// Joins two versions of one notes text that come from the same earlier one: what either of them added is
-// kept, what only one of them changed or deleted is as that one has it. Where both added at the same place
-// ours comes first, so that a word that is being typed stays in one piece; an addition that only continues
-// the other's replaces it. An empty text of theirs changes nothing.
+// Joins two versions of one notes text that come from the same earlier one: additions of either
+// are kept, and a passage that only one of them changed or deleted is as that one has it. Where both added at
+// the same place ours comes first, so that a word that is being typed stays in one piece; an addition that
+// only continues the other's replaces it. An empty text of theirs changes nothing.
 std::string MergeNotes(std::string_view earlier, std::string_view theirs, std::string_view ours);
 
 // Number of bytes with which both texts begin.

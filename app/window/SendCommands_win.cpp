@@ -18,8 +18,7 @@ namespace {
 
 constexpr char kNoRecipients[] =
     "No Typist Recipients have been set up.\n\nPlease open the Recipient Settings Dialog Box using the "
-    "Recipient "
-    "Settings item on the Settings menu and add a New Recipient.";
+    "Recipient Settings item on the Settings menu and add a New Recipient.";
 constexpr char kNoRecipientsCaption[] = "No Send To Recipients";
 constexpr char kNoRecording[] = "It has no recording yet. Please record it first.";
 constexpr char kUnsavedNotes[] = "Its notes could not be saved. The disk may be full. It stays in the list.";

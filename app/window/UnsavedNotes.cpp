@@ -6,7 +6,7 @@
 #include "base/LFile.h"
 #include "store/NotesFile.h"
 
-// A file that cannot be read is not written: nobody knows what another program has put into it.
+// A file that cannot be read is not written: another program may have put new text into it.
 static std::optional<std::string> TryWrite(const LPath& notes, std::string_view earlier,
                                            std::string_view text) {
     std::string inFile;

@@ -20,15 +20,15 @@ public:
         std::string text;
     };
 
-    // Writes the notes of a dictation, together with what another program has made of the earlier text
-    // meanwhile. Returns what is in the file now; nullopt when that failed and the text is kept here.
+    // Writes the notes of a dictation, together with the changes that another program has made to the
+    // earlier text. Returns the contents of the file; nullopt when that failed and the text is kept here.
     std::optional<std::string> Save(const LPath& notes, std::string_view earlier, std::string_view text);
     // Keeps a text whose dictation may be gone: it must not become a file without a record.
     void Keep(const LPath& notes, std::string_view earlier, std::string_view text);
     // Tries again to write all kept notes whose dictation has a record. Returns the paths of those that were
     // written.
     std::vector<LPath> Retry();
-    // What is kept of a dictation; nullptr when the file holds the current text.
+    // The kept text of a dictation; nullptr when the file holds the current text.
     const Kept* Find(const LPath& notes) const;
     // Drops the text of a deleted dictation.
     void Forget(const LPath& notes);

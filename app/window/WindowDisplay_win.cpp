@@ -228,7 +228,7 @@ void WindowDisplay::ShowNotes(const NotesBox& notes) {
     ShowState();
 }
 
-// The state line: what is wrong, else why the notes cannot be edited or who is logged on.
+// The state line: a fault, else why the notes cannot be edited or who is logged on.
 void WindowDisplay::ShowState() {
     std::string wrong = m_unsaved;
     if (wrong.empty() && m_transport.HearsNothing()) wrong = "No voice heard. Microphone on?";

@@ -46,8 +46,8 @@ public:
     bool ColourState(HDC dc, HWND control, LRESULT& brush) const;
     // fraction: of the queue, 0 to 1.
     void ShowSendProgress(double fraction);
-    // Shows the next text of the information line, which rests while something is wrong: what moves draws the
-    // eye away from the state line.
+    // Shows the next text of the information line, which rests while the state line tells a fault: a changing
+    // text would draw the eye away from it.
     void ShowNextInfo();
 
     // Moves the focus to its home: the list, or, in the compact view, which has none, the transport.
@@ -79,7 +79,7 @@ private:
     std::string m_unsaved;      // about notes that could not be saved; empty: none
     std::string m_normalState;  // the text of the state line while nothing is wrong
     LBrush m_alarmBrush;
-    bool m_isAlarm = false;  // the state line says what is wrong
+    bool m_isAlarm = false;  // the state line tells a fault
     ViewMode m_view = ViewMode::Normal;
     size_t m_infoText = 0;
     bool m_showsInsert = false;  // the record button shows the symbol for inserting
