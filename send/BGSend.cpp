@@ -163,7 +163,7 @@ void BGSend::ForgetError(const SendError& told) {
 }
 
 SendError BGSend::TakeError() {
-    const SendError error = PendingError();
+    SendError error = PendingError();
     ForgetError(error);
     return error;
 }
