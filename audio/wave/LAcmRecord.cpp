@@ -148,7 +148,7 @@ LWaveFileFormat WithTrueByteRate(const LWaveFileFormat& format) {
     const uint64_t blockFrames = static_cast<uint64_t>(LAcmBlockFrames(format));
     uint64_t byteRate = rate;
     if (blockFrames > 0)
-        byteRate = rate * format.BlockAlign() / blockFrames;
+        byteRate = std::max<uint64_t>(rate * format.BlockAlign() / blockFrames, rate > 0 ? 1 : 0);
     else if (told > rate / kMostFramesPerByte && told <= rate * format.Channels() * kMostBytesPerSample)
         byteRate = told;
     LByteWriter record;

@@ -339,6 +339,7 @@ TEST(AcmRecord, GivesCodecsOnlyRecordsThatHoldTogether) {
         {"IMA that promises too much", 0x11, 1, 8000, 4055, 256, 4, "FFFF", 4055, 256, "F901", 505},
         {"IMA of frames beyond 16 bits", 0x11, 1, 131072, 0, 65532, 4, "0100", 131072, 0, "", 0},
         {"IMA of a low byte rate", 0x11, 1, 131072, 0, 32768, 4, "0100", 65543, 32768, "F9FF", 65529},
+        {"IMA of one frame a second", 0x11, 1, 1, 0, 49, 4, "0100", 1, 49, "5900", 89},
         {"GSM of two channels", 0x31, 2, 8000, 1625, 65, 0, "4001", 1625, 0, "", 0},
         {"GSM whose byte rate is rounded", 0x31, 1, 22050, 4479, 65, 0, "4001", 4478, 65, "4001", 320},
         {"GSM in another block", 0x31, 1, 8000, 1625, 100, 0, "4001", 1625, 0, "", 0},
