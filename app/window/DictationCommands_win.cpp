@@ -107,8 +107,8 @@ bool DictationCommands::DropGone(std::vector<DictationFiles> dictations) {
     const int before = m_list.Count();
     m_list.RemoveFiles(dictations);
     const int others = before - m_list.Count() - 1;
-    if (others < 0) return true;
-    const std::string more = others == 0 ? " is" : LFormat(" and %d more are", others);
+    if (others < 0 && typed.empty()) return true;  // no row, and nothing to give back
+    const std::string more = others <= 0 ? " is" : LFormat(" and %d more are", others);
     std::string notes = typed.empty() ? "" : LFormat(kTyped, typed.c_str());
     if (typed.size() > kTypedShown) notes += LCopyToClipboard(typed) ? kTypedCopied : "...";
     const std::string text = LFormat(kGone, name.c_str(), more.c_str(), notes.c_str());

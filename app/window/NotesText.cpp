@@ -10,8 +10,12 @@ namespace {
 constexpr uint64_t kMostLayOutWork = 100'000'000;
 constexpr size_t kShownLineBytes = 400;
 
+bool IsBreak(char c) {
+    return c == '\r' || c == '\n';
+}
+
 bool IsBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    return c == ' ' || c == '\t' || IsBreak(c);
 }
 
 // The one span in which a text differs from an earlier one, of whole words: two changes of one word or number
@@ -33,10 +37,6 @@ Change FindChange(std::string_view earlier, std::string_view now) {
     while (isInWord(begin, earlier) || isInWord(begin, now)) --begin;
     while (isInWord(earlier.size() - same, earlier) || isInWord(now.size() - same, now)) --same;
     return {begin, earlier.size() - same, now.substr(begin, now.size() - same - begin)};
-}
-
-bool IsBreak(char c) {
-    return c == '\r' || c == '\n';
 }
 
 std::string JoinParts(std::string_view ours, std::string_view theirs) {
