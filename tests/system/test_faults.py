@@ -33,7 +33,7 @@ def small_disk(drive_c):
     """A data folder on a disk with room for a few seconds."""
     folder = drive_c / "small"
     folder.mkdir()
-    if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=160k", "tmpfs", folder]).returncode:
+    if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=112k", "tmpfs", folder]).returncode:
         pytest.skip("needs the right to mount")
     yield folder
     subprocess.run(["umount", "-l", folder], check=True)

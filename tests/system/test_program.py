@@ -5,7 +5,10 @@ import subprocess
 import time
 from pathlib import Path
 
+import pytest
 from corvane import EXE, TOOLS, pcm_wav, wait_for
+
+pytestmark = pytest.mark.alone
 
 LVM_GETITEMCOUNT = 0x1004
 ALLOWED = Path(__file__).with_name("platform-functions.txt")
