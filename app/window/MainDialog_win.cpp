@@ -15,11 +15,9 @@
 #include "store/Recovery.h"
 #include "store/SettingsKeys.h"
 
-// Dispatch. Messages, timers and commands are three tables of member functions and lambdas, each searched by
-// one loop; a message that is not in its table gets the default handling. All sources of commands call Give,
-// which first follows a pending change of the selection, then asks IsCommandEnabled, then runs the table
-// entry. The enabled state of menu items and buttons is only a picture of the same rule and is never relied
-// on.
+// Dispatch. Messages and timers are tables of member functions, each searched by one loop; a message that is
+// not in its table gets the default handling. Commands have a table and a file of their own
+// (MainDialogCommands_win.cpp).
 // Modal code. Boxes, dialogs and processes run messages, so any of them can return into a window that is
 // closing or destroyed; every caller tests MayGoOn or IsOpen afterwards.
 // Start. The window is shown and painted before anything slow begins (repair, filling the list, deleting old
@@ -42,19 +40,6 @@ constexpr char kNotAllListed[] =
 constexpr char kLoseNotes[] =
     "The notes of \"%.80s\" could not be saved. The disk might be full or write-protected.\n\n"
     "Do you want to close Corvane and lose what you typed?";
-constexpr const char* kPriorities[] = {"High", "Normal", "Low"};  // in the order of the command numbers
-
-class AboutDialog final : public LDialog {};
-
-POINT CursorPlace() {
-    POINT at = {};
-    GetCursorPos(&at);
-    return at;
-}
-
-WindDirection DirectionOf(int button) {
-    return button == IDC_REWIND || button == CM_REWIND ? WindDirection::Back : WindDirection::Forward;
-}
 
 }  // namespace
 
@@ -90,52 +75,6 @@ const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
     {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
-};
-
-// In the order of the command numbers: first, last, function; its result is Give's.
-const MainDialog::CommandEntry MainDialog::kCommands[] = {
-    {IDC_INFOLINE, IDC_INFOLINK,
-     [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
-    {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
-    {CM_SENDFILE, CM_SENDFILE,
-     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
-    {CM_SENDFILE_TO, CM_SENDFILE_TO,
-     [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Chosen); }},
-    {CM_RENAMEFILE, CM_RENAMEFILE,
-     // Pending changes first: the row must not move under its editor.
-     [](MainDialog& d, int) { return d.m_list.UpdateNoted(), d.m_dictations.BeginRename(); }},
-    {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
-    {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
-     [](MainDialog& d, int command) {
-         return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
-     }},
-    {CM_EXIT, CM_EXIT, [](MainDialog& d, int) { return d.CloseLater(), true; }},
-    {CM_RECORD, CM_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
-    {CM_PLAY, CM_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
-    {CM_STOP, CM_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
-    {CM_PLAY_SLOW, CM_PLAY_FAST,
-     [](MainDialog& d, int command) {
-         return d.SetPlaySpeed(static_cast<PlaySpeed>(command - CM_PLAY_SLOW));
-     }},
-    {CM_GOTOSTART, CM_GOTOSTART, [](MainDialog& d, int) { return d.m_transport.GoToStart(), true; }},
-    {CM_REWIND, CM_FASTFORWARD,
-     // A menu item cannot be held: the same command again, or Stop, ends winding.
-     [](MainDialog& d, int command) {
-         return d.Wind(DirectionOf(command), !d.m_transport.IsWinding(DirectionOf(command)));
-     }},
-    {CM_GOTOEND, CM_GOTOEND, [](MainDialog& d, int) { return d.m_transport.GoToEnd(), true; }},
-    {CM_RECORD_OVERWRITE, CM_RECORD_END,
-     [](MainDialog& d, int command) {
-         return d.m_transport.Record(static_cast<RecordMode>(command - CM_RECORD_OVERWRITE));
-     }},
-    {CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
-     [](MainDialog& d, int command) {
-         return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
-     }},
-    {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
-     [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
-    {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},
-    {CM_ABOUT, CM_ABOUT, [](MainDialog& d, int) { return d.ShowAbout(); }},
 };
 
 MainDialog::MainDialog(AppState& state)
@@ -336,11 +275,6 @@ bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
     return false;
 }
 
-void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
-    Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
-    if (lParam == 0) LeaveButton();
-}
-
 void MainDialog::EvMicButton(WPARAM wParam, LPARAM) {
     m_devices.MicButton(LOWORD(wParam));
 }
@@ -408,124 +342,6 @@ void MainDialog::EvTimerInfoLine() {
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
-}
-
-// ---- Commands --------------------------------------------------------------------------------------------
-
-CommandSituation MainDialog::Situation() const {
-    using Standing = CommandSituation::Standing;
-    const LModalRunner::Standing stands = m_runner.What();
-    return {.view = m_layout.View(),
-            .selectedRows = m_list.SelectedCount(),
-            .hasAudio = m_current && m_transport.LengthMs() > 0,
-            .isRecording = m_transport.IsRecording(),
-            .isRunning = m_transport.IsRunning(),
-            .standing = stands == LModalRunner::Standing::Nothing    ? Standing::Nothing
-                        : stands == LModalRunner::Standing::Question ? Standing::Question
-                                                                     : Standing::Process};
-}
-
-bool MainDialog::Give(int command) {
-    if (!IsOpen() || m_isClosing) return false;
-    SettleSelection();
-    command = MenuCommandOf(command);
-    if (!IsOpen() || !IsCommandEnabled(command, Situation())) return false;
-    for (const CommandEntry& entry : kCommands) {
-        if (command < entry.first || command > entry.last) continue;
-        const std::optional<DictationFiles> before = m_current.Files();
-        m_transport.ForgetNothingRecorded();
-        const bool isDone = entry.give(*this, command);
-        SettleSelection();
-        if (!IsOpen()) return isDone;
-        LeaveButton();
-        // The next typed word would go into another patient's notes.
-        if (!m_current.Is(before) && GetFocus() == Item(IDC_NOTES)) m_display.FocusHome();
-        return isDone;
-    }
-    return false;
-}
-
-// Gives the keyboard back to the notes if the button was pressed while typing, else to the list.
-void MainDialog::LeaveButton() {
-    const bool wasTyping = m_notes.LeftFor() != nullptr && m_notes.LeftFor() == GetFocus();
-    if (IsOpen()) m_display.LeaveButton(wasTyping ? Item(IDC_NOTES) : nullptr);
-}
-
-// Other programs may change something when a menu command could: the window is open and nothing modal is.
-bool MainDialog::MayChange() {
-    if (!IsOpen() || m_isClosing || m_runner.What() != LModalRunner::Standing::Nothing) return false;
-    SettleSelection();
-    return IsOpen();
-}
-
-bool MainDialog::Wind(WindDirection direction, bool isDown) {
-    if (!isDown) {
-        m_transport.EndWinding(direction);
-        return true;
-    }
-    return IsCommandEnabled(CM_REWIND, Situation()) && m_transport.BeginWinding(direction);
-}
-
-bool MainDialog::HoldWinding(WindDirection direction, bool isDown) {
-    const HWND button = Item(direction == WindDirection::Back ? IDC_REWIND : IDC_FASTFORWARD);
-    if (isDown) return IsCommandEnabled(IDC_REWIND, Situation()) && PressHoldButton(button);
-    ReleaseHoldButton(button);
-    return true;
-}
-
-RecordMode MainDialog::DefaultRecordMode() const {
-    return ToRecordMode(Settings::Read(m_state.user.userFile, UserKeys::kRecordMode));
-}
-
-bool MainDialog::SetRecordMode(RecordMode mode) {
-    Settings::Write(m_state.user.userFile, UserKeys::kRecordMode, static_cast<int32_t>(mode));
-    m_display.ShowRecordMode(DefaultRecordMode());
-    return true;
-}
-
-bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
-    const bool plays = m_transport.PlayAt(speed);
-    m_display.ShowPlaySpeed(speed);
-    return plays;
-}
-
-bool MainDialog::SetView(ViewMode view) {
-    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the name editor, which might become invisible
-    // Where one row is shown, one is selected: Delete and Send take all that are.
-    if (view == ViewMode::Compact && m_current) m_list.SelectFile(m_current.Files()->record);
-    const HWND focus = GetFocus();
-    m_layout.SetView(view);
-    m_display.ShowSituation(Situation());
-    // The focus must not stay in a control that is hidden now.
-    if (focus != nullptr && IsChild(Window(), focus) && !IsWindowVisible(focus)) m_display.FocusHome();
-    return true;
-}
-
-bool MainDialog::ShowAbout() {
-    AboutDialog about;
-    m_runner.RunModal(about, IDD_ABOUT, LModalRunner::WhatRuns::GoesOn);
-    return true;
-}
-
-void MainDialog::OpenWindow() {
-    if (IsIconic(Window())) ShowWindow(Window(), SW_RESTORE);
-    SetForegroundWindow(GetLastActivePopup(Window()));  // an open box, which has disabled the window
-}
-
-int MainDialog::Status() const {
-    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? 2 : 1;
-    if (m_transport.IsPlaying()) return 3;
-    return m_transport.IsWinding() ? 4 : 0;
-}
-
-void MainDialog::AppendNotes(std::string_view text) {
-    SettleSelection();
-    m_notes.Append(text);
-}
-
-int32_t MainDialog::CurrentNumber() {
-    SettleSelection();
-    return m_current ? m_list.NumberOf(m_current.Files()->record).value_or(0) : 0;
 }
 
 // ---- The current dictation -------------------------------------------------------------------------------
