@@ -63,3 +63,4 @@ def corvane(winctl, data):
 def pytest_configure(config):
     config.addinivalue_line("markers", "every_windows: also run in a prefix set to Windows 98")
     config.addinivalue_line("markers", "alone: measures sound or time, which other work on the machine would change")
+    config.addinivalue_line("markers", "recording: of those, what needs little of the machine itself")

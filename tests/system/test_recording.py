@@ -8,7 +8,7 @@ from corvane import pcm_wav, wait_for, write_ini
 from sound import read_wav
 
 # A machine that is busy with other things stretches the tones. A fault of ours fails every time.
-pytestmark = [pytest.mark.alone, pytest.mark.flaky(reruns=2)]
+pytestmark = [pytest.mark.alone, pytest.mark.recording, pytest.mark.flaky(reruns=2)]
 
 RATE = 8000
 BYTES = 2 * RATE  # in a second

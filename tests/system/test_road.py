@@ -5,7 +5,7 @@ import pytest
 import sound
 from corvane import pcm_wav, read_ini, wait_for, windows_path
 
-pytestmark = [pytest.mark.every_windows, pytest.mark.alone]
+pytestmark = [pytest.mark.every_windows, pytest.mark.alone, pytest.mark.recording]
 
 
 def test_what_was_spoken_arrives_at_the_typist(corvane, data, speech):
