@@ -22,6 +22,7 @@ public:
     // Tries again until waitMs have passed, while another program holds the lock.
     Result Take(const LPath& path, uint32_t waitMs);
     void Release() { m_file.Close(); }
+    bool IsTaken() const { return m_file.IsOpen(); }
 
 private:
     LFile m_file;

@@ -18,6 +18,8 @@ inline constexpr char kLock[] = ".lck";            // of a lock between programs
 inline constexpr char kInUseLock[] = "inuse.lck";  // in a user's folder, while a program runs for that user
 inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, while a program sends
 inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
+inline constexpr char kInsert[] = ".ins";              // beside a dictation: of an insertion that is not done
+inline constexpr char kInsertBeside[] = ".in~";        // of such a file that is being written
 inline constexpr char kSetAside[] = ".bad%d";  // of a file that has the audio's name and is no WAV file
 inline constexpr char kSetAsidePattern[] = ".bad*";
 

@@ -101,6 +101,7 @@
 #define WM_ROWCHANGED     0x8002
 #define WM_SELECTIONMOVED 0x8003
 #define WM_HOLDBUTTON     0x8004
+#define WM_INSERTKEPT     0x8005
 
 // Command indexes: the commands that pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0

@@ -130,6 +130,7 @@ constexpr LeftOver kAnywhere[] = {
     {LLeftOver::kRecipient, SendToSettings::RecoverUnfinished},
     {LLeftOver::kNotes, NotesFile::RecoverUnfinished},
     {LLeftOver::kJournal, Discard},
+    {LLeftOver::kInsertBeside, Discard},
     {LLeftOver::kUntold, FinishUntold},
 };
 // In Current only: in Sent, files of this name belong to the send thread.

@@ -110,6 +110,11 @@ ProcessResult LModalRunner::RunProcess(LProcess& process, std::string_view title
     return LProgressDialog::Run(process, m_window, title);
 }
 
+ProcessResult LModalRunner::RunUnaskedProcess(LProcess& process, std::string_view title) {
+    const DeafToKeys deaf;
+    return RunProcess(process, title);
+}
+
 void LModalRunner::TellLater(std::string_view text) {
     if (m_window == nullptr) return;
     m_later.emplace_back(text);

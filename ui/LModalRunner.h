@@ -45,6 +45,9 @@ public:
     INT_PTR RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show);
     // Runs a process under the progress dialog and shows its error text. Stopped when it was not started.
     ProcessResult RunProcess(LProcess& process, std::string_view title);
+    // The same for a process that no command of the user names, such as what follows a Stop: like an unasked
+    // box it is deaf to keys in its first second.
+    ProcessResult RunUnaskedProcess(LProcess& process, std::string_view title);
 
     // Queues an error text from the middle of a command or a mouse click; it is shown by ShowLater, once the
     // message is finished and nothing is open.

@@ -5,8 +5,13 @@
 
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing) {
     const int32_t lengthMs = Saturate(existing.LengthMs());
-    const int32_t wantedMs = mode == RecordMode::Overwrite ? positionMs : lengthMs;
+    const int32_t wantedMs = mode == RecordMode::Append ? lengthMs : positionMs;
+    const int32_t rate = static_cast<int32_t>(existing.format.SampleRate());
+    const bool isLong = lengthMs >= kFromStartBelowMs;
+    const bool isBeforeTheEnd = wantedMs < kFromStartBelowMs || lengthMs - wantedMs > kNoInsertWithinMs;
+    if (mode == RecordMode::Insert && isLong && isBeforeTheEnd)
+        return {wantedMs, MsToFrames(wantedMs, rate), true};
     if (wantedMs < kFromStartBelowMs) return {};
     if (wantedMs >= lengthMs) return {lengthMs, Saturate(existing.Frames())};
-    return {wantedMs, MsToFrames(wantedMs, static_cast<int32_t>(existing.format.SampleRate()))};
+    return {wantedMs, MsToFrames(wantedMs, rate)};
 }

@@ -20,10 +20,15 @@ constexpr uint32_t kNoVoiceMs = 10000;
 // The longest recording, counted from its start: four hours.
 constexpr int32_t kMaximumRecordingMs = 14400000;
 
-// Start of a recording, in milliseconds of the dictation and in frames of its file.
+// So near to the end, an insertion would only push a word or a breath behind what is said now.
+constexpr int32_t kNoInsertWithinMs = 1000;
+
+// Start of a recording, in milliseconds of the dictation and in frames of its file. An insertion is recorded
+// into a file of its own and merged there afterwards.
 struct RecordStart {
     int32_t positionMs = 0;
     int32_t frames = 0;
+    bool isInsert = false;
 };
 
 // Place in the dictation as the user sees it. Another program may have changed the file since it was
@@ -39,7 +44,8 @@ constexpr RecordMode ModeAt(RecordMode mode, ShownPlace shown) {
     return shown.positionMs >= shown.lengthMs ? RecordMode::Append : mode;
 }
 
-// Overwrite starts at the position, append at the end; insert, which is not built yet, also at the end, so
-// that it replaces nothing. A position at or beyond the end gives the exact end, where no frame is cut;
-// within the file the milliseconds are rounded down to a whole frame.
+// Overwrite starts at the position, append at the end. Insert inserts at the position, also within the first
+// half second; but it records over what follows within the last second, and over all of a dictation of half a
+// second. A position at or beyond the end gives the exact end, where no frame is cut; within the file the
+// milliseconds are rounded down to a whole frame.
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing);

@@ -3,7 +3,9 @@
 #include <mmsystem.h>
 
 #include "audio/device/LMixer_win.h"
+#include "audio/stream/LSoundTime.h"
 #include "audio/wave/LDeferredSink.h"
+#include "audio/wave/LInsertWave.h"
 #include "audio/wave/LRewriteWave.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
@@ -18,6 +20,10 @@
 // its layout is not ours, open it for writing (LDeferredSink), and only then the device. The sink cuts the
 // old recording when the first block arrives; a device that starts and delivers nothing, or voice activation
 // that hears no voice, changes nothing.
+// An insertion is recorded into a temporary file and merged when it has ended (LInsertWave). A note beside the
+// dictation (PendingInsert) tells of the temporary file from before its first sound, so whatever happens in
+// between, the next start finds the recording and asks. Recording in place behind the dictation's end and
+// turning the two passages afterwards was rejected: until then the dictation would play in the wrong order.
 // A file that holds no audio is renamed, not overwritten, since it may be all that is left of a dictation.
 // After the end, length and completeness are read from the closed file and not taken from the counters: a
 // full disk shows itself only there.
@@ -31,6 +37,10 @@ constexpr char kNoDevice[] =
 constexpr char kCannotOpen[] =
     "Unable to record onto this dictation.\n\n"
     "Its audio file cannot be written. It may be open in another program or be write-protected. Nothing was "
+    "changed.";
+constexpr char kCannotInsert[] =
+    "Unable to insert into this dictation.\n\n"
+    "No temporary file could be made for the insertion. The disk may be full or write-protected. Nothing was "
     "changed.";
 constexpr char kUnknownFormat[] =
     "Unable to record onto this dictation.\n\n"
@@ -74,6 +84,7 @@ Recording::Recording(const AppState& state, LModalRunner& runner, Owner& owner)
     : m_state(state), m_runner(runner), m_owner(owner), m_recorder(*this) {}
 
 Recording::~Recording() {
+    LeaveInserts(true);
     Stop();
 }
 
@@ -89,6 +100,7 @@ bool Recording::Start(const DictationFiles& files, RecordMode mode, int32_t posi
         started = StartRecorder();
     }
     if (!started) PutBackSetAside();
+    if (!started) DropInsert();
     return started;
 }
 
@@ -96,7 +108,25 @@ bool Recording::PrepareTarget(RecordMode mode, int32_t positionMs, Target& targe
     if (!ReadExisting(target)) return false;
     if (target.info.NeedsRewrite() && !Rewrite(target)) return false;
     target.start = PlanRecording(mode, positionMs, target.info);
-    return true;
+    return !target.start.isInsert || PrepareInsert(target);
+}
+
+// Makes the temporary file and notes it beside the dictation.
+bool Recording::PrepareInsert(Target& target) {
+    target.insert = {LFile::MakeTemporary("tmp"), target.start.frames};
+    if (!target.insert.recording.Empty() && target.insert.Write(target.files)) return true;
+    LTrace("Recording::PrepareInsert unable to make the temporary file");
+    LFile::Delete(target.insert.recording);
+    m_runner.Tell(kCannotInsert);
+    return false;
+}
+
+// Forgets an insertion into which nothing was recorded.
+void Recording::DropInsert() {
+    if (m_target.insert.recording.Empty()) return;
+    LFile::Delete(m_target.insert.recording);
+    PendingInsert::Forget(m_target.files);
+    m_target.insert = PendingInsert();
 }
 
 // Finds format and length of the existing audio, or those of a new dictation. False after the user was told
@@ -143,7 +173,9 @@ bool Recording::Rewrite(Target& target) {
 
 bool Recording::OpenSink(const Target& target) {
     const LWaveFileFormat& format = target.info.format;
-    m_sink = LDeferredSink::Open(target.files.audio, target.start.frames, format.BitsPerSample(),
+    const bool isInsert = target.start.isInsert;
+    m_sink = LDeferredSink::Open(isInsert ? target.insert.recording : target.files.audio,
+                                 isInsert ? 0 : target.start.frames, format.BitsPerSample(),
                                  static_cast<uint8_t>(format.Channels()),
                                  static_cast<int32_t>(format.SampleRate()));
     if (m_sink && !m_sink->IsError()) return true;
@@ -163,7 +195,8 @@ bool Recording::StartRecorder() {
     m_hasHeard = false;
     m_startTick = LTickMs();
     const int8_t threshold = Settings::Read(settings, SettingsKeys::kVoiceActivate);
-    const int32_t maximumMs = Saturate(int64_t{m_target.start.positionMs} + kMaximumRecordingMs);
+    const int32_t beginsAtMs = m_target.start.isInsert ? 0 : m_target.start.positionMs;
+    const int32_t maximumMs = Saturate(int64_t{beginsAtMs} + kMaximumRecordingMs);
     if (!m_recorder.Start(m_sink, kHangTimeMs, threshold, maximumMs, 0)) {
         m_isRunning = false;
         m_isWaiting = false;
@@ -202,7 +235,7 @@ void Recording::OnWaiting() {
 }
 
 void Recording::OnTime(int32_t timeMs) {
-    m_owner.RecordingPosition(timeMs);
+    m_owner.RecordingPosition(m_target.start.isInsert ? m_target.start.positionMs + timeMs : timeMs);
 }
 
 void Recording::OnLevel() {
@@ -215,19 +248,38 @@ void Recording::OnStopped(int32_t) {
     m_isRunning = false;
     m_isWaiting = false;
     Outcome outcome{.files = m_target.files};
-    const bool recordedAnything = m_sink->GetFrames() > m_target.start.frames;
+    const bool isInsert = m_target.start.isInsert;
+    const bool recordedAnything = m_sink->GetFrames() > (isInsert ? 0 : m_target.start.frames);
     if (m_sink->IsError())
         outcome.trouble = kWriteFailed;
     else if (m_recorder.GetEnding() == LSoundRecorder::Ending::DeviceLost)
         outcome.trouble = kDeviceLost;
     const int32_t frames = m_sink->GetFrames();
+    const int32_t rate = m_sink->GetSampleRate();
     m_sink.Reset();  // closes the file
-    if (!outcome.trouble && recordedAnything && !LWaveFile::IsComplete(outcome.files.audio, frames))
+    const LPath& recorded = isInsert ? m_target.insert.recording : outcome.files.audio;
+    if (!outcome.trouble && recordedAnything && !LWaveFile::IsComplete(recorded, frames))
         outcome.trouble = kWriteFailed;
     PutBackSetAside();
+    if (isInsert && !recordedAnything) DropInsert();
+    const bool isInPlace = !isInsert || (recordedAnything && MergeInsert(outcome));
     outcome.isEmpty = !recordedAnything;
     outcome.lengthMs = LWaveFile::LengthMs(outcome.files.audio);
-    // The recorded passage is the end of the file; the next recording continues there.
-    outcome.positionMs = recordedAnything ? outcome.lengthMs : m_target.start.positionMs;
+    // The next recording continues where this one ended: at the end of the file, or of what was inserted.
+    outcome.positionMs = m_target.start.positionMs;
+    if (recordedAnything && isInPlace)
+        outcome.positionMs =
+            isInsert ? Saturate(int64_t{outcome.positionMs} + FramesToMs(frames, rate)) : outcome.lengthMs;
     m_owner.RecordingEnded(outcome);
+}
+
+// Merges the recording into its dictation; what cannot be merged now waits.
+bool Recording::MergeInsert(Outcome& outcome) {
+    const PendingInsert insert = m_target.insert;
+    LInsertWave merge(outcome.files.audio, insert.atFrame, insert.recording);
+    const bool isMerged =
+        !m_leavesInserts && m_runner.RunUnaskedProcess(merge, "Insert Recording") == ProcessResult::Done;
+    outcome.isInsertKept = !isMerged;
+    if (isMerged) DropInsert();
+    return isMerged;
 }

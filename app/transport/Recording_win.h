@@ -8,6 +8,7 @@
 #include "audio/device/LSoundRecorder_win.h"
 #include "base/LArith.h"
 #include "store/DictationFiles.h"
+#include "store/PendingInsert.h"
 #include "ui/LModalRunner.h"
 
 // Records into one dictation: prepares its file, opens the input, runs the recorder.
@@ -22,6 +23,7 @@ public:
         int32_t positionMs = 0;  // end of the recorded passage; its planned start when nothing was recorded
         int32_t lengthMs = 0;    // of the whole dictation
         bool isEmpty = false;    // nothing was written
+        bool isInsertKept = false;      // an insertion was not merged and waits (PendingInsert)
         const char* trouble = nullptr;  // text for the user; nullptr: none
     };
 
@@ -41,8 +43,12 @@ public:
     // Starts at a position of the dictation. May run a long process, and with it messages, when the audio has
     // to be rewritten. False after the user was told the reason.
     bool Start(const DictationFiles& files, RecordMode mode, int32_t positionMs);
-    // Drains the device and closes the file; the owner gets RecordingEnded before this returns.
+    // Drains the device and closes the file; the owner gets RecordingEnded before this returns. An insertion
+    // is merged into the dictation before that, under a progress dialog, which runs messages.
     void Stop();
+    // Whether insertions that end from now on are left to the next start instead: nothing long may run while
+    // the window closes or the session ends.
+    void LeaveInserts(bool isLeft) { m_leavesInserts = isLeft; }
 
     bool IsRunning() const { return m_isRunning; }
     // Whether voice activation waits for the speaker.
@@ -51,6 +57,7 @@ public:
     bool HearsNothing() const;
     const DictationFiles& Files() const { return m_target.files; }
     int32_t StartMs() const { return m_target.start.positionMs; }
+    bool IsInserting() const { return m_isRunning && m_target.start.isInsert; }
     // Length of the audio that the recording found.
     int32_t LengthBeforeMs() const { return Saturate(m_target.info.LengthMs()); }
 
@@ -63,11 +70,15 @@ private:
         // New path of a file that had the audio's name and held no audio; put back unless something is
         // recorded.
         LPath setAside;
+        PendingInsert insert;  // of an insertion: where it is recorded
     };
 
     bool PrepareTarget(RecordMode mode, int32_t positionMs, Target& target);
     bool ReadExisting(Target& target);
     bool Rewrite(Target& target);
+    bool PrepareInsert(Target& target);
+    void DropInsert();
+    bool MergeInsert(Outcome& outcome);
     bool OpenSink(const Target& target);
     bool StartRecorder();
     void PutBackSetAside();
@@ -89,5 +100,6 @@ private:
     bool m_isRunning = false;
     bool m_isWaiting = false;
     bool m_hasHeard = false;
+    bool m_leavesInserts = false;
     uint32_t m_startTick = 0;
 };

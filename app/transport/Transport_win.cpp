@@ -5,6 +5,7 @@
 
 #include "audio/stream/LDecibel.h"
 #include "audio/wave/LWaveFile.h"
+#include "base/LArith.h"
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 #include "ui/LWin.h"
@@ -52,9 +53,17 @@ bool Transport::Record(RecordMode mode) {
     }
     m_isStarting = true;
     const bool hasDictation = Stop() && m_owner.HaveDictation() && m_current && m_runner.MayGoOn();
-    const bool started = hasDictation && Start(mode);
+    const bool mayStart = hasDictation && (mode != RecordMode::Insert || SettleInsert());
+    const bool started = mayStart && Start(mode);
     m_isStarting = false;
     return started;
+}
+
+// A dictation has one insertion at a time: one that waits is settled before another begins.
+bool Transport::SettleInsert() {
+    PendingInsert pending;
+    if (PendingInsert::Read(*m_current.Files(), pending) == LReadResult::Absent) return true;
+    return m_owner.SettleInsert() && m_current && m_runner.MayGoOn();
 }
 
 bool Transport::Start(RecordMode mode) {
@@ -74,7 +83,10 @@ bool Transport::Start(RecordMode mode) {
 
 // The sound behind the position was cut off with the first block; until then nothing has changed.
 void Transport::RecordingPosition(int32_t positionMs) {
-    if (positionMs > m_recording.StartMs()) m_lengthMs = positionMs;
+    if (m_recording.IsInserting())
+        m_lengthMs = Saturate(int64_t{m_recording.LengthBeforeMs()} + positionMs - m_recording.StartMs());
+    else if (positionMs > m_recording.StartMs())
+        m_lengthMs = positionMs;
     m_positionMs = positionMs;
     m_owner.PositionChanged();
 }
@@ -87,6 +99,7 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
     }
     FinishActivity();
     m_owner.RowOutdated(outcome.files);
+    if (outcome.isInsertKept) m_owner.InsertKept(outcome.files);
     if (outcome.trouble != nullptr) m_runner.TellAtRest(outcome.trouble);
 }
 

@@ -22,6 +22,11 @@ public:
         // False when another program has sent or deleted the current dictation; the user is told, and another
         // one is the current one then.
         virtual bool IsDictationThere() = 0;
+        // An insertion into the current dictation waits to be merged: asks the user. False when it still
+        // waits.
+        virtual bool SettleInsert() = 0;
+        // An insertion could not be merged and waits.
+        virtual void InsertKept(const DictationFiles& files) = 0;
         // An activity has started or ended. When none runs, LevelChanged has reported silence before.
         virtual void ActivityChanged() = 0;
         // The row of a dictation may be out of date: it was recorded onto (the file is closed and may be
@@ -51,6 +56,8 @@ public:
     void EndWinding(WindDirection direction);
     // Ends every activity, also a recording that is being prepared. False when the window is to close.
     bool Stop();
+    // Whether an insertion that ends is left to the next start (see Recording).
+    void LeaveInserts(bool isLeft) { m_recording.LeaveInserts(isLeft); }
     // While playing, playing goes on from there; a recording is finished, and then played from there.
     void GoToStart();
     void GoToEnd();
@@ -79,6 +86,7 @@ public:
 
 private:
     PlaySpeed StoredSpeed() const;
+    bool SettleInsert();
     bool Start(RecordMode mode);
     bool PlayFrom(int32_t positionMs);
     bool Tell(Playback::Result result);

@@ -58,10 +58,7 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_GOTOSTART, CM_GOTOSTART, kTransport | kRows},
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
     {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
-    {CM_RECORD_OVERWRITE, CM_RECORD_OVERWRITE, kTransport},
-    {CM_RECORD_INSERT, CM_RECORD_INSERT, kNotBuilt},
-    {CM_RECORD_END, CM_RECORD_END, kTransport},
-    {CM_RECORDMODE_INSERT, CM_RECORDMODE_INSERT, kNotBuilt},
+    {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
     {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, kNotBuilt},
     {CM_HELP, CM_HELP, kNotBuilt},
 };

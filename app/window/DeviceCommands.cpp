@@ -43,7 +43,7 @@ const DeviceCommands::Index DeviceCommands::kIndexes[] = {
     {CI_SEND, CM_SENDFILE, Release::Nothing},
     {CI_SENDHIGH, CM_SENDFILE, Release::Nothing, CM_PRIORITY_HIGH},
     {CI_RECORD_OVERWRITE, CM_RECORD_OVERWRITE, Release::HoldRule},
-    {CI_RECORD_INSERT, CM_RECORD_END, Release::HoldRule},  // until inserting is built: replaces nothing
+    {CI_RECORD_INSERT, CM_RECORD_INSERT, Release::HoldRule},
     {CI_RECORD_END, CM_RECORD_END, Release::HoldRule},
 };
 

@@ -1,5 +1,6 @@
 #include "app/window/DictationCommands_win.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/window/NotSentText.h"
@@ -25,6 +26,8 @@ constexpr char kCannotDelete[] =
 constexpr char kRecordedOnto[] =
     "The dictation was recorded onto while you were asked, and was not deleted.\n\n"
     "Delete it again if you do not need what was said, either.";
+constexpr char kInsertWaits[] =
+    "Something that was recorded to be inserted into it is not inserted yet. It stays in the list.";
 constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected, or another program may be using your user file. Please try again.";
@@ -159,10 +162,20 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     return left.empty() && !isRecordedOnto;
 }
 
+// Without it the typist would miss what the user has said. False while the dictation waits for an insertion.
+bool DictationCommands::SettleInsert(const DictationFiles& files,
+                                     const std::vector<DictationFiles>& waiting) {
+    const bool waits = std::ranges::any_of(waiting, [&](const DictationFiles& one) {
+        return LEqualNoCase(one.record.View(), files.record.View());
+    });
+    return !waits || m_inserts.Offer(files);
+}
+
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
     if (dictations.empty() || !StopAndSave()) return false;
     const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
     if (recipient < 0) return false;
+    const std::vector<DictationFiles> waiting = PendingInsert::List(m_state.user.currentFolder);
     std::vector<NotSent> left;
     size_t tried = 0;
     uint32_t lostMs = 0;
@@ -173,6 +186,10 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         ++tried;
         if (!m_list.NumberOf(files.record)) continue;
         const uint32_t begun = LTickMs();
+        if (!SettleInsert(files, waiting)) {
+            left.push_back({m_list.NameOf(files.record), kInsertWaits});
+            continue;
+        }
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
         const SendCommands::Result result = m_send.Send(files, recipient, isUnsaved);
         if (result.outcome == SendCommands::Outcome::Gone) DropGone({files});

@@ -8,6 +8,7 @@
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Transport_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/InsertOffers_win.h"
 #include "app/window/NotesBox_win.h"
 #include "app/window/SendCommands_win.h"
 #include "send/BGSend.h"
@@ -20,7 +21,8 @@
 class DictationCommands {
 public:
     DictationCommands(const AppState& state, LModalRunner& runner, BGSend& queue, DictationList& list,
-                      NotesBox& notes, Transport& transport, const CurrentDictation& current)
+                      NotesBox& notes, Transport& transport, const CurrentDictation& current,
+                      InsertOffers& inserts)
         : m_state(state),
           m_runner(runner),
           m_queue(queue),
@@ -28,7 +30,8 @@ public:
           m_list(list),
           m_notes(notes),
           m_transport(transport),
-          m_current(current) {}
+          m_current(current),
+          m_inserts(inserts) {}
 
     // Creates a dictation, which becomes the current one. False when there is none afterwards.
     bool Create();
@@ -73,6 +76,7 @@ private:
     bool Delete(const std::vector<DictationFiles>& dictations);
     bool Send(const std::vector<DictationFiles>& dictations, To to);
     bool StopAndSave();
+    bool SettleInsert(const DictationFiles& files, const std::vector<DictationFiles>& waiting);
 
     const AppState& m_state;
     LModalRunner& m_runner;
@@ -82,4 +86,5 @@ private:
     NotesBox& m_notes;
     Transport& m_transport;
     const CurrentDictation& m_current;
+    InsertOffers& m_inserts;
 };

@@ -68,6 +68,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
+    {WM_INSERTKEPT, &MainDialog::EvInsertKept},
     {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
 };
 
@@ -81,7 +82,8 @@ MainDialog::MainDialog(AppState& state)
     : m_state(state),
       m_list(m_current),
       m_transport(state, m_current, m_runner, *this),
-      m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
+      m_inserts(state, m_runner, m_list, m_transport),
+      m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
       m_devices(*this),
       m_api(*this),
       m_keyboard(*this),
@@ -116,6 +118,8 @@ bool MainDialog::InitDialog() {
     RedrawWindow(Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     RecoverLeftovers();
     if (!FillList()) return false;
+    if (m_inUse.IsTaken()) m_inserts.OfferAll();
+    if (!m_runner.MayGoOn()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
     if (m_state.showIntroduction)
@@ -154,6 +158,7 @@ bool MainDialog::FillList() {
 void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
+    m_transport.LeaveInserts(true);
     m_transport.Stop();
     m_notes.Save();  // at once: a session that ends does not wait for the send thread
     DestroyWindow(Window());
@@ -163,6 +168,7 @@ void MainDialog::CloseWindow() {
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
     m_isClosing = true;
+    m_transport.LeaveInserts(true);
     m_display.Detach();
     m_sendThreadEnded = m_queue.Stop(kSendStopMs);
     m_postTo = nullptr;
@@ -193,8 +199,10 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 }
 
 void MainDialog::EvClose(WPARAM, LPARAM) {
-    if (!m_isClosing && m_runner.TakeClose() && MayClose() && m_dictations.TellSendErrorAtClose())
-        CloseWindow();
+    if (m_isClosing || !m_runner.TakeClose()) return;
+    m_transport.LeaveInserts(true);
+    if (MayClose() && m_dictations.TellSendErrorAtClose()) CloseWindow();
+    m_transport.LeaveInserts(m_isClosing);
 }
 
 // False when the user keeps notes that could not be saved, or a box that may ask the same is open.
@@ -323,6 +331,12 @@ void MainDialog::EvRowChanged(WPARAM, LPARAM) {
     m_display.ShowPosition();
 }
 
+// Asked at once where nothing is in the way, else by the timer of the information line.
+void MainDialog::EvInsertKept(WPARAM, LPARAM) {
+    const bool isFree = m_runner.What() == LModalRunner::Standing::Nothing && !IsHandBusy();
+    if (isFree && m_inserts.AnyLater() && !m_transport.IsRunning()) m_inserts.OfferThoseLater();
+}
+
 // Menu and name editor post this message again at their end; texts that wait for the hand to rest are looked
 // after by a timer.
 void MainDialog::EvShowLater(WPARAM, LPARAM) {
@@ -341,6 +355,7 @@ void MainDialog::EvTimerInfoLine() {
     if (!IsHandBusy() && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
+    if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
@@ -393,6 +408,11 @@ void MainDialog::NotesStateChanged() {
 }
 
 // ---- Notifications ---------------------------------------------------------------------------------------
+
+void MainDialog::InsertKept(const DictationFiles& files) {
+    m_inserts.OfferLater(files);
+    PostMessageA(Window(), WM_INSERTKEPT, 0, 0);
+}
 
 void MainDialog::ActivityChanged() {
     if (!IsOpen()) return;

@@ -11,6 +11,7 @@
 #include "app/window/DeviceCommands.h"
 #include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
 #include "app/window/WindowDisplay_win.h"
@@ -96,6 +97,7 @@ private:
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
     void EvEndSession(WPARAM wParam, LPARAM);
     void EvGetMinMaxInfo(WPARAM, LPARAM lParam);
+    void EvInsertKept(WPARAM, LPARAM);
     void EvHoldButton(WPARAM wParam, LPARAM lParam);
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
@@ -148,6 +150,8 @@ private:
     // Transport::Owner
     bool HaveDictation() override { return m_current ? IsDictationThere() : m_dictations.Create(); }
     bool IsDictationThere() override { return !m_current || !m_dictations.DropGone({*m_current.Files()}); }
+    bool SettleInsert() override { return m_current && m_inserts.Offer(*m_current.Files()); }
+    void InsertKept(const DictationFiles& files) override;
     void ActivityChanged() override;
     void RowOutdated(const DictationFiles& files) override { m_list.UpdateLater(files.record); }
     void PositionChanged() override;
@@ -185,6 +189,7 @@ private:
     DictationList m_list;
     NotesBox m_notes;
     Transport m_transport;
+    InsertOffers m_inserts;
     DictationCommands m_dictations;
     DeviceCommands m_devices;
     ApiCommands m_api;

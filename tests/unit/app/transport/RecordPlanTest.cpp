@@ -20,6 +20,7 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
         int32_t positionMs;
         int64_t bytes;  // 16 bits, mono, 8000 Hz: 16 bytes to the millisecond
         int32_t startMs, startFrames;
+        bool isInsert = false;
     } kCases[] = {
         {"new dictation", RecordMode::Overwrite, 0, 0, 0, 0},
         {"append to nothing", RecordMode::Append, 700, 0, 0, 0},
@@ -27,7 +28,13 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
         {"just after it", RecordMode::Overwrite, 501, 160000, 501, 4008},
         {"in the middle", RecordMode::Overwrite, 1200, 160000, 1200, 9600},
         {"append ignores the position", RecordMode::Append, 1200, 160000, 10000, 80000},
-        {"insert takes nothing away", RecordMode::Insert, 1200, 160000, 10000, 80000},
+        {"insert in the middle", RecordMode::Insert, 1200, 160000, 1200, 9600, true},
+        {"insert within the first half second", RecordMode::Insert, 400, 160000, 400, 3200, true},
+        {"insert into little more than half a second", RecordMode::Insert, 0, 8032, 0, 0, true},
+        {"insert into half a second records over it", RecordMode::Insert, 400, 8000, 0, 0},
+        {"insert a second and a bit before the end", RecordMode::Insert, 8999, 160000, 8999, 71992, true},
+        {"insert within the last second records over it", RecordMode::Insert, 9000, 160000, 9000, 72000},
+        {"insert behind the end", RecordMode::Insert, 99999, 160000, 10000, 80000},
         {"beyond the end", RecordMode::Overwrite, 99999, 160000, 10000, 80000},
         {"a negative position", RecordMode::Overwrite, -5, 160000, 0, 0},
         // 10,000.4 ms: the milliseconds are rounded down, but no frame is cut when appending.
@@ -38,6 +45,7 @@ TEST(RecordPlan, BeginsAtThePositionTheEndOrTheStart) {
         const RecordStart start = PlanRecording(c.mode, c.positionMs, Existing(16, 1, 8000, c.bytes));
         EXPECT_EQ(start.positionMs, c.startMs) << c.what;
         EXPECT_EQ(start.frames, c.startFrames) << c.what;
+        EXPECT_EQ(start.isInsert, c.isInsert) << c.what;
     }
 }
 

@@ -1,0 +1,109 @@
+#include "app/window/InsertOffers_win.h"
+
+#include <utility>
+
+#include "app/window/DictationRow.h"
+#include "audio/stream/LSoundTime.h"
+#include "audio/wave/LInsertWave.h"
+#include "audio/wave/LWaveFile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "base/LTrace.h"
+#include "store/DictationRecord.h"
+#include "store/DictationStore.h"
+
+// What the file of an insertion says is checked before it is believed: the temporary folder belongs to all
+// programs, which may delete the recording there, or make another file of its name. A file that is no WAV
+// file is not ours and is left alone. A recording that the dictation holds already, byte for byte, was merged
+// by a run that ended before it could say so.
+
+namespace {
+
+constexpr char kQuestion[] =
+    "An insertion could not be completed.\n\n"
+    "What you recorded (%s) to insert into \"%.80s\" at %s is kept. Do you want to insert it now?\n\n"
+    "Choose No to make it a dictation of its own, or Cancel to be asked again later.";
+constexpr char kOwnNow[] =
+    "An insertion could not be completed.\n\n"
+    "The dictation that it belongs to is no longer here. What you recorded (%s) is now the dictation "
+    "\"%.80s\".";
+constexpr char kCannotMakeOwn[] =
+    "The recording could not be made a dictation of its own. The disk might be full or write-protected.\n\n"
+    "It is kept, and you are asked again later.";
+
+}  // namespace
+
+void InsertOffers::OfferAll() {
+    for (const DictationFiles& files : PendingInsert::List(m_state.user.currentFolder)) {
+        if (!m_runner.MayGoOn()) return;
+        Offer(files);
+    }
+}
+
+void InsertOffers::OfferThoseLater() {
+    for (const DictationFiles& files : std::exchange(m_later, {})) Offer(files);
+}
+
+bool InsertOffers::Offer(const DictationFiles& files) {
+    PendingInsert insert;
+    const LReadResult result = PendingInsert::Read(files, insert);
+    if (result != LReadResult::Values) return result == LReadResult::Absent;
+    {
+        const LFile recording(insert.recording, LFile::Open::Alone);
+        const bool isHeld = !recording.IsOpen() && !LFile::IsAbsent(insert.recording);
+        if (isHeld) return false;  // another session records it, perhaps
+    }
+    LWaveInfo info;
+    if (!LWaveFile::ReadInfo(insert.recording, info)) return PendingInsert::Forget(files);
+    const LInsertWave merge(files.audio, insert.atFrame, insert.recording);
+    if (info.Frames() < 1 || merge.IsDone()) return Finish(files, insert);
+    return files.IsGone() ? MakeOwn(files, insert) : Ask(files, insert);
+}
+
+bool InsertOffers::Ask(const DictationFiles& files, const PendingInsert& insert) {
+    LWaveInfo info;
+    LWaveFile::ReadInfo(insert.recording, info);
+    const std::string length = FormatDuration(LWaveFile::LengthMs(insert.recording));
+    const std::string place =
+        FormatDuration(FramesToMs(insert.atFrame, static_cast<int32_t>(info.format.SampleRate())));
+    const int answer = m_runner.UnaskedBox(
+        LFormat(kQuestion, length.c_str(), m_list.NameOf(files.record).c_str(), place.c_str()),
+        "Insert Recording", MB_YESNOCANCEL | MB_ICONEXCLAMATION);
+    if (answer == IDYES) return Merge(files, insert);
+    return answer == IDNO && MakeOwn(files, insert);
+}
+
+bool InsertOffers::Merge(const DictationFiles& files, const PendingInsert& insert) {
+    if (!m_transport.Stop()) return false;
+    LInsertWave merge(files.audio, insert.atFrame, insert.recording);
+    if (m_runner.RunProcess(merge, "Insert Recording") != ProcessResult::Done) return false;
+    m_transport.EvAudioChanged();
+    m_list.UpdateLater(files.record);
+    return Finish(files, insert);
+}
+
+// Gives the recording a number and a record of its own.
+bool InsertOffers::MakeOwn(const DictationFiles& files, const PendingInsert& insert) {
+    const std::string length = FormatDuration(LWaveFile::LengthMs(insert.recording));
+    const bool isOrphan = files.IsGone();
+    const std::string of = isOrphan ? "" : m_list.NameOf(files.record);
+    const std::optional<NewDictation> own = MakeDictation(m_state.user, LNowSeconds());
+    if (!own || !LFile::Move(insert.recording, own->files.audio, kMoveWaitMs)) {
+        LTrace("InsertOffers::MakeOwn unable to move", insert.recording.View());
+        if (own) DeleteDictationFiles(own->files);
+        m_runner.Tell(kCannotMakeOwn);
+        return false;
+    }
+    if (!of.empty()) StoreName(own->files.record, "Insertion for " + of);
+    PendingInsert::Forget(files);
+    m_list.AddFile(own->files.record);
+    if (isOrphan)
+        m_runner.TellAtRest(LFormat(kOwnNow, length.c_str(), m_list.NameOf(own->files.record).c_str()));
+    return true;
+}
+
+// The recording is in its dictation: deletes its own file, and then the note that tells of it.
+bool InsertOffers::Finish(const DictationFiles& files, const PendingInsert& insert) {
+    const bool isGone = LFile::Delete(insert.recording, kMoveWaitMs) || LFile::IsAbsent(insert.recording);
+    return isGone && PendingInsert::Forget(files);
+}
