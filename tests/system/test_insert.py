@@ -24,10 +24,10 @@ def program(corvane, data):
     return started
 
 
-def insert(program, tmp_files):
+def insert(program, tmp_files, command="CM_RECORD_INSERT"):
     """Begins to insert and waits for a second of sound in the temporary file."""
     known = set(tmp_files())
-    program.record("CM_RECORD_INSERT")
+    program.record(command)
     (recording,) = wait_for(lambda: set(tmp_files()) - known, "a temporary file")
     wait_for(lambda: recording.stat().st_size > 16000, "a second of sound")
     return recording
@@ -49,7 +49,8 @@ def inserted(before, after):
 
 
 def test_what_is_said_goes_between_and_nothing_is_lost(program, data, tmp_files):
-    recording = insert(program, tmp_files)
+    program.command("CM_RECORDMODE_INSERT")
+    recording = insert(program, tmp_files, "CM_RECORD")
     assert data.audio(NUMBER).read_bytes() == program.before, "not before it ends"
     program.stop()
     wait_for(lambda: data.audio(NUMBER).read_bytes() != program.before, "the insertion")

@@ -68,17 +68,6 @@ def test_the_keyboard_moves_everything_to_the_dictation_that_is_shown(corvane, d
     assert samples(data, other) == before
 
 
-def test_a_stored_insert_mode_takes_nothing_away(corvane, data):
-    record_every_sound(data)
-    data.add_dictation(1, pcm_wav(10 * SECOND))
-    write_ini(data.user_file, {"settings": {"recordmode": 1}})
-    program = corvane()
-    program.command("CM_GOTOSTART")
-    before = samples(data, 1)
-    record_a_second(program, 1, "CM_RECORD")
-    assert samples(data, 1).startswith(before)
-
-
 def test_a_recording_over_a_passage_shows_the_length_that_is_left(corvane, data):
     record_every_sound(data)
     data.add_dictation(1, pcm_wav(10 * SECOND))
