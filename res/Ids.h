@@ -134,4 +134,5 @@
 #define IDM_MAIN       200
 #define IDM_DICTATION  201
 #define IDM_INFO       202
-#define IDW_RECORDTONE 300
+#define IDW_RECORDTONE  300
+#define IDW_STOPPEDTONE 301

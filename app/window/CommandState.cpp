@@ -41,7 +41,6 @@ struct CommandNeeds {
 // In the order of the numbers. A command that is not listed needs kIdle.
 constexpr CommandNeeds kNeeds[] = {
     {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
-    {IDC_DOCK, IDC_DOCK, kNotBuilt},
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},

@@ -10,6 +10,7 @@
 #include "store/DictationRecord.h"
 #include "store/DictationStore.h"
 #include "store/SettingsKeys.h"
+#include "ui/LTextEditDlg.h"
 
 namespace {
 
@@ -72,7 +73,26 @@ bool DictationCommands::Create() {
     }
     m_list.AddFile(created->files.record);
     m_list.SelectFile(created->files.record);
+    AskFields(created->files);
     return m_current.Is(created->files);
+}
+
+// Asks for the prompted fields that the settings want, and adds the answers to the notes.
+void DictationCommands::AskFields(const DictationFiles& files) {
+    const LPath& settings = m_state.data.settingsFile;
+    for (const SettingsKeys::PromptKeys& keys : SettingsKeys::kPrompts) {
+        if (!Settings::Read(settings, keys.prompt) || !m_current.Is(files)) continue;
+        std::optional<std::string> answer;
+        m_runner.RunModal(LModalRunner::WhatRuns::GoesOn, [&](HWND owner) -> INT_PTR {
+            answer =
+                LTextEditDlg::Ask(owner, m_list.NameOf(files.record), Settings::Read(settings, keys.text),
+                                  Settings::Read(settings, keys.previous));
+            return answer.has_value();
+        });
+        if (!answer || !m_runner.MayGoOn()) continue;
+        Settings::Write(settings, keys.previous, *answer);
+        m_notes.SetField(files.notes, Settings::Read(settings, keys.xmlTag), *answer);
+    }
 }
 
 bool DictationCommands::BeginRename() {

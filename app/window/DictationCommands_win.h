@@ -75,6 +75,7 @@ private:
     std::vector<DictationFiles> CurrentAlone() const;
     bool Delete(const std::vector<DictationFiles>& dictations);
     bool Send(const std::vector<DictationFiles>& dictations, To to);
+    void AskFields(const DictationFiles& files);
     bool StopAndSave();
     bool SettleInsert(const DictationFiles& files, const std::vector<DictationFiles>& waiting);
 

@@ -12,6 +12,11 @@ namespace {
 
 constexpr const char* kPriorities[] = {"High", "Normal", "Low"};  // in the order of the command numbers
 
+constexpr char kNoDockMethod[] =
+    "Before you can use the Dock button on the Main Window, you must select your preferred Dock method.\r\n"
+    "Please select the preferred dock method using one of the options under the Transfer from Portable "
+    "Recorder item on the File menu.";
+
 class AboutDialog final : public LDialog {};
 
 POINT CursorPlace() {
@@ -30,6 +35,7 @@ WindDirection DirectionOf(int button) {
 const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_INFOLINE, IDC_INFOLINK,
      [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
+    {IDC_DOCK, IDC_DOCK, [](MainDialog& d, int) { return d.Dock(); }},
     {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
     {CM_SENDFILE, CM_SENDFILE,
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
@@ -159,6 +165,14 @@ bool MainDialog::SetView(ViewMode view) {
     // The focus must not stay in a control that is hidden now.
     if (focus != nullptr && IsChild(Window(), focus) && !IsWindowVisible(focus)) m_display.FocusHome();
     return true;
+}
+
+// Runs the method of transfer that was used last.
+bool MainDialog::Dock() {
+    const int32_t method = Settings::Read(m_state.data.settingsFile, SettingsKeys::kDockMethod);
+    if (method == 0 || method == 1) return Give(CM_DOCK_CABLE + method);
+    m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
+    return false;
 }
 
 bool MainDialog::ShowAbout() {

@@ -1,5 +1,6 @@
 #include "app/window/MainDialog_win.h"
 
+#include <mmsystem.h>
 #include <windowsx.h>
 
 #include <cstdlib>
@@ -33,6 +34,8 @@ namespace {
 constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr UINT kRestLookMs = 250;
+constexpr UINT kToneFirstMs = 150;  // after a stop
+constexpr UINT kTonePeriodMs = 7000;
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
 constexpr char kNotAllListed[] =
@@ -75,6 +78,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
     {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
 };
 
@@ -128,6 +132,7 @@ bool MainDialog::InitDialog() {
         m_splash.Show(Window());
     m_dictations.DeleteOldFiles();
     m_dictations.TestHardDrive();
+    RepeatStoppedTone();
     LTrace("MainDialog::InitDialog done, ms:",
            LFormat("%lu", static_cast<unsigned long>(LTickMs() - m_startTick)));
     if (IsOpen()) m_display.FocusHome();
@@ -359,6 +364,19 @@ void MainDialog::EvTimerInfoLine() {
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
+// Tells a user who does not look that nothing runs any more.
+void MainDialog::EvTimerStoppedTone() {
+    const LPath& settings = m_state.data.settingsFile;
+    if (!m_transport.IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
+        PlaySoundA(MAKEINTRESOURCEA(IDW_STOPPEDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
+    RepeatStoppedTone();
+}
+
+void MainDialog::RepeatStoppedTone() {
+    if (Settings::Read(m_state.data.settingsFile, SettingsKeys::kStoppedToneRepeat))
+        SetTimer(Window(), TIMER_STOPPEDTONE, kTonePeriodMs, nullptr);
+}
+
 // ---- The current dictation -------------------------------------------------------------------------------
 
 // Makes the dictation that the selection asks for the current one. The transport is stopped and the notes are
@@ -418,6 +436,7 @@ void MainDialog::ActivityChanged() {
     if (!IsOpen()) return;
     m_display.ShowActivity();
     m_display.ShowSituation(Situation());
+    if (!m_transport.IsRunning()) SetTimer(Window(), TIMER_STOPPEDTONE, kToneFirstMs, nullptr);
 }
 
 void MainDialog::PositionChanged() {

@@ -116,6 +116,8 @@ private:
     // Timers
     void EvTimerInfoLine();
     void EvTimerSaveNotes() { m_notes.Save(); }
+    void EvTimerStoppedTone();
+    void RepeatStoppedTone();
     void EvTimerShowLater() { EvShowLater(0, 0); }
     // A box would close the menu, or end the editing of a name.
     bool IsHandBusy() const { return m_isMenuOpen || m_list.IsRenaming(); }
@@ -127,6 +129,7 @@ private:
     bool SetRecordMode(RecordMode mode);
     bool SetPlaySpeed(PlaySpeed speed);
     bool SetView(ViewMode view);
+    bool Dock();
     bool ShowAbout();
     RecordMode DefaultRecordMode() const;
 

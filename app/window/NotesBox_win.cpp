@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/window/NotesText.h"
+#include "app/window/PromptedField.h"
 #include "base/LFile.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
@@ -19,17 +20,22 @@
 // file by then, and the control shows both.
 
 constexpr UINT kSaveAfterMs = 500;
-// Bytes. The limit of an edit control on Windows 95; every platform lays out this much without a noticeable
-// delay (10 MB took seconds).
-constexpr size_t kMostEdited = 65535;
+// Bytes. Every platform lays out so much without a noticeable delay (10 MB took seconds).
+constexpr size_t kMostEdited = 262143;
+constexpr size_t kMostEditedOn95 = 65535;  // the limit of an edit control on Windows 95, 98 and Me
 constexpr char kTooLong[] = "Notes too long to be edited here";
 constexpr char kCannotRead[] = "Notes cannot be read at present";
+
+static size_t MostEdited() {
+    constexpr DWORD kIs9x = 0x80000000;
+    return (GetVersion() & kIs9x) != 0 ? kMostEditedOn95 : kMostEdited;
+}
 
 void NotesBox::Attach(HWND edit, HWND dialog, Owner& owner) {
     m_edit = edit;
     m_dialog = dialog;
     m_owner = &owner;
-    SendMessageA(m_edit, EM_SETLIMITTEXT, kMostEdited, 0);
+    SendMessageA(m_edit, EM_SETLIMITTEXT, MostEdited(), 0);
     SetWindowLongA(m_edit, GWL_USERDATA, reinterpret_cast<LONG>(this));
     m_editProc =
         reinterpret_cast<WNDPROC>(SetWindowLongA(m_edit, GWL_WNDPROC, reinterpret_cast<LONG>(EditProc)));
@@ -61,9 +67,10 @@ void NotesBox::Load(const LPath& notesFile) {
 
 // Editable unless there is a reason against it.
 void NotesBox::Show(std::string_view text, const char* readOnlyReason) {
-    if (text.size() > kMostEdited || !IsLaidOutQuickly(text)) readOnlyReason = kTooLong;
-    std::string shown(text.substr(0, kMostEdited));
-    if (readOnlyReason != nullptr) shown = BreakLongLines(shown).substr(0, kMostEdited);
+    const size_t most = MostEdited();
+    if (text.size() > most || !IsLaidOutQuickly(text)) readOnlyReason = kTooLong;
+    std::string shown(text.substr(0, most));
+    if (readOnlyReason != nullptr) shown = BreakLongLines(shown).substr(0, most);
     m_isLoading = true;
     SetWindowTextA(m_edit, shown.c_str());
     m_isLoading = false;
@@ -149,5 +156,14 @@ void NotesBox::Append(std::string_view text) {
     SendMessageA(m_edit, EM_SETSEL, static_cast<WPARAM>(end), end);
     SendMessageA(m_edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(std::string(text).c_str()));
     if (static_cast<int>(to) < end) SendMessageA(m_edit, EM_SETSEL, from, static_cast<LPARAM>(to));
+    EvChange();
+}
+
+void NotesBox::SetField(const LPath& notesFile, std::string_view tag, std::string_view answer) {
+    if (m_file != notesFile || m_readOnlyReason != nullptr) return;
+    const std::string text = WithField(LWindowText(m_edit), tag, answer);
+    SetWindowTextA(m_edit, text.c_str());
+    const auto end = static_cast<WPARAM>(text.size());
+    SendMessageA(m_edit, EM_SETSEL, end, static_cast<LPARAM>(end));
     EvChange();
 }

@@ -30,7 +30,8 @@ public:
     void Attach(HWND edit, HWND dialog, Owner& owner);
 
     // Shows the notes of a dictation; an empty path empties and disables the control. Call Save before. Notes
-    // that cannot be read, are longer than 65,535 bytes or would keep the control busy are shown read-only
+    // that cannot be read, are longer than the control holds (65,535 bytes on
+    // Windows 95 and 98, 262,143 elsewhere), or would keep the control busy are shown read-only
     // and never written back.
     void Load(const LPath& notesFile);
     // Writes the typed text, joined with the text that another program has written meanwhile, and
@@ -40,6 +41,8 @@ public:
     void EvChange();
     // Appends a text of another program, keeping the user's selection.
     void Append(std::string_view text);
+    // Sets a prompted field (WithField) in the notes of this file, if they are the ones that are shown.
+    void SetField(const LPath& notesFile, std::string_view tag, std::string_view answer);
     // The dictation was deleted: its unsaved notes are dropped.
     void Forget(const LPath& notesFile);
 

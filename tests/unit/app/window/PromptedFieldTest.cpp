@@ -1,0 +1,21 @@
+#include "app/window/PromptedField.h"
+
+#include <gtest/gtest.h>
+
+TEST(PromptedField, ReplacesItsElementAndNothingElse) {
+    static const struct {
+        const char* what;
+        const char *notes, *answer, *expected;
+    } kCases[] = {
+        {"no notes", "", "12", "<no>12</no>\r\n"},
+        {"an empty answer", "", "", "<no></no>\r\n"},
+        {"text stays, the element comes last", "Dear\r\n", "12", "Dear\r\n<no>12</no>\r\n"},
+        {"an earlier one goes with its line end", "a<no>1</no> \r\n b", "2", "ab<no>2</no>\r\n"},
+        {"all earlier ones", "<no>1</no>\r\n<x>y</x>\r\n<no>3</no>", "2", "<x>y</x>\r\n<no>2</no>\r\n"},
+        {"another tag", "<nobody>1</nobody>", "2", "<nobody>1</nobody><no>2</no>\r\n"},
+        {"an opening tag alone is text", "</no> a <no> b", "2", "</no> a <no> b<no>2</no>\r\n"},
+        {"marks in the answer", "", "1</no><n<no>o>2", "<no>12</no>\r\n"},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(WithField(c.notes, "no", c.answer), c.expected) << c.what;
+    EXPECT_EQ(WithField("a\r\n", "", "12"), "a\r\n12\r\n") << "no tag";
+}
