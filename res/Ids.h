@@ -122,17 +122,17 @@
 #define CI_COUNT            15
 
 // Resources
-#define IDI_CORVANE    1
-#define IDI_RECORDING  2
-#define IDD_MAIN       100
-#define IDD_PROGRESS   101
-#define IDD_CHOOSE     102
-#define IDD_INTRO      103
-#define IDD_SPLASH     104
-#define IDD_ABOUT      105
-#define IDD_TEXTEDIT   106
-#define IDM_MAIN       200
-#define IDM_DICTATION  201
-#define IDM_INFO       202
+#define IDI_CORVANE     1
+#define IDI_RECORDING   2
+#define IDD_MAIN        100
+#define IDD_PROGRESS    101
+#define IDD_CHOOSE      102
+#define IDD_INTRO       103
+#define IDD_SPLASH      104
+#define IDD_ABOUT       105
+#define IDD_TEXTEDIT    106
+#define IDM_MAIN        200
+#define IDM_DICTATION   201
+#define IDM_INFO        202
 #define IDW_RECORDTONE  300
 #define IDW_STOPPEDTONE 301

@@ -20,8 +20,8 @@
 // its layout is not ours, open it for writing (LDeferredSink), and only then the device. The sink cuts the
 // old recording when the first block arrives; a device that starts and delivers nothing, or voice activation
 // that hears no voice, changes nothing.
-// An insertion is recorded into a temporary file and merged when it has ended (LInsertWave). A note beside the
-// dictation (PendingInsert) tells of the temporary file from before its first sound, so whatever happens in
+// An insertion is recorded into a temporary file and merged when it has ended (LInsertWave). A note beside
+// the dictation (PendingInsert) tells of the temporary file from before its first sound; whatever happens in
 // between, the next start finds the recording and asks. Recording in place behind the dictation's end and
 // turning the two passages afterwards was rejected: until then the dictation would play in the wrong order.
 // A file that holds no audio is renamed, not overwritten, since it may be all that is left of a dictation.
