@@ -1,9 +1,10 @@
 #!/usr/bin/python3
 """The main job, from microphone to typist, with the real program on the rig: tools/rig tools/demo.py
 
-A spoken sample is played into the microphone while corvane.exe records; the dictation is played back, gets a
-note and is sent to a typist's folder; the sound that is heard and the file that arrives are compared with
-the sample. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
+A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
+records; the dictation is played back and wound back; a correction is spoken and inserted there, and played;
+it gets a note and is sent to a typist's folder. The sound that is heard and the file that arrives are compared
+with the samples. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
 pass."""
 
 import os
@@ -18,15 +19,19 @@ sys.path.insert(0, str(ROOT / "tests" / "system"))
 
 import dct  # noqa: E402
 import sound  # noqa: E402
-from corvane import Corvane, Data, WinCtl, wait_for  # noqa: E402
+from corvane import Corvane, Data, WinCtl, wait_for, write_ini  # noqa: E402
 
 OUT = ROOT / "out"
 WORDS = (
     "Patient Harris, seen on Monday. The blood pressure is one hundred and thirty over eighty. "
     "The cough has gone. Please see him again in two weeks."
 )
+CORRECTION = "No, correction: one hundred and forty over ninety."
+FILE_NUMBER = "4711"
 NOTE = "Urgent: letter to the family doctor"
-API_STATUS, STOPPED, PLAYING = 7, 0, 3
+ELEMENT = f"<fileno>{FILE_NUMBER}</fileno>"
+API_STATUS, STOPPED, LISTENING, PLAYING, WINDING = 7, 0, 2, 3, 4
+BUTTON, REWIND_DOWN, REWIND_UP = 1792, 12, 13  # of the dictation microphone
 
 
 class Steps:
@@ -49,8 +54,20 @@ def screenshot(corvane, name):
     subprocess.run(["import", "-window", "root", "-crop", area, "-trim", "+repage", str(OUT / name)], check=True)
 
 
-def record(corvane, steps, spoken):
+def answer_field(corvane, steps):
+    """A new dictation, and the answer to the field that it asks for."""
     number = corvane.new()
+    question = corvane.wait_box("Dictation 001")
+    subprocess.run(["xdotool", "type", FILE_NUMBER], check=True)
+    screenshot(corvane, "field.png")
+    corvane.answer_box("Dictation 001", 1)
+    notes = corvane.data.audio(number).with_suffix(".txt")
+    wait_for(lambda: notes.exists() and notes.read_bytes().startswith(ELEMENT.encode()), "the field in the notes", 5)
+    steps.say(f'asked "{question}"; the answer stands in the notes: {ELEMENT}')
+    return number
+
+
+def record(corvane, steps, spoken, number):
     corvane.record()
     speaker = subprocess.Popen(["paplay", "--device=mic", str(OUT / "spoken.wav")])
     path = corvane.data.audio(number)
@@ -87,11 +104,50 @@ def play_back(corvane, steps, spoken):
     measure(steps, "played back", spoken, audio)
 
 
+def correct(corvane, steps, number):
+    """Winds back from four seconds, inserts a correction there and listens to it; returns the dictation's sound."""
+    path = corvane.data.audio(number)
+    before = path.read_bytes()[46:]
+    corvane.command("CM_GOTOSTART")
+    corvane.command("CM_PLAY")
+    place = lambda: corvane.control("IDC_POSITION")["text"]
+    wait_for(lambda: place().startswith("00:06"), "six seconds", 20)
+    corvane.send(BUTTON, REWIND_DOWN)
+    wait_for(lambda: corvane.api(API_STATUS) == WINDING and place() < "00:05", "a place before", 20)
+    corvane.send(BUTTON, REWIND_UP)
+    corvane.command("CM_STOP")
+    spoken = sound.speak(OUT / "correction-spoken.wav", CORRECTION)
+    at = place()
+    corvane.record("CM_RECORD_INSERT")
+    assert subprocess.run(["paplay", "--device=mic", OUT / "correction-spoken.wav"]).returncode == 0
+    screenshot(corvane, "inserting.png")
+    wait_for(lambda: corvane.api(API_STATUS) == LISTENING, "the pause after the correction")
+    corvane.stop()
+    wait_for(lambda: len(path.read_bytes()) > len(before) + 46, "the insertion", 20)
+    after = path.read_bytes()[46:]
+    extra = len(after) - len(before)
+    begin = next(i for i in range(0, len(before), 2) if before[i : i + 2] != after[i : i + 2])
+    whole = after[begin + extra :] == before[begin:]
+    steps.check(whole, f"wound back to {at[:5]}; {extra / 16000:.2f} s inserted at {begin / 16000:.2f} s, nothing else changed")
+    shutil.copy(path, OUT / "corrected.wav")
+    corrected = sound.read_wav(path)
+    inserted = sound.Audio(corrected.samples[begin // 2 : (begin + extra) // 2], corrected.rate)
+    measure(steps, "inserted", spoken, inserted)
+    with sound.Heard() as heard:
+        corvane.command("CM_GOTOSTART")
+        corvane.command("CM_PLAY")
+        wait_for(lambda: corvane.api(API_STATUS) == PLAYING, "a playing dictation")
+        wait_for(lambda: corvane.api(API_STATUS) == STOPPED, "the end of the dictation", 60)
+    measure(steps, "played back", corrected, sound.Audio(heard.sound()[1] / 32768, sound.HEARD_RATE))
+    return corrected
+
+
 def add_note(corvane, steps, number):
     corvane.type_notes(NOTE)
     path = corvane.data.audio(number).with_suffix(".txt")
-    wait_for(lambda: path.exists() and path.read_bytes() == NOTE.encode() + b"\0", "the saved note", 5)
-    steps.check(corvane.row(number)["texts"][5] == NOTE, f'note saved and listed: "{NOTE}"')
+    text = f"{ELEMENT}\r\n{NOTE}"
+    wait_for(lambda: path.exists() and path.read_bytes() == text.encode() + b"\0", "the saved note", 5)
+    steps.check(corvane.row(number)["texts"][5] == text.replace("\r\n", "  "), f'note saved and listed: "{NOTE}"')
 
 
 def send(corvane, steps, number):
@@ -112,7 +168,7 @@ def receive(data, steps, spoken, number):
     shutil.copy(delivered[0], OUT / delivered[0].name)
     container = dct.read(delivered[0])
     steps.check(
-        container.number == number and container.notes.rstrip(b"\0") == NOTE.encode(),
+        container.number == number and container.notes.rstrip(b"\0") == f"{ELEMENT}\r\n{NOTE}".encode(),
         f'the container: version {container.version}, dictation {container.number} "{container.texts["name"]}" '
         f'from {container.texts["sendername"]}, priority {container.priority}, note of {len(container.notes)} bytes',
     )
@@ -128,18 +184,21 @@ def main():
     steps.say(f'a voice is to speak {spoken.duration:.2f} s: "{WORDS}"')
     drive_c = Path(os.environ["WINEPREFIX"]) / "drive_c"
     data = Data(drive_c / "dictations", drive_c / "typist")
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "prompt1": {"prompt": "true"}})
     helper = WinCtl()
     corvane = Corvane(helper, data)
     try:
         corvane.start()
         steps.say(f"corvane.exe runs on {os.environ['RIG_WINDOWS']}, its window up after {corvane.start_seconds:.1f} s")
-        number = record(corvane, steps, spoken)
+        number = answer_field(corvane, steps)
+        record(corvane, steps, spoken, number)
         shutil.copy(data.audio(number), OUT / "recording.wav")
         measure(steps, "recorded", spoken, sound.read_wav(data.audio(number)))
         play_back(corvane, steps, spoken)
+        corrected = correct(corvane, steps, number)
         add_note(corvane, steps, number)
         send(corvane, steps, number)
-        receive(data, steps, spoken, number)
+        receive(data, steps, corrected, number)
         screenshot(corvane, "sent.png")
         steps.check(corvane.close() == 0, "corvane.exe closed when asked to")
     finally:
