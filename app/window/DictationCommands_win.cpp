@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/window/NotSentText.h"
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
@@ -139,11 +138,52 @@ bool DictationCommands::DropGone(std::vector<DictationFiles> dictations) {
     return true;
 }
 
+namespace {
+
+// A step for each of many dictations; a step returns false to end them all.
+class EachDictation final : public LProcess {
+public:
+    EachDictation(const std::vector<DictationFiles>& dictations,
+                  std::function<bool(const DictationFiles&)> step)
+        : m_dictations(dictations), m_step(std::move(step)) {}
+    ProcessResult Process(ProcessContext& context) override {
+        context.SetStatus("Please wait...");
+        for (size_t i = 0; i < m_dictations.size(); ++i) {
+            if (context.CancelRequested()) return ProcessResult::Stopped;
+            context.SetProgress(static_cast<double>(i) / static_cast<double>(m_dictations.size()));
+            if (!m_step(m_dictations[i])) break;
+        }
+        return ProcessResult::Done;
+    }
+
+private:
+    const std::vector<DictationFiles>& m_dictations;
+    std::function<bool(const DictationFiles&)> m_step;
+};
+
+}  // namespace
+
+// Does the step for each dictation, under a progress dialog where there are many. Without one no messages
+// run, so what is typed after Ctrl+S goes where it did.
+void DictationCommands::ForEach(const std::vector<DictationFiles>& dictations, std::string_view title,
+                                const std::function<bool(const DictationFiles&)>& step) {
+    constexpr size_t kMany = 10;
+    if (dictations.size() > kMany) {
+        EachDictation process(dictations, step);
+        m_runner.RunProcess(process, title);
+        return;
+    }
+    for (const DictationFiles& files : dictations)
+        if (!step(files)) return;
+}
+
 bool DictationCommands::SetPriority(std::string_view priority) {
     bool all = true;
     const std::vector<DictationFiles> selected = m_list.Selected();
-    for (const DictationFiles& files : selected)
+    ForEach(selected, "Set Priority", [&](const DictationFiles& files) {
         all = (StorePriority(files.record, priority) || files.IsGone()) && all;
+        return true;
+    });
     m_list.UpdateFiles(selected, FolderListing(m_state.user.currentFolder));
     DropGone(m_list.TakeAbsent());
     if (!all) TellNotStored();
@@ -163,17 +203,18 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     std::vector<DictationFiles> gone;
     std::vector<DictationFiles> left;
     bool isRecordedOnto = false;
-    for (const DictationFiles& files : dictations) {
-        if (!m_list.NumberOf(files.record)) continue;
+    ForEach(dictations, "Deleting Dictations", [&](const DictationFiles& files) {
+        if (!m_list.NumberOf(files.record)) return true;
         // A device may have recorded while the question was open; the user was not asked about those words.
         if (listing.SizeOf(files.audio.View()) != asked.SizeOf(files.audio.View())) {
             isRecordedOnto = true;
-            continue;
+            return true;
         }
         const bool isGone = DeleteDictationFiles(files, listing);
         if (isGone) m_notes.Forget(files.notes);
         (isGone ? gone : left).push_back(files);
-    }
+        return true;
+    });
     m_list.RemoveFiles(gone);
     if (!left.empty()) m_list.UpdateFiles(left, FolderListing(m_state.user.currentFolder));
     m_transport.EvAudioChanged();
@@ -182,43 +223,51 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     return left.empty() && !isRecordedOnto;
 }
 
-// Without it the typist would miss what the user has said. False while the dictation waits for an insertion.
-bool DictationCommands::SettleInsert(const DictationFiles& files,
-                                     const std::vector<DictationFiles>& waiting) {
-    const bool waits = std::ranges::any_of(waiting, [&](const DictationFiles& one) {
-        return LEqualNoCase(one.record.View(), files.record.View());
-    });
-    return !waits || m_inserts.Offer(files);
+// Asks about insertions that wait: without them the typist would miss what the user has said. A dictation
+// that goes on waiting is not ready.
+void DictationCommands::SettleInserts(const std::vector<DictationFiles>& dictations,
+                                      std::vector<DictationFiles>& ready, std::vector<NotSent>& left) {
+    const std::vector<DictationFiles> waiting = PendingInsert::List(m_state.user.currentFolder);
+    for (const DictationFiles& files : dictations) {
+        const bool waits = std::ranges::any_of(waiting, [&](const DictationFiles& one) {
+            return LEqualNoCase(one.record.View(), files.record.View());
+        });
+        if (!waits || m_inserts.Offer(files))
+            ready.push_back(files);
+        else
+            left.push_back({m_list.NameOf(files.record), kInsertWaits});
+    }
 }
 
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
     if (dictations.empty() || !StopAndSave()) return false;
     const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
     if (recipient < 0) return false;
-    const std::vector<DictationFiles> waiting = PendingInsert::List(m_state.user.currentFolder);
     std::vector<NotSent> left;
-    size_t tried = 0;
+    std::vector<DictationFiles> ready;
+    SettleInserts(dictations, ready, left);
+    std::vector<DictationFiles> queued;
+    std::vector<DictationFiles> gone;
+    size_t tried = left.size();
     uint32_t lostMs = 0;
-    for (const DictationFiles& files : dictations) {
+    ForEach(ready, "Sending Dictations", [&](const DictationFiles& files) {
         // In each pass: stopping can run messages, and with them notes of another program, a recording of a
         // device, or the end of the dictation.
         if (!StopAndSave()) return false;
         ++tried;
-        if (!m_list.NumberOf(files.record)) continue;
+        if (!m_list.NumberOf(files.record)) return true;
         const uint32_t begun = LTickMs();
-        if (!SettleInsert(files, waiting)) {
-            left.push_back({m_list.NameOf(files.record), kInsertWaits});
-            continue;
-        }
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
         const SendCommands::Result result = m_send.Send(files, recipient, isUnsaved);
-        if (result.outcome == SendCommands::Outcome::Gone) DropGone({files});
-        if (result.outcome == SendCommands::Outcome::Queued) m_list.RemoveFiles({files});
-        if (result.reason.empty()) continue;
+        if (result.outcome == SendCommands::Outcome::Gone) gone.push_back(files);
+        if (result.outcome == SendCommands::Outcome::Queued) queued.push_back(files);
+        if (result.reason.empty()) return true;
         left.push_back({m_list.NameOf(files.record), result.reason});
         lostMs += LTickMs() - begun;
-        if (result.outcome == SendCommands::Outcome::NothingSends || lostMs >= kPatienceMs) break;
-    }
+        return result.outcome != SendCommands::Outcome::NothingSends && lostMs < kPatienceMs;
+    });
+    m_list.RemoveFiles(queued);
+    if (!gone.empty()) DropGone(gone);
     if (!left.empty()) m_runner.Tell(NotSentText(left, dictations.size() - tried));
     return left.empty();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "app/transport/Transport_win.h"
 #include "app/window/DictationList_win.h"
 #include "app/window/InsertOffers_win.h"
+#include "app/window/NotSentText.h"
 #include "app/window/NotesBox_win.h"
 #include "app/window/SendCommands_win.h"
 #include "send/BGSend.h"
@@ -77,7 +79,10 @@ private:
     bool Send(const std::vector<DictationFiles>& dictations, To to);
     void AskFields(const DictationFiles& files);
     bool StopAndSave();
-    bool SettleInsert(const DictationFiles& files, const std::vector<DictationFiles>& waiting);
+    void ForEach(const std::vector<DictationFiles>& dictations, std::string_view title,
+                 const std::function<bool(const DictationFiles&)>& step);
+    void SettleInserts(const std::vector<DictationFiles>& dictations, std::vector<DictationFiles>& ready,
+                       std::vector<NotSent>& left);
 
     const AppState& m_state;
     LModalRunner& m_runner;
