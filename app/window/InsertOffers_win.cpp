@@ -31,6 +31,14 @@ constexpr char kCannotMakeOwn[] =
     "The recording could not be made a dictation of its own. The disk might be full or write-protected.\n\n"
     "It is kept, and you are asked again later.";
 
+// False when it cannot be told what the file holds: another session records it, perhaps, or its drive does
+// not answer. An absent file can be told.
+bool CanBeRead(const LPath& recording) {
+    LFile file(recording, LFile::Open::Alone);
+    uint8_t first = 0;
+    return file.IsOpen() ? file.Size() == 0 || file.ReadExact({&first, 1}) : LFile::IsAbsent(recording);
+}
+
 }  // namespace
 
 void InsertOffers::OfferAll() {
@@ -48,11 +56,7 @@ bool InsertOffers::Offer(const DictationFiles& files) {
     PendingInsert insert;
     const LReadResult result = PendingInsert::Read(files, insert);
     if (result != LReadResult::Values) return result == LReadResult::Absent;
-    {
-        const LFile recording(insert.recording, LFile::Open::Alone);
-        const bool isHeld = !recording.IsOpen() && !LFile::IsAbsent(insert.recording);
-        if (isHeld) return false;  // another session records it, perhaps
-    }
+    if (!CanBeRead(insert.recording)) return false;
     LWaveInfo info;
     if (!LWaveFile::ReadInfo(insert.recording, info)) return PendingInsert::Forget(files);
     const LInsertWave merge(files.audio, insert.atFrame, insert.recording);

@@ -122,8 +122,6 @@ bool MainDialog::InitDialog() {
     RedrawWindow(Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     RecoverLeftovers();
     if (!FillList()) return false;
-    if (m_inUse.IsTaken()) m_inserts.OfferAll();
-    if (!m_runner.MayGoOn()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
     if (m_state.showIntroduction)
@@ -132,6 +130,8 @@ bool MainDialog::InitDialog() {
         m_splash.Show(Window());
     m_dictations.DeleteOldFiles();
     m_dictations.TestHardDrive();
+    if (m_inUse.IsTaken()) m_inserts.OfferAll();
+    if (!IsOpen()) return false;
     RepeatStoppedTone();
     LTrace("MainDialog::InitDialog done, ms:",
            LFormat("%lu", static_cast<unsigned long>(LTickMs() - m_startTick)));
