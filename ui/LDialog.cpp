@@ -61,6 +61,7 @@ INT_PTR CALLBACK LDialog::DialogProc(HWND window, UINT message, WPARAM wParam, L
         auto* dialog = reinterpret_cast<LDialog*>(lParam);
         SetWindowLongA(window, DWL_USER, static_cast<LONG>(lParam));
         dialog->m_window = window;
+        if (GetWindow(window, GW_OWNER) != nullptr) LCentreOnOwner(window);
         return dialog->InitDialog() ? TRUE : FALSE;
     }
     auto* dialog = reinterpret_cast<LDialog*>(GetWindowLongA(window, DWL_USER));

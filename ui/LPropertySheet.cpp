@@ -43,6 +43,9 @@ bool LPropertyPage::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
             Accepted();
             result = PSNRET_NOERROR;
             return true;
+        case PSN_SETACTIVE:
+            if (!IsWindowVisible(GetParent(Window()))) LCentreOnOwner(GetParent(Window()));
+            return false;
         default:
             return false;
     }

@@ -1,5 +1,9 @@
 #include "ui/LWin.h"
 
+#include <algorithm>
+
+#include "base/LSystemFunction_win.h"
+
 static HINSTANCE s_instance = nullptr;
 
 HINSTANCE LInstance() {
@@ -24,6 +28,38 @@ void LSetWindowText(HWND window, std::string_view text) {
 
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags) {
     return MessageBoxA(owner, std::string(text).c_str(), std::string(caption).c_str(), flags);
+}
+
+// The desktop without the task bar, on the monitor that shows the window. Windows 95 knows one monitor.
+static RECT WorkAreaAt(HWND window) {
+    using FromWindow = HMONITOR(WINAPI*)(HWND, DWORD);
+    using GetInfo = BOOL(WINAPI*)(HMONITOR, LPMONITORINFO);
+    const auto fromWindow = LSystemFunction<FromWindow>("MonitorFromWindow", "user32.dll");
+    const auto getInfo = LSystemFunction<GetInfo>("GetMonitorInfoA", "user32.dll");
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    if (fromWindow != nullptr && getInfo != nullptr &&
+        getInfo(fromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor))
+        return monitor.rcWork;
+    RECT desktop = {};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &desktop, 0);
+    return desktop;
+}
+
+void LCentreOnOwner(HWND window) {
+    const HWND owner = GetWindow(window, GW_OWNER);
+    const bool isOwnerSeen = owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner);
+    const RECT desktop = WorkAreaAt(isOwnerSeen ? owner : window);
+    RECT box, under = desktop;
+    GetWindowRect(window, &box);
+    if (isOwnerSeen) GetWindowRect(owner, &under);
+    const auto place = [](LONG low, LONG high, LONG size, LONG least, LONG most) {
+        return static_cast<int>(std::max(least, std::min(low + (high - low - size) / 2, most - size)));
+    };
+    SetWindowPos(window, nullptr,
+                 place(under.left, under.right, box.right - box.left, desktop.left, desktop.right),
+                 place(under.top, under.bottom, box.bottom - box.top, desktop.top, desktop.bottom), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 namespace {

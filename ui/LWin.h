@@ -18,6 +18,10 @@ void LSetWindowText(HWND window, std::string_view text);
 // A message box owned by a window.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 
+// Moves a window over the middle of its owner, and inside the desktop; over the middle of the desktop where
+// the owner cannot be seen.
+void LCentreOnOwner(HWND window);
+
 // Replaces the contents of the clipboard. False when another program keeps it open.
 bool LCopyToClipboard(std::string_view text);
 
