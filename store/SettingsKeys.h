@@ -82,13 +82,12 @@ inline constexpr IntKey kControls[] = {{"control", "control1", 0},
                                        {"control", "control3", 0},
                                        {"control", "control4", 0}};
 
-// Keyboard shortcuts: the count is "keycount", the items "key%d" (default 13), "key%dmod" and "command%d"
-// (0).
+// Hot keys: the items "key%d" (a virtual-key code), "key%dmod" (modifier bits) and "command%d" (CI_...).
 inline constexpr char kKeysSection[] = "keys";
+inline constexpr IntKey kKeyCount{kKeysSection, "keycount", 0};
 inline constexpr char kKeyPrefix[] = "key";
 inline constexpr char kKeyModSuffix[] = "mod";
 inline constexpr char kKeyCommandPrefix[] = "command";
-inline constexpr int32_t kKeyDefault = 13;
 
 // Mail.
 inline constexpr BoolKey kUseMapi{"email", "usemapi", true};

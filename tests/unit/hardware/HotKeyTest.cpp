@@ -1,0 +1,87 @@
+#include "base/LProfile.h"
+#include "hardware/HotKeyList.h"
+#include "hardware/KeyText.h"
+#include "tests/unit/TestKit.h"
+
+namespace {
+
+// The items of the list as the file holds them: count: key/modifiers/command for each of the first three.
+std::string Stored(const LPath& file) {
+    const auto read = [&](const std::string& key) { return LProfile::Read(file, "keys", key, "-"); };
+    std::string text = read("keycount") + ":";
+    for (const std::string i : {"0", "1", "2"})
+        text += " " + read("key" + i) + "/" + read("key" + i + "mod") + "/" + read("command" + i);
+    return text;
+}
+
+}  // namespace
+
+TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
+    static const struct {
+        const char* what;
+        const char* before;
+        bool (*change)(HotKeyList& list);
+        const char* after;
+    } kCases[] = {
+        {"first of two", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
+         [](HotKeyList& list) { return list.Delete(0); }, "1: 66/2/4 -/-/- -/-/-"},
+        {"before one without a key", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\ncommand1=4",
+         [](HotKeyList& list) { return list.Delete(0); }, "1: -/-/4 -/-/- -/-/-"},
+        {"the last", "keycount=2\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
+         [](HotKeyList& list) { return list.Delete(1); }, "1: -/-/3 -/-/- -/-/-"},
+        {"one that is not there", "keycount=1\ncommand0=3",
+         [](HotKeyList& list) { return !list.Delete(1) && !list.Delete(-1); }, "1: -/-/3 -/-/- -/-/-"},
+        {"an added one", "",
+         [](HotKeyList& list) {
+             return list.Add({116, 6, 12});
+         },
+         "1: 116/6/12 -/-/- -/-/-"},
+        {"added without a key, over a leftover", "keycount=1\ncommand0=3\nkey1=66\nkey1mod=2",
+         [](HotKeyList& list) {
+             return list.Add({std::nullopt, 0, 4});
+         },
+         "2: -/-/3 -/-/4 -/-/-"},
+        {"added behind a count that is not true", "keycount=2147483647\ncommand0=3",
+         [](HotKeyList& list) {
+             return list.Add({65, 1, 4});
+         },
+         "2: -/-/3 65/1/4 -/-/-"},
+        {"an edited one", "keycount=1\nkey0=65\nkey0mod=1\ncommand0=3",
+         [](HotKeyList& list) {
+             return list.Set(0, {112, 0, 14});
+         },
+         "1: 112/0/14 -/-/- -/-/-"},
+    };
+    const TempFolder folder;
+    for (const auto& c : kCases) {
+        const LPath file = folder.File(c.what);
+        WriteFileText(file, std::string("[keys]\n") + c.before + "\n");
+        HotKeyList list(file);
+        EXPECT_TRUE(c.change(list)) << c.what;
+        EXPECT_EQ(Stored(file), c.after) << c.what;
+    }
+    EXPECT_EQ(HotKeyList(folder.File("an edited one")).Read(), (std::vector<HotKey>{{112, 0, 14}}));
+    EXPECT_FALSE(HotKeyList(folder.Path()).Add({65, 1, 4})) << "a folder, which cannot be read as a file";
+}
+
+TEST(KeyText, NamesEveryKey) {
+    const auto platform = [](int32_t key, bool isExtended) -> std::string {
+        if (key == 0x24) return isExtended ? "Home" : "Num 7";
+        return key == 0x74 ? "F5" : key == 0xDE ? std::string(300, 'x') : "";
+    };
+    static const struct {
+        HotKey hotKey;
+        const char* text;
+    } kCases[] = {
+        {{0x74, 7}, "Ctrl+Alt+Shift+F5"},
+        {{0x74, 6}, "Ctrl+Shift+F5"},
+        {{0x24, 1}, "Alt+Home"},
+        {{0x63, 0}, "Num 3"},
+        {{0x87, 0}, "F24"},
+        {{0xB3, 0}, "Play/Pause"},
+        {{0xFF, 2}, "Ctrl+Key 255"},
+        {{std::nullopt, 2}, "No key"},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(KeyText(c.hotKey, platform), c.text);
+    EXPECT_EQ(KeyText({0xDE, 7}, platform).size(), 260u);
+}
