@@ -66,6 +66,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_TIMER, &MainDialog::EvTimer},
     {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
+    {WM_HOTKEY, &MainDialog::EvHotKey},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
     {WM_SHOWLATER, &MainDialog::EvShowLater},
@@ -78,6 +79,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
     {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},
     {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
     {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
 };
@@ -89,6 +91,7 @@ MainDialog::MainDialog(AppState& state)
       m_inserts(state, m_runner, m_list, m_transport),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
       m_devices(*this),
+      m_hotKeys(state, m_devices),
       m_api(*this),
       m_keyboard(*this),
       m_layout(state),
@@ -124,6 +127,7 @@ bool MainDialog::InitDialog() {
     if (!FillList()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
+    m_hotKeys.RegisterHotKeys(Window());
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
@@ -173,6 +177,7 @@ void MainDialog::CloseWindow() {
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
     m_isClosing = true;
+    m_hotKeys.UnregisterHotKeys();
     m_transport.LeaveInserts(true);
     m_display.Detach();
     m_sendThreadEnded = m_queue.Stop(kSendStopMs);

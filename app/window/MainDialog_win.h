@@ -11,6 +11,7 @@
 #include "app/window/DeviceCommands.h"
 #include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/HotKeys_win.h"
 #include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
@@ -99,6 +100,7 @@ private:
     void EvGetMinMaxInfo(WPARAM, LPARAM lParam);
     void EvInsertKept(WPARAM, LPARAM);
     void EvHoldButton(WPARAM wParam, LPARAM lParam);
+    void EvHotKey(WPARAM wParam, LPARAM) { m_hotKeys.EvHotKey(static_cast<int>(wParam)); }
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
     void EvMicButton(WPARAM wParam, LPARAM);
@@ -118,6 +120,7 @@ private:
     void EvTimerSaveNotes() { m_notes.Save(); }
     void EvTimerStoppedTone();
     void RepeatStoppedTone();
+    void EvTimerHotKey() { m_hotKeys.EvTimer(); }
     void EvTimerShowLater() { EvShowLater(0, 0); }
     // A box would close the menu, or end the editing of a name.
     bool IsHandBusy() const { return m_isMenuOpen || m_list.IsRenaming(); }
@@ -130,6 +133,7 @@ private:
     bool SetPlaySpeed(PlaySpeed speed);
     bool SetView(ViewMode view);
     bool Dock();
+    bool ShowHardwareSettings();
     bool ShowAbout();
     RecordMode DefaultRecordMode() const;
 
@@ -195,6 +199,7 @@ private:
     InsertOffers m_inserts;
     DictationCommands m_dictations;
     DeviceCommands m_devices;
+    HotKeys m_hotKeys;
     ApiCommands m_api;
     Keyboard m_keyboard;
     WindowLayout m_layout;

@@ -5,6 +5,7 @@
 #include "app/window/CommandState.h"
 #include "app/window/DeviceCommands.h"
 #include "app/window/KeyTable.h"
+#include "hardware/HotKeyHold.h"
 #include "res/Ids.h"
 
 // A window whose transport records or does not, and a clock that is set by hand.
@@ -15,9 +16,9 @@ public:
         s_nowMs = at;
         m_devices.CommandPress(CI_RECORD);
     }
-    void Release(uint32_t at) {
+    void Release(uint32_t at, uint32_t holdLimitMs = kHoldLimitMs) {
         s_nowMs = at;
-        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
+        m_devices.CommandRelease(CI_RECORD, holdLimitMs);
     }
     bool IsRunning() const { return m_isRunning; }
     std::function<void()> whileItStarts;  // what happens before the recording runs
@@ -86,6 +87,47 @@ TEST(DeviceCommands, WhatThePedalDoesWhileTheRecordingIsBeingPreparedCounts) {
     EXPECT_TRUE(pedal.IsRunning()) << "pressed again";
     pedal.Release(4000);
     EXPECT_FALSE(pedal.IsRunning());
+}
+
+// A hot key for Record, on a keyboard that repeats a held key.
+class RecordKey final : private HotKeyHold::Target {
+public:
+    explicit RecordKey(uint32_t repeatDelayMs) : m_repeatDelayMs(repeatDelayMs) {}
+    void Hold(uint32_t from, uint32_t to) { m_from = from, m_to = to; }
+    bool RunsAt(uint32_t moment) {
+        for (; m_nowMs < moment; m_nowMs += 10) {
+            const uint32_t held = m_nowMs - m_from;
+            if (m_nowMs <= m_to && (held == 0 || (held < UINT32_MAX / 2 && held >= m_repeatDelayMs)))
+                m_hold.EvHotKey(7);
+            if (m_nowMs == m_timerMs) m_hold.EvTimer();
+        }
+        return m_pedal.IsRunning();
+    }
+
+private:
+    int32_t CommandOf(int32_t hotKey) override { return hotKey == 7 ? CI_RECORD : CI_NONE; }
+    void CommandPress(int32_t) override { m_pedal.Press(m_nowMs); }
+    void CommandRelease(int32_t) override { m_pedal.Release(m_nowMs, kHotKeyHoldLimitMs); }
+    void SetTimer(uint32_t ms) override { m_timerMs = m_nowMs + ms; }
+
+    uint32_t m_repeatDelayMs, m_from = 0, m_to = 0, m_nowMs = 10, m_timerMs = 0;
+    Pedal m_pedal;
+    HotKeyHold m_hold{*this};
+};
+
+TEST(HotKeys, ATapRunsOnUntilTheNextTapAndAHoldEndsSoonAfterTheKeyIsLetGo) {
+    for (const uint32_t repeatDelayMs : {250u, 500u, 1000u}) {
+        RecordKey key(repeatDelayMs);
+        key.Hold(1000, 1050);
+        EXPECT_TRUE(key.RunsAt(1020) && key.RunsAt(5000)) << repeatDelayMs;
+        key.Hold(5000, 5050);
+        EXPECT_FALSE(key.RunsAt(5620)) << repeatDelayMs;
+        key.Hold(9000, 11000);
+        EXPECT_TRUE(key.RunsAt(11240)) << repeatDelayMs;
+        EXPECT_FALSE(key.RunsAt(11280)) << repeatDelayMs;
+        key.Hold(15000, 15050);
+        EXPECT_TRUE(key.RunsAt(19000)) << repeatDelayMs << ", tapped after a hold";
+    }
 }
 
 TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
