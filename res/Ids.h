@@ -81,6 +81,13 @@
 #define IDC_ABOUT_TEXT        531
 #define IDC_TEXTEDIT_QUESTION 541
 #define IDC_TEXTEDIT_TEXT     542
+#define IDC_KEYS_LIST         551
+#define IDC_KEYS_ADD          552
+#define IDC_KEYS_EDIT         553
+#define IDC_KEYS_DELETE       554
+#define IDC_KEYS_HEADING      555
+#define IDC_HOTKEY_COMMAND    561
+#define IDC_HOTKEY_KEY        562
 
 // Timers of the main window
 #define TIMER_INFOLINE    1
@@ -131,6 +138,8 @@
 #define IDD_SPLASH      104
 #define IDD_ABOUT       105
 #define IDD_TEXTEDIT    106
+#define IDD_KEYSPAGE    107
+#define IDD_HOTKEY      108
 #define IDM_MAIN        200
 #define IDM_DICTATION   201
 #define IDM_INFO        202

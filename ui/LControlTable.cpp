@@ -27,26 +27,40 @@ std::optional<LControlValue> ParseNumber(std::string_view text) {
     return LControlValue{number, {}};
 }
 
-// Selects the item that stands for a value; no item when there is none.
-void SelectListItem(HWND list, int32_t value) {
-    const auto count = static_cast<WPARAM>(SendMessageA(list, CB_GETCOUNT, 0, 0));
-    WPARAM item = 0;
-    while (item < count && SendMessageA(list, CB_GETITEMDATA, item, 0) != value) ++item;
-    SendMessageA(list, CB_SETCURSEL, item < count ? item : static_cast<WPARAM>(-1), 0);
-}
-
-std::optional<LControlValue> SelectedListItem(HWND list) {
-    const LRESULT item = SendMessageA(list, CB_GETCURSEL, 0, 0);
-    if (item < 0) return std::nullopt;
-    return LControlValue{
-        static_cast<int32_t>(SendMessageA(list, CB_GETITEMDATA, static_cast<WPARAM>(item), 0)), {}};
-}
+class NoControls final : public LControlBinding {
+    size_t Count() const override { return 0; }
+    const LControlRow& Row(size_t) const override {
+        static constexpr LControlRow kNone = LControlRow::Check(0);
+        return kNone;
+    }
+    LControlValue Read(size_t) const override { return {}; }
+    void Write(size_t, const LControlValue&) override {}
+};
 
 }  // namespace
+
+LControlBinding& LNoControls() {
+    static NoControls none;
+    return none;
+}
 
 void LAddListItem(HWND list, const char* text, int32_t value) {
     const LRESULT item = SendMessageA(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
     if (item >= 0) SendMessageA(list, CB_SETITEMDATA, static_cast<WPARAM>(item), value);
+}
+
+bool LSelectListItem(HWND list, int32_t value) {
+    const auto count = static_cast<WPARAM>(SendMessageA(list, CB_GETCOUNT, 0, 0));
+    WPARAM item = 0;
+    while (item < count && SendMessageA(list, CB_GETITEMDATA, item, 0) != value) ++item;
+    SendMessageA(list, CB_SETCURSEL, item < count ? item : static_cast<WPARAM>(-1), 0);
+    return item < count;
+}
+
+std::optional<int32_t> LSelectedListItem(HWND list) {
+    const LRESULT item = SendMessageA(list, CB_GETCURSEL, 0, 0);
+    if (item < 0) return std::nullopt;
+    return static_cast<int32_t>(SendMessageA(list, CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
 }
 
 void LControlTable::Load(HWND dialog) {
@@ -82,7 +96,7 @@ void LControlTable::Show(size_t row, const LControlValue& value) {
             LSetWindowText(Item(r.control), LFormat("%d", static_cast<int>(value.number)));
             break;
         case Kind::List:
-            SelectListItem(Item(r.control), value.number);
+            LSelectListItem(Item(r.control), value.number);
             break;
     }
 }
@@ -104,7 +118,8 @@ std::optional<LControlValue> LControlTable::Shown(size_t row) const {
         case Kind::Number:
             return ParseNumber(LWindowText(Item(r.control)));
         case Kind::List:
-            return SelectedListItem(Item(r.control));
+            if (const auto value = LSelectedListItem(Item(r.control))) return LControlValue{*value, {}};
+            return std::nullopt;
     }
     return std::nullopt;
 }

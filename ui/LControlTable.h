@@ -64,8 +64,15 @@ protected:
     ~LControlBinding() = default;
 };
 
-// Adds an item to a drop-down list: its text and the value it stands for.
+// For a page that keeps its values itself.
+LControlBinding& LNoControls();
+
+// The items of a drop-down list: a text each, and the value it stands for.
 void LAddListItem(HWND list, const char* text, int32_t value);
+// Selects the item of a value. False: there is none, and no item is selected.
+bool LSelectListItem(HWND list, int32_t value);
+// The value of the selected item.
+std::optional<int32_t> LSelectedListItem(HWND list);
 
 // The controls of a dialog that edit the values of a binding. Only values that the user changed are checked
 // and written; a stored value that no list item or radio button stands for shows no choice, and stays until

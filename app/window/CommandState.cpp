@@ -58,7 +58,7 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
     {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
-    {CM_SETTINGS_HARDWARE, CM_SETTINGS_USER, kNotBuilt},
+    {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_USER, kNotBuilt},
     {CM_HELP, CM_HELP, kNotBuilt},
 };
 

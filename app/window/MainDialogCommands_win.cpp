@@ -1,3 +1,4 @@
+#include "app/dialogs/HardwareSettings_win.h"
 #include "app/window/HoldButton_win.h"
 #include "app/window/MainDialog_win.h"
 #include "base/LTrace.h"
@@ -72,6 +73,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      [](MainDialog& d, int command) {
          return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
      }},
+    {CM_SETTINGS_HARDWARE, CM_SETTINGS_HARDWARE, [](MainDialog& d, int) { return d.ShowHardwareSettings(); }},
     {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
      [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
     {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},
@@ -173,6 +175,14 @@ bool MainDialog::Dock() {
     if (method == 0 || method == 1) return Give(CM_DOCK_CABLE + method);
     m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
     return false;
+}
+
+// A hot key of ours would not reach the box in which keys are chosen.
+bool MainDialog::ShowHardwareSettings() {
+    m_hotKeys.UnregisterHotKeys();
+    ::ShowHardwareSettings(m_state.data.settingsFile, m_runner);
+    if (IsOpen()) m_hotKeys.RegisterHotKeys(Window());
+    return true;
 }
 
 bool MainDialog::ShowAbout() {

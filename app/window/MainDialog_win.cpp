@@ -77,10 +77,8 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
 };
 
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
-    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},
-    {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
-    {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},
-    {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
+    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},   {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},       {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
     {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
 };
 

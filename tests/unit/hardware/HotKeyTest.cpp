@@ -29,8 +29,6 @@ TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
          [](HotKeyList& list) { return list.Delete(0); }, "1: -/-/4 -/-/- -/-/-"},
         {"the last", "keycount=2\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
          [](HotKeyList& list) { return list.Delete(1); }, "1: -/-/3 -/-/- -/-/-"},
-        {"one that is not there", "keycount=1\ncommand0=3",
-         [](HotKeyList& list) { return !list.Delete(1) && !list.Delete(-1); }, "1: -/-/3 -/-/- -/-/-"},
         {"an added one", "",
          [](HotKeyList& list) {
              return list.Add({116, 6, 12});

@@ -1,0 +1,76 @@
+"""Keys that give commands while another program has the keyboard, and the sheet in which they are chosen."""
+
+import subprocess
+import time
+
+from corvane import DIALOG_CLASS, read_ini, wait_for, write_ini
+
+F5, F6, CTRL, SHIFT = 0x74, 0x75, 2, 4
+RECORD, PLAY = 3, 4  # command indexes
+
+
+def xdotool(*words):
+    subprocess.run(["xdotool", *words], check=True)
+
+
+def wait_active(title):
+    active = ["xdotool", "getactivewindow", "getwindowname"]
+    ask = lambda: subprocess.run(active, capture_output=True, text=True).stdout.strip()
+    wait_for(lambda: title in ask(), f'the window "{title}" in front')
+
+
+def test_a_hot_key_is_chosen_by_keys_and_records_behind_another_program(corvane, data, request):
+    one = {"key0": F5, "key0mod": 0, "command0": PLAY, "command1": RECORD}  # the second has no key
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "--dB"}, "keys": {"keycount": 2, **one}})
+    keys = lambda: {name: int(value) for name, value in read_ini(data.settings)["keys"].items()}
+    program = corvane()
+    wait_active("Corvane")
+    program.record()
+    program.command("CM_SETTINGS_HARDWARE")
+    wait_active("Hardware Settings")
+    assert program.api(7) == 0, "stopped"
+    # F5, which is a hot key, can be chosen again; Enter cannot, and Escape leaves all as it was.
+    for last in ("Escape", "ctrl+shift+F5"):
+        xdotool("key", "alt+a")
+        wait_active("Hot Key")
+        xdotool("key", "Down", "Down", "Down", "alt+k", "Return", last)
+        wait_active("Hardware Settings")
+    added = {"keycount": 3, **one, "key2": F5, "key2mod": CTRL | SHIFT, "command2": RECORD}
+    wait_for(lambda: keys() == added, "the hot key in the settings")
+    xdotool("key", "Home", "Delete")
+    left = {"keycount": 2, "command0": RECORD, "key1": F5, "key1mod": CTRL | SHIFT, "command1": RECORD}
+    wait_for(lambda: keys() == left, "the settings without the first")
+    xdotool("key", "End", "alt+e")
+    wait_active("Hot Key")
+    xdotool("key", "alt+k", "ctrl+F6")
+    wait_active("Hardware Settings")
+    wait_for(lambda: keys()["key1"] == F6 and keys()["key1mod"] == CTRL, "the edited hot key")
+    xdotool("key", "Return")
+    wait_active("Corvane")
+
+    other_program = subprocess.Popen(["wine", "notepad"])
+    request.addfinalizer(other_program.kill)
+    wait_active("Notepad")
+    recording = lambda: program.api(7) == 1
+    xdotool("key", "Return", "F5")
+    assert program.api(7) == 0, "neither is a hot key"
+    xdotool("key", "ctrl+F6")
+    wait_for(recording, "a recording")
+    tapped = time.monotonic() + 1.5
+    wait_for(lambda: time.monotonic() > tapped, "the time in which a held key would have been let go")
+    assert recording(), "goes on after a tap"
+    xdotool("key", "ctrl+F6")
+    wait_for(lambda: program.api(7) == 0, "the end by the second tap")
+    xdotool("keydown", "ctrl", "keydown", "F6")
+    wait_for(recording, "a recording")
+    held = time.monotonic() + 1.3
+    wait_for(lambda: time.monotonic() > held, "the time of a hold")
+    assert recording(), "while the key is held"
+    xdotool("keyup", "F6", "keyup", "ctrl")
+    let_go = time.monotonic()
+    wait_for(lambda: program.api(7) == 0, "the end of the recording")
+    assert time.monotonic() - let_go < 1
+
+    program.command("CM_SETTINGS_HARDWARE")
+    wait_for(lambda: program.winctl.ask("find", DIALOG_CLASS, "Hardware Settings")["hwnd"], "the sheet")
+    assert program.close() == 0, "with its sheet open"
