@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr size_t kBlockBytes = 256 * 1024;
+constexpr size_t kBlockBytes = size_t{256} * 1024;
 
 // A passage of a file that is copied whole.
 struct Passage {
