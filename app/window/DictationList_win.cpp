@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "app/window/DateText_win.h"
-#include "app/window/ListViewChange_win.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/DictationRecord.h"
+#include "ui/LListViewChange.h"
 
 // The list view holds the texts, RowOrder the dictations; both always have the same rows in the same order.
 // Searching the list view was rejected: it made commands on many rows quadratic.
@@ -204,7 +204,7 @@ void DictationList::Update(std::vector<DictationRow> rows) {
     }
     const bool followsCurrent = IsInView(CurrentIndex());
     {
-        ListViewChange change(m_list);
+        LListViewChange change(m_list);
         for (const DictationRow& row : rows) MoveToEnd(row, change);
     }
     if (followsCurrent) ShowCurrent();
@@ -227,7 +227,7 @@ void DictationList::ChangeTexts(int index, const DictationRow& row) {
 }
 
 // The row keeps its selection and focus.
-void DictationList::MoveToEnd(const DictationRow& row, ListViewChange& change) {
+void DictationList::MoveToEnd(const DictationRow& row, LListViewChange& change) {
     UINT state = 0;
     if (const int old = m_rows.IndexOf(row.files.record); old >= 0) {
         state = ListView_GetItemState(m_list, old, LVIS_SELECTED | LVIS_FOCUSED);
@@ -243,7 +243,7 @@ void DictationList::RemoveFiles(const std::vector<DictationFiles>& dictations) {
         const Quiet quiet(m_quiet);
         int place = -1;
         {
-            ListViewChange change(m_list);
+            LListViewChange change(m_list);
             for (const DictationFiles& files : dictations) {
                 const int index = m_rows.IndexOf(files.record);
                 if (index < 0) continue;
@@ -263,6 +263,20 @@ void DictationList::SelectFile(const LPath& record) {
     {
         const Quiet quiet(m_quiet);
         SelectOnly(index);
+    }
+    m_owner->FileChanged();
+}
+
+void DictationList::SelectFiles(const std::vector<LPath>& records) {
+    {
+        const Quiet quiet(m_quiet);
+        SelectOnly(-1);
+        for (const LPath& record : records) {
+            const int index = m_rows.IndexOf(record);
+            if (index < 0) continue;
+            if (SelectedCount() == 0) SelectOnly(index);
+            ListView_SetItemState(m_list, index, LVIS_SELECTED, LVIS_SELECTED);
+        }
     }
     m_owner->FileChanged();
 }

@@ -13,7 +13,7 @@
 #include "base/LProcess.h"
 #include "ui/LWin.h"
 
-class ListViewChange;
+class LListViewChange;
 
 // The list view with the current user's dictations. A row's item data is the dictation's number; commands act
 // on the files of the row's record file, also when the number inside the record differs. Rows are found by
@@ -69,6 +69,8 @@ public:
     void RemoveFiles(const std::vector<DictationFiles>& dictations);
     // Makes this row the only selected one.
     void SelectFile(const LPath& record);
+    // Selects these rows alone, and focuses the first; those that are not listed are passed over.
+    void SelectFiles(const std::vector<LPath>& records);
     // Scrolls to the current dictation; called when the list has changed its size.
     void ShowCurrent();
     void BeginRename();
@@ -103,7 +105,7 @@ private:
     void Update(std::vector<DictationRow> rows);
     bool AreLast(const std::vector<DictationRow>& rows) const;
     void ChangeTexts(int index, const DictationRow& row);
-    void MoveToEnd(const DictationRow& row, ListViewChange& change);
+    void MoveToEnd(const DictationRow& row, LListViewChange& change);
     void SetText(int index, int column, const std::string& text);
     std::string TextAt(int index, int column) const;
     int CurrentIndex() const;

@@ -1,18 +1,21 @@
-#include "app/window/ListViewChange_win.h"
+#include "ui/LListViewChange.h"
 
-#include <commctrl.h>
-
-ListViewChange::ListViewChange(HWND list)
+LListViewChange::LListViewChange(HWND list)
     : m_list(list), m_top(ListView_GetTopIndex(list)), m_count(ListView_GetItemCount(list)) {
     SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
 }
 
-void ListViewChange::Delete(int index) {
+void LListViewChange::Delete(int index) {
     ListView_DeleteItem(m_list, index);
     if (index < m_top) --m_top;
 }
 
-ListViewChange::~ListViewChange() {
+void LListViewChange::Insert(const LVITEMA& row) {
+    SendMessageA(m_list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&row));
+    if (m_top > 0 && row.iItem <= m_top) ++m_top;
+}
+
+LListViewChange::~LListViewChange() {
     SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
     RECT row = {};
     if (ListView_GetItemRect(m_list, 0, &row, LVIR_BOUNDS))
