@@ -82,10 +82,7 @@ std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now) 
     return created;
 }
 
-bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
-    const std::optional<int32_t> number = NextDictationNumber(user);
-    if (!number) return false;
-    const DictationFiles target = DictationFiles::OfNumber(LPath(LFolderOf(files.record.View())), *number);
+bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target) {
     using Step = std::pair<const LPath*, const LPath*>;
     std::vector<Step> done;
     LProfile::Flush(files.record);
@@ -93,12 +90,20 @@ bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
                              Step(&files.notes, &target.notes)}) {
         if (LFile::IsAbsent(*step.first)) continue;
         if (!LFile::Move(*step.first, *step.second, kMoveWaitMs)) {
-            LTrace("RenumberDictation unable to move file", step.first->View());
+            LTrace("MoveDictationFiles unable to move file", step.first->View());
             for (const Step& back : done) LFile::Move(*back.second, *back.first, kMoveWaitMs);
             return false;
         }
         done.push_back(step);
     }
+    return true;
+}
+
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
+    const std::optional<int32_t> number = NextDictationNumber(user);
+    if (!number) return false;
+    const DictationFiles target = DictationFiles::OfNumber(LPath(LFolderOf(files.record.View())), *number);
+    if (!MoveDictationFiles(files, target)) return false;
     if (LFile::Exists(target.record)) Settings::Write(target.record, RecordKeys::kNumber, *number);
     return true;
 }

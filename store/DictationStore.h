@@ -31,8 +31,12 @@ struct NewDictation {
 // user file cannot be read or the record cannot be written.
 std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now);
 
-// Gives a dictation the next number within its folder, in its file names and in its record. Waits two seconds
-// for each file that another program holds. False, with everything as it was, when one cannot be renamed.
+// Moves audio, record and notes, in this order, to names that nothing has. Waits two seconds for each file
+// that another program holds. False when one cannot be moved; those before it are then put back.
+bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target);
+
+// Gives a dictation the next number within its folder, in its file names and in its record. False, with
+// everything as it was, when a file cannot be renamed.
 bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
 
 // Renames a file that has the audio's name but holds no audio, to make way for a recording ("00000012.bad1"):

@@ -15,8 +15,9 @@
 // crash how far the move had come. PutBack is idempotent and can therefore be cut off and repeated.
 // Copying first and deleting afterwards was rejected: two complete copies leave open which one counts.
 // Settle() decides about a journal that it finds. Queued: commit. Not moved completely: undo, since only
-// complete moves are queued. Moved completely but not queued: commit when the record says that it was sent,
-// undo otherwise. When the queue or the record cannot be read, the journal stays and nothing is moved.
+// complete moves are queued; a way back that was cut off is completed by that. Moved completely but not
+// queued: commit when the record says that it was sent, undo otherwise. When the queue or the record cannot
+// be read, the journal stays and nothing is moved.
 
 namespace {
 
@@ -37,6 +38,27 @@ constexpr char kUnwritable[] =
     "The data folder cannot be written to. The disk may be full or write-protected. It stays in the list.";
 constexpr char kUnmovable[] =
     "One of its files may be open in another program, or the disk may be full. It stays in the list.";
+
+// The same on the way back.
+constexpr char kStillQueued[] =
+    "It still waits to be sent, or is being sent. It can be recovered when it has been sent.";
+constexpr char kQueueUnreadable[] =
+    "Whether it still waits to be sent cannot be told: the send queue is open in another program. Please try "
+    "again.";
+constexpr char kNotSent[] = "It is no longer among the sent dictations.";
+constexpr char kUnreadableBack[] =
+    "Its record cannot be read. It may be open in another program. Please try again.";
+constexpr char kEarlierMoveBack[] =
+    "The files of another dictation that was sent or recovered are still open in another program. Please try "
+    "again in a moment.";
+constexpr char kSameNumberBack[] =
+    "A dictation of the same number stands in the list, and its files are open in another program. Please "
+    "try "
+    "again later.";
+constexpr char kUnwritableBack[] =
+    "The data folder cannot be written to. The disk may be full or write-protected.";
+constexpr char kUnmovableBack[] =
+    "One of its files may be open in another program, or the disk may be full. Please try again.";
 
 // The journal of a committed move that could not be deleted. Until it can be deleted it must be ignored: by
 // the next start the dictation is sent, and its record says so.
@@ -136,6 +158,37 @@ void MoveToSent::Commit() {
     m_pending = false;
     DeleteJournal(m_journal);
     m_turn.Release();
+}
+
+// Checks everything that can be known before the first file is moved back, and makes room for it. Returns the
+// sentence for the user, empty when nothing is in the way.
+const char* MoveToSent::FindObstacleBack() {
+    const LFileLock::Result turn = TakeTurn();
+    if (turn == LFileLock::Result::Failed) return kUnwritableBack;
+    if (turn == LFileLock::Result::Held || !TakeUpJournal()) return kEarlierMoveBack;
+    const LReadResult record = DictationRecord::Read(m_sent.record).result;
+    if (record != LReadResult::Values) return record == LReadResult::Absent ? kNotSent : kUnreadableBack;
+    const QueueAnswer queued = m_isQueued(m_sent.audio);
+    if (queued != QueueAnswer::No) return queued == QueueAnswer::Yes ? kStillQueued : kQueueUnreadable;
+    return !m_current.AnyExists() || RenumberDictation(m_user, m_current) ? "" : kSameNumberBack;
+}
+
+bool MoveToSent::BringBack() {
+    m_reason = FindObstacleBack();
+    m_hasNotes = !LFile::IsAbsent(m_sent.notes);
+    if (*m_reason == 0 && !WriteJournal()) m_reason = kUnwritableBack;
+    if (*m_reason != 0) {
+        LTrace("MoveToSent::BringBack refused", m_reason);
+        return false;
+    }
+    const bool isBack = MoveDictationFiles(m_sent, m_current);
+    if (!isBack) m_reason = kUnmovableBack;
+    // The list shows one row for each number.
+    const std::optional<int32_t> number = NumberOfFileName(m_current.record);
+    if (isBack && number && DictationRecord::Read(m_current.record).number != number)
+        Settings::Write(m_current.record, RecordKeys::kNumber, *number);
+    if (isBack || !m_current.AnyExists()) Commit();
+    return isBack;
 }
 
 // Moves the files back, the audio first. False while the journal stays, with work left to do.

@@ -20,8 +20,11 @@
 // start finds it (RecoverDictations) when the program ended in between, and the next move finds it when a
 // file that another program held could not be put back; no other dictation is moved before that one is
 // settled.
-// Before Run: transport stopped, notes saved, no file of the dictation open.
-// Errors: traced; Run returns false and Reason() holds a sentence for the user.
+// BringBack is the way back, of a dictation that was sent. It has the same journal, so that a dictation is on
+// one way at a time, and a move that was cut off is taken up in the same way.
+// Before Run: transport stopped, notes saved, no file of the dictation open. BringBack: the same for a
+// dictation of this number in Current.
+// Errors: traced; Run and BringBack return false and Reason() holds a sentence for the user.
 // Thread: the window thread.
 class MoveToSent {
 public:
@@ -37,7 +40,11 @@ public:
     // False when a file cannot be moved; everything is then back in Current, and Reason says why.
     // Units:  now in seconds since 1970.
     bool Run(std::string_view recipient, int64_t now);
-    // Sentences for the user; empty unless Run failed.
+    // Moves the files of a sent dictation back to Current. A dictation that has its number there gets a new
+    // one. False when the queue names the dictation, or a file cannot be moved; it is then whole in Sent.
+    // Where not even that could be restored, the journal stays, and its files come to Current later.
+    bool BringBack();
+    // Sentences for the user; empty unless Run or BringBack failed.
     const char* Reason() const { return m_reason; }
     // Whether the reason would keep back every other dictation as well.
     bool ConcernsAll() const;
@@ -55,6 +62,7 @@ private:
     bool TakeUpJournal();
     bool WriteJournal() const;
     const char* FindObstacle();
+    const char* FindObstacleBack();
     bool MakeRoom() const;
     bool MoveAll(std::string_view recipient, int64_t now);
     bool Settle();

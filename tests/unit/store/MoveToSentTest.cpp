@@ -138,6 +138,55 @@ TEST_F(MoveToSentTest, ARecordingThatCouldNotGoBackIsListedBesideTheNextOne) {
     EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
 }
 
+TEST_F(MoveToSentTest, ASentDictationComesBackWholeAndTheOneOfItsNumberStays) {
+    MakeFiles(Sent(12), "sent");
+    LProfile::Write(Sent(12).record, "file", "number", "99");
+    MakeFiles(Current(12), "other");
+    MoveToSent move(m_user, Sent(12).record, NotQueued);
+    ASSERT_TRUE(move.BringBack()) << move.Reason();
+    ExpectWhole(Current(12), "sent");
+    ExpectWhole(Current(1), "other", true, 1);
+    EXPECT_EQ(CountFiles(m_user.sentFolder), 0u);
+    EXPECT_FALSE(LFile::Exists(Journal()));
+}
+
+// A folder of the file's name stands in the way, as a file that another program holds does.
+TEST_F(MoveToSentTest, WhatCannotComeBackStaysAmongTheSentOnes) {
+    MakeFiles(Sent(12), "sent");
+    for (auto isQueued : {Queued, Unknown})
+        EXPECT_FALSE(MoveToSent(m_user, Sent(12).record, isQueued).BringBack()) << "of the queue";
+    for (const char* blocked : {".wav", ".dat", ".txt"}) {
+        const LPath obstacle = Current(12).record.WithExtension(blocked);
+        ASSERT_TRUE(LFile::MakeFolder(obstacle));
+        EXPECT_FALSE(MoveToSent(m_user, Sent(12).record, NotQueued).BringBack()) << blocked;
+        LFile::DeleteFolder(obstacle);
+        ExpectWhole(Sent(12), "sent");
+        EXPECT_EQ(CountFiles(m_user.currentFolder), 0u);
+        EXPECT_FALSE(LFile::Exists(Journal()));
+    }
+    LFile::Delete(Sent(12).record);
+    EXPECT_FALSE(MoveToSent(m_user, Sent(12).record, NotQueued).BringBack());
+}
+
+// The program ends after each of the moves in turn: audio, record, notes.
+TEST_F(MoveToSentTest, TheNextStartFinishesAWayBackThatWasBegun) {
+    for (int moved = 0; moved <= 3; ++moved) {
+        for (const LPath& path : {Current(12).record, Current(12).audio, Current(12).notes})
+            LFile::Delete(path);
+        MakeFiles(Sent(12), "sent");
+        LProfile::Write(Sent(12).record, "file", "sendstatus", "Sent");
+        LProfile::Flush(Sent(12).record);
+        WriteFileText(Journal(), "00000012.dat+");
+        if (moved > 0) LFile::Move(Sent(12).audio, Current(12).audio);
+        if (moved > 1) LFile::Move(Sent(12).record, Current(12).record);
+        if (moved > 2) LFile::Move(Sent(12).notes, Current(12).notes);
+        Recover();
+        ExpectWhole(moved == 0 ? Sent(12) : Current(12), "sent");
+        EXPECT_EQ(CountFiles(moved == 0 ? m_user.currentFolder : m_user.sentFolder), 0u);
+        EXPECT_FALSE(LFile::Exists(Journal()));
+    }
+}
+
 TEST_F(MoveToSentTest, NothingIsDecidedWhileTheQueueOrARecordCannotBeRead) {
     MakeFiles(Sent(12), "new");
     LProfile::Write(Sent(12).record, "file", "sendstatus", "Sending");
