@@ -142,6 +142,16 @@ QueueAnswer BGSend::IsQueued(const LPath& dictation) const {
     return m_queue.Contains(dictation);
 }
 
+bool BGSend::Look(SendQueueView& view) const {
+    {
+        LLock lock(m_stateLock);
+        view.inWork = m_inWork;
+        view.fraction = m_itemFraction;
+    }
+    LLock lock(m_queueLock);
+    return m_queue.ReadAll(view.entries);
+}
+
 double BGSend::GetProgress() const {
     LLock lock(m_stateLock);
     return m_range.LastAccepted();
@@ -227,7 +237,9 @@ ProcessResult BGSend::MakeFile(const Work& work) {
     const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
     const bool wasTold = told != m_toldKept.end();
     if (!wasTold) context.TellAtOnce(item);
+    SetInWork(work.entry.dictation);
     const ProcessResult result = item.Send();
+    SetInWork(LPath());
     const bool isKept = result == ProcessResult::Stopped;
     if (wasTold && !isKept) {
         context.Tell(item);
@@ -283,9 +295,16 @@ void BGSend::SetItemProgress(double itemFraction) {
     double value;
     {
         LLock lock(m_stateLock);
+        m_itemFraction = itemFraction;
         value = m_range.OfItem(itemFraction);
     }
     SetProgress(value);
+}
+
+void BGSend::SetInWork(const LPath& dictation) {
+    LLock lock(m_stateLock);
+    m_inWork = dictation;
+    m_itemFraction = 0;
 }
 
 void BGSend::SetRange(int32_t entries) {

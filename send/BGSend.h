@@ -25,6 +25,13 @@ struct BGSendOwner {
     virtual void PostSendProgress() = 0;
 };
 
+// What waits in the queue, in the order of sending.
+struct SendQueueView {
+    std::vector<SendQueueEntry> entries;
+    LPath inWork;         // the dictation that this program is sending; empty when it sends none
+    double fraction = 0;  // how far that one is, 0 to 1
+};
+
 // The queue of dictations to send, and the thread of lowest priority that works it off: it takes the head,
 // converts and delivers it (SendItem), removes it whether it was sent or failed, and ends when the queue is
 // empty.
@@ -68,6 +75,9 @@ public:
     // cannot be read.
     QueueAnswer IsQueued(const LPath& dictation) const;
 
+    // Fills view; false while the queue file cannot be read, and its entries are then left as they were.
+    bool Look(SendQueueView& view) const;
+
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;
 
@@ -106,6 +116,7 @@ private:
 
     bool IsCancelled(const Work& work) const;
     void SetItemProgress(double itemFraction);
+    void SetInWork(const LPath& dictation);
     void SetRange(int32_t entries);
     void SetProgress(double value);
     bool SetError(const SendError& error);
@@ -120,8 +131,10 @@ private:
     std::optional<SendQueueEntry> m_finished;  // sent or failed, and to be removed from the head
     bool m_isActive = false;                   // the thread will look at the queue again before it ends
 
-    mutable LCriticalSection m_stateLock;  // guards m_range
+    mutable LCriticalSection m_stateLock;  // guards the next three
     SendProgressRange m_range;
+    LPath m_inWork;
+    double m_itemFraction = 0;
     mutable LCriticalSection m_errorLock;  // guards m_errors, also while its file is written
     UntoldErrors m_errors;
 

@@ -34,9 +34,6 @@ constexpr size_t kMostIndexDigits = 9;
 
 constexpr size_t kMostBytes = size_t{8} << 20;  // about fifty thousand entries
 
-// How long to wait for another program's turn, which takes milliseconds.
-constexpr uint32_t kTurnMs = 500;
-
 using Values = std::array<std::string, std::size(kPrefixes)>;  // of one entry, as texts of the file
 
 std::string Line(std::string_view key, std::string_view value) {
@@ -135,8 +132,8 @@ void SendQueueFile::SetPath(const LPath& path) {
 
 // Takes the lock and reads the file. Where no lock file can be created, as in a read-only folder, nobody can
 // change the queue, so reading goes on without one.
-bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents) const {
-    const LFileLock::Result taken = turn.Take(m_lock, kTurnMs);
+bool SendQueueFile::Enter(Purpose purpose, LFileLock& turn, Contents& contents, uint32_t waitMs) const {
+    const LFileLock::Result taken = turn.Take(m_lock, waitMs);
     const bool isMine = taken == LFileLock::Result::Taken;
     if (!isMine && (taken == LFileLock::Result::Held || purpose == Purpose::Change)) {
         LTrace("SendQueueFile::Enter unable to lock file", m_lock.View());
@@ -178,6 +175,15 @@ bool SendQueueFile::Write(const Contents& contents) const {
     if (isWritten || FinishReplacement()) return true;
     LTrace("SendQueueFile::Write unable to replace file", m_path.View());
     return false;
+}
+
+bool SendQueueFile::ReadAll(std::vector<SendQueueEntry>& entries) const {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Read, turn, contents, 0)) return false;
+    entries.clear();
+    for (const Values& values : contents.entries) entries.push_back(ToEntry(values));
+    return true;
 }
 
 QueueAnswer SendQueueFile::Contains(const LPath& dictation) const {

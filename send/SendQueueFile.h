@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include <vector>
+
 #include "base/LFileLock.h"
 #include "base/LPath.h"
 #include "store/QueueAnswer.h"
@@ -31,6 +33,8 @@ public:
 
     // head: the first entry; isWhole is false when there is none. count: the number of all.
     bool ReadHead(SendQueueEntry& head, int32_t& count) const;
+    // All entries, in their order. Does not wait for another program's turn.
+    bool ReadAll(std::vector<SendQueueEntry>& entries) const;
     // Whether an entry names this audio file; unknown while the file cannot be read.
     QueueAnswer Contains(const LPath& dictation) const;
     // Adds an entry at the end; count becomes the number of all.
@@ -46,7 +50,9 @@ private:
     struct Contents;
     enum class Purpose { Read, Change };
 
-    bool Enter(Purpose purpose, LFileLock& turn, Contents& contents) const;
+    static constexpr uint32_t kTurnMs = 500;  // how long to wait for another program's turn
+
+    bool Enter(Purpose purpose, LFileLock& turn, Contents& contents, uint32_t waitMs = kTurnMs) const;
     bool FinishReplacement() const;
     bool Write(const Contents& contents) const;
 
