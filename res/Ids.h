@@ -89,6 +89,12 @@
 #define IDC_HOTKEY_COMMAND    561
 #define IDC_HOTKEY_KEY        562
 
+// Controls of the dialogs on sent dictations (a number of a dialog is its own: 101 is also IDC_NEW)
+#define IDC_RECOVER_LIST     101
+#define IDC_SENTWORK_LIST    801
+#define IDC_SENTWORK_SUMMARY 802
+#define IDC_RECOVER_PLAY     811
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -96,6 +102,9 @@
 #define TIMER_HOTKEY      4
 #define TIMER_STOPPEDTONE 5
 #define TIMER_SHOWLATER   6
+
+// The timer of each dialog on sent dictations
+#define TIMER_REFRESH 1
 
 // Messages into the main window
 #define WM_SENDPROGRESS 1041
@@ -140,6 +149,8 @@
 #define IDD_TEXTEDIT    106
 #define IDD_KEYSPAGE    107
 #define IDD_HOTKEY      108
+#define IDD_SENTWORK    118
+#define IDD_RECOVER     119
 #define IDM_MAIN        200
 #define IDM_DICTATION   201
 #define IDM_INFO        202

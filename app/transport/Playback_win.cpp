@@ -13,6 +13,31 @@
 // Stop asks for the position after Pause and before the player stops: then nothing more is heard, and the
 // next recording or playback goes on exactly there.
 
+namespace {
+
+constexpr char kCannotPlay[] =
+    "Unable to play this dictation.\n\n"
+    "Its audio file cannot be read. It may be open in another program, or its format is one that this "
+    "computer does not know. Nothing was changed.";
+constexpr char kNoDevice[] =
+    "Unable to start playback device.\n\n"
+    "This might mean you do not have a sound card installed or the sound card is being used by another "
+    "application. Please check the Hardware Settings.";
+constexpr char kDeviceLost[] =
+    "Playing was stopped because the sound device no longer answers.\n\n"
+    "Please check that the speaker or sound card is connected before you go on.";
+
+}  // namespace
+
+const char* Playback::Text(Result result) {
+    if (result == Result::CannotRead) return kCannotPlay;
+    return result == Result::NoDevice ? kNoDevice : "";
+}
+
+const char* Playback::Text(Ending ending) {
+    return ending == Ending::DeviceLost ? kDeviceLost : "";
+}
+
 Playback::Playback(const LPath& settingsFile, Owner& owner)
     : m_settingsFile(settingsFile), m_owner(owner), m_player(*this) {}
 

@@ -25,6 +25,10 @@ public:
         virtual void PlaybackEnded(Ending ending) = 0;
     };
 
+    // Sentences for the user; empty for those that need none.
+    static const char* Text(Result result);
+    static const char* Text(Ending ending);
+
     // The settings file gives the output device and its volume.
     Playback(const LPath& settingsFile, Owner& owner);
     ~Playback() override;

@@ -19,22 +19,6 @@
 // The position in a newly selected dictation is its end. Position 0 was rejected: with the mode "overwrite"
 // the first press on Record after the start would replace the whole last dictation.
 
-namespace {
-
-constexpr char kCannotPlay[] =
-    "Unable to play this dictation.\n\n"
-    "Its audio file cannot be read. It may be open in another program, or its format is one that this "
-    "computer does not know. Nothing was changed.";
-constexpr char kNoDevice[] =
-    "Unable to start playback device.\n\n"
-    "This might mean you do not have a sound card installed or the sound card is being used by another "
-    "application. Please check the Hardware Settings.";
-constexpr char kDeviceLost[] =
-    "Playing was stopped because the sound device no longer answers.\n\n"
-    "Please check that the speaker or sound card is connected before you go on.";
-
-}  // namespace
-
 Transport::Transport(const AppState& state, const CurrentDictation& current, LModalRunner& runner,
                      Owner& owner)
     : m_state(state),
@@ -136,21 +120,13 @@ bool Transport::PlayFrom(int32_t positionMs) {
 
 // Whether playback runs; reports its start to the owner, or the reason of the failure to the user.
 bool Transport::Tell(Playback::Result result) {
-    switch (result) {
-        case Playback::Result::Started:
-            m_recordedNothing = false;
-            m_owner.ActivityChanged();
-            return true;
-        case Playback::Result::NothingToPlay:
-            return false;
-        case Playback::Result::CannotRead:
-            m_runner.TellLater(kCannotPlay);
-            return false;
-        case Playback::Result::NoDevice:
-            m_runner.TellLater(kNoDevice);
-            return false;
+    if (result != Playback::Result::Started) {
+        if (const char* const text = Playback::Text(result); *text != 0) m_runner.TellLater(text);
+        return false;
     }
-    return false;
+    m_recordedNothing = false;
+    m_owner.ActivityChanged();
+    return true;
 }
 
 // The length of compressed audio may be an estimate: a position that was heard proves that the dictation is
@@ -167,7 +143,7 @@ void Transport::PlaybackEnded(Playback::Ending ending) {
     if (ending == Playback::Ending::PlayedToEnd) m_positionMs = m_lengthMs;
     if (ending == Playback::Ending::DeviceLost) m_playsAfterWinding = false;
     FinishActivity();
-    if (ending == Playback::Ending::DeviceLost) m_runner.TellAtRest(kDeviceLost);
+    if (ending == Playback::Ending::DeviceLost) m_runner.TellAtRest(Playback::Text(ending));
 }
 
 // ---- Winding ---------------------------------------------------------------------------------------------

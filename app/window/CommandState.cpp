@@ -45,7 +45,6 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
     {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kNotBuilt},
-    {CM_VIEWSENT, CM_RECOVER, kNotBuilt},
     {CM_LOGON, CM_LOGON, kNotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
     {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "app/AppState.h"
+#include "app/dialogs/RecoverDialog_win.h"
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Transport_win.h"
 #include "app/window/DictationList_win.h"
@@ -16,11 +18,12 @@
 #include "send/BGSend.h"
 #include "ui/LModalRunner.h"
 
-// Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is
-// touched the transport is stopped and the notes are saved, and all questions to the user are asked.
+// Commands on whole dictations: create, rename, set the priority, delete and send; and those on what was sent.
+// Before a dictation is touched the transport is stopped and the notes are saved, and all questions to the
+// user are asked.
 // Errors: reported to the user, each once; false when nothing or not everything was done.
 // Thread: the window thread.
-class DictationCommands {
+class DictationCommands : private RecoverDialog::Owner {
 public:
     DictationCommands(const AppState& state, LModalRunner& runner, BGSend& queue, DictationList& list,
                       NotesBox& notes, Transport& transport, const CurrentDictation& current,
@@ -50,6 +53,12 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
+
+    // Shows the sent dictations, and what waits in the queue.
+    bool ViewSent();
+    // Lets the user bring sent dictations back. Returns their records in Current, in the order in which they
+    // came; nothing when none was tried. The list is to be filled again.
+    std::optional<std::vector<LPath>> Recover();
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
@@ -83,6 +92,11 @@ private:
                  const std::function<bool(const DictationFiles&)>& step);
     void SettleInserts(const std::vector<DictationFiles>& dictations, std::vector<DictationFiles>& ready,
                        std::vector<NotSent>& left);
+    bool ReadHistory(SentHistory& history);
+    // RecoverDialog::Owner
+    std::string BringBack(const LPath& sentRecord) override;
+    void StopTransport() override { m_transport.Stop(); }
+    bool IsTransportRunning() const override { return m_transport.IsRunning(); }
 
     const AppState& m_state;
     LModalRunner& m_runner;
@@ -93,4 +107,5 @@ private:
     Transport& m_transport;
     const CurrentDictation& m_current;
     InsertOffers& m_inserts;
+    std::optional<std::vector<LPath>> m_recovered;  // of the dialog that is or was open
 };

@@ -46,6 +46,8 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      // Pending changes first: the row must not move under its editor.
      [](MainDialog& d, int) { return d.m_list.UpdateNoted(), d.m_dictations.BeginRename(); }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
+    {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_dictations.ViewSent(); }},
+    {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
      [](MainDialog& d, int command) {
          return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
@@ -182,6 +184,16 @@ bool MainDialog::ShowHardwareSettings() {
     m_hotKeys.UnregisterHotKeys();
     ::ShowHardwareSettings(m_state.data.settingsFile, m_runner);
     if (IsOpen()) m_hotKeys.RegisterHotKeys(Window());
+    return true;
+}
+
+bool MainDialog::RecoverSent() {
+    const std::optional<std::vector<LPath>> recovered = m_dictations.Recover();
+    if (!recovered || !m_runner.MayGoOn()) return false;
+    m_notes.Save();
+    if (!FillList()) return false;
+    for (const LPath& record : *recovered) m_list.AddFile(record);  // where the filling was cancelled
+    if (!recovered->empty()) m_list.SelectFiles(*recovered);
     return true;
 }
 

@@ -134,6 +134,7 @@ private:
     bool SetView(ViewMode view);
     bool Dock();
     bool ShowHardwareSettings();
+    bool RecoverSent();
     bool ShowAbout();
     RecordMode DefaultRecordMode() const;
 

@@ -193,6 +193,25 @@ Json Select(const Json& command) {
                    done != 0);
 }
 
+// items <hwnd>: the rows of a list box with their texts and numbers (item data), and which one is selected
+Json Items(const Json& command) {
+    HWND list = Window(command);
+    DWORD_PTR count = 0, selected = 0;
+    if (!Ask(list, LB_GETCOUNT, 0, 0, &count) || !Ask(list, LB_GETCURSEL, 0, 0, &selected)) return {};
+    Json items = Json::array();
+    for (WPARAM row = 0; row < count; ++row) {
+        DWORD_PTR length = 0, number = 0;
+        Ask(list, LB_GETTEXTLEN, row, 0, &length);
+        // Wide: the platform under test fails with the other between two programs.
+        std::wstring wide(length + 1, L'\0');
+        SendMessageW(list, LB_GETTEXT, row, reinterpret_cast<LPARAM>(wide.data()));
+        Ask(list, LB_GETITEMDATA, row, 0, &number);
+        items.push_back(
+            {{"text", std::string(wide.begin(), wide.end() - 1)}, {"number", static_cast<LONG>(number)}});
+    }
+    return {{"items", items}, {"selected", static_cast<LONG>(selected)}};
+}
+
 // --- Acting ---------------------------------------------------------------------------------------------
 
 // send <hwnd> <message> <wParam> <lParam>: the message's result
@@ -224,6 +243,18 @@ Json Click(const Json& command) {
     return Success(PostMessageA(Window(command), BM_CLICK, 0, 0) != 0);
 }
 
+HANDLE s_held = INVALID_HANDLE_VALUE;
+
+// hold <path>: keeps a file open so that no other program can open it, until release
+Json Hold(const Json& command) {
+    s_held = CreateFileA(Text(command[1]), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, 0, nullptr);
+    return Success(s_held != INVALID_HANDLE_VALUE);
+}
+
+Json Release(const Json&) {
+    return Success(CloseHandle(s_held) != 0);
+}
+
 // setreg <subkey> <value> <text>: a text in the machine's registry
 Json SetRegistry(const Json& command) {
     HKEY key = nullptr;
@@ -241,9 +272,10 @@ constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},       {"find", Find},        {"list", List},         {"post", Post},
-    {"select", Select},     {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry},
-    {"text", TextOfWindow}, {"window", OneWindow}, {"windows", Windows},
+    {"click", Click},      {"find", Find},         {"hold", Hold},          {"items", Items},
+    {"list", List},        {"post", Post},         {"release", Release},    {"select", Select},
+    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry}, {"text", TextOfWindow},
+    {"window", OneWindow}, {"windows", Windows},
 };
 
 }  // namespace

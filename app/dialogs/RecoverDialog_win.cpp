@@ -1,0 +1,185 @@
+#include "app/dialogs/RecoverDialog_win.h"
+
+#include <algorithm>
+
+#include "base/LText.h"
+#include "res/Ids.h"
+#include "store/DictationFiles.h"
+
+namespace {
+
+constexpr UINT kRefreshMs = 1000;
+constexpr uint32_t kReadBudgetMs = 30;  // of each refresh, for records that have changed
+constexpr int kTextMargin = 8;          // pixels behind the longest row
+
+constexpr LAnchor kAnchors[] = {
+    {.control = IDC_RECOVER_LIST, .growsX = true, .growsY = true},
+    {.control = IDC_RECOVER_PLAY, .movesY = true},
+    {.control = IDOK, .movesX = true, .movesY = true},
+    {.control = IDCANCEL, .movesX = true, .movesY = true},
+};
+
+// Selects the dialog's font into a device context of its list, for measuring.
+class ListMeasure {
+public:
+    explicit ListMeasure(HWND list)
+        : m_list(list),
+          m_context(GetDC(list)),
+          m_before(SelectObject(m_context, reinterpret_cast<HFONT>(SendMessageA(list, WM_GETFONT, 0, 0)))) {}
+    ~ListMeasure() {
+        SelectObject(m_context, m_before);
+        ReleaseDC(m_list, m_context);
+    }
+    ListMeasure(const ListMeasure&) = delete;
+    ListMeasure& operator=(const ListMeasure&) = delete;
+    LONG WidthOf(const std::string& text) const {
+        SIZE size = {};
+        GetTextExtentPoint32A(m_context, text.data(), static_cast<int>(text.size()), &size);
+        return size.cx;
+    }
+
+private:
+    HWND m_list;
+    HDC m_context;
+    HGDIOBJ m_before;
+};
+
+}  // namespace
+
+bool RecoverDialog::InitDialog() {
+    m_anchors.Attach(Window(), kAnchors);
+    SetupList();
+    SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
+    SetFocus(Item(IDC_RECOVER_LIST));
+    return false;
+}
+
+bool RecoverDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    switch (message) {
+        case WM_COMMAND:
+            return EvCommand(LOWORD(wParam), HIWORD(wParam)) ||
+                   LDialog::HandleMessage(message, wParam, lParam, result);
+        case WM_TIMER:
+            EvTimer();
+            return true;
+        case WM_SIZE:
+            m_anchors.EvSize();
+            return true;
+        case WM_GETMINMAXINFO:
+            m_anchors.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+            return true;
+        default:
+            return LDialog::HandleMessage(message, wParam, lParam, result);
+    }
+}
+
+bool RecoverDialog::EvCommand(int control, int notification) {
+    switch (control) {
+        case IDC_RECOVER_LIST:
+            if (notification == LBN_SELCHANGE) ShowButtons();
+            if (notification == LBN_DBLCLK) CmPlay();
+            return true;
+        case IDC_RECOVER_PLAY:
+            CmPlay();
+            return true;
+        case IDOK:
+            CmOk();
+            return true;
+        default:
+            return false;
+    }
+}
+
+void RecoverDialog::EvTimer() {
+    if (m_owner.IsTransportRunning()) StopPlaying();
+    if (m_history.Refresh(kReadBudgetMs)) SetupList();
+}
+
+// Fills the list. The selection stays with its dictation; where that is gone, with its place.
+void RecoverDialog::SetupList() {
+    const SentDictation* const before = Selected();
+    const LPath record = before != nullptr ? before->record : LPath();
+    LRESULT selected = ListMessage(LB_GETCURSEL);
+    const LRESULT top = ListMessage(LB_GETTOPINDEX);
+    m_shown = m_history.Dictations();
+    ListMessage(WM_SETREDRAW, FALSE);
+    ListMessage(LB_RESETCONTENT);
+    LONG width = 0;
+    {
+        const ListMeasure measure(Item(IDC_RECOVER_LIST));
+        for (const SentDictation& dictation : m_shown) {
+            const std::string text = dictation.Text();
+            const LRESULT row = ListMessage(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+            ListMessage(LB_SETITEMDATA, row, dictation.number);
+            width = std::max(width, measure.WidthOf(text));
+        }
+    }
+    ListMessage(LB_SETHORIZONTALEXTENT, width + kTextMargin);
+    const auto same = std::ranges::find(m_shown, record, &SentDictation::record);
+    if (selected >= 0 && same != m_shown.end()) selected = same - m_shown.begin();
+    ListMessage(LB_SETCURSEL, std::min<LRESULT>(selected, static_cast<LRESULT>(m_shown.size()) - 1));
+    ListMessage(LB_SETTOPINDEX, top);
+    ListMessage(WM_SETREDRAW, TRUE);
+    InvalidateRect(Item(IDC_RECOVER_LIST), nullptr, TRUE);
+    ShowButtons();
+}
+
+void RecoverDialog::ShowButtons() {
+    const bool isSelected = Selected() != nullptr;
+    const bool plays = m_playback.IsPlaying();
+    const HWND focus = GetFocus();
+    LSetWindowText(Item(IDC_RECOVER_PLAY), plays ? "&Stop" : "&Play");
+    EnableWindow(Item(IDC_RECOVER_PLAY), isSelected || plays);
+    EnableWindow(Item(IDOK), isSelected);
+    // The keyboard must not stay with a control that is disabled now.
+    if (focus != nullptr && !IsWindowEnabled(focus)) SetFocus(Item(IDC_RECOVER_LIST));
+}
+
+void RecoverDialog::CmPlay() {
+    if (m_playback.IsPlaying()) return StopPlaying();
+    const SentDictation* const dictation = Selected();
+    if (dictation == nullptr) return;
+    m_owner.StopTransport();
+    const LPath audio = DictationFiles::OfPath(dictation->record).audio;
+    const Playback::Result result = m_playback.Play(audio, 0, PlaySpeed::Normal);
+    ShowButtons();
+    if (result == Playback::Result::NothingToPlay) Tell("This dictation holds no sound.");
+    if (*Playback::Text(result) != 0) Tell(Playback::Text(result));
+}
+
+void RecoverDialog::CmOk() {
+    const SentDictation* const selected = Selected();
+    if (selected == nullptr) return;
+    const SentDictation dictation = *selected;
+    StopPlaying();  // the file is open as long as it plays
+    const std::string reason = m_owner.BringBack(dictation.record);
+    if (!IsOpen()) return;
+    m_history.Refresh(kReadBudgetMs);
+    SetupList();
+    if (!reason.empty())
+        Tell(LFormat("\"%.80s\" could not be recovered.\n\n", dictation.name.c_str()) + reason);
+}
+
+void RecoverDialog::StopPlaying() {
+    m_playback.Stop();
+    if (IsOpen()) ShowButtons();
+}
+
+void RecoverDialog::PlaybackEnded(Playback::Ending ending) {
+    ShowButtons();
+    if (*Playback::Text(ending) != 0) Tell(Playback::Text(ending));
+}
+
+void RecoverDialog::Tell(std::string_view text) {
+    LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
+}
+
+const SentDictation* RecoverDialog::Selected() const {
+    const LRESULT row = ListMessage(LB_GETCURSEL);
+    return row >= 0 && row < static_cast<LRESULT>(m_shown.size()) ? &m_shown[static_cast<size_t>(row)]
+                                                                  : nullptr;
+}
+
+LRESULT RecoverDialog::ListMessage(UINT message, LRESULT item, LPARAM parameter) const {
+    return SendMessageA(Item(IDC_RECOVER_LIST), message, static_cast<WPARAM>(item), parameter);
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+
+#include "app/transport/Playback_win.h"
+#include "store/SentHistory.h"
+#include "ui/LAnchors.h"
+#include "ui/LDialog.h"
+
+// Lists the sent dictations, plays one, and brings one back to the current dictations. It stays open, so that
+// several can be recovered.
+// Thread: the window thread.
+class RecoverDialog final : public LDialog, private Playback::Owner {
+public:
+    class Owner {
+    public:
+        virtual ~Owner() = default;
+        // Moves a dictation back. Returns a sentence for the user when it could not be, else an empty text.
+        virtual std::string BringBack(const LPath& sentRecord) = 0;
+        // A pedal may start the main window's transport while the dialog is open; they take turns.
+        virtual void StopTransport() = 0;
+        virtual bool IsTransportRunning() const = 0;
+    };
+
+    // The settings file gives the output device and its volume. history: read already. All must outlive the
+    // dialog.
+    RecoverDialog(const LPath& settingsFile, SentHistory& history, Owner& owner)
+        : m_history(history), m_owner(owner), m_playback(settingsFile, *this) {}
+
+private:
+    bool InitDialog() override;
+    void DestroyDialog() override { m_playback.Stop(); }
+    bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    bool EvCommand(int control, int notification);
+    void EvTimer();
+    void SetupList();
+    void ShowButtons();
+    void CmPlay();
+    void CmOk();
+    void StopPlaying();
+    void Tell(std::string_view text);
+    const SentDictation* Selected() const;
+    LRESULT ListMessage(UINT message, LRESULT item = 0, LPARAM parameter = 0) const;
+
+    void PlaybackPosition(int32_t) override {}
+    void PlaybackLevel(int8_t, int8_t) override {}
+    void PlaybackEnded(Playback::Ending ending) override;
+
+    SentHistory& m_history;
+    Owner& m_owner;
+    Playback m_playback;
+    LAnchors m_anchors;
+    std::vector<SentDictation> m_shown;  // mirrors the rows of the list
+};
