@@ -66,6 +66,10 @@ bool StorePriority(const LPath& record, std::string_view priority) {
     return StoreKey(record, RecordKeys::kPriority.key, priority);
 }
 
+bool StoreStatus(const LPath& record, std::string_view status) {
+    return StoreKey(record, RecordKeys::kSendStatus.key, status);
+}
+
 bool WriteSendKeys(const LPath& record, const DictationRecord& values) {
     return StoreOrRemove(record, RecordKeys::kSendDate,
                          values.sendDate ? std::to_string(*values.sendDate) : std::string()) &&

@@ -34,6 +34,9 @@ std::optional<int32_t> NumberOfFileName(const LPath& path);
 bool StoreName(const LPath& record, std::string_view name);
 bool StorePriority(const LPath& record, std::string_view priority);  // "High", "Normal" or "Low"
 
+// What the typist reports of the work on a sent dictation; errors as above.
+bool StoreStatus(const LPath& record, std::string_view status);
+
 // Writes the keys "senddate", "recipient" and "sendstatus", removing empty ones; used for sending and for
 // taking it back. False when the record cannot be written.
 bool WriteSendKeys(const LPath& record, const DictationRecord& values);

@@ -118,7 +118,11 @@ bool MoveToSent::ConcernsAll() const {
 }
 
 LFileLock::Result MoveToSent::TakeTurn() {
-    return m_turn.Take(m_journal.WithExtension(LLeftOver::kLock), kMoveWaitMs);
+    return m_turn.Take(LockOf(m_user), kMoveWaitMs);
+}
+
+LPath MoveToSent::LockOf(const CurrentUser& user) {
+    return JournalPath(user).WithExtension(LLeftOver::kLock);
 }
 
 // Checks everything that can be known before the first file is moved. Returns the sentence for the user,

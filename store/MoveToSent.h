@@ -56,6 +56,8 @@ public:
     // was sent, and undoes it otherwise. False while it stays unfinished, because the queue or a file cannot
     // be read or moved.
     static bool TakeUp(const CurrentUser& user, const AskQueue& isQueued);
+    // The lock file that a move holds.
+    static LPath LockOf(const CurrentUser& user);
 
 private:
     LFileLock::Result TakeTurn();

@@ -1,5 +1,6 @@
 #include "store/SendToSettings.h"
 
+#include "base/LArith.h"
 #include "base/LBytes.h"
 #include "base/LFile.h"
 #include "base/LLeftOver.h"
@@ -13,6 +14,7 @@
 
 namespace {
 
+constexpr int32_t kMostRecipients = 1000;
 constexpr uint32_t kVersion = 1;  // written; version 0 has neither flags nor encryption password
 constexpr size_t kFileBytes = 1964;
 // The size of version 0, without flags and pass phrase.
@@ -126,7 +128,7 @@ std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, i
 
 int32_t RecipientCount(const LPath& userFile) {
     const int32_t count = Settings::Read(userFile, UserKeys::kSendCount);
-    return count < 0 ? 0 : count;
+    return Clamp<int32_t>(count, 0, kMostRecipients);
 }
 
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile) {

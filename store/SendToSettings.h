@@ -57,7 +57,7 @@ std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
 // it; "Recipient 2" when the file cannot be loaded.
 std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
-// Number of the user's recipients.
+// Number of the user's recipients, at most 1000: the user file may be damaged.
 int32_t RecipientCount(const LPath& userFile);
 // Index of the user's default recipient; nothing, so that nothing can be sent, when he has no recipients or
 // the index is beyond their number.

@@ -1,14 +1,10 @@
 #include "app/dialogs/ChooseRecipientDialog_win.h"
 
-#include <algorithm>
-
 #include "res/Ids.h"
 #include "store/SendToSettings.h"
 #include "ui/LDialog.h"
 
 namespace {
-
-constexpr int kMostRecipients = 1000;  // bound for the number in a damaged user file
 
 // The list of the user's recipients by description.
 class ChooseRecipientDialog final : public LDialog {
@@ -19,7 +15,7 @@ public:
 private:
     // Recipients that cannot be read are left out, so each item carries its recipient's index.
     bool InitDialog() override {
-        const int count = std::min<int>(RecipientCount(m_state.user.userFile), kMostRecipients);
+        const int count = RecipientCount(m_state.user.userFile);
         const std::optional<int32_t> defaultIndex = DefaultRecipientIndex(m_state.user.userFile);
         LRESULT selected = 0;
         for (int i = 0; i < count; ++i) {
