@@ -119,6 +119,9 @@
 #define WM_HOLDBUTTON     0x8004
 #define WM_INSERTKEPT     0x8005
 
+// Message into the dialog on sent work: the typists' reports are collected
+#define WM_STATUSCOLLECTED 0x8005
+
 // Command indexes: the commands that pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0
 #define CI_OPEN             1

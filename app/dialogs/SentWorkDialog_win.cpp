@@ -51,12 +51,16 @@ bool SentWorkDialog::InitDialog() {
     ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SetFocus(list);
     SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
+    m_collect.Begin(
+        m_state.data, m_state.user, [&queue = m_queue](const LPath& audio) { return queue.IsQueued(audio); },
+        [window = Window()] { PostMessageA(window, WM_STATUSCOLLECTED, 0, 0); });
     return false;
 }
 
 bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
     switch (message) {
         case WM_TIMER:
+        case WM_STATUSCOLLECTED:
             m_history.Refresh(kReadBudgetMs);
             Refresh();
             return true;
@@ -74,7 +78,7 @@ bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
 
 void SentWorkDialog::Refresh() {
     const bool isRead = m_queue.Look(m_view);
-    Show(SentWorkRows(m_history.Dictations(), m_view, m_user));
+    Show(SentWorkRows(m_history.Dictations(), m_view, m_state.user.number));
     LSetWindowText(Item(IDC_SENTWORK_SUMMARY), SentWorkSummary(m_view.entries.size(), isRead));
 }
 

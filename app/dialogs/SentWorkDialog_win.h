@@ -1,19 +1,20 @@
 #pragma once
 
+#include "app/AppState.h"
 #include "app/dialogs/SentWorkRows.h"
+#include "store/CollectStatus.h"
 #include "ui/LAnchors.h"
 #include "ui/LDialog.h"
 
-class LListViewChange;
-
 // Shows the sent dictations with their status, and what waits in the queue, and follows both while it is
-// open: only what differs is changed, so that selection and view stay.
+// open: only what differs is changed, so that selection and view stay. When it opens it collects what the
+// typists report.
 // Thread: the window thread.
 class SentWorkDialog final : public LDialog {
 public:
-    // history: read already. Both must outlive the dialog. user: the number of the history's user.
-    SentWorkDialog(SentHistory& history, const BGSend& queue, uint32_t user)
-        : m_history(history), m_queue(queue), m_user(user) {}
+    // history: of the state's user, read already. All must outlive the dialog, and queue the collecting too.
+    SentWorkDialog(const AppState& state, SentHistory& history, const BGSend& queue, CollectStatus& collect)
+        : m_state(state), m_history(history), m_queue(queue), m_collect(collect) {}
 
 private:
     bool InitDialog() override;
@@ -23,9 +24,10 @@ private:
     void ChangeRows(const RowChange& change, const std::vector<SentWorkRow>& rows);
     void FillWidth();
 
+    const AppState& m_state;
     SentHistory& m_history;
     const BGSend& m_queue;
-    uint32_t m_user;
+    CollectStatus& m_collect;
     LAnchors m_anchors;
     SendQueueView m_view;
     std::vector<SentWorkRow> m_shown;  // mirrors the rows of the list

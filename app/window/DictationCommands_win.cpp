@@ -321,7 +321,7 @@ bool DictationCommands::ReadHistory(SentHistory& history) {
 bool DictationCommands::ViewSent() {
     SentHistory history(m_state.user.sentFolder);
     if (!ReadHistory(history)) return false;
-    SentWorkDialog dialog(history, m_queue, m_state.user.number);
+    SentWorkDialog dialog(m_state, history, m_queue, m_collect);
     m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::WhatRuns::Stops);
     return true;
 }

@@ -16,11 +16,13 @@
 #include "app/window/NotesBox_win.h"
 #include "app/window/SendCommands_win.h"
 #include "send/BGSend.h"
+#include "store/CollectStatus.h"
+#include "store/SentHistory.h"
 #include "ui/LModalRunner.h"
 
-// Commands on whole dictations: create, rename, set the priority, delete and send; and those on what was sent.
-// Before a dictation is touched the transport is stopped and the notes are saved, and all questions to the
-// user are asked.
+// Commands on whole dictations: create, rename, set the priority, delete and send; and on those that were
+// sent. Before a dictation is touched the transport is stopped and the notes are saved, and all questions to
+// the user are asked.
 // Errors: reported to the user, each once; false when nothing or not everything was done.
 // Thread: the window thread.
 class DictationCommands : private RecoverDialog::Owner {
@@ -56,6 +58,8 @@ public:
 
     // Shows the sent dictations, and what waits in the queue.
     bool ViewSent();
+    // Ends the collecting of typists' reports, which may hang in the network; true when it has ended.
+    bool StopCollecting(uint32_t timeoutMs) { return m_collect.Stop(timeoutMs); }
     // Lets the user bring sent dictations back. Returns their records in Current, in the order in which they
     // came; nothing when none was tried. The list is to be filled again.
     std::optional<std::vector<LPath>> Recover();
@@ -107,5 +111,6 @@ private:
     Transport& m_transport;
     const CurrentDictation& m_current;
     InsertOffers& m_inserts;
+    CollectStatus m_collect;
     std::optional<std::vector<LPath>> m_recovered;  // of the dialog that is or was open
 };

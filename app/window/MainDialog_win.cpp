@@ -178,7 +178,7 @@ void MainDialog::DestroyDialog() {
     m_hotKeys.UnregisterHotKeys();
     m_transport.LeaveInserts(true);
     m_display.Detach();
-    m_sendThreadEnded = m_queue.Stop(kSendStopMs);
+    m_sendThreadEnded = m_queue.Stop(kSendStopMs) && m_dictations.StopCollecting(kSendStopMs);
     m_postTo = nullptr;
     m_transport.Stop();
     m_notes.Save();

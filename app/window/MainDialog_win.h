@@ -47,8 +47,8 @@ public:
     // Tick count in ms just before the window is created, for the trace of the start-up time.
     void SetStartTick(uint32_t tick) { m_startTick = tick; }
 
-    // False when the send thread did not end in time. Its entry stays in the queue, and the process must end
-    // without it.
+    // False when the send thread, or the one that collects typists' reports, did not end in time. What they
+    // worked on stays as it was, and the process must end without them.
     bool SendThreadEnded() const { return m_sendThreadEnded; }
 
     bool PreTranslateMessage(MSG& message) override;
