@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/LLeftOver.h"
+#include "base/LText.h"
 #include "base/LTime.h"
 #include "send/SendItem.h"
 
@@ -138,6 +139,10 @@ bool BGSend::Empty() {
 }
 
 QueueAnswer BGSend::IsQueued(const LPath& dictation) const {
+    {
+        LLock lock(m_stateLock);  // the queue may have been emptied while it is being sent
+        if (!m_inWork.Empty() && LEqualNoCase(m_inWork.View(), dictation.View())) return QueueAnswer::Yes;
+    }
     LLock lock(m_queueLock);
     return m_queue.Contains(dictation);
 }

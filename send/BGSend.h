@@ -30,6 +30,8 @@ struct SendQueueView {
     std::vector<SendQueueEntry> entries;
     LPath inWork;         // the dictation that this program is sending; empty when it sends none
     double fraction = 0;  // how far that one is, 0 to 1
+
+    bool operator==(const SendQueueView&) const = default;
 };
 
 // The queue of dictations to send, and the thread of lowest priority that works it off: it takes the head,
@@ -71,8 +73,8 @@ public:
     // The user's "Cancel": stops the thread, empties the queue and starts again. An item that does not stop
     // within waitMs is dropped at its next check. A queue that cannot be emptied leaves a new error text.
     void ClearQueue(uint32_t waitMs = 5000);
-    // Whether a dictation (given by its audio file in Sent) waits in the queue; unknown while the queue file
-    // cannot be read.
+    // Whether a dictation (given by its audio file in Sent) waits in the queue or is being sent; unknown
+    // while the queue file cannot be read.
     QueueAnswer IsQueued(const LPath& dictation) const;
 
     // Fills view; false while the queue file cannot be read, and its entries are then left as they were.
