@@ -29,10 +29,11 @@ void LAnchors::EvSize() const {
         const LAnchor& anchor = placed.anchor;
         const RECT& box = placed.box;
         if (places == nullptr) return;
-        places = DeferWindowPos(
-            places, GetDlgItem(m_dialog, anchor.control), nullptr, box.left + (anchor.movesX ? moreX : 0),
-            box.top + (anchor.movesY ? moreY : 0), box.right - box.left + (anchor.growsX ? moreX : 0),
-            box.bottom - box.top + (anchor.growsY ? moreY : 0), SWP_NOZORDER | SWP_NOACTIVATE);
+        places = DeferWindowPos(places, GetDlgItem(m_dialog, anchor.control), nullptr,
+                                box.left + (anchor.movesX ? moreX : 0), box.top + (anchor.movesY ? moreY : 0),
+                                box.right - box.left + (anchor.growsX ? moreX : 0),
+                                box.bottom - box.top + (anchor.growsY ? moreY : 0),
+                                SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
     if (places != nullptr) EndDeferWindowPos(places);
 }

@@ -1,6 +1,7 @@
 #include "app/dialogs/RecoverDialog_win.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/LText.h"
 #include "res/Ids.h"
@@ -10,6 +11,8 @@ namespace {
 
 constexpr UINT kRefreshMs = 1000;
 constexpr uint32_t kReadBudgetMs = 30;  // of each refresh, for records that have changed
+constexpr DWORD kFirstRepeatMs = 1000;  // longer than a held key takes to repeat for the first time
+constexpr DWORD kNextRepeatMs = 150;    // and from then on
 constexpr int kTextMargin = 8;          // pixels behind the longest row
 
 constexpr LAnchor kAnchors[] = {
@@ -149,15 +152,24 @@ void RecoverDialog::CmPlay() {
 
 void RecoverDialog::CmOk() {
     const SentDictation* const selected = Selected();
-    if (selected == nullptr) return;
+    if (IsHeldKey() || selected == nullptr) return;
     const SentDictation dictation = *selected;
     StopPlaying();  // the file is open as long as it plays
     const std::string reason = m_owner.BringBack(dictation.record);
+    if (reason.empty()) m_recoveredMs = m_lastOkMs;
     if (!IsOpen()) return;
     m_history.Refresh(kReadBudgetMs);
     SetupList();
     if (!reason.empty())
         Tell(LFormat("\"%.80s\" could not be recovered.\n\n", dictation.name.c_str()) + reason);
+}
+
+// Enter that is held would recover one dictation after the other.
+bool RecoverDialog::IsHeldKey() {
+    const DWORD nowMs = static_cast<DWORD>(GetMessageTime());
+    const DWORD sinceAskedMs = nowMs - std::exchange(m_lastOkMs, nowMs);
+    if (!m_recoveredMs || GetKeyState(VK_RETURN) >= 0) return false;
+    return nowMs - *m_recoveredMs < kFirstRepeatMs || sinceAskedMs < kNextRepeatMs;
 }
 
 void RecoverDialog::StopPlaying() {

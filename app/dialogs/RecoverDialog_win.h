@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "app/transport/Playback_win.h"
 #include "store/SentHistory.h"
@@ -37,6 +39,7 @@ private:
     void ShowButtons();
     void CmPlay();
     void CmOk();
+    bool IsHeldKey();
     void StopPlaying();
     void Tell(std::string_view text);
     const SentDictation* Selected() const;
@@ -50,5 +53,8 @@ private:
     Owner& m_owner;
     Playback m_playback;
     LAnchors m_anchors;
+    // Times of messages: of the last recovery, and of the last time that it was asked for.
+    std::optional<DWORD> m_recoveredMs;
+    DWORD m_lastOkMs = 0;
     std::vector<SentDictation> m_shown;  // mirrors the rows of the list
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr UINT kRefreshMs = 500;
+constexpr UINT kRefreshMs = 1000;
 constexpr uint32_t kReadBudgetMs = 30;  // of each refresh, for records that have changed
 
 constexpr LAnchor kAnchors[] = {
@@ -47,7 +47,7 @@ bool SentWorkDialog::InitDialog() {
         item.iSubItem = index;
         SendMessageA(list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&item));
     }
-    Refresh();
+    Refresh(true);
     ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SetFocus(list);
     SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
@@ -61,8 +61,7 @@ bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
     switch (message) {
         case WM_TIMER:
         case WM_STATUSCOLLECTED:
-            m_history.Refresh(kReadBudgetMs);
-            Refresh();
+            Refresh(m_history.Refresh(kReadBudgetMs));
             return true;
         case WM_SIZE:
             m_anchors.EvSize();
@@ -76,9 +75,12 @@ bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
     }
 }
 
-void SentWorkDialog::Refresh() {
+void SentWorkDialog::Refresh(bool isHistoryNew) {
+    const SendQueueView before = m_view;
     const bool isRead = m_queue.Look(m_view);
-    Show(SentWorkRows(m_history.Dictations(), m_view, m_state.user.number));
+    if (isHistoryNew || m_view != before)
+        Show(SentWorkRows(m_history.Dictations(), m_view, m_state.user.number));
+    FillWidth();  // the scroll bar may have come or gone
     LSetWindowText(Item(IDC_SENTWORK_SUMMARY), SentWorkSummary(m_view.entries.size(), isRead));
 }
 

@@ -19,7 +19,7 @@ public:
 private:
     bool InitDialog() override;
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
-    void Refresh();
+    void Refresh(bool isHistoryNew);
     void Show(std::vector<SentWorkRow> rows);
     void ChangeRows(const RowChange& change, const std::vector<SentWorkRow>& rows);
     void FillWidth();
