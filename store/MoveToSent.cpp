@@ -7,6 +7,7 @@
 #include "base/LProfile.h"
 #include "base/LTrace.h"
 #include "store/DictationStore.h"
+#include "store/PendingInsert.h"
 #include "store/SettingsKeys.h"
 #include "store/TakeBack.h"
 
@@ -55,6 +56,10 @@ constexpr char kSameNumberBack[] =
     "A dictation of the same number stands in the list, and its files are open in another program. Please "
     "try "
     "again later.";
+constexpr char kSameNumberInserts[] =
+    "A dictation of the same number stands in the list, and a recording waits to be inserted into it. You "
+    "are "
+    "asked about it when Corvane starts; please answer that first.";
 constexpr char kUnwritableBack[] =
     "The data folder cannot be written to. The disk may be full or write-protected.";
 constexpr char kUnmovableBack[] =
@@ -174,7 +179,10 @@ const char* MoveToSent::FindObstacleBack() {
     if (record != LReadResult::Values) return record == LReadResult::Absent ? kNotSent : kUnreadableBack;
     const QueueAnswer queued = m_isQueued(m_sent.audio);
     if (queued != QueueAnswer::No) return queued == QueueAnswer::Yes ? kStillQueued : kQueueUnreadable;
-    return !m_current.AnyExists() || RenumberDictation(m_user, m_current) ? "" : kSameNumberBack;
+    if (!m_current.AnyExists()) return "";
+    PendingInsert insert;
+    if (PendingInsert::Read(m_current, insert) != LReadResult::Absent) return kSameNumberInserts;
+    return RenumberDictation(m_user, m_current) ? "" : kSameNumberBack;
 }
 
 bool MoveToSent::BringBack() {
