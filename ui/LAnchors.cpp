@@ -23,19 +23,15 @@ void LAnchors::EvSize() const {
     RECT client = {};
     GetClientRect(m_dialog, &client);
     const LONG moreX = client.right - m_client.cx, moreY = client.bottom - m_client.cy;
-    // In one step: moved one by one the controls would paint over each other.
-    HDWP places = BeginDeferWindowPos(static_cast<int>(m_placed.size()));
     for (const Placed& placed : m_placed) {
         const LAnchor& anchor = placed.anchor;
         const RECT& box = placed.box;
-        if (places == nullptr) return;
-        places = DeferWindowPos(places, GetDlgItem(m_dialog, anchor.control), nullptr,
-                                box.left + (anchor.movesX ? moreX : 0), box.top + (anchor.movesY ? moreY : 0),
-                                box.right - box.left + (anchor.growsX ? moreX : 0),
-                                box.bottom - box.top + (anchor.growsY ? moreY : 0),
-                                SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+        SetWindowPos(GetDlgItem(m_dialog, anchor.control), nullptr, box.left + (anchor.movesX ? moreX : 0),
+                     box.top + (anchor.movesY ? moreY : 0),
+                     box.right - box.left + (anchor.growsX ? moreX : 0),
+                     box.bottom - box.top + (anchor.growsY ? moreY : 0),
+                     SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
-    if (places != nullptr) EndDeferWindowPos(places);
 }
 
 void LAnchors::EvGetMinMaxInfo(MINMAXINFO& info) const {
