@@ -193,23 +193,18 @@ Json Select(const Json& command) {
                    done != 0);
 }
 
-// items <hwnd>: the rows of a list box with their texts and numbers (item data), and which one is selected
+// items <hwnd>: the texts of a list box
 Json Items(const Json& command) {
-    HWND list = Window(command);
-    DWORD_PTR count = 0, selected = 0;
-    if (!Ask(list, LB_GETCOUNT, 0, 0, &count) || !Ask(list, LB_GETCURSEL, 0, 0, &selected)) return {};
     Json items = Json::array();
-    for (WPARAM row = 0; row < count; ++row) {
-        DWORD_PTR length = 0, number = 0;
-        Ask(list, LB_GETTEXTLEN, row, 0, &length);
+    for (WPARAM row = 0;; ++row) {
+        DWORD_PTR length = 0;
+        if (!Ask(Window(command), LB_GETTEXTLEN, row, 0, &length) || static_cast<LONG>(length) < 0) break;
         // Wide: the platform under test fails with the other between two programs.
-        std::wstring wide(length + 1, L'\0');
-        SendMessageW(list, LB_GETTEXT, row, reinterpret_cast<LPARAM>(wide.data()));
-        Ask(list, LB_GETITEMDATA, row, 0, &number);
-        items.push_back(
-            {{"text", std::string(wide.begin(), wide.end() - 1)}, {"number", static_cast<LONG>(number)}});
+        std::wstring text(length + 1, L'\0');
+        SendMessageW(Window(command), LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()));
+        items.push_back(std::string(text.begin(), text.end() - 1));
     }
-    return {{"items", items}, {"selected", static_cast<LONG>(selected)}};
+    return items;
 }
 
 // --- Acting ---------------------------------------------------------------------------------------------
