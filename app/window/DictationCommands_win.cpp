@@ -37,8 +37,7 @@ constexpr char kCannotCreate[] =
 
 constexpr char kSameNumberUnsaved[] =
     "The notes of a dictation of the same number could not be saved yet. The disk may be full. Please try "
-    "again "
-    "later.";
+    "again later.";
 constexpr char kGone[] =
     "The dictation \"%.80s\"%s no longer here.\n\nSent or deleted in another window, perhaps.%s";
 constexpr size_t kTypedShown = 500;
