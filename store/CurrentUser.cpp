@@ -1,16 +1,9 @@
 #include "store/CurrentUser.h"
 
-#include <algorithm>
-
 #include "base/LFile.h"
 #include "base/LProfile.h"
-#include "base/LText.h"
 #include "store/RegistryUser.h"
 #include "store/SettingsKeys.h"
-
-// The list of users is a numbered list of settings (Settings::ListItemKey), changed one key at a time. Each
-// order of writes is chosen so that an end of the program between two of them leaves a user twice, which
-// reading corrects, and never loses one.
 
 static std::string ReadDetail(const LProfileSection& section, const Settings::TextKey& key) {
     return section.Read(key.key, key.defaultValue);
@@ -89,67 +82,6 @@ CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name
     SetCurrentUser(data.settingsFile, user);
     added.details = UserDetails::Read(added.userFile);
     return added;
-}
-
-// Reads the list, each user once. A change that was cut off by the end of the program can leave an item
-// missing or an item twice, so both are tolerated; item 0 has a default. False when the file cannot be read:
-// the list must then not be written back.
-static bool ReadUserItems(const LPath& settingsFile, std::vector<uint32_t>& users) {
-    const LProfileSection section(settingsFile, SettingsKeys::kUsersSection, kReadWaitMs);
-    const std::string countText = section.Read(SettingsKeys::kUserCount.key, {});
-    const int32_t count = countText.empty() ? SettingsKeys::kUserCount.defaultValue : LParseInt(countText);
-    for (int32_t i = 0, missing = 0; i < count && missing < Settings::kLargestGap; ++i) {
-        const std::string text = section.Read(Settings::ListItemKey(SettingsKeys::kUserPrefix, i), {});
-        const uint32_t user = static_cast<uint32_t>(LParseInt64(text));
-        missing = text.empty() ? missing + 1 : 0;
-        if (text.empty() && i > 0) continue;
-        if (std::find(users.begin(), users.end(), user) == users.end()) users.push_back(user);
-    }
-    return section.Result() != LReadResult::Unreadable;
-}
-
-// Writes the items from index 0 without gaps. Reading has only removed gaps, so an item moves at most
-// downwards, onto a place whose item was read already: a write that is cut off loses no user.
-static void WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
-    const int32_t count = static_cast<int32_t>(users.size());
-    for (int32_t i = 0; i < count; ++i) {
-        Settings::WriteNumber(settingsFile, SettingsKeys::kUsersSection,
-                              Settings::ListItemKey(SettingsKeys::kUserPrefix, i),
-                              users[static_cast<size_t>(i)]);
-    }
-    Settings::Write(settingsFile, SettingsKeys::kUserCount, count);
-}
-
-std::vector<uint32_t> ReadUserList(const LPath& settingsFile) {
-    std::vector<uint32_t> users;
-    ReadUserItems(settingsFile, users);
-    if (users.empty()) users.push_back(0);
-    return users;
-}
-
-void AddUserToList(const LPath& settingsFile, uint32_t user) {
-    std::vector<uint32_t> users;
-    if (!ReadUserItems(settingsFile, users)) return;
-    if (std::find(users.begin(), users.end(), user) != users.end()) return;
-    // Without a list in the file, user 0 is implied; it is written as well, since the new count would hide
-    // it.
-    users.push_back(user);
-    WriteUserItems(settingsFile, users);
-}
-
-void RemoveUserFromList(const LPath& settingsFile, uint32_t user) {
-    std::vector<uint32_t> users;
-    if (!ReadUserItems(settingsFile, users)) return;
-    const auto found = std::find(users.begin(), users.end(), user);
-    if (found == users.end()) return;
-    WriteUserItems(settingsFile, users);
-    const int32_t last = static_cast<int32_t>(users.size()) - 1;
-    for (int32_t i = static_cast<int32_t>(found - users.begin()); i < last; ++i) {
-        Settings::MoveListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, i,
-                               i + 1);
-    }
-    Settings::DeleteListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, last);
-    Settings::Write(settingsFile, SettingsKeys::kUserCount, last);
 }
 
 std::string UserName(const LPath& dataFolder, uint32_t user) {

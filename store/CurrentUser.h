@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/LFile.h"
 #include "base/LPath.h"
@@ -63,16 +62,8 @@ void SetCurrentUser(const LPath& settingsFile, uint32_t user);
 CurrentUser SelectUser(const DataFolder& data, uint32_t user);
 
 // Creates the user's folders unless they exist, writes name and e-mail address and makes him the current
-// user. To offer him for log-on as well, call AddUserToList.
+// user. MakeUser (store/UserList.h) also offers him for log-on.
 CurrentUser AddUser(const DataFolder& data, uint32_t user, std::string_view name, std::string_view email);
-
-// The users offered for log-on, in the order of the list; user 0 alone when there is no list. Positions count
-// from 0.
-std::vector<uint32_t> ReadUserList(const LPath& settingsFile);
-// Appends the user. Does nothing when the list contains him or cannot be read.
-void AddUserToList(const LPath& settingsFile, uint32_t user);
-// Removes the user from the list; his folders and files stay. The caller has asked for confirmation.
-void RemoveUserFromList(const LPath& settingsFile, uint32_t user);
 
 // The user's name for display: "User 7" where the user file has none.
 std::string UserName(const LPath& dataFolder, uint32_t user);

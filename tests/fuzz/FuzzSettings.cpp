@@ -1,8 +1,8 @@
 #include "base/LProfileText.h"
 #include "base/LTime.h"
-#include "store/CurrentUser.h"
 #include "store/DictationRecord.h"
 #include "store/SettingsKeys.h"
+#include "store/UserList.h"
 #include "tests/fuzz/Fuzz.h"
 
 static void CheckValues(std::string_view text) {

@@ -39,34 +39,6 @@ TEST_F(CurrentUserTest, TheRegistryWinsOverTheSettingsFile) {
     EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 3u);
 }
 
-TEST_F(CurrentUserTest, TheListOfUsersIsImpliedUntilItIsWrittenAndNeverTrusted) {
-    const LPath& file = m_data.settingsFile;
-    using Users = std::vector<uint32_t>;
-    EXPECT_EQ(ReadUserList(file), Users{0});
-    for (uint32_t user : {3000000000u, 5u, 5u}) AddUserToList(file, user);
-    EXPECT_EQ(ReadUserList(file), (Users{0, 3000000000u, 5}));
-    for (uint32_t user : {0u, 99u}) RemoveUserFromList(file, user);
-    EXPECT_EQ(ReadUserList(file), (Users{3000000000u, 5}));
-    for (uint32_t user : {5u, 3000000000u}) RemoveUserFromList(file, user);
-    EXPECT_EQ(ReadUserList(file), Users{0});
-    static const struct {
-        const char* text;
-        Users expected, withoutFour;
-    } kCases[] = {
-        {"count=2000000000\r\nuser0=4\r\nuser1=6", {4, 6}, {6}},
-        {"count=-3", {0}, {0}},
-        {"count=4\r\nuser0=4\r\nuser2=6\r\nuser3=8", {4, 6, 8}, {6, 8}},  // cut off while others moved down
-        {"count=4\r\nuser0=4\r\nuser1=4\r\nuser2=6\r\nuser3=6", {4, 6}, {6}},
-    };
-    for (const auto& c : kCases) {
-        WriteFileText(file, std::string("[users]\r\n") + c.text + "\r\n");
-        LProfile::Flush(file);
-        EXPECT_EQ(ReadUserList(file), c.expected);
-        RemoveUserFromList(file, 4);
-        EXPECT_EQ(ReadUserList(file), c.withoutFour) << c.text;
-    }
-}
-
 TEST_F(CurrentUserTest, AnItemMovesWithAnEmptyValueAndNeverComesFromNowhere) {
     const LPath& file = m_data.settingsFile;
     WriteFileText(file, "[s]\r\na0=x\r\na1=\r\na3=\r\n");

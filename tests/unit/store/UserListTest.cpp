@@ -1,0 +1,90 @@
+#include "store/UserList.h"
+
+#include "base/LFileLock.h"
+#include "base/LLeftOver.h"
+#include "base/LProfile.h"
+#include "store/RegistryUser.h"
+#include "tests/unit/store/StoreTest.h"
+
+// Leaves user 0 in the registry, which as a Windows binary is that of whoever runs the tests. The folder of
+// user 7 exists.
+class UserListTest : public StoreTest {
+protected:
+    ~UserListTest() override { WriteRegistryUser(0); }
+    std::string List() const {
+        std::string text;
+        for (const OfferedUser& user : OfferedUsers(m_data, 7)) text += user.name + ";";
+        return text;
+    }
+};
+
+TEST_F(UserListTest, ItIsNeverTrustedAndAUserLeavesItWithoutTakingOthersAlong) {
+    const LPath& file = m_data.settingsFile;
+    using Users = std::vector<uint32_t>;
+    using enum UserRemoval;
+    static const struct {
+        const char* text;
+        Users listed;
+        uint32_t removed;
+        UserRemoval result;
+        Users remaining;
+        uint32_t next;
+    } kCases[] = {
+        {"", {7}, 7, IsLast, {7}, 7},
+        {"count=-3", {7}, 7, IsLast, {7}, 7},
+        {"count=1", {0}, 0, IsLast, {0}, 7},
+        {"count=1", {0}, 7, Removed, {0}, 0},  // another session had removed him already
+        {"count=2\r\nuser1=7", {0, 7}, 7, Removed, {0}, 0},
+        {"count=3\r\nuser0=7\r\nuser1=4294967295\r\nuser2=5",
+         {7, 4294967295u, 5},
+         7,
+         Removed,
+         {4294967295u, 5},
+         4294967295u},
+        {"count=2000000000\r\nuser0=4\r\nuser1=6", {4, 6}, 4, Removed, {6}, 7},
+        {"count=4\r\nuser0=4\r\nuser2=6\r\nuser3=8",
+         {4, 6, 8},
+         4,
+         Removed,
+         {6, 8},
+         7},  // cut off while moving
+        {"count=4\r\nuser0=4\r\nuser1=4\r\nuser2=6\r\nuser3=6", {4, 6}, 4, Removed, {6}, 7},
+    };
+    for (const auto& c : kCases) {
+        WriteFileText(file, std::string("[users]\r\n") + c.text + "\r\n");
+        LProfile::Flush(file);
+        EXPECT_EQ(ReadUserList(file, 7), c.listed) << c.text;
+        uint32_t next = 99;
+        EXPECT_EQ(RemoveUser(m_data, c.removed, 7, next), c.result) << c.text;
+        EXPECT_EQ(ReadUserList(file, 7), c.remaining) << c.text;
+        EXPECT_EQ(next, c.next) << c.text;
+    }
+}
+
+TEST_F(UserListTest, ANewUserGetsTheLowestNumberThatNobodyHasOrHad) {
+    LFile::MakeFolder(UserFolderPath(m_data.folder, 0));  // of a user who was removed
+    EXPECT_EQ(MakeUser(m_data, "Dr Jo", "jo@example.org", 7), 1u);
+    EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 1u);
+    EXPECT_EQ(MakeUser(m_data, "Dr Jo", "", 1), 2u);
+    EXPECT_EQ(List(), "User 7;Dr Jo (1);Dr Jo (2);");
+    EXPECT_EQ(UserDetails::Read(UserFilePath(m_data.folder, 1)).email, "jo@example.org");
+
+    LFileLock other;  // another session changes the list
+    ASSERT_EQ(other.TryTake(LPath::Join(m_data.folder.View(), LLeftOver::kUsersLock)),
+              LFileLock::Result::Taken);
+    uint32_t next = 0;
+    EXPECT_EQ(MakeUser(m_data, "Dr Mo", "", 1), std::nullopt);
+    EXPECT_EQ(RemoveUser(m_data, 2, 1, next), UserRemoval::NotStored);
+    EXPECT_EQ(List(), "User 7;Dr Jo (1);Dr Jo (2);");
+}
+
+TEST_F(UserListTest, AUserWhoCannotBeStoredLeavesNothingBehind) {
+    WriteFileText(m_data.settingsFile, "[users]\r\ncount=1\r\nuser0=7\r\n");
+    LFile held(m_data.settingsFile, LFile::Open::Alone);
+    ASSERT_TRUE(held.IsOpen());
+    if (LFile(m_data.settingsFile, LFile::Open::Read).IsOpen()) GTEST_SKIP() << "files cannot be held here";
+    EXPECT_EQ(MakeUser(m_data, "Dr Jo", "", 7), std::nullopt);
+    held.Close();
+    EXPECT_EQ(List(), "User 7;");
+    EXPECT_TRUE(LFile::IsAbsent(UserFolderPath(m_data.folder, 0).WithoutSeparator()));
+}
