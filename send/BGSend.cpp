@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/LFile.h"
 #include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
@@ -61,7 +62,9 @@ public:
         if (m_item) Tell(*m_item);
     }
     void TellAtOnce(const SendItem& item) { m_item = &item; }
-    void Tell(const SendItem& item) { m_queue.SetError({m_error, item.DictationName(), item.TypistName()}); }
+    void Tell(const SendItem& item) {
+        m_queue.SetErrorOf(m_work.entry.user, {m_error, item.DictationName(), item.TypistName()});
+    }
     const std::string& Error() const { return m_error; }
 
 private:
@@ -164,7 +167,15 @@ double BGSend::GetProgress() const {
 
 void BGSend::KeepErrorsIn(const LPath& userFolder) {
     LLock lock(m_errorLock);
+    m_errorFolder = userFolder;
     m_errors.KeepIn(LPath::Join(userFolder.View(), kUntoldFile));
+}
+
+// Errors that no file keeps go on being told here.
+void BGSend::LeaveErrors() {
+    LLock lock(m_errorLock);
+    m_errorFolder = LPath();
+    if (m_errors.IsKept()) m_errors = UntoldErrors();
 }
 
 SendError BGSend::PendingError() const {
@@ -329,6 +340,26 @@ void BGSend::SetProgress(double value) {
 bool BGSend::SetError(const SendError& error) {
     LLock lock(m_errorLock);
     return m_errors.Add(error);
+}
+
+// An error about a dictation. The user who dictated it is told: now if he is logged on, else when he logs on.
+void BGSend::SetErrorOf(uint32_t user, const SendError& error) {
+    const LPath folder = UserFolderPath(m_data.folder, user);
+    LLock lock(m_errorLock);
+    const bool isOthers = !m_errorFolder.Empty() && folder != m_errorFolder;
+    if (!isOthers || !KeepForOther(folder, error)) m_errors.Add(error);
+}
+
+// False when that user's folder is not there to write into, or belongs to another session of his: the error
+// is then told here.
+bool BGSend::KeepForOther(const LPath& userFolder, const SendError& error) const {
+    LFileLock inUse;
+    if (!LFile::IsFolder(userFolder) ||
+        inUse.TryTake(LPath::Join(userFolder.View(), LLeftOver::kInUseLock)) != LFileLock::Result::Taken)
+        return false;
+    UntoldErrors errors;
+    errors.KeepIn(LPath::Join(userFolder.View(), kUntoldFile));
+    return errors.IsKept() && errors.Add(error) && LFile::Exists(LPath::Join(userFolder.View(), kUntoldFile));
 }
 
 void BGSend::TellUnusable() {

@@ -84,8 +84,11 @@ public:
     double GetProgress() const;
 
     // Takes up the errors that an earlier run did not tell, and keeps those of this one in a file of this
-    // folder until they are answered. For the one program that may write there (inuse.lck).
+    // folder until they are answered. For the one program that may write there (inuse.lck). Errors about
+    // dictations of other users then wait in their folders until they log on.
     void KeepErrorsIn(const LPath& userFolder);
+    // The user is about to change: what is kept in his folder waits there.
+    void LeaveErrors();
     // The error that waits to be told, and its removal by the answer; errors that came in between go on
     // waiting.
     SendError PendingError() const;
@@ -122,6 +125,8 @@ private:
     void SetRange(int32_t entries);
     void SetProgress(double value);
     bool SetError(const SendError& error);
+    void SetErrorOf(uint32_t user, const SendError& error);
+    bool KeepForOther(const LPath& userFolder, const SendError& error) const;
     void TellUnusable();
 
     BGSendOwner* m_owner = nullptr;
@@ -137,8 +142,9 @@ private:
     SendProgressRange m_range;
     LPath m_inWork;
     double m_itemFraction = 0;
-    mutable LCriticalSection m_errorLock;  // guards m_errors, also while its file is written
+    mutable LCriticalSection m_errorLock;  // guards the next two, also while a file of errors is written
     UntoldErrors m_errors;
+    LPath m_errorFolder;  // of KeepErrorsIn
 
     // Used by the send thread alone: the dictations whose files could not be read and that the user was told
     // about, and the number of entries in a row that were put off for this reason.

@@ -18,6 +18,7 @@ class UntoldErrors {
 public:
     // Takes up the errors that an earlier run left in the file; from then on it follows every change.
     void KeepIn(const LPath& file);
+    bool IsKept() const { return !m_file.Empty(); }
     // False when there are too many: the error is counted and its text dropped.
     bool Add(SendError error);
     // The first error with the others behind it; empty when there is none.

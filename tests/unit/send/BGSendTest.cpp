@@ -134,6 +134,21 @@ TEST_F(BGSendTest, AFailureIsRemovedAndTheNextEntryIsTriedAtOnce) {
     EXPECT_EQ(queue.TakeError().text, "");
 }
 
+TEST_F(BGSendTest, AnErrorWaitsForTheUserWhoseDictationFailed) {
+    MakeDictations(1, 4000);
+    LFile::MakeFolder(UserFolderPath(world.data, 7));
+    queue.KeepErrorsIn(UserFolderPath(world.data, 7));  // who is logged on
+    LeaveEntries({1}, RecipientPath(world.data, 0, 5));
+    queue.StartSending();
+    WaitForEnd();
+    EXPECT_FALSE(queue.PendingError());
+    queue.LeaveErrors();
+    queue.KeepErrorsIn(UserFolderPath(world.data, 0));
+    EXPECT_EQ(queue.PendingError().dictation, "Letter 1");
+    queue.LeaveErrors();
+    EXPECT_FALSE(queue.PendingError());
+}
+
 // A folder of the file's name can no more be read than a file that another program holds.
 TEST_F(BGSendTest, ADictationThatCannotBeReadKeepsNoOtherWaitingAndIsSentLater) {
     MakeDictations(3, 10);
