@@ -13,10 +13,14 @@ static SoundInput Resolve(SoundInput input, std::string_view word, InputLines& l
     return input;
 }
 
+SoundInput ResolveSoundIn(SoundInput chosen, InputLines& lines) {
+    return Resolve(chosen, "MIC", lines);
+}
+
 SoundInput GetSoundIn(const LPath& settingsFile, InputLines& lines) {
-    return Resolve({Settings::Read(settingsFile, SettingsKeys::kSoundIn),
-                    Settings::Read(settingsFile, SettingsKeys::kSoundInChan)},
-                   "MIC", lines);
+    return ResolveSoundIn({Settings::Read(settingsFile, SettingsKeys::kSoundIn),
+                           Settings::Read(settingsFile, SettingsKeys::kSoundInChan)},
+                          lines);
 }
 
 SoundInput GetDockSoundIn(const LPath& settingsFile, InputLines& lines) {

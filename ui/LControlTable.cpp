@@ -63,6 +63,12 @@ std::optional<int32_t> LSelectedListItem(HWND list) {
     return static_cast<int32_t>(SendMessageA(list, CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
 }
 
+void LAddNumberedItems(HWND list, const std::vector<std::string>& names, int32_t stored, const char* absent) {
+    int32_t value = 0;
+    for (const std::string& name : names) LAddListItem(list, name.c_str(), value++);
+    if (stored >= value) LAddListItem(list, LFormat(absent, static_cast<int>(stored) + 1).c_str(), stored);
+}
+
 void LControlTable::Load(HWND dialog) {
     m_dialog = dialog;
     m_levels = std::make_unique<LDBEdit[]>(m_binding.Count());

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "base/LProfile.h"
@@ -73,6 +74,9 @@ void LAddListItem(HWND list, const char* text, int32_t value);
 bool LSelectListItem(HWND list, int32_t value);
 // The value of the selected item.
 std::optional<int32_t> LSelectedListItem(HWND list);
+// Adds items for the values 0, 1, ...; and one more for a stored value that none of them stands for, so that
+// it is shown. absent: the text of that one, with %d for the number counted from 1.
+void LAddNumberedItems(HWND list, const std::vector<std::string>& names, int32_t stored, const char* absent);
 
 // The controls of a dialog that edit the values of a binding. Only values that the user changed are checked
 // and written; a stored value that no list item or radio button stands for shows no choice, and stays until

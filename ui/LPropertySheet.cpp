@@ -46,9 +46,20 @@ bool LPropertyPage::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
         case PSN_SETACTIVE:
             if (!IsWindowVisible(GetParent(Window()))) LCentreOnOwner(GetParent(Window()));
             return false;
+        case UDN_DELTAPOS: {
+            const auto& arrows = *reinterpret_cast<const NMUPDOWN*>(lParam);
+            const auto level = reinterpret_cast<HWND>(SendMessageA(arrows.hdr.hwndFrom, UDM_GETBUDDY, 0, 0));
+            SendMessageA(level, WM_KEYDOWN, arrows.iDelta > 0 ? VK_UP : VK_DOWN, 0);
+            result = TRUE;  // the control's own position never moves
+            return true;
+        }
         default:
             return false;
     }
+}
+
+void LPropertyPage::AttachArrows(int upDown) const {
+    SendMessageA(Item(upDown), UDM_SETRANGE, 0, MAKELPARAM(kMaxDb, kSilenceDb));
 }
 
 bool LPropertyPage::IsValid() {

@@ -33,6 +33,8 @@ protected:
 
     // Tells the user the reason and moves the focus to the control; always false.
     bool Refuse(int control, std::string_view text);
+    // Makes the arrows beside a level work as its Up and Down keys; called by InitPage.
+    void AttachArrows(int upDown) const;
     bool IsChecked(int control) const { return IsDlgButtonChecked(Window(), control) == BST_CHECKED; }
     void Enable(int control, bool isEnabled) const { EnableWindow(Item(control), isEnabled); }
 

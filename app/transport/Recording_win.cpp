@@ -2,6 +2,7 @@
 
 #include <mmsystem.h>
 
+#include "app/transport/MixerLines_win.h"
 #include "audio/device/LMixer_win.h"
 #include "audio/stream/LSoundTime.h"
 #include "audio/wave/LDeferredSink.h"
@@ -65,18 +66,6 @@ LWaveFileFormat NewFormat(const LPath& userFile) {
     return LWaveFileFormat::Pcm(16, 1,
                                 static_cast<uint32_t>(usable ? rate : UserKeys::kSampleRate.defaultValue));
 }
-
-// The mixer's input lines by name.
-class MixerLines final : public InputLines {
-public:
-    std::vector<std::string> LineNames(int32_t device) override {
-        std::vector<std::string> names;
-        const int32_t count = LMixer::GetInputChannelCount(device);
-        names.reserve(static_cast<size_t>(count));
-        for (int32_t i = 0; i < count; ++i) names.push_back(LMixer::GetInputChannelName(device, i));
-        return names;
-    }
-};
 
 }  // namespace
 

@@ -65,6 +65,8 @@ public:
     bool IsRecording() const { return m_recording.IsRunning(); }
     // Also true while a recording is being prepared, because that can be stopped.
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
+    // Also true from the first moment of a command that records.
+    bool IsBusy() const { return m_isStarting || IsRunning(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
     bool HearsNothing() const { return m_recording.HearsNothing(); }
     // The recording that ended last wrote nothing, and no command has been given since.

@@ -29,6 +29,17 @@ static const LWaveRing::Device kRingDevice = {
     .unprepareFailed = "LSoundRecorder::ThreadFunction() waveInUnprepareHeader FAILED",
 };
 
+std::vector<std::string> LWaveIn::DeviceNames() {
+    std::vector<std::string> names;
+    const UINT count = waveInGetNumDevs();
+    for (UINT device = 0; device < count; ++device) {
+        WAVEINCAPSA caps = {};
+        waveInGetDevCapsA(device, &caps, sizeof caps);
+        names.emplace_back(caps.szPname, strnlen(caps.szPname, sizeof caps.szPname));
+    }
+    return names;
+}
+
 LWaveIn::LWaveIn() : m_ring(kRingDevice) {}
 
 bool LWaveIn::Open(int32_t device, uint8_t channels, int32_t sampleRate, void* done) {

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "audio/device/LWaveRing_win.h"
 #include "base/LOwned.h"
@@ -17,6 +19,9 @@
 class LWaveIn {
 public:
     static constexpr size_t kBuffers = 30;
+
+    // The names of the machine's wave-in devices, in the order of their numbers.
+    static std::vector<std::string> DeviceNames();
 
     LWaveIn();
     ~LWaveIn() { Close(); }

@@ -37,6 +37,17 @@ void LSoundPlayerWaveHeader::Set(const PlayBlock& block) {
     m_levels = block.levels;
 }
 
+std::vector<std::string> LWaveOut::DeviceNames() {
+    std::vector<std::string> names;
+    const UINT count = waveOutGetNumDevs();
+    for (UINT device = 0; device < count; ++device) {
+        WAVEOUTCAPSA caps = {};
+        waveOutGetDevCapsA(device, &caps, sizeof caps);
+        names.emplace_back(caps.szPname, strnlen(caps.szPname, sizeof caps.szPname));
+    }
+    return names;
+}
+
 LWaveOut::LWaveOut() : m_ring(kRingDevice) {}
 
 void LWaveOut::DeviceTraits::Close(Type h) {

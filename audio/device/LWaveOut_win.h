@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "audio/device/LWaveRing_win.h"
@@ -37,6 +38,9 @@ private:
 // Thread: one at a time; the player calls it inside its critical section.
 class LWaveOut {
 public:
+    // The names of the machine's wave-out devices, in the order of their numbers.
+    static std::vector<std::string> DeviceNames();
+
     LWaveOut();
     ~LWaveOut() { Close(); }
     LWaveOut(const LWaveOut&) = delete;
