@@ -95,6 +95,45 @@
 #define IDC_SENTWORK_SUMMARY 802
 #define IDC_RECOVER_PLAY     811
 
+// Log-on and the sheet "User Settings"; a decade or two for each dialog and page
+#define IDC_LOGON_LIST          701
+#define IDC_LOGON_ADD           702
+#define IDC_LOGON_REMOVE        703
+#define IDC_ADDUSER_NAME        711
+#define IDC_ADDUSER_EMAIL       712
+#define IDC_DETAILS_NAME        721
+#define IDC_DETAILS_EMAIL       722
+#define IDC_DETAILS_COMPANY     723
+#define IDC_DETAILS_PHONE       724
+#define IDC_DETAILS_CELL        725
+#define IDC_DETAILS_ADDRESS1    726
+#define IDC_DETAILS_ADDRESS2    727
+#define IDC_DETAILS_ADDRESS3    728
+#define IDC_DETAILS_ADDRESS4    729
+#define IDC_RECORDING_DEVICE    731
+#define IDC_RECORDING_LINE      732
+#define IDC_RECORDING_VOLUME    733
+#define IDC_RECORDING_RATE      734
+#define IDC_RECORDING_TONE      735
+#define IDC_RECORDING_START     736
+#define IDC_RECORDING_METER     737
+#define IDC_RECORDING_HEARD     738
+#define IDC_RECORDING_VOLUMEUP  741
+#define IDC_RECORDING_STARTUP   742
+#define IDC_PLAYBACK_DEVICE     751
+#define IDC_PLAYBACK_VOLUME     752
+#define IDC_PLAYBACK_VOLUMEUP   753
+#define IDC_PLAYBACK_TONE       754
+#define IDC_PLAYBACK_TONEREPEAT 755
+#define IDC_OPTIONS_DELETEDAYS  761
+#define IDC_OPTIONS_WARNBELOW   762
+#define IDC_OPTIONS_ASK1        763
+#define IDC_OPTIONS_QUESTION1   764
+#define IDC_OPTIONS_TAG1        765
+#define IDC_OPTIONS_ASK2        766
+#define IDC_OPTIONS_QUESTION2   767
+#define IDC_OPTIONS_TAG2        768
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -152,6 +191,12 @@
 #define IDD_TEXTEDIT    106
 #define IDD_KEYSPAGE    107
 #define IDD_HOTKEY      108
+#define IDD_LOGON       110
+#define IDD_ADDUSER     111
+#define IDD_DETAILS     112
+#define IDD_RECORDING   113
+#define IDD_PLAYBACK    114
+#define IDD_OPTIONS     115
 #define IDD_SENTWORK    118
 #define IDD_RECOVER     119
 #define IDM_MAIN        200

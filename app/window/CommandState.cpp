@@ -45,7 +45,6 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
     {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kNotBuilt},
-    {CM_LOGON, CM_LOGON, kNotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
     {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},
     {CM_EXIT, CM_EXIT, 0},
@@ -57,7 +56,7 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
     {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
-    {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_USER, kNotBuilt},
+    {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_RECIPIENTS, kNotBuilt},
     {CM_HELP, CM_HELP, kNotBuilt},
 };
 

@@ -79,13 +79,23 @@ void DictationList::Attach(HWND list, Owner& owner) {
     SendMessageA(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
 }
 
+// Pending changes are known by number, which the next user's dictations have too.
+void DictationList::Clear() {
+    const Quiet quiet(m_quiet);
+    ListView_DeleteAllItems(m_list);
+    m_rows.Clear();
+    m_renamedNumber.reset();
+    m_toUpdate.clear();
+    m_unreadable.clear();
+    m_absent.clear();
+}
+
 ProcessResult DictationList::SetupFilesList(const LPath& folder, ProcessContext& context) {
     ProcessResult result;
     {
         const Quiet quiet(m_quiet);
         SendMessageA(m_list, WM_SETREDRAW, FALSE, 0);
-        ListView_DeleteAllItems(m_list);
-        m_rows.Clear();
+        Clear();
         result = AddFiles(FolderListing(folder), context);
         SendMessageA(m_list, WM_SETREDRAW, TRUE, 0);
         InvalidateRect(m_list, nullptr, TRUE);

@@ -44,6 +44,8 @@ public:
     // Deletes the font; called when the window is destroyed.
     void ReleaseFont() { m_font.Reset(); }
 
+    // Empties the list and forgets everything about its rows; the owner is not told.
+    void Clear();
     // Fills the list anew with every record of the folder and selects and focuses the last row. Stopped
     // leaves the rows that were added until then.
     ProcessResult SetupFilesList(const LPath& folder, ProcessContext& context);

@@ -48,6 +48,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
     {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_dictations.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
+    {CM_LOGON, CM_LOGON, [](MainDialog& d, int) { return d.LogOnAsOther(); }},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
      [](MainDialog& d, int command) {
          return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
@@ -76,6 +77,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
      }},
     {CM_SETTINGS_HARDWARE, CM_SETTINGS_HARDWARE, [](MainDialog& d, int) { return d.ShowHardwareSettings(); }},
+    {CM_SETTINGS_USER, CM_SETTINGS_USER, [](MainDialog& d, int) { return d.EditUserSettings(); }},
     {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
      [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
     {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},

@@ -8,12 +8,10 @@
 
 #include "app/dialogs/IntroductionPages_win.h"
 #include "app/window/HoldButton_win.h"
-#include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
-#include "store/Recovery.h"
 #include "store/SettingsKeys.h"
 
 // Dispatch. Messages and timers are tables of member functions, each searched by one loop; a message that is
@@ -121,7 +119,8 @@ bool MainDialog::InitDialog() {
     FollowSelection();
     ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);
     RedrawWindow(Window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-    RecoverLeftovers();
+    m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
+    TakeUserFolder();
     if (!FillList()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
@@ -139,17 +138,6 @@ bool MainDialog::InitDialog() {
            LFormat("%lu", static_cast<unsigned long>(LTickMs() - m_startTick)));
     if (IsOpen()) m_display.FocusHome();
     return false;
-}
-
-// Repairs unfinished work of an earlier run, before anything is listed or sent, and takes up its errors.
-void MainDialog::RecoverLeftovers() {
-    m_queue.SetQueuePath(LPath::Join(m_state.data.folder.View(), kQueueFile));
-    // Left to another Windows session on the same folder: its unfinished work would look left over.
-    const LPath folder = UserFolderPath(m_state.data.folder, m_state.user.number);
-    if (m_inUse.TryTake(LPath::Join(folder.View(), LLeftOver::kInUseLock)) == LFileLock::Result::Held) return;
-    RecoverDictations(
-        m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
-    m_queue.KeepErrorsIn(folder);
 }
 
 // False when the window is about to close.

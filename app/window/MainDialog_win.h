@@ -5,6 +5,7 @@
 
 #include "app/AppState.h"
 #include "app/transport/CurrentDictation.h"
+#include "app/transport/Listening_win.h"
 #include "app/transport/Transport_win.h"
 #include "app/window/ApiCommands_win.h"
 #include "app/window/CommandState.h"
@@ -79,7 +80,7 @@ private:
     // Life
     bool InitDialog() override;
     void DestroyDialog() override;
-    void RecoverLeftovers();
+    void TakeUserFolder();
     bool FillList();
     bool MayClose();
     void CloseWindow();
@@ -138,6 +139,12 @@ private:
     bool ShowAbout();
     RecordMode DefaultRecordMode() const;
 
+    // Users
+    bool LogOnAsOther();
+    bool EditUserSettings();
+    bool MayLeaveUser();
+    void ChangeUser(uint32_t user);
+
     // The selection decides on the current dictation, and everything shown follows.
     void FollowSelection();
     // Follows a pending change of the selection now.
@@ -156,8 +163,14 @@ private:
     }
     void NotesStateChanged() override;
     // Transport::Owner
-    bool HaveDictation() override { return m_current ? IsDictationThere() : m_dictations.Create(); }
-    bool IsDictationThere() override { return !m_current || !m_dictations.DropGone({*m_current.Files()}); }
+    bool HaveDictation() override {
+        m_listening.Stop();
+        return m_current ? IsDictationThere() : m_dictations.Create();
+    }
+    bool IsDictationThere() override {
+        m_listening.Stop();
+        return !m_current || !m_dictations.DropGone({*m_current.Files()});
+    }
     bool SettleInsert() override { return m_current && m_inserts.Offer(*m_current.Files()); }
     void InsertKept(const DictationFiles& files) override;
     void ActivityChanged() override;
@@ -198,6 +211,7 @@ private:
     NotesBox m_notes;
     Transport m_transport;
     InsertOffers m_inserts;
+    Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
     DeviceCommands m_devices;
     HotKeys m_hotKeys;

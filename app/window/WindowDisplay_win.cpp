@@ -29,16 +29,20 @@ void WindowDisplay::Attach(HWND window, const std::string& userName) {
     ShowIcon(false);
     SetPositionFont();
     AddToolTips();
-    m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
-    m_normalState = m_loggedOn;
     m_alarmBrush.Reset(CreateSolidBrush(kAlarmColour));
-    ShowState();
+    ShowUser(userName);
     SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
     ShowNextInfo();
 }
 
 void WindowDisplay::Detach() {
     m_toolTips.Close();
+}
+
+void WindowDisplay::ShowUser(const std::string& userName) {
+    m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
+    m_normalState = m_loggedOn;
+    ShowState();
 }
 
 // Loaded once and owned: shared icons come in the size that was asked for first.

@@ -26,6 +26,8 @@ public:
     // Precondition: the window's controls exist. userName: the name of the logged-on user.
     void Attach(HWND window, const std::string& userName);
     void Detach();
+    // Another user has logged on, whose notes are not shown yet.
+    void ShowUser(const std::string& userName);
 
     // Enables and disables buttons and menu items. Something modal that is open does not count.
     void ShowSituation(CommandSituation situation);
