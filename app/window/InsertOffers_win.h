@@ -29,6 +29,8 @@ public:
     void OfferLater(const DictationFiles& files) { m_later.push_back(files); }
     bool AnyLater() const { return !m_later.empty(); }
     void OfferThoseLater();
+    // The user changes: those of his folder are asked about when he logs on again.
+    void ForgetThoseLater() { m_later.clear(); }
 
 private:
     bool Ask(const DictationFiles& files, const PendingInsert& insert);

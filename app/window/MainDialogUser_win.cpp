@@ -8,10 +8,10 @@
 #include "store/SettingsKeys.h"
 
 // The change of the dictating user. Everything of the user before is finished first: transport, notes, list,
-// errors of sending, lock. Then the state is overwritten in one piece, without messages in between, so that
-// no command, timer or other program meets one user's list beside another's folder. What follows is done as
-// at the start; commands are refused while the list is filled. The queue is not touched: its entries name
-// their users.
+// insertions, errors of sending, lock. Then the state is overwritten in one piece, without messages in
+// between, so that no command, timer or other program meets one user's list beside another's folder. What
+// follows is done as at the start; commands are refused while the list is filled. The queue is not touched:
+// its entries name their users.
 
 namespace {
 
@@ -32,6 +32,13 @@ void MainDialog::TakeUserFolder() {
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
     m_queue.KeepErrorsIn(folder);
+}
+
+// What may ask something, once the list stands.
+void MainDialog::LookAfterUser() {
+    m_dictations.DeleteOldFiles();
+    m_dictations.TestHardDrive();
+    if (m_inUse.IsTaken()) m_inserts.OfferAll();
 }
 
 bool MainDialog::LogOnAsOther() {
@@ -56,6 +63,7 @@ bool MainDialog::MayLeaveUser() {
 void MainDialog::ChangeUser(uint32_t user) {
     m_list.Clear();
     FollowSelection();  // no dictation is the current one
+    m_inserts.ForgetThoseLater();
     m_queue.LeaveErrors();
     m_inUse.Release();
     SetCurrentUser(m_state.data.settingsFile, user);
@@ -65,12 +73,12 @@ void MainDialog::ChangeUser(uint32_t user) {
     TakeUserFolder();
     if (!FillList()) return;
     m_display.FocusHome();
-    m_dictations.DeleteOldFiles();
-    m_dictations.TestHardDrive();
+    LookAfterUser();
 }
 
 bool MainDialog::EditUserSettings() {
     ShowUserSettings(m_state, m_runner, m_listening, [this] { return m_transport.IsBusy(); });
+    RepeatStoppedTone();
     if (IsOpen()) m_state.user.details = UserDetails::Read(m_state.user.userFile);
     return true;
 }

@@ -129,9 +129,7 @@ bool MainDialog::InitDialog() {
         m_introduction.Show(Window());
     else
         m_splash.Show(Window());
-    m_dictations.DeleteOldFiles();
-    m_dictations.TestHardDrive();
-    if (m_inUse.IsTaken()) m_inserts.OfferAll();
+    LookAfterUser();
     if (!IsOpen()) return false;
     RepeatStoppedTone();
     LTrace("MainDialog::InitDialog done, ms:",

@@ -82,6 +82,7 @@ private:
     void DestroyDialog() override;
     void TakeUserFolder();
     bool FillList();
+    void LookAfterUser();
     bool MayClose();
     void CloseWindow();
 
