@@ -78,7 +78,8 @@ void MainDialog::ChangeUser(uint32_t user) {
 
 bool MainDialog::EditUserSettings() {
     ShowUserSettings(m_state, m_runner, m_listening, [this] { return m_transport.IsBusy(); });
+    if (!IsOpen()) return true;
     RepeatStoppedTone();
-    if (IsOpen()) m_state.user.details = UserDetails::Read(m_state.user.userFile);
+    m_state.user.details = UserDetails::Read(m_state.user.userFile);
     return true;
 }
