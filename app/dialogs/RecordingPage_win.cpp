@@ -62,10 +62,10 @@ void RecordingPage::FillLines(int32_t device, int32_t selected) {
 }
 
 void RecordingPage::UpdateControls() {
-    const int32_t device = ListValue(IDC_RECORDING_DEVICE, m_linesOf);
+    const int32_t device = LSelectedListItem(Item(IDC_RECORDING_DEVICE)).value_or(m_linesOf);
     if (device == m_linesOf) return;
     FillLines(device, kChooseLine);  // lines of different devices have nothing in common
-    SendMessageA(Item(IDC_RECORDING_LINE), CB_SETCURSEL, 0, 0);
+    LSelectListItem(Item(IDC_RECORDING_LINE), kChooseLine);
 }
 
 // The mixer is left as the stored settings have it.
@@ -88,18 +88,13 @@ bool RecordingPage::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
     return LPropertyPage::HandleMessage(message, wParam, lParam, result);
 }
 
-int32_t RecordingPage::ListValue(int control, int32_t otherwise) const {
-    const LRESULT item = SendMessageA(Item(control), CB_GETCURSEL, 0, 0);
-    if (item < 0) return otherwise;
-    return static_cast<int32_t>(SendMessageA(Item(control), CB_GETITEMDATA, static_cast<WPARAM>(item), 0));
-}
-
 int8_t RecordingPage::ShownLevel(int control, int8_t otherwise) const {
     return LParseLevel(LWindowText(Item(control))).value_or(otherwise);
 }
 
 RecordingPage::Choice RecordingPage::Shown() const {
-    return {{ListValue(IDC_RECORDING_DEVICE, m_linesOf), ListValue(IDC_RECORDING_LINE, kChooseLine)},
+    return {{LSelectedListItem(Item(IDC_RECORDING_DEVICE)).value_or(m_linesOf),
+             LSelectedListItem(Item(IDC_RECORDING_LINE)).value_or(kChooseLine)},
             ShownLevel(IDC_RECORDING_VOLUME, m_choice.volumeDb)};
 }
 

@@ -31,7 +31,6 @@ private:
 
     void FillRates(int32_t stored);
     void FillLines(int32_t device, int32_t selected);
-    int32_t ListValue(int control, int32_t otherwise) const;
     int8_t ShownLevel(int control, int8_t otherwise) const;
     Choice Shown() const;
     void EvTimer();
