@@ -54,13 +54,19 @@ class BGSend::ItemContext final : public ProcessContext {
 public:
     ItemContext(BGSend& queue, const Work& work) : m_queue(queue), m_work(work) {}
     bool CancelRequested() override { return m_queue.IsCancelled(m_work); }
-    void SetProgress(double fraction) override { m_queue.SetItemProgress(fraction); }
+    void SetProgress(double fraction) override {
+        if (m_shown != nullptr)  // the typist's name becomes known on the way
+            m_queue.SetActivity(
+                {SendActivity::State::Sending, m_shown->DictationName(), m_shown->TypistName()});
+        m_queue.SetItemProgress(fraction);
+    }
     void SetStatus(std::string_view) override {}  // the main window shows the bar alone
     void SetError(std::string_view text) override {
         if (!m_error.empty() || text.empty()) return;
         m_error = text;
         if (m_item) Tell(*m_item);
     }
+    void Show(const SendItem& item) { m_shown = &item; }
     void TellAtOnce(const SendItem& item) { m_item = &item; }
     void Tell(const SendItem& item) {
         m_queue.SetErrorOf(m_work.entry.user, {m_error, item.DictationName(), item.TypistName()});
@@ -71,6 +77,7 @@ private:
     BGSend& m_queue;
     const Work& m_work;
     const SendItem* m_item = nullptr;
+    const SendItem* m_shown = nullptr;
     std::string m_error;
 };
 
@@ -165,6 +172,20 @@ double BGSend::GetProgress() const {
     return m_range.LastAccepted();
 }
 
+SendActivity BGSend::Activity() const {
+    LLock lock(m_stateLock);
+    return m_activity;
+}
+
+void BGSend::SetActivity(SendActivity activity) {
+    {
+        LLock lock(m_stateLock);
+        if (m_activity == activity) return;
+        m_activity = std::move(activity);
+    }
+    if (m_owner) m_owner->PostSendProgress();
+}
+
 void BGSend::KeepErrorsIn(const LPath& userFolder) {
     LLock lock(m_errorLock);
     m_errorFolder = userFolder;
@@ -253,9 +274,13 @@ ProcessResult BGSend::MakeFile(const Work& work) {
     const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
     const bool wasTold = told != m_toldKept.end();
     if (!wasTold) context.TellAtOnce(item);
+    context.Show(item);
     SetInWork(work.entry.dictation);
     const ProcessResult result = item.Send();
     SetInWork(LPath());
+    const bool isSent = result == ProcessResult::Done;
+    SetActivity({isSent ? SendActivity::State::Sent : SendActivity::State::Idle, item.DictationName(),
+                 item.TypistName()});
     const bool isKept = result == ProcessResult::Stopped;
     if (wasTold && !isKept) {
         context.Tell(item);

@@ -17,11 +17,22 @@
 #include "send/UntoldErrors.h"
 #include "store/CurrentUser.h"
 
+// What the queue does: the dictation that is being sent, or was sent last, and its typist. Names may be
+// empty.
+struct SendActivity {
+    enum class State { Idle, Sending, Sent };
+
+    State state = State::Idle;
+    std::string dictation;
+    std::string typist;
+    bool operator==(const SendActivity&) const = default;
+};
+
 // Listener for the progress of sending: the main window, which posts itself a message.
 struct BGSendOwner {
     virtual ~BGSendOwner() = default;
-    // GetProgress() has changed. Called mostly on the send thread, sometimes on the owner's own; returns at
-    // once.
+    // GetProgress() or Activity() has changed. Called mostly on the send thread, sometimes on the owner's
+    // own; returns at once.
     virtual void PostSendProgress() = 0;
 };
 
@@ -46,8 +57,8 @@ struct SendQueueView {
 //         named below it. They survive the program (UntoldErrors). While the queue file cannot be read or
 //         changed, nothing is sent; the thread reports this after some seconds, once until the file works
 //         again or an entry is added, and goes on trying.
-// Thread: the owner's; RequestStop, GetProgress and the methods for errors: any. The destructor stops the
-//         thread and waits for it.
+// Thread: the owner's; RequestStop, GetProgress, Activity and the methods for errors: any. The destructor
+//         stops the thread and waits for it.
 class BGSend final : private LThread {
 public:
     BGSend() = default;
@@ -82,6 +93,7 @@ public:
 
     // The progress that was posted last, 0 to 1.
     double GetProgress() const;
+    SendActivity Activity() const;
 
     // Takes up the errors that an earlier run did not tell, and keeps those of this one in a file of this
     // folder until they are answered. For the one program that may write there (inuse.lck). Errors about
@@ -124,6 +136,7 @@ private:
     void SetInWork(const LPath& dictation);
     void SetRange(int32_t entries);
     void SetProgress(double value);
+    void SetActivity(SendActivity activity);
     bool SetError(const SendError& error);
     void SetErrorOf(uint32_t user, const SendError& error);
     bool KeepForOther(const LPath& userFolder, const SendError& error) const;
@@ -138,10 +151,11 @@ private:
     std::optional<SendQueueEntry> m_finished;  // sent or failed, and to be removed from the head
     bool m_isActive = false;                   // the thread will look at the queue again before it ends
 
-    mutable LCriticalSection m_stateLock;  // guards the next three
+    mutable LCriticalSection m_stateLock;  // guards the next four
     SendProgressRange m_range;
     LPath m_inWork;
     double m_itemFraction = 0;
+    SendActivity m_activity;
     mutable LCriticalSection m_errorLock;  // guards the next two, also while a file of errors is written
     UntoldErrors m_errors;
     LPath m_errorFolder;  // of KeepErrorsIn
