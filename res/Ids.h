@@ -69,6 +69,14 @@
 #define IDC_LEVEL_RIGHT   410
 #define IDC_SENDLABEL     411
 
+#define IDC_LISTLABEL  640
+#define IDC_NOTESLABEL 641
+
+// Items of the information menu
+#define CM_WEB_PRODUCT 650
+#define CM_WEB_SUPPORT 651
+#define CM_WEB_TYPIST  652
+
 // Controls of the small dialogs; a decade for each
 #define IDC_PROGRESS_STATUS   501
 #define IDC_PROGRESS_BAR      502
@@ -182,6 +190,12 @@
 // Resources
 #define IDI_CORVANE     1
 #define IDI_RECORDING   2
+#define IDI_ROW_NEW       3
+#define IDI_ROW_RECORDED  4
+#define IDI_ROW_RECORDING 5
+#define IDI_ROW_NOTES     6
+#define IDI_ROW_HIGH      7
+#define IDI_ROW_NOTESHIGH 8
 #define IDD_MAIN        100
 #define IDD_PROGRESS    101
 #define IDD_CHOOSE      102

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/LCentre.h"
 #include "ui/LProgressDialog.h"
 
 // Every box, dialog and process of the main window runs inside a Stay object, so one stack tells at any time
@@ -101,6 +102,7 @@ INT_PTR LModalRunner::RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HW
     if (whatRuns == WhatRuns::Stops) m_stop();
     if (!MayGoOn()) return -1;
     const Stay stay(*this, Standing::Question);
+    const LCentreNext centre;
     return show(m_window);
 }
 
@@ -115,9 +117,9 @@ ProcessResult LModalRunner::RunUnaskedProcess(LProcess& process, std::string_vie
     return RunProcess(process, title);
 }
 
-void LModalRunner::TellLater(std::string_view text) {
+void LModalRunner::TellLater(std::string_view text, std::string_view caption) {
     if (m_window == nullptr) return;
-    m_later.emplace_back(text);
+    m_later.push_back({std::string(text), std::string(caption)});
     PostMessageA(m_window, m_laterMessage, 0, 0);
 }
 
@@ -129,7 +131,8 @@ void LModalRunner::TellAtRest(std::string_view text) {
 
 bool LModalRunner::ShowLater() {
     if (What() != Standing::Nothing) return false;  // the end of the outermost Stay posts the message again
-    for (const std::string& text : std::exchange(m_later, {})) Tell(text);
+    for (const Later& later : std::exchange(m_later, {}))
+        Box(later.text, later.caption, MB_OK | MB_ICONEXCLAMATION);
     if (m_atRest.empty() || !IsHandAtRest()) return !m_atRest.empty();
     for (const std::string& text : std::exchange(m_atRest, {}))
         UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
@@ -137,7 +140,8 @@ bool LModalRunner::ShowLater() {
 }
 
 void LModalRunner::ShowAll() {
-    for (const std::string& text : std::exchange(m_later, {})) Tell(text);
+    for (const Later& later : std::exchange(m_later, {}))
+        Box(later.text, later.caption, MB_OK | MB_ICONEXCLAMATION);
     for (const std::string& text : std::exchange(m_atRest, {}))
         UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
 }

@@ -51,7 +51,7 @@ public:
 
     // Queues an error text from the middle of a command or a mouse click; it is shown by ShowLater, once the
     // message is finished and nothing is open.
-    void TellLater(std::string_view text);
+    void TellLater(std::string_view text, std::string_view caption = "Error");
     // Queues a text that no command leads to; ShowLater shows it while the hand rests.
     void TellAtRest(std::string_view text);
     // Shows the texts that may be shown now. True when texts still wait for the hand to rest.
@@ -78,12 +78,17 @@ private:
     static constexpr DWORD kRestMs = 1500;
 
     class Stay;
+    struct Later {
+        std::string text;
+        std::string caption;
+    };
 
     HWND m_window = nullptr;
     UINT m_laterMessage = 0;
     std::function<void()> m_stop, m_opening;
     std::vector<Standing> m_standing;
-    std::vector<std::string> m_later, m_atRest;  // texts of TellLater and TellAtRest
-    DWORD m_lastInputMs = 0;                     // tick count
+    std::vector<Later> m_later;         // of TellLater
+    std::vector<std::string> m_atRest;  // texts of TellAtRest
+    DWORD m_lastInputMs = 0;            // tick count
     bool m_closeWanted = false;
 };

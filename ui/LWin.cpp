@@ -1,8 +1,8 @@
 #include "ui/LWin.h"
 
-#include <algorithm>
-
+#include "base/LScreen.h"
 #include "base/LSystemFunction_win.h"
+#include "ui/LCentre.h"
 
 static HINSTANCE s_instance = nullptr;
 
@@ -26,7 +26,15 @@ void LSetWindowText(HWND window, std::string_view text) {
     if (LWindowText(window) != text) SetWindowTextA(window, std::string(text).c_str());
 }
 
+int LScaled(int pixels) {
+    const HDC screen = GetDC(nullptr);
+    const int dots = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return MulDiv(pixels, dots, 96);
+}
+
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags) {
+    const LCentreNext centre;
     return MessageBoxA(owner, std::string(text).c_str(), std::string(caption).c_str(), flags);
 }
 
@@ -53,13 +61,13 @@ void LCentreOnOwner(HWND window) {
     RECT box, under = desktop;
     GetWindowRect(window, &box);
     if (isOwnerSeen) GetWindowRect(owner, &under);
-    const auto place = [](LONG low, LONG high, LONG size, LONG least, LONG most) {
-        return static_cast<int>(std::max(least, std::min(low + (high - low - size) / 2, most - size)));
+    const auto area = [](const RECT& r) {
+        return ScreenArea{static_cast<int>(r.left), static_cast<int>(r.top), static_cast<int>(r.right),
+                          static_cast<int>(r.bottom)};
     };
-    SetWindowPos(window, nullptr,
-                 place(under.left, under.right, box.right - box.left, desktop.left, desktop.right),
-                 place(under.top, under.bottom, box.bottom - box.top, desktop.top, desktop.bottom), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const ScreenSize size = {static_cast<int>(box.right - box.left), static_cast<int>(box.bottom - box.top)};
+    const ScreenPoint at = CentreOver(area(under), size, area(desktop));
+    SetWindowPos(window, nullptr, at.x, at.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 namespace {

@@ -15,7 +15,10 @@ void LSetInstance(HINSTANCE instance);
 std::string LWindowText(HWND window);
 void LSetWindowText(HWND window, std::string_view text);
 
-// A message box owned by a window.
+// A number of pixels, given for 96 dots per inch, at the screen's font size.
+int LScaled(int pixels);
+
+// A message box in the middle of the window that owns it.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 
 // Moves a window over the middle of its owner, and inside the desktop; over the middle of the desktop where
@@ -47,9 +50,9 @@ struct GdiBrushTraits {
 };
 using LBrush = LOwned<GdiBrushTraits>;
 
-struct GdiPenTraits {
-    using Type = HPEN;
+struct GdiBitmapTraits {
+    using Type = HBITMAP;
     static Type None() { return nullptr; }
     static void Close(Type h) { DeleteObject(h); }
 };
-using LPen = LOwned<GdiPenTraits>;
+using LBitmap = LOwned<GdiBitmapTraits>;

@@ -28,6 +28,10 @@ public:
     // Sentences for the user; empty for those that need none.
     static const char* Text(Result result);
     static const char* Text(Ending ending);
+    // The caption for such a sentence.
+    static const char* Caption(Result result) {
+        return result == Result::NoDevice ? "Sound Device Error" : "Error";
+    }
 
     // The settings file gives the output device and its volume.
     Playback(const LPath& settingsFile, Owner& owner);

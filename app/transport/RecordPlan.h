@@ -16,7 +16,7 @@ constexpr int32_t kFromStartBelowMs = 501;
 // Hang time of voice activation: after three seconds without voice nothing is written until the next word.
 constexpr int32_t kHangTimeMs = 3000;
 // A recording that has heard no voice for this long since its start says so.
-constexpr uint32_t kNoVoiceMs = 10000;
+constexpr uint32_t kNoVoiceMs = 5000;
 // The longest recording, counted from its start: four hours.
 constexpr int32_t kMaximumRecordingMs = 14400000;
 

@@ -209,7 +209,7 @@ void Recording::Stop() {
 }
 
 bool Recording::HearsNothing() const {
-    return IsWaiting() && !m_hasHeard && LTickMs() - m_startTick >= kNoVoiceMs;
+    return HasHeardNothing() && LTickMs() - m_startTick >= kNoVoiceMs;
 }
 
 void Recording::OnRecording() {

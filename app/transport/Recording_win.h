@@ -53,7 +53,9 @@ public:
     bool IsRunning() const { return m_isRunning; }
     // Whether voice activation waits for the speaker.
     bool IsWaiting() const { return m_isRunning && m_isWaiting; }
-    // Whether ten seconds have passed since the start and voice activation has not heard the speaker yet.
+    // Whether voice activation has not heard the speaker since the start; nothing is changed until then.
+    bool HasHeardNothing() const { return IsWaiting() && !m_hasHeard; }
+    // The same, for five seconds already.
     bool HearsNothing() const;
     const DictationFiles& Files() const { return m_target.files; }
     int32_t StartMs() const { return m_target.start.positionMs; }

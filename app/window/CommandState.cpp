@@ -16,6 +16,7 @@ constexpr Mask kRunning = 1 << 4;
 constexpr Mask kNoProcess = 1 << 5;
 constexpr Mask kNoQuestion = 1 << 6;
 constexpr Mask kNotBuilt = 1 << 7;  // a condition that is never met
+constexpr Mask kNotRecording = 1 << 8;
 
 // The transport works while a box is open, since a user with a pedal may not look at the window: a box that
 // opens meanwhile must not cost him his words. All other commands need that nothing is open.
@@ -26,7 +27,7 @@ struct Button {
     int control;
     int command;
 };
-// The winding buttons are not here: they act on press and release (HoldButton), not as commands.
+// The winding buttons are not here: they act on press and release (HoldButton) alone.
 constexpr Button kButtons[] = {
     {IDC_NEW, CM_NEWFILE}, {IDC_SEND, CM_SENDFILE},       {IDC_PLAY, CM_PLAY},       {IDC_RECORD, CM_RECORD},
     {IDC_STOP, CM_STOP},   {IDC_GOTOSTART, CM_GOTOSTART}, {IDC_GOTOEND, CM_GOTOEND},
@@ -38,8 +39,11 @@ struct CommandNeeds {
     Mask needs;
 };
 
-// In the order of the numbers. A command that is not listed needs kIdle.
+// In the order of the numbers. A button that is not listed needs what its menu command does, another command
+// kIdle.
 constexpr CommandNeeds kNeeds[] = {
+    // The button tells that something runs already; key, menu and pedal still end the recording and play it.
+    {IDC_PLAY, IDC_PLAY, kTransport | kAudio | kNotRecording},
     {IDC_REWIND, IDC_FASTFORWARD, kTransport | kAudio},
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
@@ -52,9 +56,9 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_PLAY, CM_PLAY, kTransport | kAudio},
     {CM_STOP, CM_STOP, kRunning},
     {CM_PLAY_SLOW, CM_PLAY_FAST, kTransport},
-    {CM_GOTOSTART, CM_GOTOSTART, kTransport | kRows},
+    {CM_GOTOSTART, CM_GOTOSTART, kTransport | kAudio},
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
-    {CM_GOTOEND, CM_GOTOEND, kTransport | kRows},
+    {CM_GOTOEND, CM_GOTOEND, kTransport | kAudio},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
     {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_RECIPIENTS, kNotBuilt},
     {CM_HELP, CM_HELP, kNotBuilt},
@@ -69,14 +73,16 @@ Mask Met(const CommandSituation& situation) {
     meets(kOneRow, situation.selectedRows == 1);
     meets(kAudio, situation.hasAudio || situation.isRecording);
     meets(kRunning, situation.isRunning);
+    meets(kNotRecording, !situation.isRecording);
     meets(kNoProcess, situation.standing != Standing::Process);
     meets(kNoQuestion, situation.standing != Standing::Question);
     return met;
 }
 
 Mask NeedsOf(int command) {
-    for (const CommandNeeds& row : kNeeds)
-        if (command >= row.first && command <= row.last) return row.needs;
+    for (const int number : {command, MenuCommandOf(command)})
+        for (const CommandNeeds& row : kNeeds)
+            if (number >= row.first && number <= row.last) return row.needs;
     return kIdle;
 }
 
@@ -89,5 +95,5 @@ int MenuCommandOf(int control) {
 }
 
 bool IsCommandEnabled(int command, const CommandSituation& situation) {
-    return (NeedsOf(MenuCommandOf(command)) & ~Met(situation)) == 0;
+    return (NeedsOf(command) & ~Met(situation)) == 0;
 }

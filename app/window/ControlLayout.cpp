@@ -6,10 +6,12 @@ namespace {
 
 constexpr int kMargin = 4;  // in dialog units, like all numbers below
 constexpr int kGap = 2;
-constexpr int kTransportHeight = 19;
+constexpr int kTransportHeight = 18;
 constexpr int kLineHeight = 8;
-constexpr int kTitleHeight = 10;       // a line of the larger font, with its descenders
-constexpr int kPositionWidth = 80;     // four hours of four: "239:57 / 240:00" in the larger font
+constexpr int kTitleHeight = 10;    // a line of the larger font, with its descenders
+constexpr int kPositionWidth = 80;  // four hours of four: "239:57 / 240:00" in the larger font
+constexpr int kMetersWidth = 56;
+constexpr int kBarWidth = 44;          // of sending
 constexpr int kLeastNotesHeight = 20;  // two lines
 
 // Collects places given in dialog units and converts them to pixels. Edges are converted, not sizes, so that
@@ -74,8 +76,8 @@ void LayoutCompact(Placer& placer, int width) {
     y += 17;
     PutTitle(placer, y, inner);
     y += 12;
-    placer.Put(IDC_LOGGEDON, kMargin, y, inner - 54, kLineHeight);
-    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 52, y, 52, kLineHeight);
+    placer.Put(IDC_LOGGEDON, kMargin, y, inner, kLineHeight);
+    placer.Put(IDC_SENDPROGRESS, kMargin + inner - kBarWidth, y, kBarWidth, kLineHeight);
     for (int control : {IDC_LIST, IDC_NOTES, IDC_INFOLINE, IDC_INFOLINK, IDC_SENDLABEL}) placer.Hide(control);
 }
 
@@ -89,20 +91,21 @@ void LayoutFull(Placer& placer, int width, int height) {
     placer.Put(IDC_SEND, afterTransport + button + kGap, kMargin, button, kTransportHeight);
     placer.Put(IDC_DOCK, afterTransport + 2 * (button + kGap), kMargin, button, kTransportHeight);
 
-    int y = kMargin + kTransportHeight + 3;
-    PutTitle(placer, y, inner - 80);
-    PutMeters(placer, kMargin + inner - 74, y, 74);
-    y += kTitleHeight + 2;
+    int y = kMargin + kTransportHeight + 2;
+    PutTitle(placer, y, inner - kMetersWidth - 4);
+    PutMeters(placer, kMargin + inner - kMetersWidth, y, kMetersWidth);
+    y += kTitleHeight + 1;
 
-    const int infoY = height - 2 - kLineHeight;
+    const int infoY = height - 1 - kLineHeight;
     const int sendY = infoY - kLineHeight - 1;
     const int notesHeight = std::max(kLeastNotesHeight, (sendY - y) / 4);
     const int notesY = sendY - kGap - notesHeight;
     placer.Put(IDC_LIST, kMargin, y, inner, notesY - kGap - y);
     placer.Put(IDC_NOTES, kMargin, notesY, inner, notesHeight);
-    placer.Put(IDC_LOGGEDON, kMargin, sendY, inner - 106, kLineHeight);
-    placer.Put(IDC_SENDLABEL, kMargin + inner - 104, sendY, 28, kLineHeight);
-    placer.Put(IDC_SENDPROGRESS, kMargin + inner - 74, sendY, 74, kLineHeight);
+    const int sendWidth = inner * 3 / 5 - kBarWidth - kGap;
+    placer.Put(IDC_LOGGEDON, kMargin, sendY, inner, kLineHeight);
+    placer.Put(IDC_SENDLABEL, kMargin + inner - kBarWidth - kGap - sendWidth, sendY, sendWidth, kLineHeight);
+    placer.Put(IDC_SENDPROGRESS, kMargin + inner - kBarWidth, sendY, kBarWidth, kLineHeight);
     placer.Put(IDC_INFOLINE, kMargin, infoY, inner - 32, kLineHeight);
     placer.Put(IDC_INFOLINK, kMargin + inner - 28, infoY, 28, kLineHeight);
 }

@@ -23,6 +23,7 @@ struct DialogUnits {
 };
 
 // Computes the place of every control in a view. The transport row is the same in every view, and no place
-// depends on the state of the window, so nothing moves while the program works.
+// depends on the state of the window, so nothing moves while the program works. Label
+// and bar of sending lie on the end of the state line.
 void LayoutControls(ViewMode view, ScreenSize client, DialogUnits units,
                     std::span<ControlPlace, kControlCount> places);

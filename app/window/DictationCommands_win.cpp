@@ -247,7 +247,10 @@ void DictationCommands::SettleInserts(const std::vector<DictationFiles>& dictati
 
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
     if (dictations.empty() || !StopAndSave()) return false;
-    const int recipient = to == To::Chosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
+    // Nobody chooses a typist for nothing; sending then only tells why.
+    const bool isAnyWhole = std::ranges::any_of(dictations, SendCommands::HasRecording);
+    const bool isChosen = to == To::Chosen && isAnyWhole;
+    const int recipient = isChosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
     if (recipient < 0) return false;
     std::vector<NotSent> left;
     std::vector<DictationFiles> ready;

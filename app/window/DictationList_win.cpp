@@ -36,6 +36,16 @@ constexpr Column kColumns[] = {
 };
 
 constexpr int kColumnCount = static_cast<int>(std::size(kColumns));
+constexpr int kDurationColumn = 3;
+constexpr int kPriorityColumn = 4;
+constexpr int kNotesColumn = 5;
+constexpr int kLabelMargins = 8;     // pixels beside the text of a name
+constexpr LONG kHeaderFlat = 0x200;  // the style HDS_FLAT, where the platform knows it
+
+// The index of a row's picture.
+int PictureOf(const RowSign& sign) {
+    return static_cast<int>(sign.holds) * 4 + (sign.hasNotes ? 1 : 0) + (sign.isHigh ? 2 : 0);
+}
 
 // The texts of a row, in the order of the columns.
 std::array<std::string, kColumnCount> TextsOf(const DictationRow& row) {
@@ -60,23 +70,85 @@ void DictationList::Attach(HWND list, Owner& owner) {
     m_list = list;
     m_owner = &owner;
     ListView_SetExtendedListViewStyle(m_list, LVS_EX_FULLROWSELECT);
+    AddColumns();
+    EvColoursChanged();
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(m_list, WM_GETFONT, 0, 0)), sizeof font, &font);
+    font.lfHeight = LScaled(kFontHeight);
+    font.lfWidth = 0;
+    font.lfWeight = FW_NORMAL;
+    m_font.Reset(CreateFontIndirectA(&font));
+    SendMessageA(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+}
+
+void DictationList::AddColumns() {
     int index = 0;
     for (const Column& column : kColumns) {
         LVCOLUMNA item = {};
         item.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
         item.pszText = const_cast<char*>(column.heading);
-        item.cx = column.width;
+        item.cx = LScaled(column.width);
         item.iSubItem = index;
         SendMessageA(m_list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index++),
                      reinterpret_cast<LPARAM>(&item));
     }
-    LOGFONTA font = {};
-    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(m_list, WM_GETFONT, 0, 0)), sizeof font, &font);
-    font.lfHeight = kFontHeight;
-    font.lfWidth = 0;
-    font.lfWeight = FW_NORMAL;
-    m_font.Reset(CreateFontIndirectA(&font));
-    SendMessageA(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+    if (const HWND header = GetDlgItem(m_list, 0))
+        SetWindowLongA(header, GWL_STYLE, GetWindowLongA(header, GWL_STYLE) | kHeaderFlat);
+}
+
+// One picture for each RowSign, put together from icons on the window's colour, which is then transparent:
+// overlays of the platform do not lie smoothly on each other.
+void DictationList::MakeSigns() {
+    constexpr int kHolds[] = {IDI_ROW_NEW, IDI_ROW_RECORDED, IDI_ROW_RECORDING};
+    constexpr int kExtras[] = {0, IDI_ROW_NOTES, IDI_ROW_HIGH, IDI_ROW_NOTESHIGH};
+    const int side = GetSystemMetrics(SM_CXSMICON);
+    const HIMAGELIST images = ImageList_Create(side, side, ILC_COLOR24 | ILC_MASK, 0, 1);
+    const HDC screen = GetDC(nullptr);
+    const HDC dc = CreateCompatibleDC(screen);
+    for (const int holds : kHolds) {
+        for (const int extra : kExtras) {
+            LBitmap picture(CreateCompatibleBitmap(screen, side, side));
+            const HGDIOBJ old = SelectObject(dc, picture.Get());
+            const RECT box = {0, 0, side, side};
+            FillRect(dc, &box, GetSysColorBrush(COLOR_WINDOW));
+            for (const int resource : {holds, extra}) {
+                if (resource == 0) continue;
+                const LIcon icon(static_cast<HICON>(
+                    LoadImageA(LInstance(), MAKEINTRESOURCEA(resource), IMAGE_ICON, side, side, 0)));
+                DrawIconEx(dc, 0, 0, icon.Get(), side, side, 0, nullptr, DI_NORMAL);
+            }
+            SelectObject(dc, old);
+            ImageList_AddMasked(images, picture.Get(), GetSysColor(COLOR_WINDOW));
+        }
+    }
+    DeleteDC(dc);
+    ReleaseDC(nullptr, screen);
+    // The list deletes its images with itself.
+    if (const HIMAGELIST before = ListView_SetImageList(m_list, images, LVSIL_SMALL))
+        ImageList_Destroy(before);
+}
+
+void DictationList::FitColumns() {
+    if (std::exchange(m_isFitting, true)) return;
+    RECT box;
+    GetClientRect(m_list, &box);
+    // The room for the scroll bar is kept free when there is none: columns do not jump when it comes.
+    const bool hasBar = (GetWindowLongA(m_list, GWL_STYLE) & WS_VSCROLL) != 0;
+    const int room = static_cast<int>(box.right) - (hasBar ? 0 : GetSystemMetrics(SM_CXVSCROLL));
+    int others = 0;
+    for (int column = 0; column + 1 < kColumnCount; ++column)
+        others += ListView_GetColumnWidth(m_list, column);
+    ListView_SetColumnWidth(m_list, kColumnCount - 1, LastColumnWidth(room, others));
+    m_isFitting = false;
+}
+
+void DictationList::EvColoursChanged() {
+    m_unfocused = UnfocusedSelection({GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT),
+                                      GetSysColor(COLOR_HIGHLIGHT), GetSysColor(COLOR_HIGHLIGHTTEXT)});
+    ListView_SetBkColor(m_list, GetSysColor(COLOR_WINDOW));
+    ListView_SetTextBkColor(m_list, GetSysColor(COLOR_WINDOW));
+    ListView_SetTextColor(m_list, GetSysColor(COLOR_WINDOWTEXT));
+    MakeSigns();
 }
 
 // Pending changes are known by number, which the next user's dictations have too.
@@ -145,7 +217,16 @@ int DictationList::AddRow(const DictationRow& row) {
     const auto texts = TextsOf(row);
     for (int column = 1; column < kColumnCount; ++column)
         SetText(index, column, texts[static_cast<size_t>(column)]);
+    SetSign(index, SignOf(row, row.files.record == m_recorded));
     return index;
+}
+
+void DictationList::SetSign(int index, const RowSign& sign) {
+    LVITEMA item = {};
+    item.mask = LVIF_IMAGE;
+    item.iItem = index;
+    item.iImage = PictureOf(sign);
+    SendMessageA(m_list, LVM_SETITEMA, 0, reinterpret_cast<LPARAM>(&item));
 }
 
 void DictationList::SetText(int index, int column, const std::string& text) {
@@ -234,6 +315,7 @@ void DictationList::ChangeTexts(int index, const DictationRow& row) {
     for (int column = 0; column < kColumnCount; ++column)
         if (TextAt(index, column) != texts[static_cast<size_t>(column)])
             SetText(index, column, texts[static_cast<size_t>(column)]);
+    SetSign(index, SignOf(row, row.files.record == m_recorded));
 }
 
 // The row keeps its selection and focus.
@@ -296,6 +378,65 @@ void DictationList::SelectOnly(int index) {
     if (index < 0) return;
     ListView_SetItemState(m_list, index, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     ListView_EnsureVisible(m_list, index, FALSE);
+}
+
+void DictationList::SelectAll() {
+    ListView_SetItemState(m_list, -1, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+// The end of a recording has its row loaded again, and with it the sign.
+void DictationList::ShowRecorded(const std::optional<DictationFiles>& files) {
+    m_recorded = files ? files->record : LPath();
+    const int index = files ? m_rows.IndexOf(m_recorded) : -1;
+    if (index >= 0)
+        SetSign(index, {RowSign::Holds::RecordingNow, !TextAt(index, kNotesColumn).empty(),
+                        PriorityIndex(TextAt(index, kPriorityColumn)) == 0});
+}
+
+void DictationList::ShowLength(int32_t lengthMs) {
+    const int index = m_recorded.Empty() ? -1 : m_rows.IndexOf(m_recorded);
+    const std::string text = FormatDuration(lengthMs);
+    if (index >= 0 && TextAt(index, kDurationColumn) != text) SetText(index, kDurationColumn, text);
+}
+
+bool DictationList::IsBesideRows(POINT place) const {
+    LVHITTESTINFO hit = {};
+    hit.pt = place;
+    return ListView_HitTest(m_list, &hit) < 0;
+}
+
+RECT DictationList::PartAt(POINT place, std::string& tip) const {
+    LVHITTESTINFO hit = {};
+    hit.pt = place;
+    const int index = ListView_HitTest(m_list, &hit);
+    RECT part = {};
+    if (index < 0 || !ListView_GetItemRect(m_list, index, &part, LVIR_LABEL)) return {};
+    part.right = std::min<LONG>(part.right, ListView_GetColumnWidth(m_list, 0));
+    if (!PtInRect(&part, place)) return {};
+    const std::string name = TextAt(index, 0);
+    if (ListView_GetStringWidth(m_list, name.c_str()) + LScaled(kLabelMargins) > part.right - part.left)
+        tip = name;
+    return part;
+}
+
+POINT DictationList::MenuPlace() const {
+    RECT row = {};
+    const int index = CurrentIndex();
+    const bool isSeen =
+        index >= 0 && IsInView(index) && ListView_GetItemRect(m_list, index, &row, LVIR_LABEL);
+    POINT at = {isSeen ? row.left + 16 : 16, isSeen ? row.bottom : 32};
+    ClientToScreen(m_list, &at);
+    return at;
+}
+
+int DictationList::CommonPriority() const {
+    int common = -1;
+    for (int i = -1; (i = ListView_GetNextItem(m_list, i, LVNI_SELECTED)) >= 0;) {
+        const int priority = PriorityIndex(TextAt(i, kPriorityColumn));
+        if (priority < 0 || (common >= 0 && priority != common)) return -1;
+        common = priority;
+    }
+    return common;
 }
 
 void DictationList::ShowCurrent() {
@@ -377,12 +518,51 @@ bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {
         case LVN_ENDLABELEDITA:
             result = EvEndLabelEdit(reinterpret_cast<const NMLVDISPINFOA&>(header));
             return true;
+        case NM_CUSTOMDRAW:
+            result = EvCustomDraw(*reinterpret_cast<NMLVCUSTOMDRAW*>(const_cast<NMHDR*>(&header)));
+            return true;
+        case HDN_ITEMCHANGEDA:
+        case HDN_ITEMCHANGEDW:
+            FitColumns();
+            return true;
         case NM_DBLCLK:
             if (reinterpret_cast<const NMLISTVIEW&>(header).iItem >= 0) m_owner->PlayFromStart();
             return true;
         default:
             return false;
     }
+}
+
+// Without the focus the platform shows selected rows in the colour of buttons, which many schemes have next
+// to the window's. Told that a row is not selected, it takes the colours it is given. It also mixes the
+// picture of a selected row with the colour of the selection, and red would no longer be red; it is drawn
+// again.
+LRESULT DictationList::EvCustomDraw(NMLVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    const int index = static_cast<int>(draw.nmcd.dwItemSpec);
+    const bool isSelected = (ListView_GetItemState(m_list, index, LVIS_SELECTED) & LVIS_SELECTED) != 0;
+    if (!isSelected) return CDRF_DODEFAULT;
+    if (draw.nmcd.dwDrawStage == CDDS_ITEMPOSTPAINT) DrawSign(draw.nmcd.hdc, index);
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
+    if (GetFocus() == m_list) return CDRF_NOTIFYPOSTPAINT;
+    draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
+    draw.clrTextBk = m_unfocused.background;
+    draw.clrText = m_unfocused.text;
+    return CDRF_NEWFONT | CDRF_NOTIFYPOSTPAINT;
+}
+
+void DictationList::DrawSign(HDC dc, int index) const {
+    RECT box = {};
+    if (!ListView_GetItemRect(m_list, index, &box, LVIR_ICON)) return;
+    LVITEMA item = {};
+    item.mask = LVIF_IMAGE;
+    item.iItem = index;
+    SendMessageA(m_list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    const int side = GetSystemMetrics(SM_CXSMICON);
+    const int top = static_cast<int>(box.top) + (static_cast<int>(box.bottom - box.top) - side) / 2;
+    FillRect(dc, &box, GetSysColorBrush(COLOR_WINDOW));
+    ImageList_Draw(ListView_GetImageList(m_list, LVSIL_SMALL), item.iImage, dc, static_cast<int>(box.left),
+                   top, ILD_TRANSPARENT);
 }
 
 void DictationList::EvItemChanged(const NMLISTVIEW& change) {

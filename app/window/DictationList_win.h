@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/transport/CurrentDictation.h"
+#include "app/window/Contrast.h"
 #include "app/window/DictationRow.h"
 #include "app/window/RowOrder.h"
 #include "base/LProcess.h"
@@ -43,6 +44,10 @@ public:
     void Attach(HWND list, Owner& owner);
     // Deletes the font; called when the window is destroyed.
     void ReleaseFont() { m_font.Reset(); }
+    // Gives the last column the room that the others leave; called when the list has changed its size.
+    void FitColumns();
+    // The colour scheme has changed.
+    void EvColoursChanged();
 
     // Empties the list and forgets everything about its rows; the owner is not told.
     void Clear();
@@ -73,11 +78,26 @@ public:
     void SelectFile(const LPath& record);
     // Selects these rows alone, and focuses the first; those that are not listed are passed over.
     void SelectFiles(const std::vector<LPath>& records);
+    void SelectAll();
+    // Marks the row of a dictation that is being recorded; nothing: none is.
+    void ShowRecorded(const std::optional<DictationFiles>& files);
+    // The length of the dictation that is being recorded.
+    void ShowLength(int32_t lengthMs);
     // Scrolls to the current dictation; called when the list has changed its size.
     void ShowCurrent();
     void BeginRename();
     // While this is true no row may be moved or removed.
     bool IsRenaming() const { return ListView_GetEditControl(m_list) != nullptr; }
+
+    // Whether a place in the list, in its pixels, lies on no row.
+    bool IsBesideRows(POINT place) const;
+    // The part of the list at a place that has a tip, and the tip: a name that is cut, or, beside the rows,
+    // nothing.
+    RECT PartAt(POINT place, std::string& tip) const;
+    // A place of the screen for the menu of the current row.
+    POINT MenuPlace() const;
+    // The index of the priority that all selected dictations have; -1 when they differ.
+    int CommonPriority() const;
 
     int Count() const { return ListView_GetItemCount(m_list); }
     int SelectedCount() const { return static_cast<int>(ListView_GetSelectedCount(m_list)); }
@@ -109,6 +129,11 @@ private:
     void ChangeTexts(int index, const DictationRow& row);
     void MoveToEnd(const DictationRow& row, LListViewChange& change);
     void SetText(int index, int column, const std::string& text);
+    void SetSign(int index, const RowSign& sign);
+    void AddColumns();
+    void MakeSigns();
+    LRESULT EvCustomDraw(NMLVCUSTOMDRAW& draw) const;
+    void DrawSign(HDC dc, int index) const;
     std::string TextAt(int index, int column) const;
     int CurrentIndex() const;
     std::optional<DictationFiles> FilesAt(int index) const;
@@ -123,7 +148,10 @@ private:
     HWND m_list = nullptr;
     Owner* m_owner = nullptr;
     LFont m_font;
-    RowOrder m_rows;  // mirrors the rows of the list view, in the same order
+    RowColours m_unfocused = {};  // of selected rows while the list does not have the focus
+    bool m_isFitting = false;
+    LPath m_recorded;  // record of the dictation that is being recorded
+    RowOrder m_rows;   // mirrors the rows of the list view, in the same order
     std::optional<int32_t> m_renamedNumber;
     std::vector<int32_t> m_toUpdate;  // numbers of the rows that wait for UpdateNoted
     std::vector<LPath> m_unreadable;  // records of rows that are to be loaded again

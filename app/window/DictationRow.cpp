@@ -29,7 +29,9 @@ DictationRow LoadFiles(const DictationFiles& files, const Worth& worth) {
     row.name = isRead ? values.name : LSplitPath(files.record.View()).name;
     row.date = values.date.value_or(0);
     row.priority = values.priority;
-    row.duration = FormatDuration(worth.audio ? LWaveFile::LengthMs(files.audio) : 0);
+    const int32_t lengthMs = worth.audio ? LWaveFile::LengthMs(files.audio) : 0;
+    row.hasAudio = lengthMs > 0;
+    row.duration = FormatDuration(lengthMs);
     if (worth.notes) row.notes = NotesFile::Preview(files.notes);
     return row;
 }
@@ -47,6 +49,20 @@ DictationRow LoadDictationRow(const LPath& record, const FolderListing& listing)
         return !listing.IsWhole() || listing.SizeOf(path.View()).has_value();
     };
     return LoadFiles(files, {isThere(files.audio), isThere(files.notes)});
+}
+
+RowSign SignOf(const DictationRow& row, bool isBeingRecorded) {
+    using Holds = RowSign::Holds;
+    return {isBeingRecorded ? Holds::RecordingNow
+            : row.hasAudio  ? Holds::Recording
+                            : Holds::Nothing,
+            row.notes.find_first_not_of(' ') != std::string::npos, PriorityIndex(row.priority) == 0};
+}
+
+int PriorityIndex(std::string_view name) {
+    for (size_t i = 0; i < std::size(kPriorities); ++i)
+        if (LEqualNoCase(name, kPriorities[i])) return static_cast<int>(i);
+    return -1;
 }
 
 std::optional<std::string> ChangedName(std::string_view name, std::string_view typed) {

@@ -18,11 +18,35 @@ struct DictationRow {
     std::string duration;
     std::string priority;
     std::string notes;
+    bool hasAudio = false;
     // Another program holds the record. Number and name are then those of the file name, and the row is to be
     // loaded again later.
     bool isUnreadable = false;
     bool isAbsent = false;  // there is no record
 };
+
+// The sign of a row: what the dictation holds, and what comes with it.
+struct RowSign {
+    enum class Holds { Nothing, Recording, RecordingNow };
+
+    Holds holds = Holds::Nothing;
+    bool hasNotes = false;
+    bool isHigh = false;  // of high priority
+    bool operator==(const RowSign&) const = default;
+};
+RowSign SignOf(const DictationRow& row, bool isBeingRecorded);
+
+// The names of the priorities, in the order of their commands.
+constexpr const char* kPriorities[] = {"High", "Normal", "Low"};
+// Index of a priority's name; -1 for any other text.
+int PriorityIndex(std::string_view name);
+
+// Width of the last column of a list, given the room for all and the widths of the others; 0 where too little
+// is left for a text.
+constexpr int kLeastColumnWidth = 24;  // pixels
+constexpr int LastColumnWidth(int room, int others) {
+    return room - others >= kLeastColumnWidth ? room - others : 0;
+}
 
 // Loads a row. Missing files give empty texts, the duration 00:00 and the normal priority. Does not wait for
 // files that are held. Completes a record that was cut off while it was written (RepairRecord).

@@ -41,8 +41,11 @@ void Follow(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_KEYUP:
             if (wParam == VK_SPACE && holder == Holder::Hand) SetHolder(button, Holder::None);
             break;
-        case WM_LBUTTONUP:
         case WM_CAPTURECHANGED:
+            // A held space bar repeats, and each time the button takes the capture from itself.
+            if (reinterpret_cast<HWND>(lParam) == button) break;
+            [[fallthrough]];
+        case WM_LBUTTONUP:
         case WM_CANCELMODE:
         case WM_KILLFOCUS:
             if (holder == Holder::Hand) SetHolder(button, Holder::None);
@@ -84,6 +87,10 @@ bool PressHoldButton(HWND button) {
     SendMessageA(button, BM_SETSTATE, TRUE, 0);
     SetHolder(button, Holder::Device);
     return true;
+}
+
+bool IsHeldByHand(HWND button) {
+    return HolderOf(button) == Holder::Hand;
 }
 
 void ReleaseHoldButton(HWND button) {

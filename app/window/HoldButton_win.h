@@ -12,3 +12,4 @@ void AttachHoldButton(HWND button);
 // disabled or held by hand.
 bool PressHoldButton(HWND button);
 void ReleaseHoldButton(HWND button);
+bool IsHeldByHand(HWND button);

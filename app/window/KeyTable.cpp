@@ -62,6 +62,17 @@ bool IsEditing(int key) {
     return key == kHome || key == kEnd || key == kInsert || key == kDelete;
 }
 
+struct MediaKey {
+    int key;  // the platform's number of an application command
+    int command;
+};
+constexpr MediaKey kMediaKeys[] = {
+    {11, CM_FASTFORWARD},  // next track
+    {12, CM_REWIND},       // previous track
+    {13, CM_STOP},
+    {14, CM_PLAY},  // play/pause
+};
+
 bool IsWith(const KeyPress& press, With with) {
     return !press.alt && press.ctrl == (with == With::Ctrl) && press.shift == (with == With::Shift);
 }
@@ -79,10 +90,23 @@ KeyAction ActionOf(const KeyPress& press) {
     // The dialog would press the focused button again with each repeat.
     if (press.key == kReturn && press.repeats && press.focus == KeyFocus::Button) return {Kind::Swallow};
     if (press.focus == KeyFocus::Notes && IsEditing(press.key)) return {};
+    if (press.key == 'A' && IsWith(press, With::Ctrl)) return {Kind::SelectAll};
+    if (press.key == kReturn && press.focus == KeyFocus::List && IsWith(press, With::Nothing))
+        return {press.repeats ? Kind::Swallow : Kind::PlayRow};
     for (const Shortcut& shortcut : kShortcuts)
         if (shortcut.key == press.key && IsWith(press, shortcut.with))
             return {press.repeats ? Kind::Swallow : Kind::Command, shortcut.command};
     return {};
+}
+
+int MediaCommandOf(int key, bool windsBack, bool windsForward) {
+    for (const MediaKey& media : kMediaKeys) {
+        if (media.key != key) continue;
+        const bool isUnderWay =
+            (media.command == CM_REWIND && windsBack) || (media.command == CM_FASTFORWARD && windsForward);
+        return isUnderWay ? CM_STOP : media.command;
+    }
+    return 0;
 }
 
 bool CountsOnce(int command) {

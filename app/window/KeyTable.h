@@ -7,6 +7,7 @@
 // The control that has the focus when a key goes down.
 enum class KeyFocus {
     Elsewhere,
+    List,
     Button,
     Notes,
     NameEditor,
@@ -30,6 +31,8 @@ struct KeyAction {
         Swallow,  // ours, without effect
         Command,
         Wind,  // for as long as the key is held
+        SelectAll,
+        PlayRow,  // as a double click on it does
     };
     Kind kind = Kind::PassOn;
     int command = 0;
@@ -39,6 +42,9 @@ struct KeyAction {
 // The effect of a key. A held key gives its command once; with repeats, Ctrl+S held for a second would send
 // every dictation of the list.
 KeyAction ActionOf(const KeyPress& press);
+
+// The command of a media key, by the platform's number, while winding or not; 0: not ours.
+int MediaCommandOf(int key, bool windsBack, bool windsForward);
 
 // Whether two presses, or clicks, in quick succession count as one: New and Send. The list moves on after the
 // first, and the second would take the next dictation.

@@ -31,6 +31,9 @@ bool Keyboard::PreTranslateMessage(const MSG& message) {
         // another dictation would become current.
         case WM_CHAR:
             return message.hwnd == GetDlgItem(m_window, IDC_LIST);
+        // Alt with the letter of a button would press it again with each repeat.
+        case WM_SYSCHAR:
+            return (message.lParam & kKeyWasDown) != 0;
         case WM_LBUTTONDBLCLK:
             return IsSecondClick(message);
         default:
@@ -45,15 +48,34 @@ bool Keyboard::EvKeyDown(const MSG& message) {
                                        .shift = IsDown(VK_SHIFT),
                                        .repeats = (message.lParam & kKeyWasDown) != 0,
                                        .focus = FocusOf(message.hwnd)});
-    if (action.kind == KeyAction::Kind::Command && !IsSecondPress(action.command, message.time))
-        m_target.Give(action.command);
-    if (action.kind == KeyAction::Kind::Wind) {
-        ReleaseHeld();
-        m_heldKey = message.wParam;
-        m_direction = action.direction;
-        m_target.WindByKey(m_direction, true);
-    }
+    Act(action, message);
     return action.kind != KeyAction::Kind::PassOn;
+}
+
+void Keyboard::Act(const KeyAction& action, const MSG& message) {
+    switch (action.kind) {
+        case KeyAction::Kind::Command:
+            if (!IsSecondPress(action.command, message.time)) m_target.Give(action.command);
+            break;
+        case KeyAction::Kind::Wind:
+            ReleaseHeld();
+            m_heldKey = message.wParam;
+            m_direction = action.direction;
+            m_target.WindByKey(m_direction, true);
+            break;
+        case KeyAction::Kind::SelectAll:
+            if (FocusOf(message.hwnd) == KeyFocus::Notes)
+                SendMessageA(message.hwnd, EM_SETSEL, 0, -1);
+            else
+                m_target.SelectAllRows();
+            break;
+        case KeyAction::Kind::PlayRow:
+            m_target.PlayRow();
+            break;
+        case KeyAction::Kind::Swallow:
+        case KeyAction::Kind::PassOn:
+            break;
+    }
 }
 
 void Keyboard::ReleaseHeld() {
@@ -71,6 +93,7 @@ bool Keyboard::IsSecondPress(int command, DWORD timeMs) {
 KeyFocus Keyboard::FocusOf(HWND control) const {
     if (control != m_window && !IsChild(m_window, control)) return KeyFocus::OtherWindow;
     if (control == GetDlgItem(m_window, IDC_NOTES)) return KeyFocus::Notes;
+    if (control == GetDlgItem(m_window, IDC_LIST)) return KeyFocus::List;
     if (IsOfClass(control, "Edit")) return KeyFocus::NameEditor;
     return IsOfClass(control, "Button") ? KeyFocus::Button : KeyFocus::Elsewhere;
 }

@@ -17,6 +17,8 @@ public:
     public:
         // A winding key goes down or up.
         virtual void WindByKey(WindDirection direction, bool isDown) = 0;
+        virtual void SelectAllRows() = 0;
+        virtual void PlayRow() = 0;
     };
 
     explicit Keyboard(Target& target) : m_target(target) {}
@@ -31,6 +33,7 @@ public:
 private:
     KeyFocus FocusOf(HWND control) const;
     bool EvKeyDown(const MSG& message);
+    void Act(const KeyAction& action, const MSG& message);
     bool IsSecondPress(int command, DWORD timeMs);
     bool IsSecondClick(const MSG& message) const;
 

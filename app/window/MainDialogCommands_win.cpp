@@ -1,6 +1,11 @@
+#include <windows.h>
+
+#include <shellapi.h>
+
 #include "app/dialogs/HardwareSettings_win.h"
 #include "app/window/HoldButton_win.h"
 #include "app/window/MainDialog_win.h"
+#include "base/LText.h"
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
@@ -11,7 +16,15 @@
 
 namespace {
 
-constexpr const char* kPriorities[] = {"High", "Normal", "Low"};  // in the order of the command numbers
+constexpr char kNoBrowser[] =
+    "The page could not be opened. Please enter its address into your Internet browser:\n\n%s";
+constexpr INT_PTR kShellErrors = 32;  // the highest
+// In the order of the commands.
+constexpr const char* kWebPages[] = {
+    "http://www.mervald.example/corvane",
+    "http://www.mervald.example/support",
+    "http://www.mervald.example/quennet",
+};
 
 constexpr char kNoDockMethod[] =
     "Before you can use the Dock button on the Main Window, you must select your preferred Dock method.\r\n"
@@ -37,6 +50,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_INFOLINE, IDC_INFOLINK,
      [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
     {IDC_DOCK, IDC_DOCK, [](MainDialog& d, int) { return d.Dock(); }},
+    {CM_WEB_PRODUCT, CM_WEB_TYPIST, [](MainDialog& d, int command) { return d.OpenWebPage(command); }},
     {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
     {CM_SENDFILE, CM_SENDFILE,
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Default); }},
@@ -44,7 +58,11 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      [](MainDialog& d, int) { return d.m_dictations.SendSelected(DictationCommands::To::Chosen); }},
     {CM_RENAMEFILE, CM_RENAMEFILE,
      // Pending changes first: the row must not move under its editor.
-     [](MainDialog& d, int) { return d.m_list.UpdateNoted(), d.m_dictations.BeginRename(); }},
+     [](MainDialog& d, int) {
+         d.m_wasTyping = GetFocus() == d.Item(IDC_NOTES);
+         d.m_list.UpdateNoted();
+         return d.m_dictations.BeginRename();
+     }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
     {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_dictations.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
@@ -118,7 +136,9 @@ bool MainDialog::Give(int command) {
 }
 
 // Gives the keyboard back to the notes if the button was pressed while typing, else to the list.
+// A button that is still held keeps it: losing the keyboard is a release.
 void MainDialog::LeaveButton() {
+    if (IsHeldByHand(GetFocus())) return;
     const bool wasTyping = m_notes.LeftFor() != nullptr && m_notes.LeftFor() == GetFocus();
     if (IsOpen()) m_display.LeaveButton(wasTyping ? Item(IDC_NOTES) : nullptr);
 }
@@ -168,8 +188,9 @@ bool MainDialog::SetView(ViewMode view) {
     const HWND focus = GetFocus();
     m_layout.SetView(view);
     m_display.ShowSituation(Situation());
-    // The focus must not stay in a control that is hidden now.
-    if (focus != nullptr && IsChild(Window(), focus) && !IsWindowVisible(focus)) m_display.FocusHome();
+    // The list has the focus again after the compact view; notes that are typed keep it.
+    const bool isTyping = focus == Item(IDC_NOTES) && IsWindowVisible(focus);
+    if (focus != nullptr && IsChild(Window(), focus) && !isTyping) m_display.FocusHome();
     return true;
 }
 
@@ -205,6 +226,20 @@ bool MainDialog::ShowAbout() {
     return true;
 }
 
+bool MainDialog::OpenWebPage(int command) {
+    const char* const page = kWebPages[command - CM_WEB_PRODUCT];
+    const HINSTANCE result = ShellExecuteA(Window(), "open", page, nullptr, nullptr, SW_SHOWNORMAL);
+    if (reinterpret_cast<INT_PTR>(result) > kShellErrors) return true;
+    m_runner.Tell(LFormat(kNoBrowser, page));
+    return false;
+}
+
+void MainDialog::SelectAllRows() {
+    if (!MayChange() || m_layout.View() == ViewMode::Compact) return;
+    m_list.SelectAll();
+    m_display.FocusHome();
+}
+
 void MainDialog::OpenWindow() {
     if (IsIconic(Window())) ShowWindow(Window(), SW_RESTORE);
     SetForegroundWindow(GetLastActivePopup(Window()));  // an open box, which has disabled the window
@@ -226,7 +261,14 @@ int32_t MainDialog::CurrentNumber() {
     return m_current ? m_list.NumberOf(m_current.Files()->record).value_or(0) : 0;
 }
 
+// The record button is held like a pedal: a click starts, the next click stops, a hold records while it
+// lasts.
 void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
-    Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
+    if (wParam != IDC_RECORD)
+        Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
+    else if (lParam != 0)
+        m_devices.CommandPress(CI_RECORD);
+    else
+        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
     if (lParam == 0) LeaveButton();
 }

@@ -3,6 +3,7 @@
 #include <mmsystem.h>
 #include <windowsx.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -34,6 +35,7 @@ constexpr UINT kInfoPeriodMs = 5000;
 constexpr UINT kRestLookMs = 250;
 constexpr UINT kToneFirstMs = 150;  // after a stop
 constexpr UINT kTonePeriodMs = 7000;
+constexpr UINT kAppCommand = 0x0319;  // WM_APPCOMMAND, of media keys
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
 constexpr char kNotAllListed[] =
@@ -48,9 +50,9 @@ constexpr char kLoseNotes[] =
 const MainDialog::AskedEntry MainDialog::kAsked[] = {
     {WM_ACTIVATE, &MainDialog::EvActivate},       {WM_QUERYENDSESSION, &MainDialog::EvQueryEndSession},
     {WM_DRAWITEM, &MainDialog::EvDrawItem},       {WM_NOTIFY, &MainDialog::EvNotify},
-    {WM_CONTEXTMENU, &MainDialog::EvContextMenu}, {WM_CTLCOLORSTATIC, &MainDialog::EvCtlColorStatic},
+    {WM_CONTEXTMENU, &MainDialog::EvContextMenu}, {WM_INITMENUPOPUP, &MainDialog::EvInitMenuPopup},
     {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},  {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
-    {WM_APICOMMAND, &MainDialog::EvAPICommand},
+    {kAppCommand, &MainDialog::EvAppCommand},     {WM_APICOMMAND, &MainDialog::EvAPICommand},
 };
 
 // The same for messages that are answered with 0.
@@ -59,6 +61,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_SIZE, &MainDialog::EvSize},
     {WM_CLOSE, &MainDialog::EvClose},
     {WM_ENDSESSION, &MainDialog::EvEndSession},
+    {WM_SYSCOLORCHANGE, &MainDialog::EvColoursChanged},
     {WM_GETMINMAXINFO, &MainDialog::EvGetMinMaxInfo},
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
@@ -106,7 +109,7 @@ bool MainDialog::InitDialog() {
     // The splash screen would cover a box.
     m_runner.Attach(
         Window(), WM_SHOWLATER, [this] { m_transport.Stop(); }, [this] { m_splash.Close(); });
-    for (int control : {IDC_REWIND, IDC_FASTFORWARD}) AttachHoldButton(Item(control));
+    for (int control : {IDC_REWIND, IDC_FASTFORWARD, IDC_RECORD}) AttachHoldButton(Item(control));
     m_keyboard.Attach(Window());
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
@@ -175,6 +178,8 @@ void MainDialog::DestroyDialog() {
 bool MainDialog::PreTranslateMessage(MSG& message) {
     const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
     if (isKey || message.message == WM_LBUTTONDOWN) m_runner.NoteInput();
+    m_display.Watch(message);
+    if (IsBesideRows(message)) return true;
     return m_keyboard.PreTranslateMessage(message) || m_introduction.PreTranslateMessage(message);
 }
 
@@ -223,13 +228,15 @@ void MainDialog::EvEndSession(WPARAM wParam, LPARAM) {
     if (m_runner.TakeClose()) CloseWindow();
 }
 
-void MainDialog::EvCommand(WPARAM wParam, LPARAM) {
+void MainDialog::EvCommand(WPARAM wParam, LPARAM lParam) {
     const int command = LOWORD(wParam);
     const int notification = HIWORD(wParam);
     if (command == IDC_NOTES) {
         if (notification == EN_CHANGE) m_notes.EvChange();
         return;
     }
+    // That the record button was pressed has been told already (EvHoldButton).
+    if (command == IDC_RECORD && lParam != 0) return;
     const bool isFromMenuButtonOrKey = notification == 0 || notification == 1;
     if (isFromMenuButtonOrKey) Give(command);
 }
@@ -238,9 +245,7 @@ bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
     if (reinterpret_cast<HWND>(wParam) != Item(IDC_LIST)) return false;
     POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     if (at.x == -1 && at.y == -1) {  // from the keyboard
-        RECT box;
-        GetWindowRect(Item(IDC_LIST), &box);
-        at = {box.left + 16, box.top + 32};
+        at = m_list.MenuPlace();
     }
     m_display.ShowPopup(IDM_DICTATION, at, Situation());
     result = 0;
@@ -249,8 +254,8 @@ bool MainDialog::EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result) {
 
 bool MainDialog::EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result) {
     const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
-    if (item.CtlType != ODT_BUTTON) return false;
-    m_display.DrawButton(item);
+    if (item.CtlType != ODT_BUTTON && item.CtlType != ODT_STATIC) return false;
+    m_display.DrawItem(item);
     result = TRUE;
     return true;
 }
@@ -300,19 +305,66 @@ void MainDialog::EvMove(WPARAM, LPARAM) {
 }
 
 void MainDialog::EvSize(WPARAM wParam, LPARAM) {
-    if (wParam != SIZE_MINIMIZED) {
-        m_layout.LayoutControls();
-        m_list.ShowCurrent();
-    }
+    if (wParam == SIZE_MINIMIZED) return;
+    if (m_layout.EvSize(wParam)) m_display.ShowSituation(Situation());
+    m_layout.LayoutControls();
+    m_display.EvPlaced();
+    m_list.FitColumns();
+    m_list.ShowCurrent();
 }
 
 bool MainDialog::EvNotify(WPARAM, LPARAM lParam, LRESULT& result) {
     const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+    if (header.code == TTN_NEEDTEXTA) return AskTip(header, result);
+    const bool isOfHeader = GetParent(header.hwndFrom) == Item(IDC_LIST);
+    if (isOfHeader) return m_list.HandleNotify(header, result);
     return header.idFrom == IDC_LIST && m_list.HandleNotify(header, result);
 }
 
+bool MainDialog::AskTip(const NMHDR& header, LRESULT& result) {
+    m_tip = m_display.TipOf(reinterpret_cast<HWND>(header.idFrom));
+    auto& asked = *reinterpret_cast<NMTTDISPINFOA*>(const_cast<NMHDR*>(&header));
+    asked.lpszText = m_tip.data();
+    result = 0;
+    return true;
+}
+
+// A click beside the rows keeps the selection, and with it the current dictation; the list would drop both.
+bool MainDialog::IsBesideRows(const MSG& message) {
+    const bool isLeft = message.message == WM_LBUTTONDOWN || message.message == WM_LBUTTONDBLCLK;
+    const bool isRight = message.message == WM_RBUTTONDOWN || message.message == WM_RBUTTONUP;
+    POINT at = {GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)};
+    if (message.hwnd != Item(IDC_LIST) || (!isLeft && !isRight) || !m_list.IsBesideRows(at)) return false;
+    if (m_list.Count() > 0) SetFocus(Item(IDC_LIST));
+    ClientToScreen(message.hwnd, &at);
+    if (message.message == WM_RBUTTONUP)
+        SendMessageA(Window(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(message.hwnd),
+                     MAKELPARAM(at.x, at.y));
+    return true;
+}
+
+// The same way as for other sources of commands; keys that are not ours go to the platform.
+bool MainDialog::EvAppCommand(WPARAM, LPARAM lParam, LRESULT& result) {
+    const int command = MediaCommandOf(HIWORD(lParam) & 0x7FFF, m_transport.IsWinding(WindDirection::Back),
+                                       m_transport.IsWinding(WindDirection::Forward));
+    if (command == 0) return false;
+    Give(command);
+    result = TRUE;
+    return true;
+}
+
+bool MainDialog::EvInitMenuPopup(WPARAM wParam, LPARAM, LRESULT&) {
+    m_display.ShowPriority(reinterpret_cast<HMENU>(wParam));
+    return false;
+}
+
+void MainDialog::EvColoursChanged(WPARAM, LPARAM) {
+    m_list.EvColoursChanged();
+    m_display.EvColoursChanged();
+}
+
 void MainDialog::EvSendProgress(WPARAM, LPARAM) {
-    m_display.ShowSendProgress(m_queue.GetProgress());
+    m_display.ShowSending(m_queue.Activity(), m_queue.GetProgress());
 }
 
 void MainDialog::EvSelectionMoved(WPARAM, LPARAM) {
@@ -321,6 +373,7 @@ void MainDialog::EvSelectionMoved(WPARAM, LPARAM) {
 
 void MainDialog::EvRowChanged(WPARAM, LPARAM) {
     m_list.UpdateNoted();
+    if (!m_list.IsRenaming() && std::exchange(m_wasTyping, false)) SetFocus(Item(IDC_NOTES));
     m_dictations.DropGone(m_list.TakeAbsent());
     m_display.ShowPosition();
 }
@@ -423,13 +476,17 @@ void MainDialog::InsertKept(const DictationFiles& files) {
 
 void MainDialog::ActivityChanged() {
     if (!IsOpen()) return;
+    m_list.ShowRecorded(m_transport.IsRecording() ? m_current.Files() : std::nullopt);
     m_display.ShowActivity();
     m_display.ShowSituation(Situation());
     if (!m_transport.IsRunning()) SetTimer(Window(), TIMER_STOPPEDTONE, kToneFirstMs, nullptr);
 }
 
 void MainDialog::PositionChanged() {
-    if (IsOpen()) m_display.ShowPosition();
+    if (!IsOpen()) return;
+    m_display.ShowPosition();
+    if (m_transport.IsRecording())
+        m_list.ShowLength(std::max(m_transport.PositionMs(), m_transport.LengthMs()));
 }
 
 void MainDialog::PostSendProgress() {

@@ -92,9 +92,11 @@ private:
     void EvClose(WPARAM, LPARAM);
     void EvCommand(WPARAM wParam, LPARAM lParam);
     bool EvContextMenu(WPARAM wParam, LPARAM lParam, LRESULT& result);
-    bool EvCtlColorStatic(WPARAM wParam, LPARAM lParam, LRESULT& result) {
-        return m_display.ColourState(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam), result);
-    }
+    bool EvAppCommand(WPARAM, LPARAM lParam, LRESULT& result);
+    void EvColoursChanged(WPARAM, LPARAM);
+    bool EvInitMenuPopup(WPARAM wParam, LPARAM, LRESULT&);
+    bool IsBesideRows(const MSG& message);
+    bool AskTip(const NMHDR& header, LRESULT& result);
     void EvDrag(WPARAM, LPARAM);
     void EvDragEnd(WPARAM, LPARAM);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
@@ -138,6 +140,7 @@ private:
     bool ShowHardwareSettings();
     bool RecoverSent();
     bool ShowAbout();
+    bool OpenWebPage(int command);
     RecordMode DefaultRecordMode() const;
 
     // Users
@@ -197,6 +200,8 @@ private:
     int32_t CurrentNumber() override;
     // Keyboard::Target
     void WindByKey(WindDirection direction, bool isDown) override { Wind(direction, isDown); }
+    void SelectAllRows() override;
+    void PlayRow() override { PlayFromStart(); }
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
 
@@ -226,6 +231,8 @@ private:
     uint32_t m_startTick = 0;
     bool m_selectionMoved = false;
     bool m_isMenuOpen = false;
+    bool m_wasTyping = false;  // when the name editor was opened
+    std::string m_tip;         // the tool tip that is shown
     bool m_isClosing = false;
     bool m_sendThreadEnded = true;
 };

@@ -24,6 +24,7 @@ constexpr UINT kSaveAfterMs = 500;
 constexpr size_t kMostEdited = 262143;
 constexpr size_t kMostEditedOn95 = 65535;  // the limit of an edit control on Windows 95, 98 and Me
 constexpr char kTooLong[] = "Notes too long to be edited here";
+constexpr char kNoDictation[] = "Press Record or New to begin";
 constexpr char kCannotRead[] = "Notes cannot be read at present";
 
 static size_t MostEdited() {
@@ -69,7 +70,7 @@ void NotesBox::Load(const LPath& notesFile) {
 void NotesBox::Show(std::string_view text, const char* readOnlyReason) {
     const size_t most = MostEdited();
     if (text.size() > most || !IsLaidOutQuickly(text)) readOnlyReason = kTooLong;
-    std::string shown(text.substr(0, most));
+    std::string shown(m_file.Empty() ? kNoDictation : text.substr(0, most));
     if (readOnlyReason != nullptr) shown = BreakLongLines(shown).substr(0, most);
     m_isLoading = true;
     SetWindowTextA(m_edit, shown.c_str());

@@ -26,15 +26,6 @@ constexpr char kNoFolder[] =
     "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
 constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
-// Whether there is audio to send. False also for a recording that ended without a word; true for a file that
-// cannot be opened now, which the move then reports.
-bool HasRecording(const LPath& audio) {
-    LFile file(audio, LFile::Open::Read);
-    if (!file.IsOpen()) return !LFile::IsAbsent(audio);
-    LWaveInfo info;
-    return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
-}
-
 // Whether the recipient is to be sent to by a folder that nobody has entered. The send thread would count
 // each dictation as sent.
 bool LacksFolder(const LPath& recipient) {
@@ -45,6 +36,15 @@ bool LacksFolder(const LPath& recipient) {
 }
 
 }  // namespace
+
+// False also for a recording that ended without a word; true for a file that cannot be opened now, which the
+// move then reports.
+bool SendCommands::HasRecording(const DictationFiles& files) {
+    LFile file(files.audio, LFile::Open::Read);
+    if (!file.IsOpen()) return !LFile::IsAbsent(files.audio);
+    LWaveInfo info;
+    return file.Size() > 0 && (!LWaveFile::ReadInfo(file, info) || info.dataBytes > 0);
+}
 
 void SendCommands::TellNoRecipients() const {
     m_runner.Box(kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
@@ -66,7 +66,7 @@ SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipie
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
     MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
     if (files.IsGone()) return {Outcome::Gone, {}};
-    if (!HasRecording(files.audio)) return {Outcome::NotSent, kNoRecording};
+    if (!HasRecording(files)) return {Outcome::NotSent, kNoRecording};
     if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
     const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
     if (LacksFolder(recipientPath)) return {Outcome::NothingSends, kNoFolder};

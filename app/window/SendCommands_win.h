@@ -16,6 +16,8 @@ public:
     SendCommands(const AppState& state, BGSend& queue, LModalRunner& runner)
         : m_state(state), m_queue(queue), m_runner(runner) {}
 
+    // Whether there is audio to send, or may be: a file that cannot be opened now counts.
+    static bool HasRecording(const DictationFiles& files);
     // Index of the user's default recipient; -1, after telling the user, when there is none.
     int DefaultRecipient() const;
     // Lets the user choose; -1 when there is no recipient or the user cancels.

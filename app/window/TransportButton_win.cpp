@@ -1,126 +1,182 @@
 #include "app/window/TransportButton_win.h"
 
-#include <span>
+#include <algorithm>
 
+#include "app/window/Contrast.h"
+#include "app/window/TransportSign.h"
 #include "res/Ids.h"
 #include "ui/LWin.h"
 
 namespace {
 
-// Symbols are drawn on a square of 16 by 16 units and scaled to the button. Vector shapes in place of bitmaps
-// fit every font size.
-constexpr int kUnits = 16;
-
-struct Shape {
-    enum class Kind { Polygon, Circle, Square } kind;
-    POINT points[4];
-    int count;
-};
-
-constexpr Shape Bar(LONG left) {
-    return {Shape::Kind::Polygon, {{left, 2}, {left + 2, 2}, {left + 2, 14}, {left, 14}}, 4};
-}
-constexpr Shape Right(LONG left, LONG right) {
-    return {Shape::Kind::Polygon, {{left, 2}, {right, 8}, {left, 14}}, 3};
-}
-constexpr Shape Left(LONG left, LONG right) {
-    return {Shape::Kind::Polygon, {{right, 2}, {right, 14}, {left, 8}}, 3};
-}
-constexpr Shape kCircle = {Shape::Kind::Circle, {{2, 2}, {14, 14}}, 2};
-constexpr Shape kSquare = {Shape::Kind::Square, {{3, 3}, {13, 13}}, 2};
-
-struct Sign {
-    int control;
-    COLORREF colour;
-    Shape shapes[3];
-    int count;
-};
 constexpr COLORREF kRed = RGB(208, 0, 0);
-constexpr COLORREF kBlack = RGB(32, 32, 32);
-constexpr COLORREF kGreen = RGB(0, 120, 40);
-// A dot between two bars: a recording between existing passages.
-constexpr Shape kSmallCircle = {Shape::Kind::Circle, {{5, 5}, {11, 11}}, 2};
-constexpr Sign kInsertSign = {IDC_RECORD, kRed, {Bar(1), kSmallCircle, Bar(13)}, 3};
-constexpr Sign kSigns[] = {
-    {IDC_RECORD, kRed, {kCircle}, 1},
-    {IDC_STOP, kBlack, {kSquare}, 1},
-    {IDC_PLAY, kGreen, {Right(3, 14)}, 1},
-    {IDC_GOTOSTART, kBlack, {Bar(2), Left(5, 14)}, 2},
-    {IDC_REWIND, kBlack, {Left(1, 8), Left(8, 15)}, 2},
-    {IDC_FASTFORWARD, kBlack, {Right(1, 8), Right(8, 15)}, 2},
-    {IDC_GOTOEND, kBlack, {Right(2, 11), Bar(12)}, 2},
+constexpr COLORREF kGreen = RGB(0, 128, 40);
+constexpr COLORREF kLink = RGB(0, 0, 192);
+constexpr COLORREF kSystemText = CLR_INVALID;  // the scheme's own
+
+// A held button is filled with this where its symbol has no colour of its own.
+constexpr COLORREF kHeldBlue = RGB(0, 84, 166);
+
+struct Look {
+    int control;
+    TransportSign sign;
+    COLORREF colour;
+};
+constexpr Look kLooks[] = {
+    {IDC_RECORD, TransportSign::Record, kRed},
+    {IDC_STOP, TransportSign::Stop, kSystemText},
+    {IDC_PLAY, TransportSign::Play, kGreen},
+    {IDC_GOTOSTART, TransportSign::GoToStart, kSystemText},
+    {IDC_REWIND, TransportSign::Rewind, kSystemText},
+    {IDC_FASTFORWARD, TransportSign::FastForward, kSystemText},
+    {IDC_GOTOEND, TransportSign::GoToEnd, kSystemText},
 };
 
-// Maps units of a symbol to pixels, in a square of 60 % of the button's shorter side. shift moves the symbol
-// of a pressed button, in pixels.
-class Scale {
+// The platform's visual style, which push buttons follow where there is one. Its functions are newer than the
+// oldest platform.
+class VisualStyle {
 public:
-    Scale(const RECT& box, int shift) {
-        const int width = box.right - box.left;
-        const int height = box.bottom - box.top;
-        m_side = (width < height ? width : height) * 6 / 10;
-        m_left = box.left + (width - m_side) / 2 + shift;
-        m_top = box.top + (height - m_side) / 2 + shift;
+    // False when there is none: nothing was drawn.
+    bool DrawButton(HWND window, HDC dc, const RECT& box, bool isPressed, bool isDisabled) const {
+        if (m_draw == nullptr || !m_isActive()) return false;
+        const HANDLE theme = m_open(window, L"BUTTON");
+        if (theme == nullptr) return false;
+        constexpr int kPushButton = 1, kNormal = 1, kPressed = 3, kDisabled = 4;
+        m_draw(theme, dc, kPushButton,
+               isDisabled  ? kDisabled
+               : isPressed ? kPressed
+                           : kNormal,
+               &box, nullptr);
+        m_close(theme);
+        return true;
     }
-    POINT Map(POINT p) const { return {m_left + p.x * m_side / kUnits, m_top + p.y * m_side / kUnits}; }
 
 private:
-    LONG m_side;
-    LONG m_left;
-    LONG m_top;
+    template <class Function>
+    Function Find(const char* name) const {
+        return reinterpret_cast<Function>(
+            reinterpret_cast<void*>(m_module != nullptr ? GetProcAddress(m_module, name) : nullptr));
+    }
+
+    HMODULE m_module = LoadLibraryA("uxtheme.dll");
+    BOOL(WINAPI* m_isActive)() = Find<BOOL(WINAPI*)()>("IsAppThemed");
+    HANDLE(WINAPI* m_open)(HWND, LPCWSTR) = Find<HANDLE(WINAPI*)(HWND, LPCWSTR)>("OpenThemeData");
+    HRESULT(WINAPI* m_close)(HANDLE) = Find<HRESULT(WINAPI*)(HANDLE)>("CloseThemeData");
+    HRESULT(WINAPI* m_draw)
+    (HANDLE, HDC, int, int, const RECT*, const RECT*) =
+        Find<HRESULT(WINAPI*)(HANDLE, HDC, int, int, const RECT*, const RECT*)>("DrawThemeBackground");
 };
 
-void DrawShape(HDC dc, const Shape& shape, const Scale& scale) {
-    POINT points[4];
-    for (int i = 0; i < shape.count; ++i) points[i] = scale.Map(shape.points[i]);
-    switch (shape.kind) {
-        case Shape::Kind::Polygon:
-            Polygon(dc, points, shape.count);
-            break;
-        case Shape::Kind::Circle:
-            Ellipse(dc, points[0].x, points[0].y, points[1].x, points[1].y);
-            break;
-        case Shape::Kind::Square:
-            Rectangle(dc, points[0].x, points[0].y, points[1].x, points[1].y);
-            break;
+void DrawFace(const DRAWITEMSTRUCT& item, bool isPressed, bool isDisabled) {
+    static const VisualStyle style;
+    RECT box = item.rcItem;
+    FillRect(item.hDC, &box, GetSysColorBrush(COLOR_BTNFACE));
+    if (style.DrawButton(item.hwndItem, item.hDC, box, isPressed, isDisabled)) return;
+    DrawFrameControl(item.hDC, &box, DFC_BUTTON,
+                     static_cast<UINT>(DFCS_BUTTONPUSH | (isPressed ? DFCS_PUSHED : 0)));
+}
+
+// A picture in memory whose pixels can be read and written.
+class Pixels {
+public:
+    Pixels(HDC dc, int side) : m_dc(CreateCompatibleDC(dc)) {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof info.bmiHeader, side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        m_bitmap.Reset(CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+        m_bits = static_cast<uint32_t*>(bits);
+        if (m_bitmap) m_old = SelectObject(m_dc, m_bitmap.Get());
     }
+    ~Pixels() {
+        if (m_old != nullptr) SelectObject(m_dc, m_old);
+        DeleteDC(m_dc);
+    }
+    Pixels(const Pixels&) = delete;
+    Pixels& operator=(const Pixels&) = delete;
+
+    HDC Dc() const { return m_dc; }
+    uint32_t* Bits() const { return m_bits; }
+
+private:
+    HDC m_dc;
+    LBitmap m_bitmap;
+    HGDIOBJ m_old = nullptr;
+    uint32_t* m_bits = nullptr;
+};
+
+constexpr uint32_t SwapRedAndBlue(uint32_t colour) {
+    return (colour & 0xFF) << 16 | (colour & 0xFF00) | (colour >> 16 & 0xFF);
 }
 
-void DrawSign(HDC dc, const Sign& sign, const Scale& scale, COLORREF colour) {
-    const LBrush brush(CreateSolidBrush(colour));
-    const LPen pen(CreatePen(PS_SOLID, 1, colour));
-    const HGDIOBJ oldBrush = SelectObject(dc, brush.Get());
-    const HGDIOBJ oldPen = SelectObject(dc, pen.Get());
-    for (const Shape& shape : std::span(sign.shapes).first(static_cast<size_t>(sign.count)))
-        DrawShape(dc, shape, scale);
-    SelectObject(dc, oldPen);
-    SelectObject(dc, oldBrush);
+// Lays a symbol over what is there.
+void LaySign(HDC dc, POINT at, int side, TransportSign sign, COLORREF colour) {
+    const Pixels pixels(dc, side);
+    if (pixels.Bits() == nullptr) return;
+    BitBlt(pixels.Dc(), 0, 0, side, side, dc, at.x, at.y, SRCCOPY);
+    GdiFlush();
+    uint32_t* pixel = pixels.Bits();
+    for (const uint8_t cover : DrawSign(sign, side)) {
+        *pixel = Mix(SwapRedAndBlue(colour), *pixel & 0xFFFFFF, cover * 100 / 255);
+        ++pixel;
+    }
+    BitBlt(dc, at.x, at.y, side, side, pixels.Dc(), 0, 0, SRCCOPY);
 }
 
-COLORREF FaceOf(UINT control) {
-    for (const Sign& sign : kSigns)
-        if (sign.control == static_cast<int>(control)) return sign.colour;
-    return kBlack;
+COLORREF ColourOf(const Look& look) {
+    const COLORREF text = GetSysColor(COLOR_BTNTEXT);
+    return look.colour == kSystemText ? text : Readable(look.colour, GetSysColor(COLOR_BTNFACE), text);
+}
+
+void DrawFocus(const DRAWITEMSTRUCT& item, int inset) {
+    if ((item.itemState & ODS_FOCUS) == 0) return;
+    RECT box = item.rcItem;
+    InflateRect(&box, -inset, -inset);
+    SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
+    SetBkColor(item.hDC, GetSysColor(COLOR_BTNFACE));
+    DrawFocusRect(item.hDC, &box);
 }
 
 }  // namespace
 
 void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert) {
-    const bool isPressed = isHeld || (item.itemState & ODS_SELECTED) != 0;
+    const bool isDown = isHeld || (item.itemState & ODS_SELECTED) != 0;
     const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
+    const auto* look = std::ranges::find(kLooks, static_cast<int>(item.CtlID), &Look::control);
+    if (look == std::end(kLooks)) return;
+    DrawFace(item, isDown, isDisabled);
+    COLORREF colour = isDisabled ? GetSysColor(COLOR_GRAYTEXT) : ColourOf(*look);
+    // A held button is filled with a colour, and only recording is red, so that one glance tells the state.
+    if (isHeld) {
+        RECT face = item.rcItem;
+        InflateRect(&face, -3, -3);
+        const LBrush fill(CreateSolidBrush(look->colour == kSystemText ? kHeldBlue : look->colour));
+        FillRect(item.hDC, &face, fill.Get());
+        colour = RGB(255, 255, 255);
+    }
+    const LONG width = item.rcItem.right - item.rcItem.left;
+    const LONG height = item.rcItem.bottom - item.rcItem.top;
+    const LONG side = std::min(width, height) * 11 / 20;
+    const LONG shift = isDown ? 1 : 0;
+    const POINT at = {item.rcItem.left + (width - side) / 2 + shift,
+                      item.rcItem.top + (height - side) / 2 + shift};
+    LaySign(item.hDC, at, static_cast<int>(side), isInsert ? TransportSign::RecordInsert : look->sign,
+            colour);
+    DrawFocus(item, 4);
+}
+
+void DrawLinkButton(const DRAWITEMSTRUCT& item) {
     RECT box = item.rcItem;
-    // A held button is filled with its colour, and only recording is red, so that one glance tells the state.
-    const LBrush face(CreateSolidBrush(isHeld ? FaceOf(item.CtlID) : GetSysColor(COLOR_BTNFACE)));
-    FillRect(item.hDC, &box, face.Get());
-    DrawEdge(item.hDC, &box, isPressed ? EDGE_SUNKEN : EDGE_RAISED, BF_RECT);
-    for (const Sign& sign : kSigns) {
-        if (sign.control != static_cast<int>(item.CtlID)) continue;
-        const COLORREF normal = isHeld ? RGB(255, 255, 255) : sign.colour;
-        DrawSign(item.hDC, isInsert ? kInsertSign : sign, Scale(box, isPressed ? 1 : 0),
-                 isDisabled ? GetSysColor(COLOR_GRAYTEXT) : normal);
-    }
-    if ((item.itemState & ODS_FOCUS) != 0) {
-        InflateRect(&box, -3, -3);
-        DrawFocusRect(item.hDC, &box);
-    }
+    FillRect(item.hDC, &box, GetSysColorBrush(COLOR_BTNFACE));
+    LOGFONTA font = {};
+    GetObjectA(GetCurrentObject(item.hDC, OBJ_FONT), sizeof font, &font);
+    font.lfUnderline = TRUE;
+    const LFont underlined(CreateFontIndirectA(&font));
+    const HGDIOBJ old = SelectObject(item.hDC, underlined.Get());
+    const COLORREF text = GetSysColor(COLOR_BTNTEXT);
+    SetTextColor(item.hDC, Readable(kLink, GetSysColor(COLOR_BTNFACE), text));
+    SetBkMode(item.hDC, TRANSPARENT);
+    const std::string words = LWindowText(item.hwndItem);
+    DrawTextA(item.hDC, words.c_str(), -1, &box, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+    SelectObject(item.hDC, old);
+    DrawFocus(item, 0);
 }

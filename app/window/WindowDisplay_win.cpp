@@ -14,12 +14,23 @@
 
 constexpr int kPositionFontHeight = 15;  // pixels
 constexpr int kProgressSteps = 100;
+constexpr int kLineGap = 6;  // pixels between a line and what lies on its end
 // Of the state line while something is wrong: white on a dark red.
 constexpr COLORREF kAlarmColour = RGB(176, 0, 0);
 constexpr COLORREF kAlarmTextColour = RGB(255, 255, 255);
 
-constexpr int kButtons[] = {IDC_NEW,       IDC_SEND,   IDC_PLAY,        IDC_RECORD,  IDC_STOP,
-                            IDC_GOTOSTART, IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK};
+// The fixed tip of a control; nullptr: none.
+const char* TipTextOf(int control) {
+    for (const ControlTip& tip : kControlTips)
+        if (tip.control == control) return tip.text;
+    return nullptr;
+}
+
+constexpr int kButtons[] = {IDC_NEW,    IDC_SEND,        IDC_PLAY,    IDC_RECORD, IDC_STOP,    IDC_GOTOSTART,
+                            IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK,   IDC_INFOLINK};
+// Lines whose whole text is their tip where it is cut.
+constexpr int kLines[] = {IDC_DICTATIONNAME, IDC_LOGGEDON, IDC_SENDLABEL};
+constexpr int kSentTicks = 2;  // of the information line: "Sent" stands for five to ten seconds
 
 // ---- Life ------------------------------------------------------------------------------------------------
 
@@ -29,7 +40,6 @@ void WindowDisplay::Attach(HWND window, const std::string& userName) {
     ShowIcon(false);
     SetPositionFont();
     AddToolTips();
-    m_alarmBrush.Reset(CreateSolidBrush(kAlarmColour));
     ShowUser(userName);
     SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETRANGE, 0, MAKELPARAM(0, kProgressSteps));
     ShowNextInfo();
@@ -61,7 +71,7 @@ void WindowDisplay::SetPositionFont() {
     LOGFONTA font = {};
     GetObjectA(reinterpret_cast<HFONT>(SendMessageA(Item(IDC_POSITION), WM_GETFONT, 0, 0)), sizeof font,
                &font);
-    font.lfHeight = kPositionFontHeight;
+    font.lfHeight = LScaled(kPositionFontHeight);
     font.lfWidth = 0;
     font.lfWeight = FW_BOLD;
     m_positionFont.Reset(CreateFontIndirectA(&font));
@@ -71,7 +81,29 @@ void WindowDisplay::SetPositionFont() {
 
 void WindowDisplay::AddToolTips() {
     if (!m_toolTips.Create(m_window)) return;
-    for (const ControlTip& tip : kControlTips) m_toolTips.Add(tip.control, tip.text);
+    for (const ControlTip& tip : kControlTips)
+        if (tip.control != IDC_LIST) m_toolTips.Add(tip.control);
+    for (const int control : kLines) m_toolTips.Add(control);
+}
+
+std::string WindowDisplay::TipOf(HWND control) const {
+    if (m_toolTips.IsHushed()) return {};
+    const char* const tip = TipTextOf(GetDlgCtrlID(control));
+    return tip != nullptr ? tip : TextThatIsCut(control);
+}
+
+// The list has no tip over its rows, where it would cover the words one reads, but for a name that is cut.
+void WindowDisplay::Watch(const MSG& message) {
+    m_toolTips.Watch(message);
+    if (message.message != WM_MOUSEMOVE || message.hwnd != Item(IDC_LIST) || m_toolTips.IsHushed()) return;
+    const POINT at = {static_cast<short>(LOWORD(message.lParam)), static_cast<short>(HIWORD(message.lParam))};
+    std::string tip;
+    RECT part = m_list.PartAt(at, tip);
+    if (m_list.IsBesideRows(at)) {
+        GetClientRect(message.hwnd, &part);
+        tip = TipTextOf(IDC_LIST);
+    }
+    m_toolTips.SetPart(message.hwnd, part, tip);
 }
 
 // ---- Commands --------------------------------------------------------------------------------------------
@@ -95,6 +127,15 @@ void WindowDisplay::ShowPopup(int resource, POINT at, const CommandSituation& si
     DestroyMenu(menu);
 }
 
+void WindowDisplay::ShowPriority(HMENU menu) const {
+    const int common = m_list.CommonPriority();
+    for (int i = 0; i < static_cast<int>(std::size(kPriorities)); ++i)
+        CheckMenuItem(menu, static_cast<UINT>(CM_PRIORITY_HIGH + i), MF_BYCOMMAND | MF_UNCHECKED);
+    if (common >= 0)
+        CheckMenuRadioItem(menu, CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
+                           static_cast<UINT>(CM_PRIORITY_HIGH + common), MF_BYCOMMAND);
+}
+
 void WindowDisplay::ShowSituation(CommandSituation situation) {
     situation.standing = CommandSituation::Standing::Nothing;
     m_view = situation.view;
@@ -108,16 +149,24 @@ void WindowDisplay::ShowSituation(CommandSituation situation) {
     if (const int focused = FocusedButton(); focused != 0 && !IsCommandEnabled(focused, situation))
         FocusHome();
     enable(false);
+    // An empty list shows no focus.
+    const HWND list = Item(IDC_LIST);
+    const LONG style = GetWindowLongA(list, GWL_STYLE);
+    SetWindowLongA(list, GWL_STYLE, m_list.Count() > 0 ? style | WS_TABSTOP : style & ~WS_TABSTOP);
     ShowPosition();
 }
 
 // In the compact view: the first enabled one of Play, Go To Start and Record. Record comes last, since the
-// next press of the space bar would give its command.
+// next press of the space bar would give its command. An empty list would not show that it has the focus.
 void WindowDisplay::FocusHome() {
     constexpr int kFull[] = {IDC_LIST};
+    constexpr int kEmpty[] = {IDC_NEW, IDC_RECORD};
     constexpr int kCompact[] = {IDC_PLAY, IDC_GOTOSTART, IDC_RECORD};
     const bool isCompact = m_view == ViewMode::Compact;
-    for (int control : isCompact ? std::span<const int>(kCompact) : std::span<const int>(kFull)) {
+    const std::span<const int> homes = isCompact             ? std::span<const int>(kCompact)
+                                       : m_list.Count() == 0 ? std::span<const int>(kEmpty)
+                                                             : std::span<const int>(kFull);
+    for (int control : homes) {
         if (!IsWindowEnabled(Item(control))) continue;
         SetFocus(Item(control));
         return;
@@ -171,9 +220,37 @@ void WindowDisplay::ShowIcon(bool isRecording) {
     SendMessageA(m_window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icons[1].Get()));
 }
 
-void WindowDisplay::DrawButton(const DRAWITEMSTRUCT& item) const {
+void WindowDisplay::DrawItem(const DRAWITEMSTRUCT& item) const {
     const int control = static_cast<int>(item.CtlID);
+    if (item.CtlType == ODT_STATIC) {
+        // Label and bar of sending lie on the end of the state line.
+        POINT end = {0, 0};
+        for (const int on : {IDC_SENDLABEL, IDC_SENDPROGRESS}) {
+            if (control != IDC_LOGGEDON || end.x != 0 || !IsWindowVisible(Item(on))) continue;
+            MapWindowPoints(Item(on), item.hwndItem, &end, 1);
+            end.x -= kLineGap;
+        }
+        return DrawTextLine(item, ColoursOf(control), static_cast<int>(end.x));
+    }
+    if (control == IDC_INFOLINK) return DrawLinkButton(item);
     DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
+}
+
+LineColours WindowDisplay::ColoursOf(int control) const {
+    if (control == IDC_LOGGEDON && m_isAlarm) return {kAlarmColour, kAlarmTextColour};
+    return {GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNTEXT)};
+}
+
+void WindowDisplay::SetLine(int control, const std::string& text) const {
+    if (LWindowText(Item(control)) == text) return;
+    LSetWindowText(Item(control), text);
+    InvalidateRect(Item(control), nullptr, FALSE);
+}
+
+void WindowDisplay::EvColoursChanged() {
+    for (const int control : {IDC_LIST, IDC_SENDPROGRESS})
+        SendMessageA(Item(control), WM_SYSCOLORCHANGE, 0, 0);
+    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 // Whether a transport button stays pressed, because its activity goes on.
@@ -194,10 +271,8 @@ bool WindowDisplay::IsHeld(int control) const {
 
 // The activity, in front of the dictation's name.
 const char* WindowDisplay::Doing() const {
-    if (m_transport.HearsNothing()) return "No voice heard: ";
-    if (m_transport.RecordedNothing()) return "Nothing recorded: ";
     if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
-    constexpr const char* kPlaying[] = {"Playing slowly: ", "Playing: ", "Playing fast: "};
+    constexpr const char* kPlaying[] = {"Playing (slow): ", "Playing: ", "Playing (fast): "};
     if (m_transport.IsPlaying()) return kPlaying[static_cast<int>(m_transport.Speed())];
     if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
     return m_transport.IsWinding() ? "Winding: " : "";
@@ -206,11 +281,11 @@ const char* WindowDisplay::Doing() const {
 void WindowDisplay::ShowPosition() {
     ShowState();
     if (!m_current) {
-        LSetWindowText(Item(IDC_DICTATIONNAME), "No dictation selected");
+        SetLine(IDC_DICTATIONNAME, "No dictation selected");
         LSetWindowText(Item(IDC_POSITION), "");
         return;
     }
-    LSetWindowText(Item(IDC_DICTATIONNAME), Doing() + m_list.NameOf(m_current.Files()->record));
+    SetLine(IDC_DICTATIONNAME, Doing() + m_list.NameOf(m_current.Files()->record));
     const int32_t position = m_transport.PositionMs();
     const int32_t length = std::max(position, m_transport.LengthMs());
     LSetWindowText(Item(IDC_POSITION), FormatDuration(position) + " / " + FormatDuration(length));
@@ -232,30 +307,60 @@ void WindowDisplay::ShowNotes(const NotesBox& notes) {
     ShowState();
 }
 
-// The state line: a fault, else why the notes cannot be edited or who is logged on.
+// The state line: a fault, else what the recording that waits will do, why the notes cannot be edited, or who
+// is logged on.
 void WindowDisplay::ShowState() {
     std::string wrong = m_unsaved;
-    if (wrong.empty() && m_transport.HearsNothing()) wrong = "No voice heard. Microphone on?";
-    if (wrong.empty() && m_transport.RecordedNothing()) wrong = "Nothing was recorded.";
+    if (wrong.empty() && m_transport.HearsNothing()) wrong = "Listening: no sound from the microphone";
+    if (wrong.empty() && m_transport.RecordedNothing()) wrong = "Nothing was recorded";
     const bool wasAlarm = std::exchange(m_isAlarm, !wrong.empty());
-    LSetWindowText(Item(IDC_LOGGEDON), m_isAlarm ? wrong : m_normalState);
-    if (m_isAlarm != wasAlarm) InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);
+    std::string text = m_normalState;
+    if (m_view == ViewMode::Compact && m_sending.state != SendActivity::State::Idle) text = Sending();
+    if (m_transport.WillReplace())
+        text = "Listening: will replace " + FormatDuration(m_transport.PositionMs()) + " to " +
+               FormatDuration(m_transport.LengthMs());
+    SetLine(IDC_LOGGEDON, m_isAlarm ? wrong : text);
+    if (m_isAlarm == wasAlarm) return;
+    InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);
+    EvPlaced();
 }
 
-bool WindowDisplay::ColourState(HDC dc, HWND control, LRESULT& brush) const {
-    if (!m_isAlarm || control != Item(IDC_LOGGEDON)) return false;
-    SetTextColor(dc, kAlarmTextColour);
-    SetBkColor(dc, kAlarmColour);
-    brush = reinterpret_cast<LRESULT>(m_alarmBrush.Get());
-    return true;
+// What the line says about sending.
+std::string WindowDisplay::Sending() const {
+    const std::string to = m_sending.typist.empty() ? "" : " to " + m_sending.typist;
+    if (m_sending.state == SendActivity::State::Sending) return "Sending " + m_sending.dictation + to;
+    return m_sending.state == SendActivity::State::Sent ? "Sent: " + m_sending.dictation + to : "";
 }
 
-void WindowDisplay::ShowSendProgress(double fraction) {
+void WindowDisplay::ShowSending(const SendActivity& activity, double fraction) {
     SendMessageA(Item(IDC_SENDPROGRESS), PBM_SETPOS, static_cast<WPARAM>(fraction * kProgressSteps + 0.5), 0);
+    if (activity == m_sending) return;
+    m_sending = activity;
+    m_sentTicks = 0;
+    SetLine(IDC_SENDLABEL, Sending());
+    EvPlaced();
+    ShowState();
+}
+
+// A fault has the state line for itself; the compact view says there what is sent.
+void WindowDisplay::EvPlaced() {
+    const bool isShown = !m_isAlarm && m_sending.state != SendActivity::State::Idle;
+    const bool hasLabel = isShown && m_view != ViewMode::Compact;
+    const bool hasBar = isShown && m_sending.state == SendActivity::State::Sending;
+    // Without the bar the label has its place, too.
+    RECT label, bar;
+    GetWindowRect(Item(IDC_SENDLABEL), &label);
+    GetWindowRect(Item(IDC_SENDPROGRESS), &bar);
+    SetWindowPos(Item(IDC_SENDLABEL), nullptr, 0, 0, (hasBar ? bar.left - kLineGap : bar.right) - label.left,
+                 label.bottom - label.top, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowWindow(Item(IDC_SENDLABEL), hasLabel ? SW_SHOWNA : SW_HIDE);
+    ShowWindow(Item(IDC_SENDPROGRESS), hasBar ? SW_SHOWNA : SW_HIDE);
+    InvalidateRect(Item(IDC_LOGGEDON), nullptr, FALSE);
 }
 
 void WindowDisplay::ShowNextInfo() {
+    if (m_sending.state == SendActivity::State::Sent && ++m_sentTicks >= kSentTicks) ShowSending({}, 0.0);
     if (m_isAlarm) return;
-    LSetWindowText(Item(IDC_INFOLINE), kInfoTexts[m_infoText]);
+    SetLine(IDC_INFOLINE, kInfoTexts[m_infoText]);
     m_infoText = (m_infoText + 1) % std::size(kInfoTexts);
 }

@@ -11,6 +11,8 @@
 #include "app/window/CommandState.h"
 #include "app/window/DictationList_win.h"
 #include "app/window/NotesBox_win.h"
+#include "app/window/TextLine_win.h"
+#include "send/BGSend.h"
 #include "ui/LToolTips.h"
 #include "ui/LWin.h"
 
@@ -38,18 +40,27 @@ public:
     // Shows name, position and length of the current dictation, and the activity.
     void ShowPosition();
     void ShowLevels(int8_t leftDb, int8_t rightDb);
-    void DrawButton(const DRAWITEMSTRUCT& item) const;
+    // Draws a button or a line of text.
+    void DrawItem(const DRAWITEMSTRUCT& item) const;
+    // The text of a tool tip that is asked for; empty: none.
+    std::string TipOf(HWND control) const;
+    // To be called with each message of the thread, for the tool tips.
+    void Watch(const MSG& message);
+    // Ticks the priority that all selected dictations have.
+    void ShowPriority(HMENU menu) const;
     void ShowRecordMode(RecordMode mode);
     void ShowPlaySpeed(PlaySpeed speed);
     // The state of the notes has changed: whether some wait to be saved, and whether those shown can be
     // edited.
     void ShowNotes(const NotesBox& notes);
-    // Answers WM_CTLCOLORSTATIC; false for a control that keeps its colours.
-    bool ColourState(HDC dc, HWND control, LRESULT& brush) const;
-    // fraction: of the queue, 0 to 1.
-    void ShowSendProgress(double fraction);
-    // Shows the next text of the information line, which rests while the state line tells a fault: a changing
-    // text would draw the eye away from it.
+    // Shows what is sent; after its end for some seconds what was. fraction: of the queue, 0 to 1.
+    void ShowSending(const SendActivity& activity, double fraction);
+    // The colour scheme has changed.
+    void EvColoursChanged();
+    // The controls have been placed anew.
+    void EvPlaced();
+    // Shows the next text of the information line, and takes back what was sent. The line rests while the
+    // state line tells a fault: a changing text would draw the eye away from it.
     void ShowNextInfo();
 
     // Moves the focus to its home: the list, or, in the compact view, which has none, the transport.
@@ -60,6 +71,9 @@ public:
 
 private:
     HWND Item(int control) const { return GetDlgItem(m_window, control); }
+    std::string Sending() const;
+    void SetLine(int control, const std::string& text) const;
+    LineColours ColoursOf(int control) const;
     static void EnableCommands(HMENU menu, const CommandSituation& situation);
     void LoadIcons();
     void SetPositionFont();
@@ -80,7 +94,8 @@ private:
     std::string m_loggedOn;
     std::string m_unsaved;      // about notes that could not be saved; empty: none
     std::string m_normalState;  // the text of the state line while nothing is wrong
-    LBrush m_alarmBrush;
+    SendActivity m_sending;
+    int m_sentTicks = 0;     // of the information line, since something was sent
     bool m_isAlarm = false;  // the state line tells a fault
     ViewMode m_view = ViewMode::Normal;
     size_t m_infoText = 0;

@@ -1,33 +1,14 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
-// Screen coordinates, in pixels.
-struct ScreenPoint {
-    int x = 0;
-    int y = 0;
-    bool operator==(const ScreenPoint&) const = default;
-};
-struct ScreenSize {
-    int width = 0;
-    int height = 0;
-};
-struct ScreenArea {
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
-};
+#include "base/LScreen.h"
 
 // A stored window position, moved left or up so that the window fits on the desktop, and never to a negative
-// position: on a desktop smaller than the window the title bar with its menu stays within reach.
+// position.
 constexpr ScreenPoint FitOnDesktop(ScreenPoint stored, ScreenSize window, ScreenArea desktop) {
-    const auto fit = [](int at, int size, int low, int high) {
-        return std::max({0, low, std::min(at, high - size)});
-    };
-    return {fit(stored.x, window.width, desktop.left, desktop.right),
-            fit(stored.y, window.height, desktop.top, desktop.bottom)};
+    const ScreenPoint on = PullOnto(stored, window, desktop);
+    return {std::max(0, on.x), std::max(0, on.y)};
 }
 
 // The stored values of the setting "viewmode".

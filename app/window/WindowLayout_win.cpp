@@ -30,6 +30,7 @@ void WindowLayout::LayoutNormalSizeAndPosition() {
                                 Settings::Read(settings, SettingsKeys::kWindowY)};
     const bool wantsTopMost = Settings::Read(settings, SettingsKeys::kTopMost);
     m_view = ToViewMode(Settings::Read(settings, SettingsKeys::kViewMode));
+    if (m_view != ViewMode::Maximized) m_viewBefore = m_view;
     m_isReady = false;
     if (m_view != ViewMode::Maximized && IsZoomed(m_window)) ShowWindow(m_window, SW_RESTORE);
     if (!IsZoomed(m_window)) {
@@ -68,7 +69,9 @@ void WindowLayout::LayoutControls() {
         if (!place.IsHidden())
             SetWindowPos(control, nullptr, place.x, place.y, place.width, place.height,
                          SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-        ShowWindow(control, place.IsHidden() ? SW_HIDE : SW_SHOWNA);
+        // Label and bar of sending are shown by whoever knows whether something is sent.
+        const bool isOfSending = place.control == IDC_SENDLABEL || place.control == IDC_SENDPROGRESS;
+        if (place.IsHidden() || !isOfSending) ShowWindow(control, place.IsHidden() ? SW_HIDE : SW_SHOWNA);
     }
     InvalidateRect(m_window, nullptr, TRUE);
 }
@@ -88,6 +91,17 @@ void WindowLayout::EvGetMinMaxInfo(MINMAXINFO& info) const {
     if (m_window == nullptr) return;
     const ScreenSize least = WindowSizeOf(m_view == ViewMode::Compact ? ViewMode::Compact : ViewMode::Normal);
     info.ptMinTrackSize = {least.width, least.height};
+}
+
+bool WindowLayout::EvSize(WPARAM how) {
+    if (!m_isReady) return false;
+    if (how == SIZE_MAXIMIZED && m_view != ViewMode::Maximized) {
+        SetView(ViewMode::Maximized);
+        return true;
+    }
+    if (how != SIZE_RESTORED || m_view != ViewMode::Maximized || IsZoomed(m_window)) return false;
+    SetView(m_viewBefore);
+    return true;
 }
 
 void WindowLayout::EvDrag(bool isDragging) {

@@ -24,6 +24,9 @@ public:
     // Stores the position of the window; while the user drags it, once at the end.
     void EvMove();
     void EvDrag(bool isDragging);
+    // Follows the buttons of the title bar: maximizing is a view, restoring brings back the view before. True
+    // when the view has changed.
+    bool EvSize(WPARAM how);
     ViewMode View() const { return m_view; }
 
 private:
@@ -33,6 +36,7 @@ private:
     const AppState& m_state;
     HWND m_window = nullptr;
     ViewMode m_view = ViewMode::Normal;
+    ViewMode m_viewBefore = ViewMode::Normal;  // the last that was not the maximized one
     bool m_isDragging = false;
     bool m_isReady = false;  // false: moves come from our own layout and are not stored
 };

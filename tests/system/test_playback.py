@@ -339,7 +339,7 @@ def test_a_device_that_vanishes_ends_the_playback(play, jump, least, most):
     assert least < time.monotonic() - gone < most
     program.answer_box("Error", 1)
     program.command("CM_PLAY")  # there is none to begin with, either
-    assert program.wait_box("Error").startswith("Unable to start playback device.")
+    assert program.wait_box("Sound Device Error").startswith("Unable to start playback device.")
     assert program.api(STATUS) == STOPPED
 
 

@@ -148,8 +148,8 @@ TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
         {CM_NEWFILE, "noxcrp--"},    {IDC_SEND, "-oxcrp--"},        {CM_RENAMEFILE, "-o--rp--"},
         {CM_DELETEFILE, "-oxcrp--"}, {CM_PRIORITY_LOW, "-oxcrp--"}, {CM_RECORD, "noxcrpa-"},
         {CM_PLAY, "----rpa-"},       {CM_PLAY_FAST, "noxcrpa-"},    {IDC_REWIND, "----rpa-"},
-        {IDC_STOP, "----rpab"},      {CM_GOTOEND, "-oxcrpa-"},      {CM_VIEW_COMPACT, "noxcrp--"},
-        {CM_EXIT, "noxcrpab"},       {CM_HELP, "--------"},
+        {IDC_STOP, "----rpab"},      {CM_GOTOEND, "----rpa-"},      {CM_VIEW_COMPACT, "noxcrp--"},
+        {IDC_PLAY, "-----pa-"},      {CM_EXIT, "noxcrpab"},         {CM_HELP, "--------"},
     };
     for (const auto& c : kCases) {
         for (size_t i = 0; i < std::size(situations); ++i)
@@ -175,6 +175,10 @@ TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
         {"Shift+F5", {.key = kF5, .shift = true}, Kind::Command, CM_RECORD_END},
         {"F7", {.key = kF7}, Kind::Wind, 0},
         {"F7 held", {.key = kF7, .repeats = true}, Kind::Swallow, 0},
+        {"Ctrl+A", {.key = 'A', .ctrl = true, .focus = KeyFocus::List}, Kind::SelectAll, 0},
+        {"Ctrl+A in a name", {.key = 'A', .ctrl = true, .focus = KeyFocus::NameEditor}, Kind::PassOn, 0},
+        {"Enter on a row", {.key = kReturn, .focus = KeyFocus::List}, Kind::PlayRow, 0},
+        {"Enter in the notes", {.key = kReturn, .focus = KeyFocus::Notes}, Kind::PassOn, 0},
         {"Home in the list", {.key = kHome}, Kind::Command, CM_GOTOSTART},
         {"Home in the notes", {.key = kHome, .focus = KeyFocus::Notes}, Kind::PassOn, 0},
         {"Enter on a button", {.key = kReturn, .focus = KeyFocus::Button}, Kind::PassOn, 0},
@@ -192,4 +196,20 @@ TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
     }
     const KeyPress enterHeld{.key = kReturn, .repeats = true, .focus = KeyFocus::Button};
     EXPECT_EQ(ActionOf(enterHeld).kind, Kind::Swallow);
+}
+
+TEST(KeyTable, AMediaKeyWindsUntilItIsPressedAgain) {
+    constexpr int kNext = 11, kPrevious = 12, kStop = 13, kPlay = 14, kVolumeUp = 10;
+    static const struct {
+        int key;
+        bool windsBack, windsForward;
+        int command;
+    } kCases[] = {
+        {kNext, false, false, CM_FASTFORWARD}, {kNext, true, false, CM_FASTFORWARD},
+        {kNext, false, true, CM_STOP},         {kPrevious, false, true, CM_REWIND},
+        {kPrevious, true, false, CM_STOP},     {kStop, true, false, CM_STOP},
+        {kPlay, false, false, CM_PLAY},        {kVolumeUp, false, false, 0},
+    };
+    for (const auto& c : kCases)
+        EXPECT_EQ(MediaCommandOf(c.key, c.windsBack, c.windsForward), c.command) << c.key;
 }
