@@ -1,0 +1,109 @@
+"""The window under mouse and keyboard, as on a first day."""
+
+import subprocess
+import time
+
+from corvane import pcm_wav, read_ini, wait_for
+
+WM_SYSCOMMAND, WM_APPCOMMAND, SC_MAXIMIZE, SC_RESTORE = 0x112, 0x319, 0xF030, 0xF120
+STOPPED, PLAYING, WINDING = 0, 3, 4
+NEXT_TRACK, MEDIA_STOP = 11, 13
+
+
+def xdotool(*words):
+    subprocess.run(["xdotool", *map(str, words)], check=True)
+
+
+def point_at(program, name):
+    left, top, right, bottom = program.control(name)["rect"]
+    beside_rows = bottom - 6
+    xdotool("mousemove", (left + right) // 2, beside_rows if name == "IDC_LIST" else (top + bottom) // 2)
+
+
+def stays(condition, seconds):
+    """Whether a condition holds for all of a time."""
+    until = time.monotonic() + seconds
+    while time.monotonic() < until:
+        if not condition():
+            return False
+    return True
+
+
+def ready(corvane, data, rows):
+    for number in range(1, rows + 1):
+        data.add_dictation(number, pcm_wav(20 * 8000), name=f"Case {number}")
+    program = corvane()
+    wait_for(lambda: len(program.winctl.ask("windows", program.pid)["windows"]) == 1, "the end of the splash screen")
+    wait_for(lambda: program.describe()["foreground"], "the window in front")
+    return program
+
+
+def test_the_buttons_are_held_and_clicked(corvane, data):
+    program = ready(corvane, data, 2)
+    status = lambda: program.api(7)
+    runs = lambda: status() in (1, 2)
+    program.select(1)
+    point_at(program, "IDC_LIST")
+    xdotool("click", 1)
+    assert stays(lambda: program.api(8) == 1, 0.3), "a click beside the rows changes nothing"
+    point_at(program, "IDC_RECORD")
+    for started in (True, False):
+        xdotool("click", 1)
+        wait_for(lambda: runs() == started, f"a click on Record: {started}")
+        assert stays(lambda: runs() == started, 0.7)
+    xdotool("mousedown", 1)
+    wait_for(runs, "a recording while the button is held")
+    assert stays(runs, 0.8)
+    xdotool("mouseup", 1)
+    wait_for(lambda: status() == STOPPED, "its end with the release")
+    program.command("CM_GOTOEND")
+    xdotool("mousemove", 1, 1, "key", *["shift+Tab"] * 6, "keydown", "space")  # the winding button
+    wait_for(lambda: status() == WINDING, "winding by the space bar")
+    assert stays(lambda: status() == WINDING, 1.2)
+    xdotool("keyup", "space")
+    wait_for(lambda: status() == STOPPED, "its end with the release")
+    program.command("CM_GOTOSTART")
+    program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
+    wait_for(lambda: status() == WINDING, "winding by a media key")
+    program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
+    wait_for(lambda: status() == STOPPED, "its end by the same key")
+
+
+def test_views_boxes_and_the_focus(corvane, data):
+    data.add_dictation(9, name="Case 9")
+    program = ready(corvane, data, 3)
+    view = lambda: read_ini(data.settings)["settings"].get("viewmode")
+    program.command("CM_VIEW_COMPACT")
+    wait_for(lambda: view() == "0", "the compact view")
+    compact = program.describe()["rect"]
+    program.post(WM_SYSCOMMAND, SC_MAXIMIZE)
+    wait_for(lambda: view() == "2" and program.describe()["maximized"], "the maximized view, by the title bar")
+    program.post(WM_SYSCOMMAND, SC_RESTORE)
+    wait_for(lambda: view() == "0" and program.describe()["rect"] == compact, "the view before")
+    program.select(3)
+    program.command("CM_VIEW_NORMAL")
+    wait_for(lambda: view() == "1", "the normal view")
+    xdotool("key", "Return")
+    wait_for(lambda: program.api(7) == PLAYING, "Enter plays: the list has the focus")
+    program.post(WM_APPCOMMAND, 0, MEDIA_STOP << 16)
+    wait_for(lambda: program.api(7) == STOPPED, "stopped by a media key")
+    xdotool("key", "ctrl+a")
+    wait_for(lambda: all(r["selected"] for r in program.rows()), "all rows")
+    program.command("CM_DELETEFILE")
+    program.wait_box("Confirm Delete")
+    box, window = program.boxes()[0]["rect"], program.describe()["rect"]
+    middle = lambda rect: ((rect[0] + rect[2]) // 2, (rect[1] + rect[3]) // 2)
+    assert all(abs(a - b) < 30 for a, b in zip(middle(box), middle(window))), (box, window)
+    program.answer_box("Confirm Delete", 7)
+    program.select(9)
+    program.command("CM_SENDFILE_TO")  # nothing to send: no typist is asked for
+    assert "no recording yet" in program.wait_box("Error")
+    program.answer_box("Error", 1)
+    point_at(program, "IDC_NOTES")
+    xdotool("click", 1, "key", "F2")
+    xdotool("type", "Renamed")
+    xdotool("key", "Return")
+    wait_for(lambda: data.record(9)["name"] == "Renamed", "the new name")
+    wait_for(lambda: program.row(9)["texts"][0] == "Renamed", "the row")
+    xdotool("type", "and on")
+    wait_for(lambda: program.notes() == "and on", "typing goes on in the notes")
