@@ -129,8 +129,8 @@ void DictationList::MakeSigns() {
 }
 
 void DictationList::FitColumns() {
-    if (std::exchange(m_isFitting, true)) return;
-    RECT box;
+    if (m_list == nullptr || std::exchange(m_isFitting, true)) return;
+    RECT box = {};
     GetClientRect(m_list, &box);
     // The room for the scroll bar is kept free when there is none: columns do not jump when it comes.
     const bool hasBar = (GetWindowLongA(m_list, GWL_STYLE) & WS_VSCROLL) != 0;
