@@ -2,8 +2,8 @@
 
 #include "ui/LWin.h"
 
-// Puts the next dialog that the platform itself opens during the object's lifetime, such as a message box or a
-// file dialog, over the middle of its owner, inside the desktop. May be nested.
+// Puts the next dialog that the platform itself opens during the object's lifetime, such as a message box or
+// a file dialog, over the middle of its owner, inside the desktop. May be nested.
 // Thread: the window thread.
 class LCentreNext {
 public:
