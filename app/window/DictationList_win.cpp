@@ -202,8 +202,9 @@ void DictationList::AddFile(const LPath& record) {
 int DictationList::AddRow(const DictationRow& row) {
     if (const int index = m_rows.IndexOf(row.number); index >= 0) return index;
     LVITEMA item = {};
-    item.mask = LVIF_TEXT | LVIF_PARAM;
+    item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_IMAGE;
     item.iItem = Count();
+    item.iImage = PictureOf(SignOf(row, row.files.record == m_recorded));
     item.pszText = const_cast<char*>(row.name.c_str());
     item.lParam = row.number;
     const int index =
@@ -217,7 +218,6 @@ int DictationList::AddRow(const DictationRow& row) {
     const auto texts = TextsOf(row);
     for (int column = 1; column < kColumnCount; ++column)
         SetText(index, column, texts[static_cast<size_t>(column)]);
-    SetSign(index, SignOf(row, row.files.record == m_recorded));
     return index;
 }
 
