@@ -147,7 +147,7 @@ void RecoverDialog::CmPlay() {
     const Playback::Result result = m_playback.Play(audio, 0, PlaySpeed::Normal);
     ShowButtons();
     if (result == Playback::Result::NothingToPlay) Tell("This dictation holds no sound.");
-    if (*Playback::Text(result) != 0) Tell(Playback::Text(result));
+    if (*Playback::Text(result) != 0) Tell(Playback::Text(result), Playback::Caption(result));
 }
 
 void RecoverDialog::CmOk() {
@@ -182,8 +182,8 @@ void RecoverDialog::PlaybackEnded(Playback::Ending ending) {
     if (*Playback::Text(ending) != 0) Tell(Playback::Text(ending));
 }
 
-void RecoverDialog::Tell(std::string_view text) {
-    LMessageBox(Window(), text, "Error", MB_OK | MB_ICONEXCLAMATION);
+void RecoverDialog::Tell(std::string_view text, std::string_view caption) {
+    LMessageBox(Window(), text, caption, MB_OK | MB_ICONEXCLAMATION);
 }
 
 const SentDictation* RecoverDialog::Selected() const {

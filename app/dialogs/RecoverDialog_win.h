@@ -41,7 +41,7 @@ private:
     void CmOk();
     bool IsHeldKey();
     void StopPlaying();
-    void Tell(std::string_view text);
+    void Tell(std::string_view text, std::string_view caption = "Error");
     const SentDictation* Selected() const;
     LRESULT ListMessage(UINT message, LRESULT item = 0, LPARAM parameter = 0) const;
 

@@ -121,7 +121,8 @@ bool Transport::PlayFrom(int32_t positionMs) {
 // Whether playback runs; reports its start to the owner, or the reason of the failure to the user.
 bool Transport::Tell(Playback::Result result) {
     if (result != Playback::Result::Started) {
-        if (const char* const text = Playback::Text(result); *text != 0) m_runner.TellLater(text, Playback::Caption(result));
+        if (const char* const text = Playback::Text(result); *text != 0)
+            m_runner.TellLater(text, Playback::Caption(result));
         return false;
     }
     m_recordedNothing = false;
