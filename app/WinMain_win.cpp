@@ -16,6 +16,7 @@
 #include "res/Ids.h"
 #include "store/DataFolder_win.h"
 #include "ui/LProgressDialog.h"
+#include "ui/LShell.h"
 
 // The order of the start: decide between installer, program and second instance (StartUpPlan), then as the
 // program: data folder, user, main window, message loop. A mutex is held from the search for another
@@ -63,12 +64,6 @@ private:
     LOwned<MutexTraits> m_mutex;
     bool m_owned = false;
 };
-
-LPath ExecutablePath() {
-    char path[kPathSize] = {};
-    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-    return length < sizeof path ? LPath({path, length}) : LPath();
-}
 
 uint32_t InstallMarkerOf(const LPath& executable) {
     LFile file(executable, LFile::Open::Read);
@@ -139,7 +134,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
 
     StartingGate gate;
     const HWND running = FindWindowA(kDialogClass, kMainTitle);
-    const LPath executable = ExecutablePath();
+    const LPath executable = LProgramPath();
     SetCurrentDirectoryA(LPath(LFolderOf(executable.View())).c_str());
     const uint32_t marker = InstallMarkerOf(executable);
 

@@ -165,6 +165,7 @@
 #define WM_SELECTIONMOVED 0x8003
 #define WM_HOLDBUTTON     0x8004
 #define WM_INSERTKEPT     0x8005
+#define WM_HELPNOTSHOWN   0x8010
 
 // Message into the dialog on sent work: the typists' reports are collected
 #define WM_STATUSCOLLECTED 0x8005

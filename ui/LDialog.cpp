@@ -56,6 +56,15 @@ bool LDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result
     return true;
 }
 
+// F1 is answered by the window that owns the dialog, or the sheet of which it is a page. Not every platform
+// passes it on to an owner.
+static bool PassHelpOn(HWND window, LPARAM lParam) {
+    while ((GetWindowLongA(window, GWL_STYLE) & WS_CHILD) != 0) window = GetParent(window);
+    const HWND owner = GetWindow(window, GW_OWNER);
+    if (owner != nullptr) SendMessageA(owner, WM_HELP, 0, lParam);
+    return owner != nullptr;
+}
+
 INT_PTR CALLBACK LDialog::DialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         auto* dialog = reinterpret_cast<LDialog*>(lParam);
@@ -75,7 +84,7 @@ INT_PTR CALLBACK LDialog::DialogProc(HWND window, UINT message, WPARAM wParam, L
         dialog->m_window = nullptr;
         return FALSE;
     }
-    if (!handled) return FALSE;
+    if (!handled) return message == WM_HELP && PassHelpOn(window, lParam) ? TRUE : FALSE;
     // The messages WM_CTLCOLOR... return a brush directly, all others by DWL_MSGRESULT.
     if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) return static_cast<INT_PTR>(result);
     SetWindowLongA(window, DWL_MSGRESULT, static_cast<LONG>(result));

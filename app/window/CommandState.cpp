@@ -61,7 +61,7 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_GOTOEND, CM_GOTOEND, kTransport | kAudio},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
     {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_RECIPIENTS, kNotBuilt},
-    {CM_HELP, CM_HELP, kNotBuilt},
+    {CM_HELP, CM_HELP, kNoProcess},
 };
 
 Mask Met(const CommandSituation& situation) {

@@ -4,7 +4,8 @@
 
 // A table of our own in place of the platform's accelerator table, which does not know the focus or whether a
 // key repeats. Keys mean different things by focus: in the notes Home, End, Insert and Delete edit, and in
-// the name editor every key does.
+// the name editor every key does. F1 is not here: the platform has a message of its own for it, which comes
+// from every dialog too.
 
 namespace {
 
@@ -54,7 +55,6 @@ constexpr Shortcut kShortcuts[] = {
     {kEscape, With::Nothing, CM_STOP},
     {kHome, With::Nothing, CM_GOTOSTART},
     {kEnd, With::Nothing, CM_GOTOEND},
-    {kF1, With::Nothing, CM_HELP},
 };
 
 // Keys that edit while the focus is in the notes.

@@ -99,6 +99,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
      [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
     {CM_VIEW_FLOAT, CM_VIEW_FLOAT, [](MainDialog& d, int) { return d.m_layout.ToggleFloat(), true; }},
+    {CM_HELP, CM_HELP, [](MainDialog& d, int) { return d.CmHelp(); }},
     {CM_ABOUT, CM_ABOUT, [](MainDialog& d, int) { return d.ShowAbout(); }},
 };
 

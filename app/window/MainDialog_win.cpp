@@ -63,6 +63,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_ENDSESSION, &MainDialog::EvEndSession},
     {WM_SYSCOLORCHANGE, &MainDialog::EvColoursChanged},
     {WM_GETMINMAXINFO, &MainDialog::EvGetMinMaxInfo},
+    {WM_HELP, &MainDialog::EvHelp},
     {WM_COMMAND, &MainDialog::EvCommand},
     {WM_TIMER, &MainDialog::EvTimer},
     {WM_ENTERSIZEMOVE, &MainDialog::EvDrag},
@@ -74,6 +75,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
     {WM_INSERTKEPT, &MainDialog::EvInsertKept},
+    {WM_HELPNOTSHOWN, &MainDialog::EvHelpNotShown},
     {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
 };
 
@@ -111,6 +113,7 @@ bool MainDialog::InitDialog() {
         Window(), WM_SHOWLATER, [this] { m_transport.Stop(); }, [this] { m_splash.Close(); });
     for (int control : {IDC_REWIND, IDC_FASTFORWARD, IDC_RECORD}) AttachHoldButton(Item(control));
     m_keyboard.Attach(Window());
+    m_help.Attach(Window());
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
     m_display.Attach(Window(), ShownUserName(m_state.user.details, m_state.user.number));
@@ -365,6 +368,19 @@ void MainDialog::EvColoursChanged(WPARAM, LPARAM) {
 
 void MainDialog::EvSendProgress(WPARAM, LPARAM) {
     m_display.ShowSending(m_queue.Activity(), m_queue.GetProgress());
+}
+
+// F1. Controls, dialogs and boxes pass it on to the window that owns them, and so in the end to this one.
+void MainDialog::EvHelp(WPARAM, LPARAM) {
+    if (m_help.EvKey() && !m_list.IsRenaming()) Give(CM_HELP);
+}
+
+void MainDialog::EvHelpNotShown(WPARAM wParam, LPARAM) {
+    const std::string text = Help::TextOf(wParam);
+    if (IsHandBusy() || m_runner.What() == LModalRunner::Standing::Process)
+        m_runner.TellLater(text);
+    else
+        m_runner.Tell(text);
 }
 
 void MainDialog::EvSelectionMoved(WPARAM, LPARAM) {

@@ -12,6 +12,7 @@
 #include "app/window/DeviceCommands.h"
 #include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/Help_win.h"
 #include "app/window/HotKeys_win.h"
 #include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
@@ -102,6 +103,8 @@ private:
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
     void EvEndSession(WPARAM wParam, LPARAM);
     void EvGetMinMaxInfo(WPARAM, LPARAM lParam);
+    void EvHelp(WPARAM, LPARAM);
+    void EvHelpNotShown(WPARAM wParam, LPARAM);
     void EvInsertKept(WPARAM, LPARAM);
     void EvHoldButton(WPARAM wParam, LPARAM lParam);
     void EvHotKey(WPARAM wParam, LPARAM) { m_hotKeys.EvHotKey(static_cast<int>(wParam)); }
@@ -141,6 +144,7 @@ private:
     bool RecoverSent();
     bool ShowAbout();
     bool OpenWebPage(int command);
+    bool CmHelp() { return m_help.Show(); }
     RecordMode DefaultRecordMode() const;
 
     // Users
@@ -223,6 +227,7 @@ private:
     HotKeys m_hotKeys;
     ApiCommands m_api;
     Keyboard m_keyboard;
+    Help m_help;
     WindowLayout m_layout;
     WindowDisplay m_display;
     LSplash m_splash;

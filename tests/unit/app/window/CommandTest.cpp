@@ -149,7 +149,7 @@ TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
         {CM_DELETEFILE, "-oxcrp--"}, {CM_PRIORITY_LOW, "-oxcrp--"}, {CM_RECORD, "noxcrpa-"},
         {CM_PLAY, "----rpa-"},       {CM_PLAY_FAST, "noxcrpa-"},    {IDC_REWIND, "----rpa-"},
         {IDC_STOP, "----rpab"},      {CM_GOTOEND, "----rpa-"},      {CM_VIEW_COMPACT, "noxcrp--"},
-        {IDC_PLAY, "-----pa-"},      {CM_EXIT, "noxcrpab"},         {CM_HELP, "--------"},
+        {IDC_PLAY, "-----pa-"},      {CM_EXIT, "noxcrpab"},         {CM_HELP, "noxcrpa-"},
     };
     for (const auto& c : kCases) {
         for (size_t i = 0; i < std::size(situations); ++i)
