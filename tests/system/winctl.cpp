@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tests/system/ProcessResources_win.h"
 #include "tests/system/RemoteMemory_win.h"
 
 namespace {
@@ -129,6 +130,12 @@ Json OneWindow(const Json& command) {
     described["maximized"] = IsZoomed(window) != 0;
     described["foreground"] = GetForegroundWindow() == window;
     return described;
+}
+
+// resources <process>: how many kernel handles, drawing objects and windows it has
+Json Resources(const Json& command) {
+    const ProcessResources found = ResourcesOf(command[1].get<DWORD>());
+    return {{"handles", found.handles}, {"drawing", found.drawing}, {"windows", found.windows}};
 }
 
 // text <hwnd>
@@ -267,10 +274,10 @@ constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},      {"find", Find},         {"hold", Hold},          {"items", Items},
-    {"list", List},        {"post", Post},         {"release", Release},    {"select", Select},
-    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry}, {"text", TextOfWindow},
-    {"window", OneWindow}, {"windows", Windows},
+    {"click", Click},      {"find", Find},         {"hold", Hold},           {"items", Items},
+    {"list", List},        {"post", Post},         {"release", Release},     {"select", Select},
+    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry},  {"text", TextOfWindow},
+    {"window", OneWindow}, {"windows", Windows},   {"resources", Resources},
 };
 
 }  // namespace
