@@ -1,0 +1,61 @@
+"""Figures of the window, for a machine that does nothing else meanwhile (tools/soak)."""
+
+import os
+import subprocess
+import time
+
+from corvane import API, wait_for, write_ini
+
+PRESSES = 20
+DRAIN = 0.08  # seconds that the device runs on after Stop
+REST_SECONDS = int(os.environ.get("CORVANE_SOAK_SECONDS", 60))
+
+
+def median(values):
+    return sorted(values)[len(values) // 2]
+
+
+def test_200_requests_in_a_burst(corvane, data):
+    program = corvane()
+    begun = time.monotonic()
+    for _ in range(200):
+        program.post(API, 4)
+    wait_for(lambda: program.api(8) == 200, "200 dictations", 60)
+    seconds = time.monotonic() - begun
+    print(f"\n200 new dictations in a burst: {seconds:.2f} s")
+    assert len(program.rows()) == 200 and seconds < 15
+
+
+def test_recording_begins_with_its_key(corvane, data):
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "--dB"}})
+    program = corvane()
+    wait_for(lambda: program.describe()["foreground"], "the window in front")
+    told, missing = [], []
+    for _ in range(PRESSES):
+        number = program.new()
+        key = time.monotonic()
+        subprocess.run(["xdotool", "key", "F5"], check=True)
+        wait_for(lambda: program.api(7) == 1, "a recording")
+        told.append(time.monotonic() - key)
+        end = key + 1
+        wait_for(lambda: time.monotonic() > end, "a second")
+        stopped = time.monotonic()
+        program.command("CM_STOP")
+        wait_for(lambda: program.api(7) == 0, "its end")
+        missing.append(stopped + DRAIN - key - (data.audio(number).stat().st_size - 46) / 16000)
+    ms = lambda values: f"{1000 * median(values):.0f} ms ({1000 * min(values):.0f} to {1000 * max(values):.0f})"
+    print(f"\nfrom key to recording: {ms(told)}; sound that is missing at its beginning: {ms(missing)}")
+    assert median(missing) < 0.15
+
+
+def test_at_rest_it_leaves_the_processor_alone(corvane, data):
+    for number in range(1, 21):
+        data.add_dictation(number)
+    program = corvane()
+    settled = time.monotonic() + 5
+    wait_for(lambda: time.monotonic() > settled, "the end of the start")
+    cpu, since = program.cpu_seconds(), time.monotonic()
+    wait_for(lambda: time.monotonic() > since + REST_SECONDS, "a minute of rest", REST_SECONDS + 5)
+    load = (program.cpu_seconds() - cpu) / (time.monotonic() - since)
+    print(f"\nload at rest: {100 * load:.2f} % of a core")
+    assert load < 0.002
