@@ -7,6 +7,6 @@
 // The executable's own path; empty when it is too long.
 LPath LProgramPath();
 
-// Opens a file, or an address of the Internet, with the program that the platform has for it. False when there
-// is none, or the file is missing.
+// Opens a file, or an address of the Internet, with the program that the platform has for it. False when
+// there is none, or the file is missing.
 bool LOpenDocument(HWND owner, const char* document);
