@@ -1,7 +1,5 @@
 #include <windows.h>
 
-#include <shellapi.h>
-
 #include "app/dialogs/HardwareSettings_win.h"
 #include "app/window/HoldButton_win.h"
 #include "app/window/MainDialog_win.h"
@@ -9,6 +7,7 @@
 #include "base/LTrace.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
+#include "ui/LShell.h"
 
 // All sources of commands call Give, which first follows a pending change of the selection, then asks
 // IsCommandEnabled, then runs the command's row of the table. The enabled state of menu items and buttons is
@@ -18,7 +17,6 @@ namespace {
 
 constexpr char kNoBrowser[] =
     "The page could not be opened. Please enter its address into your Internet browser:\n\n%s";
-constexpr INT_PTR kShellErrors = 32;  // the highest
 // In the order of the commands.
 constexpr const char* kWebPages[] = {
     "http://www.mervald.example/corvane",
@@ -229,8 +227,7 @@ bool MainDialog::ShowAbout() {
 
 bool MainDialog::OpenWebPage(int command) {
     const char* const page = kWebPages[command - CM_WEB_PRODUCT];
-    const HINSTANCE result = ShellExecuteA(Window(), "open", page, nullptr, nullptr, SW_SHOWNORMAL);
-    if (reinterpret_cast<INT_PTR>(result) > kShellErrors) return true;
+    if (LOpenDocument(Window(), page)) return true;
     m_runner.Tell(LFormat(kNoBrowser, page));
     return false;
 }
