@@ -67,10 +67,13 @@ public:
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
     // Also true from the first moment of a command that records.
     bool IsBusy() const { return m_isStarting || IsRunning(); }
+    bool IsInserting() const { return m_recording.IsInserting(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
     bool HearsNothing() const { return m_recording.HearsNothing(); }
     // The recording that waits for the first word will replace the dictation from PositionMs to LengthMs.
-    bool WillReplace() const { return m_recording.HasHeardNothing() && m_positionMs < m_lengthMs; }
+    bool WillReplace() const {
+        return m_recording.HasHeardNothing() && !IsInserting() && m_positionMs < m_lengthMs;
+    }
     // The recording that ended last wrote nothing, and no command has been given since.
     bool RecordedNothing() const { return m_recordedNothing; }
     void ForgetNothingRecorded();

@@ -271,7 +271,8 @@ bool WindowDisplay::IsHeld(int control) const {
 
 // The activity, in front of the dictation's name.
 const char* WindowDisplay::Doing() const {
-    if (m_transport.IsRecording()) return m_transport.IsWaiting() ? "Listening: " : "Recording: ";
+    if (m_transport.IsRecording() && m_transport.IsWaiting()) return "Listening: ";
+    if (m_transport.IsRecording()) return m_transport.IsInserting() ? "Inserting: " : "Recording: ";
     constexpr const char* kPlaying[] = {"Playing (slow): ", "Playing: ", "Playing (fast): "};
     if (m_transport.IsPlaying()) return kPlaying[static_cast<int>(m_transport.Speed())];
     if (m_transport.IsWinding(WindDirection::Back)) return "Rewinding: ";
@@ -319,6 +320,8 @@ void WindowDisplay::ShowState() {
     if (m_transport.WillReplace())
         text = "Listening: will replace " + FormatDuration(m_transport.PositionMs()) + " to " +
                FormatDuration(m_transport.LengthMs());
+    if (m_transport.IsInserting() && m_transport.IsWaiting())
+        text = "Listening: will insert at " + FormatDuration(m_transport.PositionMs());
     SetLine(IDC_LOGGEDON, m_isAlarm ? wrong : text);
     if (m_isAlarm == wasAlarm) return;
     InvalidateRect(Item(IDC_LOGGEDON), nullptr, TRUE);

@@ -51,6 +51,7 @@ def inserted(before, after):
 def test_what_is_said_goes_between_and_nothing_is_lost(program, data, tmp_files):
     program.command("CM_RECORDMODE_INSERT")
     recording = insert(program, tmp_files, "CM_RECORD")
+    assert program.control("IDC_DICTATIONNAME")["text"] == "Inserting: Case 5"
     assert data.audio(NUMBER).read_bytes() == program.before, "not before it ends"
     program.stop()
     wait_for(lambda: data.audio(NUMBER).read_bytes() != program.before, "the insertion")
