@@ -65,6 +65,14 @@ bool LFile::ReadWhole(const LPath& path, size_t maxBytes, std::vector<uint8_t>& 
     return true;
 }
 
+bool LFile::SettleBeside(const LPath& finished, const LPath& target) {
+    if (!IsAbsent(target)) {
+        Delete(finished, kMoveWaitMs);
+        return false;
+    }
+    return !IsAbsent(finished) && Move(finished, target, kMoveWaitMs);
+}
+
 bool LFile::WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes) {
     if (target.Empty() || beside.Empty()) return false;
     const bool existed = !IsAbsent(target) && !IsFolder(target);

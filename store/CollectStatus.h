@@ -18,6 +18,7 @@ public:
     void Begin(const DataFolder& data, const CurrentUser& user, AskQueue isQueued,
                std::function<void()> done);
     // True when the thread has ended.
+    using LThread::RequestStop;
     using LThread::Stop;
 
 private:

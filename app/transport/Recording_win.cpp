@@ -113,8 +113,10 @@ bool Recording::PrepareInsert(Target& target) {
 // Forgets an insertion into which nothing was recorded.
 void Recording::DropInsert() {
     if (m_target.insert.recording.Empty()) return;
-    LFile::Delete(m_target.insert.recording);
-    PendingInsert::Forget(m_target.files);
+    // The note stays with a recording that is held: the next start finds it done.
+    const LPath& recording = m_target.insert.recording;
+    if (LFile::Delete(recording, kMoveWaitMs) || LFile::IsAbsent(recording))
+        PendingInsert::Forget(m_target.files);
     m_target.insert = PendingInsert();
 }
 

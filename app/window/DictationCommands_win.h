@@ -60,6 +60,7 @@ public:
     bool ViewSent();
     // Ends the collecting of typists' reports, which may hang in the network; true when it has ended.
     bool StopCollecting(uint32_t timeoutMs) { return m_collect.Stop(timeoutMs); }
+    void RequestStopCollecting() { m_collect.RequestStop(); }
     // Lets the user bring sent dictations back. Returns their records in Current, in the order in which they
     // came; nothing when none was tried. The list is to be filled again.
     std::optional<std::vector<LPath>> Recover();

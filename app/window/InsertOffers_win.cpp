@@ -23,6 +23,10 @@ constexpr char kQuestion[] =
     "An insertion could not be completed.\n\n"
     "What you recorded (%s) to insert into \"%.80s\" at %s is kept. Do you want to insert it now?\n\n"
     "Choose No to make it a dictation of its own, or Cancel to be asked again later.";
+constexpr char kMissing[] =
+    "An insertion could not be completed.\n\n"
+    "What was recorded to be inserted into \"%.80s\" cannot be found or read here. It was kept as\n\n%s\n\n"
+    "Do you want to go on without it? Choose No to be asked again later.";
 constexpr char kOwnNow[] =
     "An insertion could not be completed.\n\n"
     "The dictation that it belongs to is no longer here. What you recorded (%s) is now the dictation "
@@ -58,10 +62,21 @@ bool InsertOffers::Offer(const DictationFiles& files) {
     if (result != LReadResult::Values) return result == LReadResult::Absent;
     if (!CanBeRead(insert.recording)) return false;
     LWaveInfo info;
-    if (!LWaveFile::ReadInfo(insert.recording, info)) return PendingInsert::Forget(files);
+    if (!LWaveFile::ReadInfo(insert.recording, info)) return AskMissing(files, insert);
     const LInsertWave merge(files.audio, insert.atFrame, insert.recording);
     if (info.Frames() < 1 || merge.IsDone()) return Finish(files, insert);
     return files.IsGone() ? MakeOwn(files, insert) : Ask(files, insert);
+}
+
+// The recording lies on another machine or in another session's folder, or is damaged. An empty file holds
+// nothing to ask about.
+bool InsertOffers::AskMissing(const DictationFiles& files, const PendingInsert& insert) {
+    const LFile recording(insert.recording, LFile::Open::Read);
+    if (recording.IsOpen() && recording.Size() == 0) return Finish(files, insert);
+    const std::string text = LFormat(kMissing, m_list.NameOf(files.record).c_str(), insert.recording.c_str());
+    const int answer =
+        m_runner.UnaskedBox(text, "Insert Recording", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    return answer == IDYES && PendingInsert::Forget(files);
 }
 
 bool InsertOffers::Ask(const DictationFiles& files, const PendingInsert& insert) {

@@ -34,6 +34,7 @@ public:
 
 private:
     bool Ask(const DictationFiles& files, const PendingInsert& insert);
+    bool AskMissing(const DictationFiles& files, const PendingInsert& insert);
     bool Merge(const DictationFiles& files, const PendingInsert& insert);
     bool MakeOwn(const DictationFiles& files, const PendingInsert& insert);
     static bool Finish(const DictationFiles& files, const PendingInsert& insert);

@@ -45,7 +45,12 @@ bool MainDialog::LogOnAsOther() {
     if (!MayLeaveUser()) return false;
     const std::optional<uint32_t> user = AskForUser(m_state, m_runner);
     // Devices work while a dialog is open, and so do other programs.
-    if (!user || !MayLeaveUser()) return false;
+    if (!user) return false;
+    if (!MayLeaveUser()) {
+        // Adding or removing has stored the other one already.
+        SetCurrentUser(m_state.data.settingsFile, m_state.user.number);
+        return false;
+    }
     ChangeUser(*user);
     return true;
 }

@@ -170,10 +170,14 @@ void MainDialog::DestroyDialog() {
     m_hotKeys.UnregisterHotKeys();
     m_transport.LeaveInserts(true);
     m_display.Detach();
-    m_sendThreadEnded = m_queue.Stop(kSendStopMs) && m_dictations.StopCollecting(kSendStopMs);
+    m_dictations.RequestStopCollecting();
+    m_sendThreadEnded = m_queue.Stop(kSendStopMs);
     m_postTo = nullptr;
     m_transport.Stop();
     m_notes.Save();
+    // Whoever starts the program again now is the first session of this user.
+    if (m_sendThreadEnded) m_inUse.Release();
+    m_sendThreadEnded = m_dictations.StopCollecting(kSendStopMs) && m_sendThreadEnded;
     m_runner.Detach();
     m_list.ReleaseFont();
 }

@@ -69,8 +69,7 @@ bool AreAlike(const LWaveFileFormat& a, const LWaveFileFormat& b) {
 ProcessResult LInsertWave::Process(ProcessContext& context) {
     context.SetStatus("Please wait...");
     const ProcessResult result = WriteMerged(context);
-    if (m_begun && result != ProcessResult::Done && !LFile::Delete(m_merged))
-        LTrace("LInsertWave::Process unable to remove the merged file", m_merged.View());
+    if (m_begun && result != ProcessResult::Done) LFile::SettleBeside(m_merged, m_target);
     return result;
 }
 
@@ -116,6 +115,7 @@ ProcessResult LInsertWave::WriteMerged(ProcessContext& context) {
     const std::array<Passage, 3> passages = {{{&target, old.dataStart, at},
                                               {&inserted, added.dataStart, addedBytes},
                                               {&target, old.dataStart + at, oldBytes - at}}};
+    LFile::Delete(m_merged, kMoveWaitMs);  // of a run that was cut off
     LFile merged(m_merged, LFile::Open::CreateNew);
     if (!merged.IsOpen()) return Fail(context, "LInsertWave::Process unable to create", m_merged);
     m_begun = true;
@@ -135,7 +135,7 @@ ProcessResult LInsertWave::WriteMerged(ProcessContext& context) {
     target.Close();
     if (!isWritten || !LWaveFile::IsComplete(m_merged, total / frameBytes))
         return Fail(context, "LInsertWave::Process incomplete merged file", m_merged);
-    if (!LFile::Replace(m_merged, m_target))
+    if (!LFile::Replace(m_merged, m_target) && !LFile::SettleBeside(m_merged, m_target))
         return Fail(context, "LInsertWave::Process unable to replace", m_target);
     return ProcessResult::Done;
 }

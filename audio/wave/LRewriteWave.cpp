@@ -43,8 +43,7 @@ bool LRewriteWave::CanRead(const LWaveInfo& info) {
 
 ProcessResult LRewriteWave::Process(ProcessContext& context) {
     const ProcessResult result = WriteTemporary(context);
-    if (m_begun && result != ProcessResult::Done && !LFile::Delete(m_temporary))
-        LTrace("LRewriteWave::Process unable to remove temporary file", m_temporary.View());
+    if (m_begun && result != ProcessResult::Done) LFile::SettleBeside(m_temporary, m_path);
     return result;
 }
 
@@ -79,7 +78,7 @@ ProcessResult LRewriteWave::WriteTemporary(ProcessContext& context) {
     if (!source->IsWhole() || copied < info.Frames() || !LWaveFile::IsComplete(m_temporary, copied))
         return Fail(context, "LRewriteWave::Process incomplete temporary file", m_temporary);
     source.Reset();
-    if (!LFile::Replace(m_temporary, m_path))
+    if (!LFile::Replace(m_temporary, m_path) && !LFile::SettleBeside(m_temporary, m_path))
         return Fail(context, "LRewriteWave::Process unable to replace", m_path);
     return ProcessResult::Done;
 }
