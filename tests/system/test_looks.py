@@ -46,6 +46,14 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
     point_at(program, "IDC_LIST")
     xdotool("click", 1)
     assert stays(lambda: program.api(8) == 1, 0.3), "a click beside the rows changes nothing"
+    line = lambda: program.control("IDC_LOGGEDON")["text"]
+    program.command("CM_GOTOSTART")
+    for mode, replaces in (("CM_RECORD_OVERWRITE", True), ("CM_RECORD_INSERT", False)):
+        program.record(mode)
+        wait_for(lambda: status() == 2, "a recording that waits")
+        wait_for(lambda: (line() == "Listening: will replace 00:00 to 00:20") == replaces, mode)
+        program.stop()
+        program.command("CM_GOTOSTART")
     point_at(program, "IDC_RECORD")
     for started in (True, False):
         xdotool("click", 1)
@@ -73,8 +81,9 @@ def test_views_boxes_and_the_focus(corvane, data):
     data.add_dictation(9, name="Case 9")
     program = ready(corvane, data, 3)
     view = lambda: read_ini(data.settings)["settings"].get("viewmode")
+    normal = program.describe()["rect"]
     program.command("CM_VIEW_COMPACT")
-    wait_for(lambda: view() == "0", "the compact view")
+    wait_for(lambda: view() == "0" and program.describe()["rect"] != normal, "the compact view")
     compact = program.describe()["rect"]
     program.post(WM_SYSCOMMAND, SC_MAXIMIZE)
     wait_for(lambda: view() == "2" and program.describe()["maximized"], "the maximized view, by the title bar")
