@@ -87,7 +87,9 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
     request.package = executable;
     request.folder = MakeDefaultDataFolder();
     InstallProcess process(request);
-    LProgressDialog::Run(process, nullptr, "Installing Corvane v 3.06");
+    std::string error;
+    LProgressDialog::Run(process, nullptr, "Installing Corvane v 3.06", error);
+    if (!error.empty()) LMessageBox(nullptr, error, "Error", MB_OK | MB_ICONEXCLAMATION);
     LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "ProgramFiles", request.folder.View());
     LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles", request.folder.View());
 }

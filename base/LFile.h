@@ -71,8 +71,8 @@ public:
     // when the new ones stand beside them. Waits up to 100 ms for others to let go of the target.
     static bool Replace(const LPath& finished, const LPath& target);
     // After a Replace that failed: where the platform replaces in two steps, the target may be gone and the
-    // finished file the only copy. True when it has taken the target's place now. Otherwise it is deleted, but
-    // for an only copy, which stays.
+    // finished file the only copy. True when it has taken the target's place now. Otherwise it is deleted,
+    // but for an only copy, which stays.
     static bool SettleBeside(const LPath& finished, const LPath& target);
     // Replaces a whole file: the bytes are written and flushed under the name beside, in the same folder, and
     // then swapped in. On failure the target is as it was and nothing is left beside it; only where the

@@ -106,15 +106,26 @@ INT_PTR LModalRunner::RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HW
     return show(m_window);
 }
 
-ProcessResult LModalRunner::RunProcess(LProcess& process, std::string_view title) {
+ProcessResult LModalRunner::Run(LProcess& process, std::string_view title, std::string& error) {
     if (!MayGoOn()) return ProcessResult::Stopped;
     const Stay stay(*this, Standing::Process);
-    return LProgressDialog::Run(process, m_window, title);
+    return LProgressDialog::Run(process, m_window, title, error);
+}
+
+// The error is told as a question, not as part of the process: the transport works meanwhile.
+ProcessResult LModalRunner::RunProcess(LProcess& process, std::string_view title) {
+    std::string error;
+    const ProcessResult result = Run(process, title, error);
+    if (!error.empty()) Tell(error);
+    return result;
 }
 
 ProcessResult LModalRunner::RunUnaskedProcess(LProcess& process, std::string_view title) {
     const DeafToKeys deaf;
-    return RunProcess(process, title);
+    std::string error;
+    const ProcessResult result = Run(process, title, error);
+    if (!error.empty()) TellAtRest(error);
+    return result;
 }
 
 void LModalRunner::TellLater(std::string_view text, std::string_view caption) {

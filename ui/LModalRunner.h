@@ -78,6 +78,8 @@ private:
     static constexpr DWORD kRestMs = 1500;
 
     class Stay;
+
+    ProcessResult Run(LProcess& process, std::string_view title, std::string& error);
     struct Later {
         std::string text;
         std::string caption;

@@ -37,17 +37,11 @@ LProgressDialog::~LProgressDialog() {
     if (--s_running == 0) s_cancelAll = false;
 }
 
-ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_view title) {
-    std::string error;
-    ProcessResult result;
-    {
-        LProgressDialog dialog(owner, title);
-        result = process.Process(dialog);
-        error = dialog.m_error;
-    }
-    // Without its owner the box is shown all the same.
-    if (!error.empty())
-        LMessageBox(IsWindow(owner) ? owner : nullptr, error, "Error", MB_OK | MB_ICONEXCLAMATION);
+ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_view title,
+                                   std::string& error) {
+    LProgressDialog dialog(owner, title);
+    const ProcessResult result = process.Process(dialog);
+    error = dialog.m_error;
     return result;
 }
 

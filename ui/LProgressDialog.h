@@ -12,8 +12,8 @@
 // Errors: see Run. Thread: the window thread.
 class LProgressDialog final : public LModelessDialog, public ProcessContext {
 public:
-    // Runs the process; shows its error text, if it leaves one, in a message box with the caption "Error".
-    static ProcessResult Run(LProcess& process, HWND owner, std::string_view title);
+    // Runs the process. error: the text that it leaves for the user, to be shown once nothing runs any more.
+    static ProcessResult Run(LProcess& process, HWND owner, std::string_view title, std::string& error);
 
     // Cancels all running operations, as their Cancel buttons would.
     static void CancelRunning();

@@ -152,7 +152,12 @@ void Transport::PlaybackEnded(Playback::Ending ending) {
 bool Transport::BeginWinding(WindDirection direction) {
     if (m_isStarting || IsWinding(direction)) return false;
     const bool playsAfterwards = IsPlaying() || IsRecording() || (IsWinding() && m_playsAfterWinding);
-    if (!Stop() || !m_current || m_lengthMs < 1 || !m_owner.IsDictationThere()) return false;
+    // Stopping can take long and runs messages (an insertion is merged), and with them the release.
+    m_windAsked = direction;
+    const bool goesOn = Stop();
+    const bool isHeld = std::exchange(m_windAsked, std::nullopt).has_value();
+    if (!goesOn || !m_current || m_lengthMs < 1 || !m_owner.IsDictationThere()) return false;
+    if (!isHeld) return playsAfterwards && PlayFrom(m_positionMs);
     if (!Tell(m_playback.Wind(m_current.Files()->audio, WindStartMs(m_positionMs, direction), direction)))
         return false;
     m_playsAfterWinding = playsAfterwards;
@@ -160,6 +165,10 @@ bool Transport::BeginWinding(WindDirection direction) {
 }
 
 void Transport::EndWinding(WindDirection direction) {
+    if (m_windAsked == direction) {
+        m_windAsked.reset();
+        return;
+    }
     if (IsWinding() && !IsWinding(direction)) return;
     // Winding that reached an end of the dictation has ended already, while the button is still held.
     const bool plays = m_playsAfterWinding;
@@ -206,6 +215,12 @@ void Transport::EvDictationChanged() {
 void Transport::EvAudioChanged() {
     m_lengthMs = m_current ? LWaveFile::LengthMs(m_current.Files()->audio) : 0;
     m_owner.PositionChanged();
+}
+
+void Transport::EvInserted(const DictationFiles& files, int32_t atMs, int32_t addedMs) {
+    if (!m_current.Is(files)) return;
+    if (m_positionMs >= atMs) m_positionMs = Saturate(int64_t{m_positionMs} + addedMs);
+    EvAudioChanged();
 }
 
 void Transport::GoToStart() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "app/AppState.h"
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Playback_win.h"
@@ -88,6 +90,8 @@ public:
     void EvDictationChanged();
     // The audio of the current dictation may have changed.
     void EvAudioChanged();
+    // Sound was inserted into a dictation: the position stays with the words that it stood at.
+    void EvInserted(const DictationFiles& files, int32_t atMs, int32_t addedMs);
     int32_t PositionMs() const { return m_positionMs; }
     int32_t LengthMs() const { return m_lengthMs; }
 
@@ -118,6 +122,7 @@ private:
     bool m_isPreparing = false;  // file and device of a recording are being prepared
     bool m_stopAsked = false;    // Stop was called during the preparation
     bool m_recordedNothing = false;
+    std::optional<WindDirection> m_windAsked;  // winding begins, and has not been let go
     // Playing or recording ran before winding, and playing goes on after it.
     bool m_playsAfterWinding = false;
     Playback m_playback;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "hardware/CommandTable.h"
 #include "hardware/HotKeyList.h"
 #include "res/Ids.h"
 
@@ -14,8 +15,8 @@ void HotKeys::RegisterHotKeys(HWND window) {
     if (!list) return;
     for (const HotKey& hotKey : *list) {
         const int number = m_count++;
-        // One without a key must not take any from the other programs.
-        if (hotKey.key)
+        // One without a key or a command must not take any from the other programs.
+        if (hotKey.key && IsRealCommand(hotKey.command))
             RegisterHotKey(m_window, number, static_cast<UINT>(hotKey.modifiers),
                            static_cast<UINT>(*hotKey.key));
     }

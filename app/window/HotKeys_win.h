@@ -30,6 +30,6 @@ private:
     const AppState& m_state;
     DeviceCommands& m_devices;
     HotKeyHold m_hold{*this};
-    HWND m_window = nullptr;  // null while nothing is registered
+    HWND m_window = nullptr;  // null until the first registration
     int m_count = 0;
 };

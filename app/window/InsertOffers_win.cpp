@@ -6,6 +6,7 @@
 #include "audio/stream/LSoundTime.h"
 #include "audio/wave/LInsertWave.h"
 #include "audio/wave/LWaveFile.h"
+#include "base/LArith.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
@@ -48,15 +49,29 @@ bool CanBeRead(const LPath& recording) {
 void InsertOffers::OfferAll() {
     for (const DictationFiles& files : PendingInsert::List(m_state.user.currentFolder)) {
         if (!m_runner.MayGoOn()) return;
-        Offer(files);
+        OfferAndShow(files);
     }
 }
 
 void InsertOffers::OfferThoseLater() {
-    for (const DictationFiles& files : std::exchange(m_later, {})) Offer(files);
+    for (const DictationFiles& files : std::exchange(m_later, {})) OfferAndShow(files);
 }
 
+// Its dictation becomes the current one, so that the user sees what was done.
+void InsertOffers::OfferAndShow(const DictationFiles& files) {
+    if (!m_transport.IsBusy() && !files.IsGone()) m_list.SelectFile(files.record);
+    Offer(files);
+}
+
+// A device's Record that comes while the question stands must not ask it again.
 bool InsertOffers::Offer(const DictationFiles& files) {
+    if (std::exchange(m_isAsking, true)) return false;
+    const bool isSettled = Settle(files);
+    m_isAsking = false;
+    return isSettled;
+}
+
+bool InsertOffers::Settle(const DictationFiles& files) {
     PendingInsert insert;
     const LReadResult result = PendingInsert::Read(files, insert);
     if (result != LReadResult::Values) return result == LReadResult::Absent;
@@ -88,6 +103,11 @@ bool InsertOffers::Ask(const DictationFiles& files, const PendingInsert& insert)
     const int answer = m_runner.UnaskedBox(
         LFormat(kQuestion, length.c_str(), m_list.NameOf(files.record).c_str(), place.c_str()),
         "Insert Recording", MB_YESNOCANCEL | MB_ICONEXCLAMATION);
+    // A device may have recorded while the question stood, and with it another insertion.
+    PendingInsert now;
+    const LReadResult result = PendingInsert::Read(files, now);
+    if (result != LReadResult::Values || !(now.recording == insert.recording))
+        return result == LReadResult::Absent;
     if (answer == IDYES) return Merge(files, insert);
     return answer == IDNO && MakeOwn(files, insert);
 }
@@ -96,7 +116,10 @@ bool InsertOffers::Merge(const DictationFiles& files, const PendingInsert& inser
     if (!m_transport.Stop()) return false;
     LInsertWave merge(files.audio, insert.atFrame, insert.recording);
     if (m_runner.RunProcess(merge, "Insert Recording") != ProcessResult::Done) return false;
-    m_transport.EvAudioChanged();
+    LWaveInfo added;
+    LWaveFile::ReadInfo(insert.recording, added);
+    const auto rate = static_cast<int32_t>(added.format.SampleRate());
+    m_transport.EvInserted(files, FramesToMs(insert.atFrame, rate), Saturate(added.LengthMs()));
     m_list.UpdateLater(files.record);
     return Finish(files, insert);
 }

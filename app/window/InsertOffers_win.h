@@ -34,6 +34,8 @@ public:
 
 private:
     bool Ask(const DictationFiles& files, const PendingInsert& insert);
+    bool Settle(const DictationFiles& files);
+    void OfferAndShow(const DictationFiles& files);
     bool AskMissing(const DictationFiles& files, const PendingInsert& insert);
     bool Merge(const DictationFiles& files, const PendingInsert& insert);
     bool MakeOwn(const DictationFiles& files, const PendingInsert& insert);
@@ -44,4 +46,5 @@ private:
     DictationList& m_list;
     Transport& m_transport;
     std::vector<DictationFiles> m_later;
+    bool m_isAsking = false;
 };

@@ -213,6 +213,10 @@ bool MainDialog::RecoverSent() {
     const std::optional<std::vector<LPath>> recovered = m_dictations.Recover();
     if (!recovered || !m_runner.MayGoOn()) return false;
     m_notes.Save();
+    if (m_transport.IsBusy()) {  // a device records or plays: what it works on stays the current one
+        for (const LPath& record : *recovered) m_list.AddFile(record);
+        return true;
+    }
     if (!FillList()) return false;
     for (const LPath& record : *recovered) m_list.AddFile(record);  // where the filling was cancelled
     if (!recovered->empty()) m_list.SelectFiles(*recovered);

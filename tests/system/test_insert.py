@@ -91,6 +91,9 @@ def test_an_end_of_the_program_leaves_it_to_the_next_start(program, corvane, dat
     elif answer == 6:
         wait_for(lambda: data.audio(NUMBER).read_bytes() != program.before, "the insertion")
         place, extra = inserted(program.before, data.audio(NUMBER).read_bytes())
+        seconds = round(6 + len(extra) / 16000)  # it stood at its end, and the next recording must not cut that
+        at_end = f"00:{seconds:02} / 00:{seconds:02}"
+        wait_for(lambda: again.control("IDC_POSITION")["text"] == at_end, "the end")
     else:
         row = wait_for(lambda: next((r for r in again.rows() if "Insertion" in r["texts"][0]), None), "a new row")
         assert row["texts"][0] == "Insertion for Case 5"
