@@ -40,7 +40,7 @@ Help::Help() = default;
 
 // Whoever still waits for the platform is left to the end of the process.
 Help::~Help() {
-    if (m_asking && m_asking->IsRunning()) m_asking.release();
+    if (m_asking && m_asking->IsRunning()) static_cast<void>(m_asking.release());
 }
 
 bool Help::Show() {
