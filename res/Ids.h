@@ -168,7 +168,7 @@
 #define WM_HELPNOTSHOWN   0x8010
 
 // Message into the dialog on sent work: the typists' reports are collected
-#define WM_STATUSCOLLECTED 0x8005
+#define WM_STATUSCOLLECTED 0x8011
 
 // Command indexes: the commands that pedals, hot keys and dictation microphones are mapped to
 #define CI_NONE             0

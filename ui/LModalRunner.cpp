@@ -16,7 +16,7 @@
 // An entry of the stack. The end of the outermost one posts the requests that waited for it.
 class LModalRunner::Stay {
 public:
-    Stay(LModalRunner& runner, Standing what) : m_runner(runner) {
+    Stay(LModalRunner& runner, Standing what) : m_runner(runner), m_what(what) {
         m_runner.m_opening();
         m_runner.m_standing.push_back(what);
     }
@@ -25,7 +25,8 @@ public:
         m_runner.NoteInput();  // the press that closed it went past the window
         if (m_runner.m_window == nullptr || !m_runner.m_standing.empty()) return;
         if (m_runner.m_closeWanted) PostMessageA(m_runner.m_window, WM_CLOSE, 0, 0);
-        if (!m_runner.m_later.empty() || !m_runner.m_atRest.empty())
+        const bool hasTexts = !m_runner.m_later.empty() || !m_runner.m_atRest.empty();
+        if (hasTexts || m_what == Standing::Process)
             PostMessageA(m_runner.m_window, m_runner.m_laterMessage, 0, 0);
     }
     Stay(const Stay&) = delete;
@@ -33,6 +34,7 @@ public:
 
 private:
     LModalRunner& m_runner;
+    Standing m_what;
 };
 
 // Drops the keys that a box is given in its first second. The platform asks the filter before each message of

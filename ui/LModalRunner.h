@@ -28,7 +28,7 @@ public:
     LModalRunner& operator=(const LModalRunner&) = delete;
 
     // stop ends that activity; opening is called before anything opens. The window is posted laterMessage
-    // when it shall call ShowLater.
+    // when it shall call ShowLater, and when the last process has ended.
     void Attach(HWND window, UINT laterMessage, std::function<void()> stop, std::function<void()> opening);
     // The window is being destroyed; texts that wait are dropped.
     void Detach();

@@ -89,6 +89,7 @@ bool DeviceCommands::PressHeld(const Index& entry) {
     Pressing* const outer = std::exchange(m_pressing, &pressing);
     const bool accepted = Press(entry);
     m_pressing = outer;
+    if (!accepted && !pressing.releasedMs && m_target.IsProcessRunning()) m_refused = entry.index;
     if (!accepted) return false;
     m_hold.Press(pressing.releasedMs ? pressing.sinceMs : m_clock());
     if (pressing.releasedMs && m_hold.ReleaseStops(*pressing.releasedMs, pressing.holdLimitMs))
@@ -96,7 +97,15 @@ bool DeviceCommands::PressHeld(const Index& entry) {
     return true;
 }
 
+void DeviceCommands::PressAgain() {
+    if (const std::optional<int> held = std::exchange(m_refused, std::nullopt)) CommandPress(*held);
+}
+
 void DeviceCommands::CommandRelease(int index, uint32_t holdLimitMs) {
+    if (m_refused == index) {
+        m_refused.reset();
+        return;
+    }
     const Index* entry = Find(index);
     if (entry == nullptr) return;
     if (entry->release == Release::Wind) m_target.HoldWinding(entry->direction, false);

@@ -19,6 +19,8 @@ public:
     public:
         virtual bool IsRecording() const = 0;
         virtual bool IsPlaying() const = 0;
+        // A long process runs, which refuses all commands.
+        virtual bool IsProcessRunning() const = 0;
         // Presses or releases the winding button in the window; false when it cannot be pressed.
         virtual bool HoldWinding(WindDirection direction, bool isDown) = 0;
         virtual void OpenWindow() = 0;
@@ -32,6 +34,9 @@ public:
     // (traced).
     bool CommandPress(int index);
     void CommandRelease(int index, uint32_t holdLimitMs);
+    // A process has ended: a control of recording or playing that was pressed meanwhile and is still held
+    // counts as pressed now, so that what is said is not lost.
+    void PressAgain();
     // A button code of the dictation microphone; unknown codes are ignored.
     void MicButton(int code);
 
@@ -54,5 +59,6 @@ private:
     uint32_t (*m_clock)();
     HoldRule m_hold;
     Pressing* m_pressing = nullptr;
+    std::optional<int> m_refused;  // the index that is held since a process refused it
     bool m_micRecordHeld = false;
 };

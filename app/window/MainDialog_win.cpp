@@ -407,6 +407,7 @@ void MainDialog::EvInsertKept(WPARAM, LPARAM) {
 // Menu and name editor post this message again at their end; texts that wait for the hand to rest are looked
 // after by a timer.
 void MainDialog::EvShowLater(WPARAM, LPARAM) {
+    if (!IsProcessRunning()) m_devices.PressAgain();
     if (!IsHandBusy() && m_runner.ShowLater()) SetTimer(Window(), TIMER_SHOWLATER, kRestLookMs, nullptr);
 }
 

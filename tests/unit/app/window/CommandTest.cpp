@@ -20,18 +20,24 @@ public:
         s_nowMs = at;
         m_devices.CommandRelease(CI_RECORD, holdLimitMs);
     }
+    void EndProcess() {
+        isProcessRunning = false;
+        m_devices.PressAgain();
+    }
     bool IsRunning() const { return m_isRunning; }
+    bool isProcessRunning = false;
     std::function<void()> whileItStarts;  // what happens before the recording runs
 
 private:
     bool Give(int command) override {
         if (command == CM_STOP) m_isRunning = false;
-        if (command != CM_RECORD || m_isRunning) return false;
+        if (command != CM_RECORD || m_isRunning || isProcessRunning) return false;
         if (whileItStarts) whileItStarts();
         return m_isRunning = true;
     }
     bool IsRecording() const override { return m_isRunning; }
     bool IsPlaying() const override { return false; }
+    bool IsProcessRunning() const override { return isProcessRunning; }
     bool HoldWinding(WindDirection, bool) override { return false; }
     void OpenWindow() override {}
     void MinimizeWindow() override {}
@@ -64,6 +70,19 @@ TEST(DeviceCommands, ATapRunsOnUntilTheNextTapAndAHoldEndsWithItsRelease) {
         pedal.Press(c.press2);
         pedal.Release(c.release2);
         EXPECT_EQ(pedal.IsRunning(), c.runsAfter2) << c.what;
+    }
+}
+
+TEST(DeviceCommands, APedalThatIsHeldWhenAProcessEndsRecordsFromThenOn) {
+    for (const bool isReleased : {false, true}) {
+        Pedal pedal;
+        pedal.isProcessRunning = true;
+        pedal.Press(1000);
+        if (isReleased) pedal.Release(1200);
+        pedal.EndProcess();
+        EXPECT_EQ(pedal.IsRunning(), !isReleased);
+        pedal.Release(3000);
+        EXPECT_FALSE(pedal.IsRunning());
     }
 }
 
