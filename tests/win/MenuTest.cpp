@@ -33,7 +33,8 @@ int ExpectKeysOfItems(HMENU menu) {
         GetMenuStringA(menu, static_cast<UINT>(i), buffer, sizeof buffer, MF_BYPOSITION);
         const std::string text = buffer;
         const size_t tab = text.find('\t');
-        if (tab == std::string::npos || text.ends_with("Alt+F4")) continue;  // that is the platform's
+        if (tab == std::string::npos) continue;
+        if (text.ends_with("Alt+F4") || text.ends_with("\tF1")) continue;  // those are the platform's
         const KeyAction action = ActionOf(Pressed(text.substr(tab + 1)));
         const int wound = action.direction == WindDirection::Back ? CM_REWIND : CM_FASTFORWARD;
         EXPECT_EQ(GetMenuItemID(menu, i), action.kind == KeyAction::Kind::Wind ? wound : action.command)
