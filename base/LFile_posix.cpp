@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 
 #include "base/LOwned.h"
 #include "base/LText.h"
@@ -184,7 +185,8 @@ uint64_t LFile::FreeSpaceKb(const LPath& folder) {
 }
 
 LPath LFile::MakeTemporary(std::string_view prefix) {
-    std::string path = "/tmp/" + std::string(prefix.substr(0, 3)) + "XXXXXX.tmp";
+    const char* const folder = std::getenv("TMPDIR");
+    std::string path = LFormat("%s/%.3sXXXXXX.tmp", folder ? folder : "/tmp", std::string(prefix).c_str());
     const LOwned<FileTraits> file(mkstemps(path.data(), 4));
     return file ? LPath(path) : LPath();
 }

@@ -71,7 +71,7 @@ std::string LProfileSafe(std::string_view value) {
     return '"' + std::string(value.substr(0, LProfile::kMaxText - 2)) + '"';
 }
 
-// The lines of the first section of this name, each ended by a zero byte.
+// The lines of the first section of this name in a text without zero bytes, each ended by a zero byte.
 static std::string LinesOfSection(std::string_view text, std::string_view section) {
     std::string lines;
     bool isInside = false;
@@ -84,7 +84,6 @@ static std::string LinesOfSection(std::string_view text, std::string_view sectio
             isInside = LIsProfileHeader(line, section);
         } else if (isInside) {
             lines.append(line);
-            std::replace(lines.end() - static_cast<ptrdiff_t>(line.size()), lines.end(), '\0', ' ');
             lines.push_back('\0');
         }
     }
@@ -102,6 +101,8 @@ LProfileSection::LProfileSection(const LPath& file, std::string_view section, ui
         if (m_result != LReadResult::Unreadable || LTickMs() - begun >= waitMs) break;
         LSleep(kPollMs);
     }
+    // A blank to every reader: which line is a header must not depend on who looks.
+    std::ranges::replace(bytes, uint8_t{0}, uint8_t{' '});
     m_lines = LinesOfSection({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, section);
     if (m_result == LReadResult::Unreadable)
         LTrace("LProfileSection::LProfileSection unable to read file", file.View());

@@ -17,7 +17,7 @@ bool ReadLines(const LPath& file, std::vector<std::string>& lines) {
     if (LFile::TryRead(file, kLongestProfile, bytes) == LReadResult::Unreadable) return false;
     std::string line;
     for (uint8_t byte : bytes) {
-        if (byte == 0) byte = ' ';  // a zero byte ends the lines of LProfileSection
+        if (byte == 0) byte = ' ';  // as LProfileSection reads it
         if (byte != '\n') {
             line.push_back(static_cast<char>(byte));
             continue;

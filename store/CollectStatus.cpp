@@ -6,14 +6,14 @@
 #include "store/SendToSettings.h"
 #include "store/Status.h"
 
-void CollectStatus::Begin(const DataFolder& data, const CurrentUser& user, AskQueue isQueued,
+bool CollectStatus::Begin(const DataFolder& data, const CurrentUser& user, AskQueue isQueued,
                           std::function<void()> done) {
-    if (IsRunning()) return;
+    if (IsRunning()) return false;
     m_data = data;
     m_user = user;
     m_isQueued = std::move(isQueued);
     m_done = std::move(done);
-    Start(kThreadLowest);
+    return Start(kThreadLowest);
 }
 
 void CollectStatus::ThreadFunction() {

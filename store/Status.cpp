@@ -13,8 +13,8 @@
 #include "store/FolderListing.h"
 #include "store/MoveToSent.h"
 
-// The records are searched first and written afterwards, in one go as the holder of the moves' lock: no
-// dictation is sent or recovered meanwhile, and the window would wait for the lock.
+// The records are searched first and written afterwards, each as the holder of the moves' lock: the dictation
+// is not sent again or recovered meanwhile. The window waits for that lock, so it is let go after each.
 
 namespace {
 
@@ -64,9 +64,9 @@ bool Status::Apply(const Texts& texts) const {
         const bool isNews = text != texts.end() && values.sendStatus != text->second;
         if (values.result == LReadResult::Values && isNews) found.emplace_back(record, &text->second);
     }
-    LFileLock turn;
-    if (turn.Take(MoveToSent::LockOf(m_user), kMoveWaitMs) != LFileLock::Result::Taken) return false;
     for (const auto& [record, text] : found) {
+        LFileLock turn;
+        if (turn.Take(MoveToSent::LockOf(m_user), kMoveWaitMs) != LFileLock::Result::Taken) return false;
         const QueueAnswer queued = m_isQueued(DictationFiles::OfPath(record).audio);
         if (queued == QueueAnswer::No && !LFile::IsAbsent(record))
             isWhole = StoreStatus(record, *text) && isWhole;

@@ -94,7 +94,6 @@ bool RecoverDialog::EvCommand(int control, int notification) {
 }
 
 void RecoverDialog::EvTimer() {
-    if (m_owner.IsTransportRunning()) StopPlaying();
     if (m_history.Refresh(kReadBudgetMs)) SetupList();
 }
 

@@ -19,15 +19,18 @@ public:
         virtual ~Owner() = default;
         // Moves a dictation back. Returns a sentence for the user when it could not be, else an empty text.
         virtual std::string BringBack(const LPath& sentRecord) = 0;
-        // A pedal may start the main window's transport while the dialog is open; they take turns.
+        // Before a dictation is played: one at a time is heard.
         virtual void StopTransport() = 0;
-        virtual bool IsTransportRunning() const = 0;
     };
 
     // The settings file gives the output device and its volume. history: read already. All must outlive the
     // dialog.
     RecoverDialog(const LPath& settingsFile, SentHistory& history, Owner& owner)
         : m_history(history), m_owner(owner), m_playback(settingsFile, *this) {}
+
+    // A pedal may stop the sound, or start the transport, while the dialog is open.
+    bool IsPlaying() const { return m_playback.IsPlaying(); }
+    void StopPlaying();
 
 private:
     bool InitDialog() override;
@@ -40,7 +43,6 @@ private:
     void CmPlay();
     void CmOk();
     bool IsHeldKey();
-    void StopPlaying();
     void Tell(std::string_view text, std::string_view caption = "Error");
     const SentDictation* Selected() const;
     LRESULT ListMessage(UINT message, LRESULT item = 0, LPARAM parameter = 0) const;

@@ -51,15 +51,23 @@ bool SentWorkDialog::InitDialog() {
     ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SetFocus(list);
     SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
-    m_collect.Begin(
+    Collect();
+    return false;
+}
+
+// A round of the user who was logged on before may still run; then the timer tries again.
+void SentWorkDialog::Collect() {
+    if (m_hasCollected) return;
+    m_hasCollected = m_collect.Begin(
         m_state.data, m_state.user, [&queue = m_queue](const LPath& audio) { return queue.IsQueued(audio); },
         [window = Window()] { PostMessageA(window, WM_STATUSCOLLECTED, 0, 0); });
-    return false;
 }
 
 bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
     switch (message) {
         case WM_TIMER:
+            Collect();
+            [[fallthrough]];
         case WM_STATUSCOLLECTED:
             Refresh(m_history.Refresh(kReadBudgetMs));
             return true;

@@ -19,6 +19,7 @@ public:
 private:
     bool InitDialog() override;
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    void Collect();
     void Refresh(bool isHistoryNew);
     void Show(std::vector<SentWorkRow> rows);
     void ChangeRows(const RowChange& change, const std::vector<SentWorkRow>& rows);
@@ -30,5 +31,6 @@ private:
     CollectStatus& m_collect;
     LAnchors m_anchors;
     SendQueueView m_view;
+    bool m_hasCollected = false;
     std::vector<SentWorkRow> m_shown;  // mirrors the rows of the list
 };

@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/dialogs/SentWorkDialog_win.h"
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "res/Ids.h"
 #include "store/DictationRecord.h"
 #include "store/DictationStore.h"
-#include "store/MoveToSent.h"
 #include "store/SettingsKeys.h"
 #include "ui/LTextEditDlg.h"
 
@@ -35,9 +33,6 @@ constexpr char kCannotCreate[] =
     "Unable to create a new dictation.\n\nThe data folder cannot be written to. The disk might be full or "
     "write-protected, or another program may be using your user file. Please try again.";
 
-constexpr char kSameNumberUnsaved[] =
-    "The notes of a dictation of the same number could not be saved yet. The disk may be full. Please try "
-    "again later.";
 constexpr char kGone[] =
     "The dictation \"%.80s\"%s no longer here.\n\nSent or deleted in another window, perhaps.%s";
 constexpr size_t kTypedShown = 500;
@@ -311,43 +306,6 @@ bool DictationCommands::TellSendErrorAtClose() {
         AskAboutSendError();
     }
     return m_runner.MayGoOn();
-}
-
-// ---- What was sent ---------------------------------------------------------------------------------------
-
-// Stops the transport first: it must not go on unseen behind a dialog.
-bool DictationCommands::ReadHistory(SentHistory& history) {
-    return StopAndSave() && m_runner.RunProcess(history, "Reading Sent Dictations") == ProcessResult::Done;
-}
-
-bool DictationCommands::ViewSent() {
-    SentHistory history(m_state.user.sentFolder);
-    if (!ReadHistory(history)) return false;
-    SentWorkDialog dialog(m_state, history, m_queue, m_collect);
-    m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::WhatRuns::Stops);
-    return true;
-}
-
-std::optional<std::vector<LPath>> DictationCommands::Recover() {
-    m_recovered.reset();
-    SentHistory history(m_state.user.sentFolder);
-    if (!ReadHistory(history)) return std::nullopt;
-    RecoverDialog dialog(m_state.data.settingsFile, history, *this);
-    m_runner.RunModal(dialog, IDD_RECOVER, LModalRunner::WhatRuns::Stops);
-    return m_recovered;
-}
-
-std::string DictationCommands::BringBack(const LPath& sentRecord) {
-    if (!m_recovered) m_recovered.emplace();
-    const DictationFiles files = DictationFiles::OfPath(sentRecord).InFolder(m_state.user.currentFolder);
-    // A dictation of the same number gets another one: nothing more may be said or typed under its old one.
-    if (m_current.Is(files)) m_list.SelectFiles({});
-    if (!StopAndSave()) return {};
-    if (m_notes.Unsaved().Find(files.notes) != nullptr) return kSameNumberUnsaved;
-    MoveToSent move(m_state.user, sentRecord, [this](const LPath& audio) { return m_queue.IsQueued(audio); });
-    if (!move.BringBack()) return move.Reason();
-    m_recovered->push_back(files.record);
-    return {};
 }
 
 // ---- Disk ------------------------------------------------------------------------------------------------

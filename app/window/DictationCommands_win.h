@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "app/AppState.h"
-#include "app/dialogs/RecoverDialog_win.h"
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Transport_win.h"
 #include "app/window/DictationList_win.h"
@@ -16,16 +15,13 @@
 #include "app/window/NotesBox_win.h"
 #include "app/window/SendCommands_win.h"
 #include "send/BGSend.h"
-#include "store/CollectStatus.h"
-#include "store/SentHistory.h"
 #include "ui/LModalRunner.h"
 
-// Commands on whole dictations: create, rename, set the priority, delete and send; and on those that were
-// sent. Before a dictation is touched the transport is stopped and the notes are saved, and all questions to
+// Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is touched the transport is stopped and the notes are saved, and all questions to
 // the user are asked.
 // Errors: reported to the user, each once; false when nothing or not everything was done.
 // Thread: the window thread.
-class DictationCommands : private RecoverDialog::Owner {
+class DictationCommands {
 public:
     DictationCommands(const AppState& state, LModalRunner& runner, BGSend& queue, DictationList& list,
                       NotesBox& notes, Transport& transport, const CurrentDictation& current,
@@ -55,15 +51,6 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
-
-    // Shows the sent dictations, and what waits in the queue.
-    bool ViewSent();
-    // Ends the collecting of typists' reports, which may hang in the network; true when it has ended.
-    bool StopCollecting(uint32_t timeoutMs) { return m_collect.Stop(timeoutMs); }
-    void RequestStopCollecting() { m_collect.RequestStop(); }
-    // Lets the user bring sent dictations back. Returns their records in Current, in the order in which they
-    // came; nothing when none was tried. The list is to be filled again.
-    std::optional<std::vector<LPath>> Recover();
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
@@ -97,11 +84,6 @@ private:
                  const std::function<bool(const DictationFiles&)>& step);
     void SettleInserts(const std::vector<DictationFiles>& dictations, std::vector<DictationFiles>& ready,
                        std::vector<NotSent>& left);
-    bool ReadHistory(SentHistory& history);
-    // RecoverDialog::Owner
-    std::string BringBack(const LPath& sentRecord) override;
-    void StopTransport() override { m_transport.Stop(); }
-    bool IsTransportRunning() const override { return m_transport.IsRunning(); }
 
     const AppState& m_state;
     LModalRunner& m_runner;
@@ -112,6 +94,4 @@ private:
     Transport& m_transport;
     const CurrentDictation& m_current;
     InsertOffers& m_inserts;
-    CollectStatus m_collect;
-    std::optional<std::vector<LPath>> m_recovered;  // of the dialog that is or was open
 };

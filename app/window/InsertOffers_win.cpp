@@ -7,6 +7,7 @@
 #include "audio/wave/LInsertWave.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LArith.h"
+#include "base/LCopyFile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
@@ -124,20 +125,26 @@ bool InsertOffers::Merge(const DictationFiles& files, const PendingInsert& inser
     return Finish(files, insert);
 }
 
-// Gives the recording a number and a record of its own.
+// Gives the recording a number and a record of its own. It is copied, since the temporary folder may lie on
+// another drive; until the copy is whole the note tells of the recording.
 bool InsertOffers::MakeOwn(const DictationFiles& files, const PendingInsert& insert) {
     const std::string length = FormatDuration(LWaveFile::LengthMs(insert.recording));
     const bool isOrphan = files.IsGone();
     const std::string of = isOrphan ? "" : m_list.NameOf(files.record);
     const std::optional<NewDictation> own = MakeDictation(m_state.user, LNowSeconds());
-    if (!own || !LFile::Move(insert.recording, own->files.audio, kMoveWaitMs)) {
-        LTrace("InsertOffers::MakeOwn unable to move", insert.recording.View());
+    ProcessResult result = ProcessResult::Failed;
+    if (own) {
+        LProcessCopyFile copy(insert.recording, own->files.audio);
+        result = m_runner.RunProcess(copy, "Insert Recording");
+    }
+    if (result != ProcessResult::Done) {
+        LTrace("InsertOffers::MakeOwn unable to copy", insert.recording.View());
         if (own) DeleteDictationFiles(own->files);
-        m_runner.Tell(kCannotMakeOwn);
+        if (result == ProcessResult::Failed) m_runner.Tell(kCannotMakeOwn);
         return false;
     }
     if (!of.empty()) StoreName(own->files.record, "Insertion for " + of);
-    PendingInsert::Forget(files);
+    Finish(files, insert);
     m_list.AddFile(own->files.record);
     if (isOrphan)
         m_runner.TellAtRest(LFormat(kOwnNow, length.c_str(), m_list.NameOf(own->files.record).c_str()));

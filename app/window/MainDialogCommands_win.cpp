@@ -62,7 +62,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.m_dictations.BeginRename();
      }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
-    {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_dictations.ViewSent(); }},
+    {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_sent.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
     {CM_LOGON, CM_LOGON, [](MainDialog& d, int) { return d.LogOnAsOther(); }},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW,
@@ -72,7 +72,11 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {CM_EXIT, CM_EXIT, [](MainDialog& d, int) { return d.CloseLater(), true; }},
     {CM_RECORD, CM_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
     {CM_PLAY, CM_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
-    {CM_STOP, CM_STOP, [](MainDialog& d, int) { return d.m_transport.Stop(); }},
+    {CM_STOP, CM_STOP,
+     [](MainDialog& d, int) {
+         d.m_sent.StopPlaying();
+         return d.m_transport.Stop();
+     }},
     {CM_PLAY_SLOW, CM_PLAY_FAST,
      [](MainDialog& d, int command) {
          return d.SetPlaySpeed(static_cast<PlaySpeed>(command - CM_PLAY_SLOW));
@@ -108,7 +112,7 @@ CommandSituation MainDialog::Situation() const {
             .selectedRows = m_list.SelectedCount(),
             .hasAudio = m_current && m_transport.LengthMs() > 0,
             .isRecording = m_transport.IsRecording(),
-            .isRunning = m_transport.IsRunning(),
+            .isRunning = IsRunning(),
             .standing = stands == LModalRunner::Standing::Nothing    ? Standing::Nothing
                         : stands == LModalRunner::Standing::Question ? Standing::Question
                                                                      : Standing::Process};
@@ -210,7 +214,7 @@ bool MainDialog::ShowHardwareSettings() {
 }
 
 bool MainDialog::RecoverSent() {
-    const std::optional<std::vector<LPath>> recovered = m_dictations.Recover();
+    const std::optional<std::vector<LPath>> recovered = m_sent.Recover();
     if (!recovered || !m_runner.MayGoOn()) return false;
     m_notes.Save();
     if (m_transport.IsBusy()) {  // a device records or plays: what it works on stays the current one

@@ -69,6 +69,7 @@ void MainDialog::ChangeUser(uint32_t user) {
     m_list.Clear();
     FollowSelection();  // no dictation is the current one
     m_inserts.ForgetThoseLater();
+    m_sent.StopCollecting(kLockWaitMs);  // its user may log on again
     m_queue.LeaveErrors();
     m_inUse.Release();
     SetCurrentUser(m_state.data.settingsFile, user);

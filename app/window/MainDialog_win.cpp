@@ -91,6 +91,7 @@ MainDialog::MainDialog(AppState& state)
       m_transport(state, m_current, m_runner, *this),
       m_inserts(state, m_runner, m_list, m_transport),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
+      m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
       m_devices(*this),
       m_hotKeys(state, m_devices),
       m_api(*this),
@@ -170,14 +171,14 @@ void MainDialog::DestroyDialog() {
     m_hotKeys.UnregisterHotKeys();
     m_transport.LeaveInserts(true);
     m_display.Detach();
-    m_dictations.RequestStopCollecting();
+    m_sent.RequestStopCollecting();
     m_sendThreadEnded = m_queue.Stop(kSendStopMs);
     m_postTo = nullptr;
     m_transport.Stop();
     m_notes.Save();
     // Whoever starts the program again now is the first session of this user.
     if (m_sendThreadEnded) m_inUse.Release();
-    m_sendThreadEnded = m_dictations.StopCollecting(kSendStopMs) && m_sendThreadEnded;
+    m_sendThreadEnded = m_sent.StopCollecting(kSendStopMs) && m_sendThreadEnded;
     m_runner.Detach();
     m_list.ReleaseFont();
 }
@@ -430,7 +431,7 @@ void MainDialog::EvTimerInfoLine() {
 // Tells a user who does not look that nothing runs any more.
 void MainDialog::EvTimerStoppedTone() {
     const LPath& settings = m_state.data.settingsFile;
-    if (!m_transport.IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
+    if (!IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
         PlaySoundA(MAKEINTRESOURCEA(IDW_STOPPEDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
     RepeatStoppedTone();
 }

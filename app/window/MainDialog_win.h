@@ -17,6 +17,7 @@
 #include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
+#include "app/window/SentCommands_win.h"
 #include "app/window/WindowDisplay_win.h"
 #include "app/window/WindowLayout_win.h"
 #include "base/LFileLock.h"
@@ -129,6 +130,8 @@ private:
     void RepeatStoppedTone();
     void EvTimerHotKey() { m_hotKeys.EvTimer(); }
     void EvTimerShowLater() { EvShowLater(0, 0); }
+    // Something is recorded, played or wound, also a sent dictation.
+    bool IsRunning() const { return m_transport.IsRunning() || m_sent.IsPlaying(); }
     // A box would close the menu, or end the editing of a name.
     bool IsHandBusy() const { return m_isMenuOpen || m_list.IsRenaming(); }
 
@@ -170,13 +173,18 @@ private:
         m_list.UpdateLater(notesFile.WithExtension(".dat"));
     }
     void NotesStateChanged() override;
+    // What uses the sound devices beside the transport.
+    void StopOtherSound() {
+        m_listening.Stop();
+        m_sent.StopPlaying();
+    }
     // Transport::Owner
     bool HaveDictation() override {
-        m_listening.Stop();
+        StopOtherSound();
         return m_current ? IsDictationThere() : m_dictations.Create();
     }
     bool IsDictationThere() override {
-        m_listening.Stop();
+        StopOtherSound();
         return !m_current || !m_dictations.DropGone({*m_current.Files()});
     }
     bool SettleInsert() override { return m_current && m_inserts.Offer(*m_current.Files()); }
@@ -189,7 +197,7 @@ private:
     bool Give(int command) override;
     // DeviceCommands::Target
     bool IsRecording() const override { return m_transport.IsRecording(); }
-    bool IsPlaying() const override { return m_transport.IsPlaying(); }
+    bool IsPlaying() const override { return m_transport.IsPlaying() || m_sent.IsPlaying(); }
     bool IsProcessRunning() const override { return m_runner.What() == LModalRunner::Standing::Process; }
     bool HoldWinding(WindDirection direction, bool isDown) override;
     void OpenWindow() override;
@@ -224,6 +232,7 @@ private:
     InsertOffers m_inserts;
     Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
+    SentCommands m_sent;
     DeviceCommands m_devices;
     HotKeys m_hotKeys;
     ApiCommands m_api;

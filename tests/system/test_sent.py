@@ -6,6 +6,7 @@ from corvane import DIALOG_CLASS, IDS, pcm_wav, wait_for, windows_path
 
 WM_KEYDOWN, VK_DOWN, LB_GETCURSEL = 0x100, 0x28, 0x188
 RECOVER, CLOSE = 1, 2
+MIC_BUTTON, MIC_STOP = 1792, 2
 LIST, SUMMARY, PLAY = IDS["IDC_SENTWORK_LIST"], IDS["IDC_SENTWORK_SUMMARY"], IDS["IDC_RECOVER_PLAY"]
 SENT_LIST = IDS["IDC_RECOVER_LIST"]
 SENT = {"sendstatus": "Sent", "senddate": 1600000000, "recipient": "Jo (jo@a)"}
@@ -57,7 +58,7 @@ def test_the_list_of_sent_work_follows_the_queue_and_the_typist(corvane, winctl,
 
 
 def test_a_sent_dictation_is_recovered_whole_and_can_be_sent_again(corvane, winctl, data):
-    sound = pcm_wav(24000)
+    sound = pcm_wav(240000)  # 30 s, longer than any wait
     data.add_dictation(12, sound, b"Case 12\0", folder=data.sent, **SENT)
     data.add_dictation(12, pcm_wav(800), b"other\0", name="Same number")
     winctl.ask("hold", windows_path(data.folder / "sending.lck"))
@@ -76,6 +77,10 @@ def test_a_sent_dictation_is_recovered_whole_and_can_be_sent_again(corvane, winc
     dialog.select_next(1)
     dialog.ask("click", PLAY)
     wait_for(lambda: dialog.control(PLAY)["text"] == "&Stop", "a dictation that plays")
+    program.post(MIC_BUTTON, MIC_STOP)
+    wait_for(lambda: dialog.control(PLAY)["text"] == "&Play", "a microphone that stops it")
+    dialog.ask("click", PLAY)
+    wait_for(lambda: dialog.control(PLAY)["text"] == "&Stop", "a dictation that plays again")
     dialog.ask("click", RECOVER)
     wait_for(lambda: len(dialog.ask("items", SENT_LIST)) == 1, "a shorter list")
     dialog.ask("click", CLOSE)
@@ -84,7 +89,7 @@ def test_a_sent_dictation_is_recovered_whole_and_can_be_sent_again(corvane, winc
     # That of the same number has another one, with its own words.
     (other,) = [row["number"] for row in program.rows() if row["texts"][0] == "Same number"]
     assert (data.audio(12).read_bytes(), data.audio(other).read_bytes()) == (sound, pcm_wav(800))
-    assert (program.notes(), program.row(12)["texts"][3], program.row(other)["texts"][5]) == ("Case 12", "00:03", "other")
+    assert (program.notes(), program.row(12)["texts"][3], program.row(other)["texts"][5]) == ("Case 12", "00:30", "other")
     assert not list(data.sent.glob("00000012.*"))
     winctl.ask("release")
     program.send_default(12)

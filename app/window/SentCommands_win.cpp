@@ -1,0 +1,55 @@
+#include "app/window/SentCommands_win.h"
+
+#include "app/dialogs/SentWorkDialog_win.h"
+#include "res/Ids.h"
+#include "store/DictationFiles.h"
+#include "store/MoveToSent.h"
+
+namespace {
+
+constexpr char kSameNumberUnsaved[] =
+    "The notes of a dictation of the same number could not be saved yet. The disk may be full. Please try "
+    "again later.";
+
+}  // namespace
+
+// Stops the transport first: it must not go on unseen behind a dialog.
+bool SentCommands::ReadHistory(SentHistory& history) {
+    const bool goesOn = m_transport.Stop();
+    m_notes.Save();
+    return goesOn && m_runner.RunProcess(history, "Reading Sent Dictations") == ProcessResult::Done;
+}
+
+bool SentCommands::ViewSent() {
+    SentHistory history(m_state.user.sentFolder);
+    if (!ReadHistory(history)) return false;
+    SentWorkDialog dialog(m_state, history, m_queue, m_collect);
+    m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::WhatRuns::Stops);
+    return true;
+}
+
+std::optional<std::vector<LPath>> SentCommands::Recover() {
+    m_recovered.reset();
+    SentHistory history(m_state.user.sentFolder);
+    if (!ReadHistory(history)) return std::nullopt;
+    RecoverDialog dialog(m_state.data.settingsFile, history, *this);
+    m_recover = &dialog;
+    m_runner.RunModal(dialog, IDD_RECOVER, LModalRunner::WhatRuns::Stops);
+    m_recover = nullptr;
+    return m_recovered;
+}
+
+std::string SentCommands::BringBack(const LPath& sentRecord) {
+    if (!m_recovered) m_recovered.emplace();
+    const DictationFiles files = DictationFiles::OfPath(sentRecord).InFolder(m_state.user.currentFolder);
+    // A dictation of the same number gets another one: nothing more may be said or typed under its old one.
+    if (m_current.Is(files)) m_list.SelectFiles({});
+    const bool goesOn = m_transport.Stop();
+    m_notes.Save();
+    if (!goesOn) return {};
+    if (m_notes.Unsaved().Find(files.notes) != nullptr) return kSameNumberUnsaved;
+    MoveToSent move(m_state.user, sentRecord, [this](const LPath& audio) { return m_queue.IsQueued(audio); });
+    if (!move.BringBack()) return move.Reason();
+    m_recovered->push_back(files.record);
+    return {};
+}
