@@ -7,6 +7,7 @@
 #include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
+#include "send/RecipientDeletion.h"
 #include "send/SendItem.h"
 
 // One pass of the thread: read the head as the holder of the sender's lock, convert and deliver it, remove
@@ -96,6 +97,7 @@ bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) 
     const bool added = TryShortly([&] {
         LLock lock(m_queueLock);
         int32_t count = 0;
+        if (LFileLock sending; !FinishDeletion(user, sending)) return false;
         if (!m_queue.Append({dictation, recipient, user, true}, count)) return false;
         SetRange(count);
         return true;
@@ -155,6 +157,29 @@ QueueAnswer BGSend::IsQueued(const LPath& dictation) const {
     }
     LLock lock(m_queueLock);
     return m_queue.Contains(dictation);
+}
+
+BGSend::Deletion BGSend::DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs) {
+    Deletion result = Deletion::Busy;
+    if (LFileLock sending; Stop(waitMs) && sending.Take(m_sendingLock, waitMs) == LFileLock::Result::Taken) {
+        LLock lock(m_queueLock);
+        const bool isDone = RecipientDeletion(m_data, user, m_queue).Begin(index);
+        result = isDone ? Deletion::Done : Deletion::Failed;
+    }
+    StartSending();
+    return result;
+}
+
+std::optional<int32_t> BGSend::WaitingFor(const LPath& recipient) const {
+    LLock lock(m_queueLock);
+    return ::WaitingFor(recipient, m_queue);
+}
+
+// Finishes a deletion of a recipient that was cut off: until then his number may mean another one.
+bool BGSend::FinishDeletion(uint32_t user, LFileLock& sending) {
+    RecipientDeletion deletion(m_data, user, m_queue);
+    if (!deletion.IsPending()) return true;
+    return sending.TryTake(m_sendingLock) == LFileLock::Result::Taken && deletion.Finish();
 }
 
 bool BGSend::Look(SendQueueView& view) const {
@@ -260,6 +285,7 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     work.isElsewhere = sender == LFileLock::Result::Held;
     if (!work.isTaken || work.isElsewhere) return true;
     if (sender == LFileLock::Result::Failed) return false;
+    if (!FinishDeletion(work.entry.user, sending) || !m_queue.ReadHead(work.entry, count)) return false;
     work.era = m_era;
     work.isFinished = m_finished == work.entry;
     SetRange(count);

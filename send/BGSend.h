@@ -88,6 +88,13 @@ public:
     // while the queue file cannot be read.
     QueueAnswer IsQueued(const LPath& dictation) const;
 
+    // Deletes a recipient of a user. Sending pauses for it, for at most waitMs; Busy when it does not end in
+    // that time, or another program sends.
+    enum class Deletion { Done, Busy, Failed };
+    Deletion DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs);
+    // How many dictations wait to be sent to a recipient; nothing while the queue file cannot be read.
+    std::optional<int32_t> WaitingFor(const LPath& recipient) const;
+
     // Fills view; false while the queue file cannot be read, and its entries are then left as they were.
     bool Look(SendQueueView& view) const;
 
@@ -123,6 +130,7 @@ private:
 
     void ThreadFunction() override;
     bool TryTakeHead(Work& work, LFileLock& sending);
+    bool FinishDeletion(uint32_t user, LFileLock& sending);
     ProcessResult MakeFile(const Work& work);
     bool TryRemoveHead(const Work& work);
     void KeepForLater(const Work& work, LFileLock& sending);

@@ -243,6 +243,20 @@ bool SendQueueFile::RemoveHead(const SendQueueEntry& head, int32_t& count) {
     return true;
 }
 
+bool SendQueueFile::SetRecipients(const std::vector<SendQueueEntry>& changed) {
+    if (changed.empty()) return true;
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    for (Values& values : contents.entries) {
+        const auto now = std::ranges::find_if(changed, [&](const SendQueueEntry& entry) {
+            return LEqualNoCase(values[kFile], entry.dictation.View());
+        });
+        if (now != changed.end()) values[kRecipient] = now->recipient.View();
+    }
+    return Write(contents);
+}
+
 bool SendQueueFile::Clear() {
     LFileLock turn;
     Contents contents;

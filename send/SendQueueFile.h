@@ -43,6 +43,8 @@ public:
     bool RemoveHead(const SendQueueEntry& head, int32_t& count);
     // Moves the head to the end if it equals the given one; count as above.
     bool MoveHeadToEnd(const SendQueueEntry& head, int32_t& count);
+    // Gives entries other recipients, in one change: those whose dictation is that of a given entry.
+    bool SetRecipients(const std::vector<SendQueueEntry>& changed);
     // Empties the queue by a count of 0. The keys of the old entries stay until new ones overwrite them.
     bool Clear();
 

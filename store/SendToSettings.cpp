@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int32_t kMostRecipients = 1000;
 constexpr uint32_t kVersion = 1;  // written; version 0 has neither flags nor encryption password
 constexpr size_t kFileBytes = 1964;
 // The size of version 0, without flags and pass phrase.
@@ -129,6 +128,16 @@ std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, i
 int32_t RecipientCount(const LPath& userFile) {
     const int32_t count = Settings::Read(userFile, UserKeys::kSendCount);
     return Clamp<int32_t>(count, 0, kMostRecipients);
+}
+
+std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& user,
+                                    const SendToSettings& recipient) {
+    const int32_t index = RecipientCount(user.userFile);
+    if (index >= kMostRecipients || !recipient.Save(RecipientPath(data.folder, user.number, index)))
+        return std::nullopt;
+    Settings::Write(user.userFile, UserKeys::kSendCount, index + 1);
+    if (RecipientCount(user.userFile) != index + 1) return std::nullopt;
+    return index;
 }
 
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile) {

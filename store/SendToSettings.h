@@ -48,6 +48,8 @@ struct SendToSettings {
     std::vector<uint8_t> ToBytes() const;
 };
 
+inline constexpr int32_t kMostRecipients = 1000;  // of a user
+
 LPath RecipientPath(const LPath& dataFolder, uint32_t user, int32_t index);
 
 // "<name> DEFAULT (<address>)"; "DEFAULT" only for the default recipient.
@@ -57,8 +59,12 @@ std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
 // it; "Recipient 2" when the file cannot be loaded.
 std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
-// Number of the user's recipients, at most 1000: the user file may be damaged.
+// Number of the user's recipients, at most kMostRecipients: the user file may be damaged.
 int32_t RecipientCount(const LPath& userFile);
+// Adds a recipient behind the others; returns his index, or nothing when he could not be stored or the user
+// has as many as there can be.
+std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& user,
+                                    const SendToSettings& recipient);
 // Index of the user's default recipient; nothing, so that nothing can be sent, when he has no recipients or
 // the index is beyond their number.
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile);
