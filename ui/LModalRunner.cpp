@@ -130,6 +130,14 @@ ProcessResult LModalRunner::RunUnaskedProcess(LProcess& process, std::string_vie
     return result;
 }
 
+void LModalRunner::ComeForward() const {
+    DWORD process = 0;
+    GetWindowThreadProcessId(GetForegroundWindow(), &process);
+    if (m_window == nullptr || process == GetCurrentProcessId()) return;
+    if (IsIconic(m_window)) ShowWindow(m_window, SW_RESTORE);
+    SetForegroundWindow(m_window);
+}
+
 void LModalRunner::TellLater(std::string_view text, std::string_view caption) {
     if (m_window == nullptr) return;
     m_later.push_back({std::string(text), std::string(caption)});

@@ -49,6 +49,9 @@ public:
     // box it is deaf to keys in its first second.
     ProcessResult RunUnaskedProcess(LProcess& process, std::string_view title);
 
+    // Brings the window to the front, where another program is: a hot key may lead to a question.
+    void ComeForward() const;
+
     // Queues an error text from the middle of a command or a mouse click; it is shown by ShowLater, once the
     // message is finished and nothing is open.
     void TellLater(std::string_view text, std::string_view caption = "Error");

@@ -58,7 +58,8 @@ std::vector<DictationFiles> DictationCommands::CurrentAlone() const {
 }
 
 bool DictationCommands::Create() {
-    TestHardDrive();
+    // Told afterwards: a dictation that a recording asks for must not wait for a box, perhaps unseen.
+    if (FreeLowDisk()) m_runner.TellLater(kDiskLow, "Warning");
     if (!StopAndSave()) return false;
     std::optional<NewDictation> created = MakeDictation(m_state.user, LNowSeconds());
     // A record in another file may claim this number: then take the next, so that the new dictation has a row
@@ -82,6 +83,7 @@ void DictationCommands::AskFields(const DictationFiles& files) {
     const LPath& settings = m_state.data.settingsFile;
     for (const SettingsKeys::PromptKeys& keys : SettingsKeys::kPrompts) {
         if (!Settings::Read(settings, keys.prompt) || !m_current.Is(files)) continue;
+        m_runner.ComeForward();
         std::optional<std::string> answer;
         m_runner.RunModal(LModalRunner::WhatRuns::GoesOn, [&](HWND owner) -> INT_PTR {
             answer =
@@ -96,14 +98,15 @@ void DictationCommands::AskFields(const DictationFiles& files) {
 }
 
 bool DictationCommands::BeginRename() {
-    if (!StopAndSave() || !m_current || DropGone({*m_current.Files()})) return false;
+    m_notes.Save();
+    if (!m_current || DropGone({*m_current.Files()})) return false;
     m_list.BeginRename();
     return true;
 }
 
 void DictationCommands::Rename(std::string_view name) {
     if (!m_current || !ChangedName(m_list.NameOf(m_current.Files()->record), name)) return;
-    if (!StopAndSave() || !m_current) return;
+    m_notes.Save();
     if (DropGone({*m_current.Files()})) return;
     if (!m_list.Rename(*m_current.Files(), name)) TellNotStored();
 }
@@ -316,8 +319,14 @@ void DictationCommands::DeleteOldFiles() {
                         [this](const LPath& audio) { return m_queue.IsQueued(audio); });
 }
 
-void DictationCommands::TestHardDrive() {
-    if (!IsDiskLow(m_state.data)) return;
+// Deletes old sent dictations where the disk is nearly full; true when it was.
+bool DictationCommands::FreeLowDisk() {
+    if (!IsDiskLow(m_state.data)) return false;
     DeleteOldFiles();
+    return true;
+}
+
+void DictationCommands::TestHardDrive() {
+    if (!FreeLowDisk()) return;
     m_runner.UnaskedBox(kDiskLow, "Warning", MB_OK | MB_ICONEXCLAMATION);
 }

@@ -72,6 +72,7 @@ public:
     void TellNotStored();
 
 private:
+    bool FreeLowDisk();
     void AskAboutSendError();
     static const char kNotStored[];
 

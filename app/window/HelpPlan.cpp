@@ -1,7 +1,5 @@
 #include "app/window/HelpPlan.h"
 
-#include <utility>
-
 #include "base/LText.h"
 #include "base/LTrace.h"
 
@@ -32,9 +30,4 @@ std::string HelpText(HelpResult result, const LPath& programFolder) {
     const LPath manual = LPath::Join(programFolder.View(), kManual);
     return LFormat(result == HelpResult::Missing ? kMissing : kNoBrowser,
                    manual.Empty() ? kManual : manual.c_str());
-}
-
-bool HelpKey::IsNewPress(uint32_t nowMs) {
-    const std::optional<uint32_t> before = std::exchange(m_lastMs, nowMs);
-    return !before || nowMs - *before > kRepeatsWithinMs;
 }

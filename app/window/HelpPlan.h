@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
 
 #include "base/LPath.h"
@@ -23,16 +21,3 @@ HelpResult ShowHelp(const LPath& programFolder, HelpViewer& viewer);
 
 // The text for a user who was shown nothing.
 std::string HelpText(HelpResult result, const LPath& programFolder);
-
-// Tells a press of F1 from the repeats of a held one, which look alike: they follow one another within the
-// longest delay that a keyboard can be set to.
-class HelpKey {
-public:
-    static constexpr uint32_t kRepeatsWithinMs = 1500;
-
-    // Called for each message of the key; tick count in ms. True for a new press.
-    bool IsNewPress(uint32_t nowMs);
-
-private:
-    std::optional<uint32_t> m_lastMs;
-};

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/window/HelpPlan.h"
+#include "app/window/NewPress.h"
 
 // Shows the program's help, on a thread of its own: the platform's help, or a browser that starts, may keep
 // its caller for seconds, or until its user has answered a box.
@@ -21,12 +22,15 @@ public:
     bool Show();
     static std::string TextOf(WPARAM result);
     // A message of F1, also one of its repeats; true when help is to be shown.
-    bool EvKey() { return m_key.IsNewPress(GetTickCount()); }
+    bool EvKey() { return m_key.IsNew(GetTickCount(), kRepeatsWithinMs); }
 
 private:
     class Asking;
 
     HWND m_window = nullptr;
-    HelpKey m_key;
+    // The longest delay that a keyboard can be set to, and some.
+    static constexpr uint32_t kRepeatsWithinMs = 1500;
+
+    NewPress m_key;
     std::unique_ptr<Asking> m_asking;
 };

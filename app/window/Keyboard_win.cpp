@@ -12,6 +12,11 @@ static bool IsDown(int key) {
     return GetKeyState(key) < 0;
 }
 
+// Whether characters belong to what has the focus.
+static bool IsText(KeyFocus focus) {
+    return focus == KeyFocus::Notes || focus == KeyFocus::NameEditor || focus == KeyFocus::OtherWindow;
+}
+
 static bool IsOfClass(HWND control, const char* wanted) {
     char name[16] = {};
     GetClassNameA(control, name, sizeof name);
@@ -27,10 +32,10 @@ bool Keyboard::PreTranslateMessage(const MSG& message) {
             if (m_heldKey == 0 || message.wParam != m_heldKey) return false;
             ReleaseHeld();
             return true;
-        // Not passed to the list view, which would select the row whose name starts with the character:
-        // another dictation would become current.
+        // The list view would select the row whose name starts with the character, and another dictation would
+        // become current; a button would take it as a mnemonic without Alt, and the "e" of a word would send.
         case WM_CHAR:
-            return message.hwnd == GetDlgItem(m_window, IDC_LIST);
+            return !IsText(FocusOf(message.hwnd));
         // Alt with the letter of a button would press it again with each repeat.
         case WM_SYSCHAR:
             return (message.lParam & kKeyWasDown) != 0;
@@ -84,9 +89,9 @@ void Keyboard::ReleaseHeld() {
 
 // Two presses in quick succession count as one where the second would take another dictation.
 bool Keyboard::IsSecondPress(int command, DWORD timeMs) {
-    const bool isSecond = CountsOnce(command) && command == std::exchange(m_lastCommand, command) &&
-                          timeMs - m_lastCommandMs <= GetDoubleClickTime();
-    m_lastCommandMs = timeMs;
+    const int before = std::exchange(m_lastCommand, command);
+    const DWORD sinceMs = timeMs - std::exchange(m_lastCommandMs, timeMs);
+    const bool isSecond = CountsOnce(command) && command == before && sinceMs <= GetDoubleClickTime();
     return isSecond;
 }
 

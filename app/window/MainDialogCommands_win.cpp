@@ -31,9 +31,13 @@ constexpr char kNoDockMethod[] =
 
 class AboutDialog final : public LDialog {};
 
-POINT CursorPlace() {
+// Where a menu of a control opens: at the control when the keyboard asked, else at the mouse.
+POINT MenuPlace(HWND control) {
     POINT at = {};
     GetCursorPos(&at);
+    RECT box = {};
+    GetWindowRect(control, &box);
+    if (GetFocus() == control && !PtInRect(&box, at)) at = {box.left, box.bottom};
     return at;
 }
 
@@ -46,7 +50,10 @@ WindDirection DirectionOf(int button) {
 // In the order of the command numbers: first, last, function; its result is Give's.
 const MainDialog::CommandEntry MainDialog::kCommands[] = {
     {IDC_INFOLINE, IDC_INFOLINK,
-     [](MainDialog& d, int) { return d.m_display.ShowPopup(IDM_INFO, CursorPlace(), d.Situation()), true; }},
+     [](MainDialog& d, int) {
+         d.m_display.ShowPopup(IDM_INFO, MenuPlace(d.Item(IDC_INFOLINK)), d.Situation());
+         return true;
+     }},
     {IDC_DOCK, IDC_DOCK, [](MainDialog& d, int) { return d.Dock(); }},
     {CM_WEB_PRODUCT, CM_WEB_TYPIST, [](MainDialog& d, int command) { return d.OpenWebPage(command); }},
     {CM_NEWFILE, CM_NEWFILE, [](MainDialog& d, int) { return d.m_dictations.Create(); }},
@@ -193,7 +200,7 @@ bool MainDialog::SetView(ViewMode view) {
     m_display.ShowSituation(Situation());
     // The list has the focus again after the compact view; notes that are typed keep it.
     const bool isTyping = focus == Item(IDC_NOTES) && IsWindowVisible(focus);
-    if (focus != nullptr && IsChild(Window(), focus) && !isTyping) m_display.FocusHome();
+    if (GetActiveWindow() == Window() && !isTyping) m_display.FocusHome();
     return true;
 }
 
@@ -223,7 +230,9 @@ bool MainDialog::RecoverSent() {
     }
     if (!FillList()) return false;
     for (const LPath& record : *recovered) m_list.AddFile(record);  // where the filling was cancelled
-    if (!recovered->empty()) m_list.SelectFiles(*recovered);
+    if (recovered->empty()) return true;
+    const bool isOneShown = m_layout.View() == ViewMode::Compact;
+    isOneShown ? m_list.SelectFile(recovered->back()) : m_list.SelectFiles(*recovered);
     return true;
 }
 

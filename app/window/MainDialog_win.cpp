@@ -314,7 +314,7 @@ void MainDialog::EvMove(WPARAM, LPARAM) {
 
 void MainDialog::EvSize(WPARAM wParam, LPARAM) {
     if (wParam == SIZE_MINIMIZED) return;
-    if (m_layout.EvSize(wParam)) m_display.ShowSituation(Situation());
+    if (const std::optional<ViewMode> view = m_layout.WantedView(wParam)) SetView(*view);
     m_layout.LayoutControls();
     m_display.EvPlaced();
     m_list.FitColumns();
@@ -356,8 +356,12 @@ bool MainDialog::EvAppCommand(WPARAM, LPARAM lParam, LRESULT& result) {
     const int command = MediaCommandOf(HIWORD(lParam) & 0x7FFF, m_transport.IsWinding(WindDirection::Back),
                                        m_transport.IsWinding(WindDirection::Forward));
     if (command == 0) return false;
-    Give(command);
     result = TRUE;
+    // A held key repeats, and its command stops what it has started.
+    UINT delay = 0;  // 0 to 3: 250 to 1000 ms until the first repeat, roughly
+    SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &delay, 0);
+    const bool isOther = std::exchange(m_mediaKey, HIWORD(lParam)) != HIWORD(lParam);
+    if (m_mediaPress.IsNew(GetTickCount(), (delay + 1) * 250 + 100) || isOther) Give(command);
     return true;
 }
 
@@ -476,7 +480,6 @@ void MainDialog::PlayFromStart() {
 }
 
 void MainDialog::BeforeRename() {
-    m_transport.Stop();
     m_notes.Save();
 }
 

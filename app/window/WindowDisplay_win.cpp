@@ -149,6 +149,9 @@ void WindowDisplay::ShowSituation(CommandSituation situation) {
     if (const int focused = FocusedButton(); focused != 0 && !IsCommandEnabled(focused, situation))
         FocusHome();
     enable(false);
+    // Nothing could take it for a moment, as while no row is selected.
+    const bool isLost = GetFocus() == nullptr || GetFocus() == m_window;
+    if (isLost && GetActiveWindow() == m_window) FocusHome();
     // An empty list shows no focus.
     const HWND list = Item(IDC_LIST);
     const LONG style = GetWindowLongA(list, GWL_STYLE);

@@ -25,11 +25,15 @@ ScreenSize WindowLayout::WindowSizeOf(ViewMode view) const {
 }
 
 void WindowLayout::LayoutNormalSizeAndPosition() {
+    LayoutAs(ToViewMode(Settings::Read(m_state.data.settingsFile, SettingsKeys::kViewMode)));
+}
+
+void WindowLayout::LayoutAs(ViewMode view) {
     const LPath& settings = m_state.data.settingsFile;
     const ScreenPoint stored = {Settings::Read(settings, SettingsKeys::kWindowX),
                                 Settings::Read(settings, SettingsKeys::kWindowY)};
     const bool wantsTopMost = Settings::Read(settings, SettingsKeys::kTopMost);
-    m_view = ToViewMode(Settings::Read(settings, SettingsKeys::kViewMode));
+    m_view = view;
     if (m_view != ViewMode::Maximized) m_viewBefore = m_view;
     m_isReady = false;
     if (m_view != ViewMode::Maximized && IsZoomed(m_window)) ShowWindow(m_window, SW_RESTORE);
@@ -78,13 +82,13 @@ void WindowLayout::LayoutControls() {
 
 void WindowLayout::SetView(ViewMode view) {
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kViewMode, static_cast<int32_t>(view));
-    LayoutNormalSizeAndPosition();
+    LayoutAs(view);
 }
 
 void WindowLayout::ToggleFloat() {
     const LPath& settings = m_state.data.settingsFile;
     Settings::Write(settings, SettingsKeys::kTopMost, !Settings::Read(settings, SettingsKeys::kTopMost));
-    LayoutNormalSizeAndPosition();
+    LayoutAs(m_view);  // another session may have stored another view
 }
 
 void WindowLayout::EvGetMinMaxInfo(MINMAXINFO& info) const {
@@ -93,15 +97,11 @@ void WindowLayout::EvGetMinMaxInfo(MINMAXINFO& info) const {
     info.ptMinTrackSize = {least.width, least.height};
 }
 
-bool WindowLayout::EvSize(WPARAM how) {
-    if (!m_isReady) return false;
-    if (how == SIZE_MAXIMIZED && m_view != ViewMode::Maximized) {
-        SetView(ViewMode::Maximized);
-        return true;
-    }
-    if (how != SIZE_RESTORED || m_view != ViewMode::Maximized || IsZoomed(m_window)) return false;
-    SetView(m_viewBefore);
-    return true;
+std::optional<ViewMode> WindowLayout::WantedView(WPARAM how) const {
+    if (!m_isReady) return std::nullopt;
+    if (how == SIZE_MAXIMIZED && m_view != ViewMode::Maximized) return ViewMode::Maximized;
+    const bool isRestored = how == SIZE_RESTORED && m_view == ViewMode::Maximized && !IsZoomed(m_window);
+    return isRestored ? std::optional(m_viewBefore) : std::nullopt;
 }
 
 void WindowLayout::EvDrag(bool isDragging) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "app/AppState.h"
 #include "app/window/ControlLayout.h"
 #include "ui/LWin.h"
@@ -24,14 +26,15 @@ public:
     // Stores the position of the window; while the user drags it, once at the end.
     void EvMove();
     void EvDrag(bool isDragging);
-    // Follows the buttons of the title bar: maximizing is a view, restoring brings back the view before. True
-    // when the view has changed.
-    bool EvSize(WPARAM how);
+    // The view that a button of the title bar asks for: maximizing is a view, restoring brings back the view
+    // before. Nothing when the view stays.
+    std::optional<ViewMode> WantedView(WPARAM how) const;
     ViewMode View() const { return m_view; }
 
 private:
     ScreenSize WindowSizeOf(ViewMode view) const;
     DialogUnits Units() const;
+    void LayoutAs(ViewMode view);
 
     const AppState& m_state;
     HWND m_window = nullptr;

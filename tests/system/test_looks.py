@@ -73,6 +73,10 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
     program.command("CM_GOTOSTART")
     program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
     wait_for(lambda: status() == WINDING, "winding by a media key")
+    for _ in range(5):  # a held key repeats
+        program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
+        assert stays(lambda: status() == WINDING, 0.1)
+    assert stays(lambda: status() == WINDING, 1.2)
     program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
     wait_for(lambda: status() == STOPPED, "its end by the same key")
 
@@ -87,9 +91,17 @@ def test_views_boxes_and_the_focus(corvane, data):
     compact = program.describe()["rect"]
     program.post(WM_SYSCOMMAND, SC_MAXIMIZE)
     wait_for(lambda: view() == "2" and program.describe()["maximized"], "the maximized view, by the title bar")
+    xdotool("key", "ctrl+a")
+    wait_for(lambda: all(r["selected"] for r in program.rows()), "all rows")
     program.post(WM_SYSCOMMAND, SC_RESTORE)
     wait_for(lambda: view() == "0" and program.describe()["rect"] == compact, "the view before")
-    program.select(3)
+    wait_for(lambda: [r["selected"] for r in program.rows()].count(True) == 1, "one row, which is shown")
+    point_at(program, "IDC_GOTOSTART")
+    xdotool("click", 1, "type", "Henryneedsit")
+    assert stays(lambda: len(program.rows()) == 4 and program.api(7) == STOPPED, 0.5), "letters are no commands"
+    program.command("CM_PLAY")
+    wait_for(lambda: program.api(7) == PLAYING, "a dictation that plays")
+    program.select(3)  # ends it, and disables the button that has the focus
     program.command("CM_VIEW_NORMAL")
     wait_for(lambda: view() == "1", "the normal view")
     xdotool("key", "Return")

@@ -1,5 +1,7 @@
 #include "app/window/HelpPlan.h"
 
+#include "app/window/NewPress.h"
+
 #include "tests/unit/TestKit.h"
 
 // A platform that has some files, and can show some.
@@ -44,8 +46,8 @@ TEST(HelpPlan, ShowsTheHelpFileWhereThatWorksElseTheManualElseSaysWhere) {
 }
 
 TEST(HelpPlan, AKeyThatIsHeldAsksOnce) {
-    HelpKey key;
+    NewPress key;
     for (const auto& [at, isNew] : std::initializer_list<std::pair<uint32_t, bool>>{
              {0xFFFFFF00u, true}, {0x000001F0u, false}, {0x00000210u, false}, {0x00000A00u, true}})
-        EXPECT_EQ(key.IsNewPress(at), isNew) << at;
+        EXPECT_EQ(key.IsNew(at, 1500), isNew) << at;
 }
