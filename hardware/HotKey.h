@@ -15,6 +15,7 @@ struct HotKey {
     int32_t command = 0;  // CI_..., or whatever number the settings file holds
 
     bool operator==(const HotKey&) const = default;
+    bool HasKeyOf(const HotKey& other) const { return key == other.key && modifiers == other.modifiers; }
 };
 
 // What becomes of a key that is pressed in the box in which a hot key is chosen. Enter alone would take the

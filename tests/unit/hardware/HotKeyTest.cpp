@@ -1,4 +1,5 @@
 #include "base/LProfile.h"
+#include "hardware/HotKeyFault.h"
 #include "hardware/HotKeyList.h"
 #include "hardware/KeyText.h"
 #include "tests/unit/TestKit.h"
@@ -60,6 +61,28 @@ TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
     }
     EXPECT_EQ(HotKeyList(folder.File("an edited one")).Read(), (std::vector<HotKey>{{112, 0, 14}}));
     EXPECT_FALSE(HotKeyList(folder.Path()).Add({65, 1, 4})) << "a folder, which cannot be read as a file";
+}
+
+TEST(HotKeyFault, IsToldOfWhatDoesNothing) {
+    using enum HotKeyFault;
+    static const struct {
+        const char* what;
+        HotKey hotKey;
+        HotKeyFault fault;
+    } kCases[] = {
+        {"works", {65, 2, 3}, None},
+        {"no key", {std::nullopt, 0, 3}, NoKey},
+        {"neither", {std::nullopt, 0, 0}, NoKey},
+        {"no command", {65, 2, 0}, NoCommand},
+        {"a number that is no command", {65, 2, 15}, NoCommand},
+        {"the key of another", {66, 0, 3}, Repeated},
+        {"the key of another, with Ctrl", {66, 2, 3}, None},
+        {"the key of one that does nothing", {67, 0, 3}, None},
+        {"another program's", {90, 0, 3}, Used},
+    };
+    const HotKey others[] = {{66, 0, 4}, {67, 0, 0}};
+    const auto isFree = [](const HotKey& hotKey) { return hotKey.key != 90; };
+    for (const auto& c : kCases) EXPECT_EQ(FaultOf(c.hotKey, others, isFree), c.fault) << c.what;
 }
 
 TEST(KeyText, NamesEveryKey) {
