@@ -18,6 +18,7 @@ inline constexpr char kUntold[] = ".un~";          // of the errors of sending t
 inline constexpr char kLock[] = ".lck";            // of a lock between programs; stays
 inline constexpr char kInUseLock[] = "inuse.lck";  // in a user's folder, while a program runs for that user
 inline constexpr char kUsersLock[] = "users.lck";  // in the data folder, while the list of users is changed
+inline constexpr char kKeysLock[] = "keys.lck";    // in the data folder, while the hot keys are changed
 inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, while a program sends
 inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
 inline constexpr char kInsert[] = ".ins";              // beside a dictation: of an insertion that is not done

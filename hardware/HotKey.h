@@ -15,15 +15,16 @@ struct HotKey {
     int32_t command = 0;  // CI_..., or whatever number the settings file holds
 
     bool operator==(const HotKey&) const = default;
+    bool HasKeyOf(const HotKey& other) const { return key == other.key && modifiers == other.modifiers; }
 };
 
 // What becomes of a key that is pressed in the box in which a hot key is chosen. Enter alone would take the
 // key that every program uses from the whole system; a modifier becomes a hot key only with another key;
-// Escape closes the dialog.
+// Escape closes the dialog; Shift+Tab is the way out of the box by the keyboard.
 enum class KeyCapture { PassOn, Swallow, Store };
 
-constexpr KeyCapture CaptureOf(uint32_t virtualKey) {
-    constexpr uint32_t kReturn = 0x0D, kShift = 0x10, kCtrl = 0x11, kAlt = 0x12, kEscape = 0x1B;
+constexpr KeyCapture CaptureOf(uint32_t virtualKey, int32_t modifiers) {
+    constexpr uint32_t kTab = 0x09, kReturn = 0x0D, kShift = 0x10, kCtrl = 0x11, kAlt = 0x12, kEscape = 0x1B;
     switch (virtualKey) {
         case kReturn:
             return KeyCapture::Swallow;
@@ -32,6 +33,8 @@ constexpr KeyCapture CaptureOf(uint32_t virtualKey) {
         case kAlt:
         case kEscape:
             return KeyCapture::PassOn;
+        case kTab:
+            return modifiers == kModifierShift ? KeyCapture::PassOn : KeyCapture::Store;
         default:
             return KeyCapture::Store;
     }

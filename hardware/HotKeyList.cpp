@@ -1,7 +1,10 @@
 #include "hardware/HotKeyList.h"
 
+#include <algorithm>
 #include <string>
 
+#include "base/LFileLock.h"
+#include "base/LLeftOver.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "store/SettingsKeys.h"
@@ -26,6 +29,9 @@ constexpr ItemKey kItemKeys[] = {kKey, kModifiers, kCommand};
 
 constexpr int32_t kAllModifiers = kModifierAlt | kModifierCtrl | kModifierShift;
 
+// How long the window may wait for another session's change.
+constexpr uint32_t kTurnWaitMs = 300;
+
 // The number under a key of an item; nothing when the key is missing or empty.
 std::optional<int32_t> Number(const LProfileSection& section, int32_t index, const ItemKey& key) {
     const std::string text = section.Read(ListItemKey(key.prefix, index, key.suffix), {});
@@ -36,7 +42,11 @@ std::optional<int32_t> Number(const LProfileSection& section, int32_t index, con
 }  // namespace
 
 std::optional<std::vector<HotKey>> HotKeyList::Read() const {
-    const LProfileSection section(m_file, kKeysSection, kReadWaitMs);
+    return Read(kReadWaitMs);
+}
+
+std::optional<std::vector<HotKey>> HotKeyList::Read(uint32_t waitMs) const {
+    const LProfileSection section(m_file, kKeysSection, waitMs);
     if (section.Result() == LReadResult::Unreadable) return std::nullopt;
     const int32_t count = LParseInt(section.Read(kKeyCount.key, {}));
     std::vector<HotKey> list;
@@ -57,6 +67,16 @@ int32_t HotKeyList::CommandOf(int32_t index) const {
     return Settings::ReadInt(m_file, kKeysSection, ListItemKey(kKeyCommandPrefix, index), 0);
 }
 
+int32_t HotKeyList::CommandOf(int32_t index, const HotKey& registered) const {
+    const auto list = Read(0);
+    if (!list) return registered.command;
+    const auto hasKey = [&](const HotKey& hotKey) { return hotKey.HasKeyOf(registered); };
+    const auto place = static_cast<size_t>(index);
+    if (place < list->size() && hasKey((*list)[place])) return (*list)[place].command;
+    const auto found = std::ranges::find_if(*list, hasKey);
+    return found != list->end() ? found->command : 0;
+}
+
 bool HotKeyList::WriteItem(int32_t index, const HotKey& hotKey) {
     const auto write = [&](const ItemKey& key, int32_t number) {
         return LProfile::Write(m_file, kKeysSection, ListItemKey(key.prefix, index, key.suffix),
@@ -74,26 +94,51 @@ bool HotKeyList::WriteCount(int32_t count) {
     return LProfile::Write(m_file, kKeysSection, kKeyCount.key, std::to_string(count));
 }
 
-bool HotKeyList::Add(const HotKey& hotKey) {
-    const auto list = Read();
-    if (!list) return false;
-    const auto index = static_cast<int32_t>(list->size());
-    return WriteItem(index, hotKey) && WriteCount(index + 1);
-}
-
-bool HotKeyList::Set(int32_t index, const HotKey& hotKey) {
-    return Read() && WriteItem(index, hotKey);
-}
-
-bool HotKeyList::Delete(int32_t index) {
-    const auto list = Read();
-    if (!list) return false;
-    const auto last = static_cast<int32_t>(list->size()) - 1;
-    if (index < 0 || index > last) return false;
+bool HotKeyList::DeleteItem(int32_t index, int32_t last) {
     for (int32_t i = index; i < last; ++i)
         for (const ItemKey& key : kItemKeys)
             Settings::MoveListItem(m_file, kKeysSection, key.prefix, i, i + 1, key.suffix);
     for (const ItemKey& key : kItemKeys)
         Settings::DeleteListItem(m_file, kKeysSection, key.prefix, last, key.suffix);
     return WriteCount(last);
+}
+
+std::optional<int32_t> HotKeyList::Find(const std::vector<HotKey>& list, int32_t index,
+                                        const HotKey& hotKey) {
+    const auto count = static_cast<int32_t>(list.size());
+    if (index >= 0 && index < count && list[static_cast<size_t>(index)] == hotKey) return index;
+    const auto found = static_cast<int32_t>(std::ranges::find(list, hotKey) - list.begin());
+    return found < count ? std::optional(found) : std::nullopt;
+}
+
+// In a folder in which no lock can be made the writes will fail.
+HotKeyList::Change HotKeyList::ChangeList(const std::function<Change(const std::vector<HotKey>&)>& change) {
+    LFileLock turn;
+    const LPath lock = LPath::Join(LFolderOf(m_file.View()), LLeftOver::kKeysLock);
+    if (turn.Take(lock, kTurnWaitMs) == LFileLock::Result::Held) return Change::Busy;
+    const auto list = Read();
+    return list ? change(*list) : Change::Busy;
+}
+
+HotKeyList::Change HotKeyList::Add(const HotKey& hotKey) {
+    return ChangeList([&](const std::vector<HotKey>& list) {
+        const auto index = static_cast<int32_t>(list.size());
+        return WriteItem(index, hotKey) && WriteCount(index + 1) ? Change::Done : Change::NotStored;
+    });
+}
+
+HotKeyList::Change HotKeyList::Set(int32_t index, const HotKey& shown, const HotKey& hotKey) {
+    return ChangeList([&](const std::vector<HotKey>& list) {
+        const auto found = Find(list, index, shown);
+        if (!found) return Change::Gone;
+        return WriteItem(*found, hotKey) ? Change::Done : Change::NotStored;
+    });
+}
+
+HotKeyList::Change HotKeyList::Delete(int32_t index, const HotKey& shown) {
+    return ChangeList([&](const std::vector<HotKey>& list) {
+        const auto found = Find(list, index, shown);
+        if (!found) return Change::Gone;
+        return DeleteItem(*found, static_cast<int32_t>(list.size()) - 1) ? Change::Done : Change::NotStored;
+    });
 }

@@ -11,25 +11,27 @@ static_assert(kModifierAlt == MOD_ALT && kModifierCtrl == MOD_CONTROL && kModifi
 void HotKeys::RegisterHotKeys(HWND window) {
     UnregisterHotKeys();
     m_window = window;
-    const auto list = HotKeyList(m_state.data.settingsFile).Read();
-    if (!list) return;
-    for (const HotKey& hotKey : *list) {
-        const int number = m_count++;
+    m_registered = HotKeyList(m_state.data.settingsFile).Read().value_or(std::vector<HotKey>());
+    for (int number = 0; const HotKey& hotKey : m_registered) {
         // One without a key or a command must not take any from the other programs.
         if (hotKey.key && IsRealCommand(hotKey.command))
             RegisterHotKey(m_window, number, static_cast<UINT>(hotKey.modifiers),
                            static_cast<UINT>(*hotKey.key));
+        ++number;
     }
 }
 
 // Those that were registered, also when another program has changed the list since.
 void HotKeys::UnregisterHotKeys() {
-    const int count = std::exchange(m_count, 0);
-    for (int number = 0; number < count; ++number) UnregisterHotKey(m_window, number);
+    const size_t count = std::exchange(m_registered, {}).size();
+    for (size_t number = 0; number < count; ++number) UnregisterHotKey(m_window, static_cast<int>(number));
 }
 
 int32_t HotKeys::CommandOf(int32_t hotKey) {
-    return HotKeyList(m_state.data.settingsFile).CommandOf(hotKey);
+    const HotKeyList list(m_state.data.settingsFile);
+    const auto number = static_cast<size_t>(hotKey);
+    return number < m_registered.size() ? list.CommandOf(hotKey, m_registered[number])
+                                        : list.CommandOf(hotKey);
 }
 
 void HotKeys::SetTimer(uint32_t ms) {

@@ -2,12 +2,16 @@
 
 #include <windows.h>
 
+#include <vector>
+
 #include "app/AppState.h"
 #include "app/window/DeviceCommands.h"
+#include "hardware/HotKey.h"
 #include "hardware/HotKeyHold.h"
 
 // The hot keys of the main window: keys that give it commands while any program has the keyboard.
-// Errors: a key that the platform refuses, because another program has it, is without effect.
+// Errors: a key that the platform refuses, because another program has it, is without effect; the page of hot
+//         keys says so.
 // Thread: the window thread.
 class HotKeys final : private HotKeyHold::Target {
 public:
@@ -30,6 +34,6 @@ private:
     const AppState& m_state;
     DeviceCommands& m_devices;
     HotKeyHold m_hold{*this};
-    HWND m_window = nullptr;  // null until the first registration
-    int m_count = 0;
+    HWND m_window = nullptr;           // null until the first registration
+    std::vector<HotKey> m_registered;  // the list as it was then, each by its number
 };

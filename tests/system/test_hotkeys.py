@@ -3,9 +3,9 @@
 import subprocess
 import time
 
-from corvane import DIALOG_CLASS, read_ini, wait_for, write_ini
+from corvane import DIALOG_CLASS, IDS, read_ini, wait_for, write_ini
 
-F5, F6, CTRL, SHIFT = 0x74, 0x75, 2, 4
+F5, F6, F8, CTRL, SHIFT = 0x74, 0x75, 0x77, 2, 4
 RECORD, PLAY = 3, 4  # command indexes
 
 
@@ -74,3 +74,50 @@ def test_a_hot_key_is_chosen_by_keys_and_records_behind_another_program(corvane,
     program.command("CM_SETTINGS_HARDWARE")
     wait_for(lambda: program.winctl.ask("find", DIALOG_CLASS, "Hardware Settings")["hwnd"], "the sheet")
     assert program.close() == 0, "with its sheet open"
+
+
+def test_a_hot_key_that_would_do_nothing_is_refused_or_told(corvane, data, winctl, request):
+    """Without a key or a command, another program's, and one that another session has deleted."""
+    keys = lambda: read_ini(data.settings).get("keys", {})
+    program = corvane()
+    wait_active("Corvane")
+    assert winctl.ask("takekey", CTRL, F8)
+    request.addfinalizer(lambda: winctl.ask("takekey", 0, 0))
+    program.command("CM_SETTINGS_HARDWARE")
+    wait_active("Hardware Settings")
+    xdotool("key", "alt+a")
+    wait_active("Hot Key")
+
+    def answer(title, words, key):
+        assert words in program.wait_box(title)
+        wait_active(title)
+        xdotool("key", key)
+
+    for key, words in ("Return", "Choose the key"), ("F9", "Choose what the key shall do"):
+        xdotool("key", key)
+        answer("Error", words, "Return")
+        wait_active("Hot Key")
+    assert not keys()
+    # The refusal has given the keyboard to the list of commands. Shift+Tab goes into the key's box and out of it.
+    xdotool("key", "Down", "Down", "Down", "shift+Tab", "shift+Tab", "alt+c", "Down", "alt+k")
+    for key in "Return", "y":
+        wait_active("Hot Key")
+        xdotool("keydown", "ctrl", "keydown", "F8")
+        wait_active("Key in Use")
+        xdotool("keyup", "F8", "keyup", "ctrl")
+        answer("Key in Use", "Ctrl+F8 is used by another program", key)
+    added = {"keycount": "1", "key0": str(F8), "key0mod": str(CTRL), "command0": str(PLAY)}
+    wait_for(lambda: keys() == added, "the hot key that was agreed to")
+
+    # When two windows close at once the window manager may give the keyboard to nobody: the rest goes by messages.
+    windows = winctl.ask("windows", program.pid)["windows"]
+    sheet = next(w for w in windows if w["text"] == "Hardware Settings")
+    control = lambda name: next(c["hwnd"] for c in sheet["children"] if c["id"] == IDS[name])
+    texts = lambda: [row["texts"][:3] for row in winctl.ask("list", control("IDC_KEYS_LIST"))["rows"]]
+    wait_for(lambda: texts() == [["Ctrl+F8", "Play", "Used by another program"]], "its row")
+    other = {"keycount": "1", "key0": str(F6), "key0mod": "0", "command0": str(RECORD)}
+    write_ini(data.settings, {"keys": other})
+    winctl.ask("click", control("IDC_KEYS_DELETE"))
+    assert "changed or deleted in another window" in program.wait_box("Error")
+    program.answer_box("Error", 1)
+    assert texts() == [["F6", "Record", ""]] and keys() == other

@@ -257,6 +257,13 @@ Json Release(const Json&) {
     return Success(CloseHandle(s_held) != 0);
 }
 
+// takekey <modifiers> <key>: has a hot key, instead of the one it had; without a key none
+Json TakeKey(const Json& command) {
+    UnregisterHotKey(nullptr, 1);
+    const UINT key = command[2].get<UINT>();
+    return Success(key == 0 || RegisterHotKey(nullptr, 1, command[1].get<UINT>(), key) != 0);
+}
+
 // setreg <subkey> <value> <text>: a text in the machine's registry
 Json SetRegistry(const Json& command) {
     HKEY key = nullptr;
@@ -274,10 +281,10 @@ constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},      {"find", Find},         {"hold", Hold},           {"items", Items},
-    {"list", List},        {"post", Post},         {"release", Release},     {"select", Select},
-    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry},  {"text", TextOfWindow},
-    {"window", OneWindow}, {"windows", Windows},   {"resources", Resources},
+    {"click", Click},       {"find", Find},         {"hold", Hold},          {"items", Items},
+    {"list", List},         {"post", Post},         {"release", Release},    {"select", Select},
+    {"send", Send},         {"sendatom", SendAtom}, {"setreg", SetRegistry}, {"takekey", TakeKey},
+    {"text", TextOfWindow}, {"window", OneWindow},  {"windows", Windows},    {"resources", Resources},
 };
 
 }  // namespace

@@ -1,4 +1,7 @@
+#include "base/LFileLock.h"
+#include "base/LLeftOver.h"
 #include "base/LProfile.h"
+#include "hardware/HotKeyFault.h"
 #include "hardware/HotKeyList.h"
 #include "hardware/KeyText.h"
 #include "tests/unit/TestKit.h"
@@ -20,15 +23,24 @@ TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
     static const struct {
         const char* what;
         const char* before;
-        bool (*change)(HotKeyList& list);
+        HotKeyList::Change (*change)(HotKeyList& list);
         const char* after;
     } kCases[] = {
         {"first of two", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
-         [](HotKeyList& list) { return list.Delete(0); }, "1: 66/2/4 -/-/- -/-/-"},
+         [](HotKeyList& list) {
+             return list.Delete(0, {65, 1, 3});
+         },
+         "1: 66/2/4 -/-/- -/-/-"},
         {"before one without a key", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\ncommand1=4",
-         [](HotKeyList& list) { return list.Delete(0); }, "1: -/-/4 -/-/- -/-/-"},
+         [](HotKeyList& list) {
+             return list.Delete(0, {65, 1, 3});
+         },
+         "1: -/-/4 -/-/- -/-/-"},
         {"the last", "keycount=2\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
-         [](HotKeyList& list) { return list.Delete(1); }, "1: -/-/3 -/-/- -/-/-"},
+         [](HotKeyList& list) {
+             return list.Delete(1, {66, 2, 4});
+         },
+         "1: -/-/3 -/-/- -/-/-"},
         {"an added one", "",
          [](HotKeyList& list) {
              return list.Add({116, 6, 12});
@@ -46,20 +58,75 @@ TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
          "2: -/-/3 65/1/4 -/-/-"},
         {"an edited one", "keycount=1\nkey0=65\nkey0mod=1\ncommand0=3",
          [](HotKeyList& list) {
-             return list.Set(0, {112, 0, 14});
+             return list.Set(0, {65, 1, 3}, {112, 0, 14});
          },
          "1: 112/0/14 -/-/- -/-/-"},
+        {"one that another session's deletion has moved", "keycount=1\nkey0=66\nkey0mod=2\ncommand0=4",
+         [](HotKeyList& list) {
+             return list.Set(1, {66, 2, 4}, {112, 0, 14});
+         },
+         "1: 112/0/14 -/-/- -/-/-"},
+        {"of two equal ones that which was meant",
+         "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=65\nkey1mod=1\ncommand1=3",
+         [](HotKeyList& list) {
+             return list.Set(1, {65, 1, 3}, {112, 0, 14});
+         },
+         "2: 65/1/3 112/0/14 -/-/-"},
     };
     const TempFolder folder;
     for (const auto& c : kCases) {
         const LPath file = folder.File(c.what);
         WriteFileText(file, std::string("[keys]\n") + c.before + "\n");
         HotKeyList list(file);
-        EXPECT_TRUE(c.change(list)) << c.what;
+        EXPECT_EQ(c.change(list), HotKeyList::Change::Done) << c.what;
         EXPECT_EQ(Stored(file), c.after) << c.what;
     }
     EXPECT_EQ(HotKeyList(folder.File("an edited one")).Read(), (std::vector<HotKey>{{112, 0, 14}}));
-    EXPECT_FALSE(HotKeyList(folder.Path()).Add({65, 1, 4})) << "a folder, which cannot be read as a file";
+    LFile::MakeFolder(folder.File("folder"));
+    EXPECT_EQ(HotKeyList(folder.File("folder")).Add({65, 1, 4}), HotKeyList::Change::Busy)
+        << "cannot be read";
+}
+
+TEST(HotKeyList, ChangesNothingThatItDoesNotStandForAnyMore) {
+    using enum HotKeyList::Change;
+    const TempFolder folder;
+    const LPath file = folder.File("settings.ini");
+    WriteFileText(file, "[keys]\nkeycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=66\ncommand1=4\n");
+    const std::string before = Stored(file);
+    HotKeyList list(file);
+    EXPECT_EQ(list.Set(0, {65, 1, 12}, {112, 0, 14}), Gone) << "its command has changed";
+    EXPECT_EQ(list.Delete(2, {67, 0, 4}), Gone) << "deleted";
+    LFileLock other;  // another session changes the list
+    ASSERT_EQ(other.TryTake(folder.File(LLeftOver::kKeysLock)), LFileLock::Result::Taken);
+    EXPECT_EQ(list.Add({112, 0, 14}), Busy);
+    EXPECT_EQ(list.Delete(0, {65, 1, 3}), Busy);
+    EXPECT_EQ(Stored(file), before);
+
+    EXPECT_EQ(list.CommandOf(0, {66, 0, 12}), 4) << "its key has another number now";
+    EXPECT_EQ(list.CommandOf(0, {67, 0, 12}), 0) << "its key is in the list no more";
+    EXPECT_EQ(list.CommandOf(1, {66, 0, 12}), 4);
+}
+
+TEST(HotKeyFault, IsToldOfWhatDoesNothing) {
+    using enum HotKeyFault;
+    static const struct {
+        const char* what;
+        HotKey hotKey;
+        HotKeyFault fault;
+    } kCases[] = {
+        {"works", {65, 2, 3}, None},
+        {"no key", {std::nullopt, 0, 3}, NoKey},
+        {"neither", {std::nullopt, 0, 0}, NoKey},
+        {"no command", {65, 2, 0}, NoCommand},
+        {"a number that is no command", {65, 2, 15}, NoCommand},
+        {"the key of another", {66, 0, 3}, Repeated},
+        {"the key of another, with Ctrl", {66, 2, 3}, None},
+        {"the key of one that does nothing", {67, 0, 3}, None},
+        {"another program's", {90, 0, 3}, Used},
+    };
+    const HotKey others[] = {{66, 0, 4}, {67, 0, 0}};
+    const auto isFree = [](const HotKey& hotKey) { return hotKey.key != 90; };
+    for (const auto& c : kCases) EXPECT_EQ(FaultOf(c.hotKey, others, isFree), c.fault) << c.what;
 }
 
 TEST(KeyText, NamesEveryKey) {
