@@ -9,9 +9,9 @@
 #include "store/CurrentUser.h"
 #include "store/SendToSettings.h"
 
-// Deletes one recipient of a user. Recipients are numbered without gaps, so the record file of each one behind
-// it takes the place of the one before; and what waits in the queue goes on to the same typist under his new
-// number. An entry for the deleted one names no record file any more: it fails, and the user is told.
+// Deletes one recipient of a user. Recipients are numbered without gaps, so the record file of each one
+// behind it takes the place of the one before; and what waits in the queue goes on to the same typist under
+// his new number. An entry for the deleted one names no record file any more: it fails, and the user is told.
 // A journal in the user's folder says from before the first step until after the last what is to be done, so
 // that a deletion which was cut off never sends a dictation to the typist behind the one that was meant.
 // Precondition: the caller is the sender of the data folder (sending.lck) and sends nothing meanwhile, as an

@@ -13,8 +13,8 @@ class CollectStatus final : private LThread {
 public:
     ~CollectStatus() override { Stop(); }
 
-    // Begins a round for this user. False, and nothing is begun, while one runs. isQueued and done are called on the thread,
-    // done at the end of the round.
+    // Begins a round for this user. False, and nothing is begun, while one runs. isQueued and done are called
+    // on the thread, done at the end of the round.
     bool Begin(const DataFolder& data, const CurrentUser& user, AskQueue isQueued,
                std::function<void()> done);
     // True when the thread has ended.

@@ -17,8 +17,9 @@
 #include "send/BGSend.h"
 #include "ui/LModalRunner.h"
 
-// Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is touched the transport is stopped and the notes are saved, and all questions to
-// the user are asked.
+// Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is
+// touched its notes are saved and all questions to the user are asked; before one is sent or deleted, the
+// transport is stopped.
 // Errors: reported to the user, each once; false when nothing or not everything was done.
 // Thread: the window thread.
 class DictationCommands {

@@ -99,6 +99,7 @@ def test_views_boxes_and_the_focus(corvane, data):
     point_at(program, "IDC_GOTOSTART")
     xdotool("click", 1, "type", "Henryneedsit")
     assert stays(lambda: len(program.rows()) == 4 and program.api(7) == STOPPED, 0.5), "letters are no commands"
+    program.select(2)
     program.command("CM_PLAY")
     wait_for(lambda: program.api(7) == PLAYING, "a dictation that plays")
     program.select(3)  # ends it, and disables the button that has the focus
