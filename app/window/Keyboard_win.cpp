@@ -32,8 +32,9 @@ bool Keyboard::PreTranslateMessage(const MSG& message) {
             if (m_heldKey == 0 || message.wParam != m_heldKey) return false;
             ReleaseHeld();
             return true;
-        // The list view would select the row whose name starts with the character, and another dictation would
-        // become current; a button would take it as a mnemonic without Alt, and the "e" of a word would send.
+        // The list view would select the row whose name starts with the character, and another dictation
+        // would become current; a button would take it as a mnemonic without Alt, and the "e" of a word would
+        // send.
         case WM_CHAR:
             return !IsText(FocusOf(message.hwnd));
         // Alt with the letter of a button would press it again with each repeat.

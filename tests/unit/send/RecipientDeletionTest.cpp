@@ -67,7 +67,8 @@ TEST(RecipientDeletion, IsFinishedFromWhereverItWasCutOff) {
     for (const char* const end : {"moves", "queue", "count"}) {
         Recipients world;
         const bool isCount = std::string_view(end) == "count";
-        const LPath beside = isCount ? LPath(world.userFile.View()) : world.queue.WithExtension(LLeftOver::kQueue);
+        const LPath beside =
+            isCount ? LPath(world.userFile.View()) : world.queue.WithExtension(LLeftOver::kQueue);
         const LPath blocked = isCount ? LProfile::CopyOf(beside) : beside;
         LFile::MakeFolder(blocked);
         EXPECT_FALSE(RecipientDeletion(world.folder, 0, world.file).Begin(0)) << end;
