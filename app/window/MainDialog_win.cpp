@@ -314,7 +314,8 @@ void MainDialog::EvMove(WPARAM, LPARAM) {
 
 void MainDialog::EvSize(WPARAM wParam, LPARAM) {
     if (wParam == SIZE_MINIMIZED) return;
-    if (m_layout.EvSize(wParam)) m_display.ShowSituation(Situation());
+    const HWND focus = GetFocus();
+    if (m_layout.EvSize(wParam)) ViewChanged(focus);
     m_layout.LayoutControls();
     m_display.EvPlaced();
     m_list.FitColumns();

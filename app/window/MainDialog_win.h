@@ -142,6 +142,7 @@ private:
     bool SetRecordMode(RecordMode mode);
     bool SetPlaySpeed(PlaySpeed speed);
     bool SetView(ViewMode view);
+    void ViewChanged(HWND focus);
     bool Dock();
     bool ShowHardwareSettings();
     bool RecoverSent();
