@@ -53,6 +53,7 @@ void ListColumns::Attach(HWND list) {
     m_nameWidth = WidthOf(Name);
     if (const HWND header = GetDlgItem(m_list, 0))
         SetWindowLongA(header, GWL_STYLE, GetWindowLongA(header, GWL_STYLE) | kHeaderFlat);
+    Fit();  // a window that starts maximized has its size already
 }
 
 // A width that comes from texts is not scaled with the font: at large fonts the notes need the room.
