@@ -18,6 +18,13 @@ bool LEqualNoCase(std::string_view a, std::string_view b) {
     return true;
 }
 
+std::string LShownText(std::string_view text) {
+    std::string shown(text);
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < 32) c = ' ';
+    return shown;
+}
+
 std::string LFormat(const char* format, ...) {
     va_list measured;
     va_list written;

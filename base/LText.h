@@ -27,5 +27,8 @@ std::string LFormat(const char* format, ...) __attribute__((format(printf, 1, 2)
 int64_t LParseInt64(std::string_view text);
 int32_t LParseInt(std::string_view text);
 
+// A text from a file as it is shown in one line: each byte below 32 is a blank.
+std::string LShownText(std::string_view text);
+
 // The text before its first zero byte (the whole of it when it holds none).
 std::string_view LBeforeZero(std::string_view text);

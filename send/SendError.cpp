@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/LText.h"
+
 static constexpr size_t kLongestName = 80;  // characters of a name that the box shows
 // Names and texts of others in a box, which must not outgrow the screen.
 static constexpr size_t kMostNames = 12;
@@ -11,9 +13,7 @@ static constexpr char kUnable[] = "Unable to send the dictation.\n\n";
 // Makes a name fit for a box: names come from files, so they may hold control characters and be of any
 // length.
 static std::string Shown(std::string_view name) {
-    std::string shown(name.substr(0, kLongestName));
-    std::ranges::replace_if(
-        shown, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    const std::string shown = LShownText(name.substr(0, kLongestName));
     return name.size() > kLongestName ? shown + "..." : shown;
 }
 

@@ -21,11 +21,7 @@ std::string Preview(const LPath& notes) {
     uint8_t bytes[kPreviewBytes];
     LFile file(notes, LFile::Open::Read);
     const size_t count = file.Read(bytes);
-    std::string text(LBeforeZero(AsText(std::span(bytes).first(count))));
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < 32) c = ' ';
-    }
-    return text;
+    return LShownText(LBeforeZero(AsText(std::span(bytes).first(count))));
 }
 
 static LReadResult TryRead(const LPath& notes, std::string& text) {

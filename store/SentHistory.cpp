@@ -50,9 +50,9 @@ void SentHistory::Read(int32_t number, const Stamp& stamp) {
     read.record = record;
     read.number = values.number.value_or(0);
     read.sendDate = values.sendDate.value_or(0) > 0 ? *values.sendDate : LNowSeconds();
-    if (!values.name.empty()) read.name = values.name;
-    if (!values.recipient.empty()) read.recipient = values.recipient;
-    if (!values.sendStatus.empty()) read.status = values.sendStatus;
+    if (!values.name.empty()) read.name = LShownText(values.name);
+    if (!values.recipient.empty()) read.recipient = LShownText(values.recipient);
+    if (!values.sendStatus.empty()) read.status = LShownText(values.sendStatus);
     // Without a stamp it is read again.
     known = {values.result == LReadResult::Values ? stamp : Stamp{}, read};
     m_isChanged = true;

@@ -10,6 +10,7 @@
 #include "base/LProcess.h"
 
 // A dictation in the Sent folder, as its record describes it; what the record does not say has a default.
+// Its texts are as they are shown.
 struct SentDictation {
     LPath record;
     int32_t number = 0;    // the record's "number"; 0 when it has none

@@ -18,6 +18,19 @@ void LAnchors::Attach(HWND dialog, std::span<const LAnchor> anchors) {
     SendMessageA(dialog, WM_SETICON, ICON_SMALL, icon);
 }
 
+bool LAnchors::HandleMessage(UINT message, WPARAM, LPARAM lParam) const {
+    switch (message) {
+        case WM_SIZE:
+            EvSize();
+            return true;
+        case WM_GETMINMAXINFO:
+            EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
+            return true;
+        default:
+            return false;
+    }
+}
+
 void LAnchors::EvSize() const {
     if (m_placed.empty()) return;
     RECT client = {};

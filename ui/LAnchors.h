@@ -20,12 +20,13 @@ class LAnchors {
 public:
     // To be called from InitDialog, while the dialog has the size of its template.
     void Attach(HWND dialog, std::span<const LAnchor> anchors);
-    // WM_SIZE: places the controls.
-    void EvSize() const;
-    // WM_GETMINMAXINFO.
-    void EvGetMinMaxInfo(MINMAXINFO& info) const;
+    // To be given the dialog's messages: works off WM_SIZE and WM_GETMINMAXINFO, and leaves the others.
+    bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) const;
 
 private:
+    void EvSize() const;
+    void EvGetMinMaxInfo(MINMAXINFO& info) const;
+
     struct Placed {
         LAnchor anchor;
         RECT box;  // as in the template, in pixels of the client area

@@ -65,14 +65,9 @@ bool RecoverDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LR
         case WM_TIMER:
             EvTimer();
             return true;
-        case WM_SIZE:
-            m_anchors.EvSize();
-            return true;
-        case WM_GETMINMAXINFO:
-            m_anchors.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
-            return true;
         default:
-            return LDialog::HandleMessage(message, wParam, lParam, result);
+            return m_anchors.HandleMessage(message, wParam, lParam) ||
+                   LDialog::HandleMessage(message, wParam, lParam, result);
     }
 }
 

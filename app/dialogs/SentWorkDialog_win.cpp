@@ -71,15 +71,11 @@ bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
         case WM_STATUSCOLLECTED:
             Refresh(m_history.Refresh(kReadBudgetMs));
             return true;
-        case WM_SIZE:
-            m_anchors.EvSize();
-            FillWidth();
-            return true;
-        case WM_GETMINMAXINFO:
-            m_anchors.EvGetMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
-            return true;
         default:
-            return LDialog::HandleMessage(message, wParam, lParam, result);
+            if (!m_anchors.HandleMessage(message, wParam, lParam))
+                return LDialog::HandleMessage(message, wParam, lParam, result);
+            if (message == WM_SIZE) FillWidth();
+            return true;
     }
 }
 

@@ -70,6 +70,8 @@ private:
     void InitPage() override {
         LSetWindowText(Item(IDC_DETAILS_NAME), Settings::Read(m_userFile, UserKeys::kName));
         LSetWindowText(Item(IDC_DETAILS_EMAIL), Settings::Read(m_userFile, UserKeys::kEmail));
+        // The sheet puts the focus on the first field; nobody begins with what he cannot edit.
+        PostMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(IDC_DETAILS_COMPANY)), TRUE);
     }
 
     const LPath& m_userFile;

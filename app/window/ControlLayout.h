@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <span>
 
 #include "app/window/WindowFit.h"
@@ -21,6 +22,12 @@ struct DialogUnits {
     int x4 = 6;
     int y8 = 13;
 };
+
+// Width of the beginning of a line whose end is to be read whole, in the unit of the arguments: what the end
+// leaves, but at least half of the line.
+constexpr int BeginWidth(int room, int begin, int end) {
+    return std::min(begin, std::max(room - end, room / 2));
+}
 
 // Computes the place of every control in a view. The transport row is the same in every view, and no place
 // depends on the state of the window, so nothing moves while the program works. Label

@@ -42,3 +42,20 @@ std::string FormatTimeOfDay(int64_t seconds) {
     GetTimeFormatA(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, text, sizeof text);
     return text;
 }
+
+static constexpr int64_t kHour = 3600;
+static constexpr int64_t kDay = 24 * kHour;
+
+// Each month, each with several days of the week, which differ in width where they are words.
+std::vector<std::string> SampleDates() {
+    constexpr int64_t kStep = 5 * kDay;
+    std::vector<std::string> dates;
+    for (int64_t seconds = 0; seconds < 366 * kDay; seconds += kStep) dates.push_back(FormatDate(seconds));
+    return dates;
+}
+
+std::vector<std::string> SampleTimesOfDay() {
+    std::vector<std::string> times;
+    for (int64_t seconds = 0; seconds < kDay; seconds += kHour) times.push_back(FormatTimeOfDay(seconds));
+    return times;
+}

@@ -27,20 +27,7 @@ constexpr int kFontHeight = 16;  // pixels
 constexpr uint32_t kTellAfterMs = 300;
 constexpr uint32_t kTellPeriodMs = 100;
 
-struct Column {
-    const char* heading;
-    int width;  // pixels
-};
-constexpr Column kColumns[] = {
-    {"Dictation", 120}, {"Date", 70}, {"Time", 70}, {"Dur", 60}, {"Priority", 70}, {"Notes", 200},
-};
-
-constexpr int kColumnCount = static_cast<int>(std::size(kColumns));
-constexpr int kDurationColumn = 3;
-constexpr int kPriorityColumn = 4;
-constexpr int kNotesColumn = 5;
-constexpr int kLabelMargins = 8;     // pixels beside the text of a name
-constexpr LONG kHeaderFlat = 0x200;  // the style HDS_FLAT, where the platform knows it
+constexpr int kLabelMargins = 8;  // pixels beside the text of a name
 
 // The index of a row's picture.
 int PictureOf(const RowSign& sign) {
@@ -48,7 +35,7 @@ int PictureOf(const RowSign& sign) {
 }
 
 // The texts of a row, in the order of the columns.
-std::array<std::string, kColumnCount> TextsOf(const DictationRow& row) {
+std::array<std::string, ListColumns::Count> TextsOf(const DictationRow& row) {
     return {row.name, FormatDate(row.date), FormatTimeOfDay(row.date), row.duration, row.priority, row.notes};
 }
 
@@ -70,7 +57,6 @@ void DictationList::Attach(HWND list, Owner& owner) {
     m_list = list;
     m_owner = &owner;
     ListView_SetExtendedListViewStyle(m_list, LVS_EX_FULLROWSELECT);
-    AddColumns();
     EvColoursChanged();
     LOGFONTA font = {};
     GetObjectA(reinterpret_cast<HFONT>(SendMessageA(m_list, WM_GETFONT, 0, 0)), sizeof font, &font);
@@ -79,21 +65,7 @@ void DictationList::Attach(HWND list, Owner& owner) {
     font.lfWeight = FW_NORMAL;
     m_font.Reset(CreateFontIndirectA(&font));
     SendMessageA(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
-}
-
-void DictationList::AddColumns() {
-    int index = 0;
-    for (const Column& column : kColumns) {
-        LVCOLUMNA item = {};
-        item.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
-        item.pszText = const_cast<char*>(column.heading);
-        item.cx = LScaled(column.width);
-        item.iSubItem = index;
-        SendMessageA(m_list, LVM_INSERTCOLUMNA, static_cast<WPARAM>(index++),
-                     reinterpret_cast<LPARAM>(&item));
-    }
-    if (const HWND header = GetDlgItem(m_list, 0))
-        SetWindowLongA(header, GWL_STYLE, GetWindowLongA(header, GWL_STYLE) | kHeaderFlat);
+    m_columns.Attach(m_list);
 }
 
 // One picture for each RowSign, put together from icons on the window's colour, which is then transparent:
@@ -126,20 +98,6 @@ void DictationList::MakeSigns() {
     // The list deletes its images with itself.
     if (const HIMAGELIST before = ListView_SetImageList(m_list, images, LVSIL_SMALL))
         ImageList_Destroy(before);
-}
-
-void DictationList::FitColumns() {
-    if (m_list == nullptr || std::exchange(m_isFitting, true)) return;
-    RECT box = {};
-    GetClientRect(m_list, &box);
-    // The room for the scroll bar is kept free when there is none: columns do not jump when it comes.
-    const bool hasBar = (GetWindowLongA(m_list, GWL_STYLE) & WS_VSCROLL) != 0;
-    const int room = static_cast<int>(box.right) - (hasBar ? 0 : GetSystemMetrics(SM_CXVSCROLL));
-    int others = 0;
-    for (int column = 0; column + 1 < kColumnCount; ++column)
-        others += ListView_GetColumnWidth(m_list, column);
-    ListView_SetColumnWidth(m_list, kColumnCount - 1, LastColumnWidth(room, others));
-    m_isFitting = false;
 }
 
 void DictationList::EvColoursChanged() {
@@ -216,7 +174,7 @@ int DictationList::AddRow(const DictationRow& row) {
     m_rows.Append(row.number, row.files.record);
     if (row.isUnreadable) m_unreadable.push_back(row.files.record);
     const auto texts = TextsOf(row);
-    for (int column = 1; column < kColumnCount; ++column)
+    for (int column = 1; column < ListColumns::Count; ++column)
         SetText(index, column, texts[static_cast<size_t>(column)]);
     return index;
 }
@@ -312,7 +270,7 @@ bool DictationList::AreLast(const std::vector<DictationRow>& rows) const {
 
 void DictationList::ChangeTexts(int index, const DictationRow& row) {
     const auto texts = TextsOf(row);
-    for (int column = 0; column < kColumnCount; ++column)
+    for (int column = 0; column < ListColumns::Count; ++column)
         if (TextAt(index, column) != texts[static_cast<size_t>(column)])
             SetText(index, column, texts[static_cast<size_t>(column)]);
     SetSign(index, SignOf(row, row.files.record == m_recorded));
@@ -389,14 +347,15 @@ void DictationList::ShowRecorded(const std::optional<DictationFiles>& files) {
     m_recorded = files ? files->record : LPath();
     const int index = files ? m_rows.IndexOf(m_recorded) : -1;
     if (index >= 0)
-        SetSign(index, {RowSign::Holds::RecordingNow, !TextAt(index, kNotesColumn).empty(),
-                        PriorityIndex(TextAt(index, kPriorityColumn)) == 0});
+        SetSign(index, {RowSign::Holds::RecordingNow, !TextAt(index, ListColumns::Notes).empty(),
+                        PriorityIndex(TextAt(index, ListColumns::Priority)) == 0});
 }
 
 void DictationList::ShowLength(int32_t lengthMs) {
     const int index = m_recorded.Empty() ? -1 : m_rows.IndexOf(m_recorded);
     const std::string text = FormatDuration(lengthMs);
-    if (index >= 0 && TextAt(index, kDurationColumn) != text) SetText(index, kDurationColumn, text);
+    if (index >= 0 && TextAt(index, ListColumns::Duration) != text)
+        SetText(index, ListColumns::Duration, text);
 }
 
 bool DictationList::IsBesideRows(POINT place) const {
@@ -432,7 +391,7 @@ POINT DictationList::MenuPlace() const {
 int DictationList::CommonPriority() const {
     int common = -1;
     for (int i = -1; (i = ListView_GetNextItem(m_list, i, LVNI_SELECTED)) >= 0;) {
-        const int priority = PriorityIndex(TextAt(i, kPriorityColumn));
+        const int priority = PriorityIndex(TextAt(i, ListColumns::Priority));
         if (priority < 0 || (common >= 0 && priority != common)) return -1;
         common = priority;
     }
@@ -523,7 +482,7 @@ bool DictationList::HandleNotify(const NMHDR& header, LRESULT& result) {
             return true;
         case HDN_ITEMCHANGEDA:
         case HDN_ITEMCHANGEDW:
-            FitColumns();
+            m_columns.Fit();
             return true;
         case NM_DBLCLK:
             if (reinterpret_cast<const NMLISTVIEW&>(header).iItem >= 0) m_owner->PlayFromStart();

@@ -10,6 +10,7 @@
 #include "app/transport/CurrentDictation.h"
 #include "app/window/Contrast.h"
 #include "app/window/DictationRow.h"
+#include "app/window/ListColumns_win.h"
 #include "app/window/RowOrder.h"
 #include "base/LProcess.h"
 #include "ui/LWin.h"
@@ -45,7 +46,7 @@ public:
     // Deletes the font; called when the window is destroyed.
     void ReleaseFont() { m_font.Reset(); }
     // Gives the last column the room that the others leave; called when the list has changed its size.
-    void FitColumns();
+    void FitColumns() { m_columns.Fit(); }
     // The colour scheme has changed.
     void EvColoursChanged();
 
@@ -130,7 +131,6 @@ private:
     void MoveToEnd(const DictationRow& row, LListViewChange& change);
     void SetText(int index, int column, const std::string& text);
     void SetSign(int index, const RowSign& sign);
-    void AddColumns();
     void MakeSigns();
     LRESULT EvCustomDraw(NMLVCUSTOMDRAW& draw) const;
     void DrawSign(HDC dc, int index) const;
@@ -149,7 +149,7 @@ private:
     Owner* m_owner = nullptr;
     LFont m_font;
     RowColours m_unfocused = {};  // of selected rows while the list does not have the focus
-    bool m_isFitting = false;
+    ListColumns m_columns;
     LPath m_recorded;  // record of the dictation that is being recorded
     RowOrder m_rows;   // mirrors the rows of the list view, in the same order
     std::optional<int32_t> m_renamedNumber;

@@ -26,9 +26,9 @@ DictationRow LoadFiles(const DictationFiles& files, const Worth& worth) {
     const int32_t numberOfName = NumberOfFileName(row.files.record).value_or(0);
     row.number = values.number.value_or(numberOfName);
     const bool isRead = values.result == LReadResult::Values;
-    row.name = isRead ? values.name : LSplitPath(files.record.View()).name;
+    row.name = LShownText(isRead ? values.name : LSplitPath(files.record.View()).name);
     row.date = values.date.value_or(0);
-    row.priority = values.priority;
+    row.priority = LShownText(values.priority);
     const int32_t lengthMs = worth.audio ? LWaveFile::LengthMs(files.audio) : 0;
     row.hasAudio = lengthMs > 0;
     row.duration = FormatDuration(lengthMs);

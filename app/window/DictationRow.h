@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "store/FolderListing.h"
 
 // The texts and values that the list shows of one dictation, read from its three files, each opened once.
+// Control characters in the files' texts are blanks here, and stay in the files.
 struct DictationRow {
     DictationFiles files;
     int32_t number = 0;  // the record's "number"
@@ -46,6 +48,14 @@ int PriorityIndex(std::string_view name);
 constexpr int kLeastColumnWidth = 24;  // pixels
 constexpr int LastColumnWidth(int room, int others) {
     return room - others >= kLeastColumnWidth ? room - others : 0;
+}
+
+// Width of the names' column, given the room for names and notes: up to wanted, so that the notes keep a
+// usable width, but not below least. Only where there is not even that much the names give way, since a
+// scroll bar below would cost a row.
+constexpr int NameColumnWidth(int room, int least, int wanted, int usableNotes) {
+    const int width = std::clamp(room - usableNotes, least, wanted);
+    return std::min(width, std::max(room, least / 2));
 }
 
 // Loads a row. Missing files give empty texts, the duration 00:00 and the normal priority. Does not wait for

@@ -87,8 +87,9 @@ KeyAction ActionOf(const KeyPress& press) {
     if ((press.key == kF7 || press.key == kF8) && IsWith(press, With::Nothing))
         return {press.repeats ? Kind::Swallow : Kind::Wind, 0,
                 press.key == kF7 ? WindDirection::Back : WindDirection::Forward};
-    // The dialog would press the focused button again with each repeat.
-    if (press.key == kReturn && press.repeats && press.focus == KeyFocus::Button) return {Kind::Swallow};
+    // The dialog would press its own buttons again with each repeat, and those that are drawn not at all.
+    if (press.key == kReturn && press.focus == KeyFocus::Button)
+        return {press.repeats ? Kind::Swallow : Kind::PressButton};
     if (press.focus == KeyFocus::Notes && IsEditing(press.key)) return {};
     if (press.key == 'A' && IsWith(press, With::Ctrl)) return {Kind::SelectAll};
     if (press.key == kReturn && press.focus == KeyFocus::List && IsWith(press, With::Nothing))

@@ -33,6 +33,7 @@ struct KeyAction {
         Wind,  // for as long as the key is held
         SelectAll,
         PlayRow,  // as a double click on it does
+        PressButton,
     };
     Kind kind = Kind::PassOn;
     int command = 0;

@@ -78,6 +78,11 @@ void Keyboard::Act(const KeyAction& action, const MSG& message) {
         case KeyAction::Kind::PlayRow:
             m_target.PlayRow();
             break;
+        case KeyAction::Kind::PressButton: {
+            const int button = GetDlgCtrlID(message.hwnd);
+            if (!IsSecondPress(MenuCommandOf(button), message.time)) m_target.Give(button);
+            break;
+        }
         case KeyAction::Kind::Swallow:
         case KeyAction::Kind::PassOn:
             break;

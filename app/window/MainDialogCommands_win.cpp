@@ -192,11 +192,11 @@ bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
 }
 
 bool MainDialog::SetView(ViewMode view) {
-    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the name editor, which might become invisible
-    // Where one row is shown, one is selected: Delete and Send take all that are.
-    if (view == ViewMode::Compact && m_current) m_list.SelectFile(m_current.Files()->record);
     const HWND focus = GetFocus();
     m_layout.SetView(view);
+    if (m_list.IsRenaming()) SetFocus(Item(IDC_LIST));  // ends the name editor, which may be invisible now
+    // Where one row is shown, one is selected: Delete and Send take all that are.
+    if (m_layout.View() == ViewMode::Compact && m_current) m_list.SelectFile(m_current.Files()->record);
     m_display.ShowSituation(Situation());
     // The list has the focus again after the compact view; notes that are typed keep it.
     const bool isTyping = focus == Item(IDC_NOTES) && IsWindowVisible(focus);

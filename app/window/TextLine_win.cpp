@@ -1,32 +1,50 @@
 #include "app/window/TextLine_win.h"
 
+#include <algorithm>
+
+#include "app/window/ControlLayout.h"
 #include "ui/LWin.h"
 
-void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int right) {
+static LONG WidthOf(HDC dc, std::string_view text) {
+    SIZE size = {};
+    GetTextExtentPoint32A(dc, text.data(), static_cast<int>(text.size()), &size);
+    return size.cx;
+}
+
+static void DrawPart(HDC dc, RECT box, std::string_view text) {
+    DrawTextA(dc, text.data(), static_cast<int>(text.size()), &box,
+              DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int right, size_t keptBytes) {
     RECT box = item.rcItem;
     const LBrush brush(CreateSolidBrush(colours.background));
     FillRect(item.hDC, &box, brush.Get());
-    if (right > 0 && right < box.right) box.right = right;
+    box.right = right;
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, colours.text);
     const std::string text = LWindowText(item.hwndItem);
-    DrawTextA(item.hDC, text.c_str(), static_cast<int>(text.size()), &box,
-              DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    const std::string_view all = text;
+    const std::string_view kept = all.substr(all.size() - std::min(keptBytes, all.size()));
+    const std::string_view begin = all.substr(0, all.size() - kept.size());
+    const int room = static_cast<int>(box.right - box.left);
+    RECT first = box;
+    first.right = first.left + BeginWidth(room, WidthOf(item.hDC, begin), WidthOf(item.hDC, kept));
+    box.left = first.right;
+    DrawPart(item.hDC, first, begin);
+    DrawPart(item.hDC, box, kept);
 }
 
 int TextWidth(HWND control, const std::string& text) {
     const HDC dc = GetDC(control);
     const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
-    SIZE size = {};
-    GetTextExtentPoint32A(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    const LONG width = WidthOf(dc, text);
     SelectObject(dc, old);
     ReleaseDC(control, dc);
-    return static_cast<int>(size.cx);
+    return static_cast<int>(width);
 }
 
-std::string TextThatIsCut(HWND control) {
-    RECT box;
-    GetClientRect(control, &box);
+std::string TextThatIsCut(HWND control, int right) {
     const std::string text = LWindowText(control);
-    return TextWidth(control, text) > box.right ? text : std::string();
+    return TextWidth(control, text) > right ? text : std::string();
 }

@@ -12,9 +12,10 @@ struct LineColours {
     COLORREF text;
 };
 
-// Draws the control's text. right: where the line ends, in pixels of the control; 0: at its edge.
-void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int right = 0);
-// The text of a control in which it does not fit; empty when it does.
-std::string TextThatIsCut(HWND control);
+// Draws the control's text. right: where the line ends, in pixels of the control. keptBytes: of the text's
+// end that is not cut as long as half of the line is enough for it; what is before it is.
+void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int right, size_t keptBytes);
+// The text of a control in whose line it does not fit; empty when it does.
+std::string TextThatIsCut(HWND control, int right);
 // The width of a text in a control's font, in pixels.
 int TextWidth(HWND control, const std::string& text);

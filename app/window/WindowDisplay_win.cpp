@@ -50,7 +50,7 @@ void WindowDisplay::Detach() {
 }
 
 void WindowDisplay::ShowUser(const std::string& userName) {
-    m_loggedOn = LFormat("Logged on as [%s]", userName.c_str());
+    m_loggedOn = LFormat("Logged on as [%s]", LShownText(userName).c_str());
     m_normalState = m_loggedOn;
     ShowState();
 }
@@ -88,8 +88,9 @@ void WindowDisplay::AddToolTips() {
 
 std::string WindowDisplay::TipOf(HWND control) const {
     if (m_toolTips.IsHushed()) return {};
-    const char* const tip = TipTextOf(GetDlgCtrlID(control));
-    return tip != nullptr ? tip : TextThatIsCut(control);
+    const int number = GetDlgCtrlID(control);
+    const char* const tip = TipTextOf(number);
+    return tip != nullptr ? tip : TextThatIsCut(control, LineEnd(number));
 }
 
 // The list has no tip over its rows, where it would cover the words one reads, but for a name that is cut.
@@ -226,17 +227,26 @@ void WindowDisplay::ShowIcon(bool isRecording) {
 void WindowDisplay::DrawItem(const DRAWITEMSTRUCT& item) const {
     const int control = static_cast<int>(item.CtlID);
     if (item.CtlType == ODT_STATIC) {
-        // Label and bar of sending lie on the end of the state line.
-        POINT end = {0, 0};
-        for (const int on : {IDC_SENDLABEL, IDC_SENDPROGRESS}) {
-            if (control != IDC_LOGGEDON || end.x != 0 || !IsWindowVisible(Item(on))) continue;
-            MapWindowPoints(Item(on), item.hwndItem, &end, 1);
-            end.x -= kLineGap;
-        }
-        return DrawTextLine(item, ColoursOf(control), static_cast<int>(end.x));
+        const bool isSending = LWindowText(item.hwndItem) == Sending();
+        return DrawTextLine(item, ColoursOf(control), LineEnd(control), isSending ? SendingTo().size() : 0);
     }
     if (control == IDC_INFOLINK) return DrawLinkButton(item);
-    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && m_showsInsert);
+    // Recording as a key or device asked for shows what it does, not what the button would do.
+    const bool isInsert = m_transport.IsRecording() ? m_transport.IsInserting() : m_showsInsert;
+    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && isInsert);
+}
+
+// Where a line of text ends, in its pixels: label and bar of sending lie on the end of the state line.
+int WindowDisplay::LineEnd(int control) const {
+    RECT box;
+    GetClientRect(Item(control), &box);
+    for (const int on : {IDC_SENDLABEL, IDC_SENDPROGRESS}) {
+        if (control != IDC_LOGGEDON || !IsWindowVisible(Item(on))) continue;
+        POINT end = {0, 0};
+        MapWindowPoints(Item(on), Item(control), &end, 1);
+        return static_cast<int>(end.x) - kLineGap;
+    }
+    return static_cast<int>(box.right);
 }
 
 LineColours WindowDisplay::ColoursOf(int control) const {
@@ -333,9 +343,14 @@ void WindowDisplay::ShowState() {
 
 // What the line says about sending.
 std::string WindowDisplay::Sending() const {
-    const std::string to = m_sending.typist.empty() ? "" : " to " + m_sending.typist;
-    if (m_sending.state == SendActivity::State::Sending) return "Sending " + m_sending.dictation + to;
-    return m_sending.state == SendActivity::State::Sent ? "Sent: " + m_sending.dictation + to : "";
+    if (m_sending.state == SendActivity::State::Idle) return {};
+    const bool isSent = m_sending.state == SendActivity::State::Sent;
+    return (isSent ? "Sent: " : "Sending ") + LShownText(m_sending.dictation) + SendingTo();
+}
+
+// The end of that line, which is to be read also behind a long name.
+std::string WindowDisplay::SendingTo() const {
+    return m_sending.typist.empty() ? "" : " to " + LShownText(m_sending.typist);
 }
 
 void WindowDisplay::ShowSending(const SendActivity& activity, double fraction) {

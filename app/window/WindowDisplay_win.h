@@ -72,7 +72,9 @@ public:
 private:
     HWND Item(int control) const { return GetDlgItem(m_window, control); }
     std::string Sending() const;
+    std::string SendingTo() const;
     void SetLine(int control, const std::string& text) const;
+    int LineEnd(int control) const;
     LineColours ColoursOf(int control) const;
     static void EnableCommands(HMENU menu, const CommandSituation& situation);
     void LoadIcons();

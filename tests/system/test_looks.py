@@ -86,11 +86,21 @@ def test_views_boxes_and_the_focus(corvane, data):
     program = ready(corvane, data, 3)
     view = lambda: read_ini(data.settings)["settings"].get("viewmode")
     normal = program.describe()["rect"]
+    program.select(3)
     program.command("CM_VIEW_COMPACT")
     wait_for(lambda: view() == "0" and program.describe()["rect"] != normal, "the compact view")
     compact = program.describe()["rect"]
+
+    def plays_with_enter(why):
+        xdotool("key", "Return")
+        wait_for(lambda: program.api(7) == PLAYING, why)
+        program.post(WM_APPCOMMAND, 0, MEDIA_STOP << 16)
+        wait_for(lambda: program.api(7) == STOPPED, "stopped by a media key")
+
+    plays_with_enter("Enter presses Play, which has the focus")
     program.post(WM_SYSCOMMAND, SC_MAXIMIZE)
     wait_for(lambda: view() == "2" and program.describe()["maximized"], "the maximized view, by the title bar")
+    plays_with_enter("Enter plays: the list has the focus")
     xdotool("key", "ctrl+a")
     wait_for(lambda: all(r["selected"] for r in program.rows()), "all rows")
     program.post(WM_SYSCOMMAND, SC_RESTORE)
@@ -105,10 +115,7 @@ def test_views_boxes_and_the_focus(corvane, data):
     program.select(3)  # ends it, and disables the button that has the focus
     program.command("CM_VIEW_NORMAL")
     wait_for(lambda: view() == "1", "the normal view")
-    xdotool("key", "Return")
-    wait_for(lambda: program.api(7) == PLAYING, "Enter plays: the list has the focus")
-    program.post(WM_APPCOMMAND, 0, MEDIA_STOP << 16)
-    wait_for(lambda: program.api(7) == STOPPED, "stopped by a media key")
+    plays_with_enter("Enter plays: the list has the focus again")
     xdotool("key", "ctrl+a")
     wait_for(lambda: all(r["selected"] for r in program.rows()), "all rows")
     program.command("CM_DELETEFILE")

@@ -52,6 +52,15 @@ TEST_F(DictationStoreTest, WhatCannotBeReadIsNeitherNumberedNorWritten) {
     EXPECT_EQ(CountFiles(m_user.currentFolder), 0u) << "a record that is gone is not begun anew";
 }
 
+TEST_F(DictationStoreTest, ControlBytesOfANameAreShownAsBlanksAndStayInTheFile) {
+    WriteFileText(Current(7).record,
+                  "[file]\r\nnumber=7\r\nname=A\x01"
+                  "B\tC\x7F\xE4\r\n");
+    const std::string kept = ReadFileText(Current(7).record);
+    EXPECT_EQ(LoadDictationRow(Current(7).record).name, "A B C\x7F\xE4");
+    EXPECT_EQ(ReadFileText(Current(7).record), kept);
+}
+
 TEST_F(DictationStoreTest, ANewDictationIsNamedAfterItsLastThreeDigits) {
     Settings::Write(m_user.userFile, UserKeys::kNumber, 1007);
     const std::optional<NewDictation> created = MakeDictation(m_user, 5000000000);

@@ -16,7 +16,7 @@ TEST_F(SentHistoryTest, ShowsTheLastSentOneFirstAndFollowsChanges) {
             numbers += std::to_string(dictation.number);
         return numbers;
     };
-    send(1, "name=Old\r\nsenddate=1000000000\r\nrecipient=Jo (a)\r\nsendstatus=Sending\r\n");
+    send(1, "name=Old\x01one\r\nsenddate=1000000000\r\nrecipient=Jo (a)\r\nsendstatus=Sending\r\n");
     send(2, "senddate=0\r\n");
     send(3, "senddate=1600000000\r\n");
     send(4, "senddate=1600000000\r\n");
@@ -26,7 +26,7 @@ TEST_F(SentHistoryTest, ShowsTheLastSentOneFirstAndFollowsChanges) {
     NotingContext context;
     EXPECT_EQ(history.Process(context), ProcessResult::Done);
     EXPECT_EQ(order(), "2431");
-    EXPECT_EQ(history.Dictations()[3].Text(), "2001-09-09 Old: Sent to [Jo (a)] status [Sending]");
+    EXPECT_EQ(history.Dictations()[3].Text(), "2001-09-09 Old one: Sent to [Jo (a)] status [Sending]");
     EXPECT_EQ(history.Dictations()[2].Text(),
               "2020-09-13 Unknown Name: Sent to [Unknown Recipient] status [Unknown Status]");
     EXPECT_FALSE(history.Refresh(1000));

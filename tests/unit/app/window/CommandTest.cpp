@@ -200,7 +200,7 @@ TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
         {"Enter in the notes", {.key = kReturn, .focus = KeyFocus::Notes}, Kind::PassOn, 0},
         {"Home in the list", {.key = kHome}, Kind::Command, CM_GOTOSTART},
         {"Home in the notes", {.key = kHome, .focus = KeyFocus::Notes}, Kind::PassOn, 0},
-        {"Enter on a button", {.key = kReturn, .focus = KeyFocus::Button}, Kind::PassOn, 0},
+        {"Enter on a button", {.key = kReturn, .focus = KeyFocus::Button}, Kind::PressButton, 0},
         {"Enter held on a button",
          {.key = kReturn, .repeats = true, .focus = KeyFocus::Button},
          Kind::Swallow,

@@ -6,6 +6,7 @@
 
 #include "app/window/Contrast.h"
 #include "app/window/ControlLayout.h"
+#include "app/window/DictationRow.h"
 #include "app/window/WindowFit.h"
 #include "res/Ids.h"
 
@@ -65,6 +66,21 @@ TEST(WindowFit, AMaximizedWindowIsNeverTopMost) {
     EXPECT_FALSE(IsTopMost(ViewMode::Compact, false));
     EXPECT_EQ(ToViewMode(99), ViewMode::Normal);
     EXPECT_EQ(ToViewMode(-1), ViewMode::Normal);
+}
+
+TEST(Layout, WhatIsReadMostIsCutLast) {
+    static const struct {
+        int room, begin, end, expected;
+    } kCases[] = {
+        {200, 100, 60, 100},  // both fit
+        {200, 900, 60, 140},  // a long name leaves the typist whole
+        {200, 900, 300, 100}, {200, 30, 300, 30}, {0, 50, 50, 0},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(BeginWidth(c.room, c.begin, c.end), c.expected) << c.begin;
+    static const struct {
+        int room, expected;
+    } kNames[] = {{900, 150}, {210, 135}, {180, 120}, {117, 117}, {40, 60}};
+    for (const auto& c : kNames) EXPECT_EQ(NameColumnWidth(c.room, 120, 150, 75), c.expected) << c.room;
 }
 
 class LayoutTest : public ::testing::Test {
