@@ -91,7 +91,7 @@ def test_views_boxes_and_the_focus(corvane, data):
     program.post(WM_SYSCOMMAND, SC_RESTORE)
     wait_for(lambda: view() == "0" and program.describe()["rect"] == compact, "the view before")
     wait_for(lambda: [r["selected"] for r in program.rows()].count(True) == 1, "one row, which is shown")
-    point_at(program, "IDC_GOTOSTART")
+    program.point_at("IDC_GOTOSTART")
     xdotool("click", 1, "type", "Henryneedsit")
     assert stays(lambda: len(program.rows()) == 4 and program.api(7) == STOPPED, 0.5), "letters are no commands"
     program.command("CM_PLAY")
