@@ -361,7 +361,8 @@ bool MainDialog::EvAppCommand(WPARAM, LPARAM lParam, LRESULT& result) {
     UINT delay = 0;  // 0 to 3: 250 to 1000 ms until the first repeat, roughly
     SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &delay, 0);
     const bool isOther = std::exchange(m_mediaKey, HIWORD(lParam)) != HIWORD(lParam);
-    if (m_mediaPress.IsNew(GetTickCount(), (delay + 1) * 250 + 100) || isOther) Give(command);
+    const bool isNew = m_mediaPress.IsNew(GetTickCount(), (delay + 1) * 250 + 100) || isOther;
+    if (isNew || command == CM_STOP) Give(command);
     return true;
 }
 

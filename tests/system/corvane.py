@@ -20,7 +20,7 @@ TITLE = "Corvane"
 DIALOG_CLASS = "#32770"
 FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
 
-WM_CLOSE, WM_CHAR, WM_COMMAND, PBM_GETPOS = 0x10, 0x102, 0x111, 0x408
+WM_CLOSE, WM_CHAR, WM_COMMAND, EM_SETSEL, PBM_GETPOS, PSM_SETCURSEL = 0x10, 0x102, 0x111, 0xB1, 0x408, 0x465
 API = 32767
 
 # The public numbers, as the resource compiler reads them: IDS["CM_NEWFILE"] is 1001.
@@ -28,6 +28,18 @@ IDS = {
     name: int(value, 0)
     for name, value in re.findall(r"^#define\s+(\w+)\s+(\w+)", (ROOT / "res" / "Ids.h").read_text(), re.M)
 }
+
+
+def xdotool(*words):
+    """What a hand does with mouse and keyboard."""
+    subprocess.run(["xdotool", *map(str, words)], check=True)
+
+
+def wait_active(title=TITLE):
+    """Waits until a window of this title is in front, which has the keyboard."""
+    ask = ["xdotool", "getactivewindow", "getwindowname"]
+    in_front = lambda: title in subprocess.run(ask, capture_output=True, text=True).stdout
+    wait_for(in_front, f'the window "{title}" in front')
 
 
 class WinCtl:
@@ -277,6 +289,11 @@ class Corvane:
     def progress(self):
         return self.tell("IDC_SENDPROGRESS", PBM_GETPOS)
 
+    def point_at(self, name):
+        """Moves the mouse to the middle of a control; in the list beside its rows."""
+        left, top, right, bottom = self.control(name)["rect"]
+        xdotool("mousemove", (left + right) // 2, bottom - 6 if name == "IDC_LIST" else (top + bottom) // 2)
+
     # --- A user's roads -------------------------------------------------------------------------------
 
     def new(self):
@@ -316,6 +333,41 @@ class Corvane:
     def wait_sent(self, number, seconds=20):
         wait_for(lambda: self.data.status(number) in ("Sent", "Send Failed"), "a sent dictation", seconds)
         return self.data.status(number)
+
+
+class Dialog:
+    """A dialog or sheet of the program, which a command opens or which stands already."""
+
+    def __init__(self, program, title, command=None):
+        if command:
+            program.command(command)
+        self.winctl, self.title, self.window = program.winctl, title, program._box(title)["hwnd"]
+
+    def item(self, name):
+        children = self.winctl.ask("window", self.window)["children"]
+        return next(c for c in children if c["id"] == IDS.get(name, name))
+
+    def ask(self, what, name, *fields):
+        return self.winctl.ask(what, self.item(name)["hwnd"], *fields)
+
+    def tell(self, name, message, w=0, l=0):
+        return self.ask("send", name, message, w, l)["result"]
+
+    def type(self, name, text):
+        """In place of what stands there."""
+        self.tell(name, EM_SETSEL, 0, -1)
+        for character in text:
+            self.tell(name, WM_CHAR, ord(character), 1)
+
+    def press(self, name):
+        self.ask("click", name)
+
+    def end(self, button):
+        self.press(button)
+        wait_for(lambda: not self.winctl.ask("window", self.window), f'the end of "{self.title}"')
+
+    def show(self, page):
+        self.winctl.ask("send", self.window, PSM_SETCURSEL, page, 0)
 
 
 def sizes_known(path):

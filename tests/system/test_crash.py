@@ -11,13 +11,13 @@ from corvane import pcm_wav, read_ini, wait_for
 KILLS = int(os.environ.get("CORVANE_KILLS", "4"))
 
 
-def test_a_recording_that_was_cut_off_lists_grows_and_is_sent(corvane, data, speech, more_speech):
+def test_a_recording_that_was_cut_off_lists_grows_and_is_sent(corvane, data, more_speech):
     program = corvane()
     number = program.new()
     program.record()
-    sound.play(speech[0])
+    sound.play(more_speech[0])
     audio = data.audio(number)
-    wait_for(lambda: audio.exists() and audio.stat().st_size >= speech[1].duration * 16000, "the recording on disk")
+    wait_for(lambda: audio.exists() and audio.stat().st_size >= more_speech[1].duration * 16000, "the recording on disk")
     program.kill()
     cut = audio.read_bytes()
     assert cut[4:8] == b"\xff\xff\xff\xff"

@@ -1,12 +1,14 @@
 """The help, and what another program can do: the sample client and its script, and a hurried one."""
 
+import os
 import subprocess
 import time
 
 import pytest
-from corvane import API, EXE, TOOLS, wait_for, windows_path
+from corvane import API, EXE, TOOLS, wait_for, windows_path, xdotool
 
 SAMPLES = TOOLS.parent.parent / "samples"
+BURST = int(os.environ.get("CORVANE_BURST", "60"))
 CLASSES = r"Software\Classes"
 
 
@@ -20,27 +22,23 @@ def browser(winctl, drive_c):
     opened.unlink(missing_ok=True)
 
 
-def test_f1_opens_the_manual_wherever_the_focus_is(corvane, data, browser):
+def test_f1_opens_the_manual_wherever_the_focus_is_or_says_where_it_is(corvane, data, winctl, browser):
     data.add_dictation(1)
     program = corvane()
     wait_for(lambda: program.describe()["foreground"], "the window in front")
 
     def hold(times):
         """A held key asks once."""
-        subprocess.run(["xdotool", "keydown", "F1", "sleep", "1.6", "keyup", "F1"], check=True)
+        xdotool("keydown", "F1", "sleep", 1.6, "keyup", "F1")
         pages = wait_for(lambda: len(browser()) >= times and browser(), "the manual in the browser")
         assert [windows_path(EXE.with_suffix(".htm")).lower() in p.lower() for p in pages] == [True] * times
 
     hold(1)
     program.command("CM_ABOUT")
     program.wait_box("About Corvane")
-    subprocess.run(["xdotool", "sleep", "1.6"], check=True)
+    xdotool("sleep", 1.6)
     hold(2)
     program.answer_box("About Corvane", 1)
-
-
-def test_help_that_cannot_be_shown_says_where_it_is(corvane, winctl, drive_c):
-    program = corvane()
     winctl.ask("setreg", CLASSES + r"\.htm", "", "Nobody.Knows")
     program.command("CM_HELP")
     assert str(EXE.with_suffix(".htm")).replace("/", "\\").lower() in program.wait_box("Error").lower()
@@ -68,12 +66,12 @@ def test_a_script_makes_a_dictation_with_a_name_and_notes(corvane, data):
     assert client("number") == 100
 
 
-def test_none_of_200_requests_in_a_burst_is_lost(corvane, data):
+def test_no_request_of_a_burst_is_lost(corvane, data):
     program = corvane()
     begun = time.monotonic()
-    for _ in range(200):
+    for _ in range(BURST):
         program.post(API, 4)
-    wait_for(lambda: program.api(8) == 200, "200 dictations", 60)
-    print(f"200 dictations made in {time.monotonic() - begun:.2f} s")
-    assert [r["number"] for r in program.rows()] == list(range(1, 201))
-    assert len(list(data.current.glob("*.dat"))) == 200
+    wait_for(lambda: program.api(8) == BURST, "all dictations", 60)
+    print(f"{BURST} dictations made in {time.monotonic() - begun:.2f} s")
+    assert [r["number"] for r in program.rows()] == list(range(1, BURST + 1))
+    assert len(list(data.current.glob("*.dat"))) == BURST

@@ -1,23 +1,13 @@
 """The window under mouse and keyboard, as on a first day."""
 
-import subprocess
 import time
 
-from corvane import pcm_wav, read_ini, wait_for
+from corvane import pcm_wav, read_ini, wait_for, xdotool
 
 WM_SYSCOMMAND, WM_APPCOMMAND, SC_MAXIMIZE, SC_RESTORE = 0x112, 0x319, 0xF030, 0xF120
 STOPPED, PLAYING, WINDING = 0, 3, 4
 NEXT_TRACK, MEDIA_STOP = 11, 13
-
-
-def xdotool(*words):
-    subprocess.run(["xdotool", *map(str, words)], check=True)
-
-
-def point_at(program, name):
-    left, top, right, bottom = program.control(name)["rect"]
-    beside_rows = bottom - 6
-    xdotool("mousemove", (left + right) // 2, beside_rows if name == "IDC_LIST" else (top + bottom) // 2)
+BUTTON, WS_EX_TOPMOST = 1792, 8
 
 
 def stays(condition, seconds):
@@ -43,7 +33,7 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
     status = lambda: program.api(7)
     runs = lambda: status() in (1, 2)
     program.select(1)
-    point_at(program, "IDC_LIST")
+    program.point_at("IDC_LIST")
     xdotool("click", 1)
     assert stays(lambda: program.api(8) == 1, 0.3), "a click beside the rows changes nothing"
     line = lambda: program.control("IDC_LOGGEDON")["text"]
@@ -54,7 +44,7 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
         wait_for(lambda: (line() == "Listening: will replace 00:00 to 00:20") == replaces, mode)
         program.stop()
         program.command("CM_GOTOSTART")
-    point_at(program, "IDC_RECORD")
+    program.point_at("IDC_RECORD")
     for started in (True, False):
         xdotool("click", 1)
         wait_for(lambda: runs() == started, f"a click on Record: {started}")
@@ -63,6 +53,11 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
     wait_for(runs, "a recording while the button is held")
     assert stays(runs, 0.8)
     xdotool("mouseup", 1)
+    wait_for(lambda: status() == STOPPED, "its end with the release")
+    program.post(BUTTON, 6)  # the dictation microphone's
+    wait_for(runs, "a recording while its button is held")
+    assert stays(runs, 0.7)
+    program.post(BUTTON, 7)
     wait_for(lambda: status() == STOPPED, "its end with the release")
     program.command("CM_GOTOEND")
     xdotool("mousemove", 1, 1, "key", *["shift+Tab"] * 6, "keydown", "space")  # the winding button
@@ -106,7 +101,7 @@ def test_views_boxes_and_the_focus(corvane, data):
     program.post(WM_SYSCOMMAND, SC_RESTORE)
     wait_for(lambda: view() == "0" and program.describe()["rect"] == compact, "the view before")
     wait_for(lambda: [r["selected"] for r in program.rows()].count(True) == 1, "one row, which is shown")
-    point_at(program, "IDC_GOTOSTART")
+    program.point_at("IDC_GOTOSTART")
     xdotool("click", 1, "type", "Henryneedsit")
     assert stays(lambda: len(program.rows()) == 4 and program.api(7) == STOPPED, 0.5), "letters are no commands"
     program.select(2)
@@ -114,7 +109,10 @@ def test_views_boxes_and_the_focus(corvane, data):
     wait_for(lambda: program.api(7) == PLAYING, "a dictation that plays")
     program.select(3)  # ends it, and disables the button that has the focus
     program.command("CM_VIEW_NORMAL")
-    wait_for(lambda: view() == "1", "the normal view")
+    wait_for(lambda: view() == "1" and program.describe()["rect"] == normal, "the normal view")
+    for floats in (True, False):
+        program.command("CM_VIEW_FLOAT")
+        wait_for(lambda: (program.describe()["exstyle"] & WS_EX_TOPMOST != 0) == floats, f"floats: {floats}")
     plays_with_enter("Enter plays: the list has the focus again")
     xdotool("key", "ctrl+a")
     wait_for(lambda: all(r["selected"] for r in program.rows()), "all rows")
@@ -128,7 +126,7 @@ def test_views_boxes_and_the_focus(corvane, data):
     program.command("CM_SENDFILE_TO")  # nothing to send: no typist is asked for
     assert "no recording yet" in program.wait_box("Error")
     program.answer_box("Error", 1)
-    point_at(program, "IDC_NOTES")
+    program.point_at("IDC_NOTES")
     xdotool("click", 1, "key", "F2")
     xdotool("type", "Renamed")
     xdotool("key", "Return")
@@ -136,3 +134,6 @@ def test_views_boxes_and_the_focus(corvane, data):
     wait_for(lambda: program.row(9)["texts"][0] == "Renamed", "the row")
     xdotool("type", "and on")
     wait_for(lambda: program.notes() == "and on", "typing goes on in the notes")
+    program.command("CM_VIEW_COMPACT")
+    assert program.close() == 0
+    assert corvane().describe()["rect"] == compact

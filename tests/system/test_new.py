@@ -1,9 +1,7 @@
 """A new dictation: the fields that are asked for, and the tones."""
 
-import subprocess
-
 import numpy as np
-from corvane import pcm_wav, read_ini, wait_for, write_ini
+from corvane import pcm_wav, read_ini, wait_for, write_ini, xdotool
 from sound import HEARD_RATE, Heard
 
 CM_OK, CM_CANCEL = 1, 2
@@ -16,7 +14,7 @@ def test_the_fields_that_are_asked_for_stand_in_the_notes(corvane, data):
     program = corvane()
     number = program.new()
     assert "Enter case or file no." in program.wait_box("Dictation 001")
-    subprocess.run(["xdotool", "type", "A 12"], check=True)  # over the answer before, which is selected
+    xdotool("type", "A 12")  # over the answer before, which is selected
     program.answer_box("Dictation 001", CM_OK)
     wait_for(lambda: any("Patient?" in c["text"] for b in program.boxes() for c in b["children"]), "the second field")
     program.answer_box("Dictation 001", CM_CANCEL)

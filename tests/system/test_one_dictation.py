@@ -5,7 +5,7 @@ import subprocess
 
 import numpy as np
 
-from corvane import pcm_wav, wait_for, write_ini
+from corvane import pcm_wav, wait_active, wait_for, write_ini, xdotool
 from sound import microphone_streams
 
 SECOND = 8000  # frames
@@ -13,13 +13,8 @@ SECOND = 8000  # frames
 
 def keys(*names):
     """Types keys as a user does, once the program's window is the active one."""
-
-    def active():
-        asked = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, text=True)
-        return asked.stdout.strip() == "Corvane"
-
-    wait_for(active, "an active main window")
-    subprocess.run(["xdotool", "key", "--delay", "40", *names], check=True)
+    wait_active()
+    xdotool("key", "--delay", 40, *names)
 
 
 def record_every_sound(data):
@@ -77,11 +72,12 @@ def test_a_recording_over_a_passage_shows_the_length_that_is_left(corvane, data)
     wait_for(lambda: program.control("IDC_POSITION")["text"] in ("00:01 / 00:01", "00:02 / 00:02"), "its length")
 
 
-def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
+def test_send_sends_what_was_selected_and_has_a_recording(corvane, data):
     data.add_recipient("Other", index=1)
     (data.user / "rec0.dat").unlink()  # his place in the list stays empty; the others are offered all the same
     data.add_dictation(1, pcm_wav(SECOND))
     data.add_dictation(2, pcm_wav(SECOND))
+    data.add_dictation(3)
     program = corvane()
     program.select(1)
     program.command("CM_SENDFILE_TO")
@@ -91,18 +87,18 @@ def test_send_sends_what_was_selected_when_it_was_asked(corvane, data):
     assert program.wait_sent(1) == "Sent"
     assert data.record(1, data.sent)["recipient"].startswith("Other (")
     assert program.row(2) is not None
-
-
-def test_one_empty_dictation_does_not_keep_the_others_from_being_sent(corvane, data):
-    data.add_dictation(1)
-    data.add_dictation(2, pcm_wav(SECOND))
-    program = corvane()
-    program.select(1, 2)
+    write_ini(data.user_file, {"settings": {"sendcount": 1, "senddefault": 1}})  # nobody is the default one
+    program.select(2, 3)
+    program.command("CM_SENDFILE")
+    box = wait_for(lambda: next(iter(program.boxes()), None), "a message")
+    assert any(c["text"].startswith("No Typist Recipients have been set up") for c in box["children"])
+    program.answer_box(box["text"], 1)
+    data.add_recipient("Typist")
     program.command("CM_SENDFILE")
     assert "no recording yet" in program.wait_box("Error")
     program.answer_box("Error", 1)
     assert program.wait_sent(2) == "Sent"
-    assert program.row(1) is not None
+    assert program.row(3) is not None
 
 
 def test_a_new_name_goes_to_the_dictation_that_was_edited(corvane, data):
@@ -113,7 +109,7 @@ def test_a_new_name_goes_to_the_dictation_that_was_edited(corvane, data):
     # Half a second later the notes are saved, and the row would move to the end of the list.
     program.type_notes("for Smith")
     keys("F2")
-    subprocess.run(["xdotool", "type", "--delay", "120", "Mr. Smith"], check=True)
+    xdotool("type", "--delay", 120, "Mr. Smith")
     keys("Return")
     wait_for(lambda: data.record(1).get("name") == "Mr. Smith", "the new name")
     assert data.record(2)["name"] == "Dictation 002"
@@ -149,7 +145,7 @@ def test_a_compressed_recording_is_continued_as_it_sounds(corvane, data, tmp_pat
 
 
 def test_a_recording_that_heard_no_voice_is_told_until_the_next_command(corvane, data):
-    data.add_dictation(1, pcm_wav(SECOND))
+    data.add_dictation(1, before := pcm_wav(SECOND))
     program = corvane()
     state = lambda: program.control("IDC_LOGGEDON")["text"]
     usual = state()
@@ -158,6 +154,7 @@ def test_a_recording_that_heard_no_voice_is_told_until_the_next_command(corvane,
     assert state() == usual
     program.command("CM_STOP")
     wait_for(lambda: state() != usual, "the notice")
+    assert data.audio(1).read_bytes() == before
     program.command("CM_GOTOSTART")
     wait_for(lambda: state() == usual, "its end")
 

@@ -41,17 +41,6 @@ def test_what_was_spoken_arrives_at_the_typist(corvane, data, speech):
     wait_for(lambda: program.progress() == 0, "an empty progress bar")
 
 
-def test_record_at_end_keeps_what_was_there_and_adds_what_is_spoken(corvane, data, speech, more_speech):
-    program = corvane()
-    number = program.dictate(*speech, number=program.new())
-    first = sound.read_wav(data.audio(number))
-    program.dictate(*more_speech, command="CM_RECORD_END", number=number)
-    both = sound.read_wav(data.audio(number))
-    assert (both.samples[: len(first.samples)] == first.samples).all()
-    both.samples = both.samples[len(first.samples) :]
-    sound.assert_is(more_speech[1], both)
-
-
 def test_send_during_a_recording_finishes_and_sends_it(corvane, data, more_speech):
     path, spoken = more_speech
     program = corvane()

@@ -2,36 +2,16 @@
 
 import struct
 
-from corvane import DIALOG_CLASS, IDS, pcm_wav, wait_for, windows_path
+from corvane import Dialog, pcm_wav, wait_for, windows_path
 
 WM_KEYDOWN, VK_DOWN, LB_GETCURSEL = 0x100, 0x28, 0x188
 RECOVER, CLOSE = 1, 2
 MIC_BUTTON, MIC_STOP = 1792, 2
-LIST, SUMMARY, PLAY = IDS["IDC_SENTWORK_LIST"], IDS["IDC_SENTWORK_SUMMARY"], IDS["IDC_RECOVER_PLAY"]
-SENT_LIST = IDS["IDC_RECOVER_LIST"]
 SENT = {"sendstatus": "Sent", "senddate": 1600000000, "recipient": "Jo (jo@a)"}
 
 
-class Dialog:
-    """A dialog that a command opens."""
-
-    def __init__(self, program, command, title):
-        self.winctl = program.winctl
-        program.command(command)
-        self.hwnd = wait_for(lambda: self.winctl.ask("find", DIALOG_CLASS, title)["hwnd"], title)
-
-    def control(self, number):
-        return next(c for c in self.winctl.ask("window", self.hwnd)["children"] if c["id"] == number)
-
-    def ask(self, what, number, *fields):
-        return self.winctl.ask(what, self.control(number)["hwnd"], *fields)
-
-    def next_row(self, number):
-        self.ask("post", number, WM_KEYDOWN, VK_DOWN, 0)
-
-    def select_next(self, row):
-        self.next_row(SENT_LIST)
-        wait_for(lambda: self.ask("send", SENT_LIST, LB_GETCURSEL, 0, 0)["result"] == row, "a selection")
+def next_row(dialog, control):
+    dialog.ask("post", control, WM_KEYDOWN, VK_DOWN, 0)
 
 
 def test_the_list_of_sent_work_follows_the_queue_and_the_typist(corvane, winctl, data):
@@ -43,17 +23,17 @@ def test_the_list_of_sent_work_follows_the_queue_and_the_typist(corvane, winctl,
     program = corvane()
     program.send_default(12)
     wait_for(lambda: program.rows() == [], "a dictation in the queue")
-    dialog = Dialog(program, "CM_VIEWSENT", "Sent Work Progress")
-    rows = lambda: [row["texts"][:4] for row in dialog.ask("list", LIST)["rows"]]
-    selected = lambda: [row["selected"] for row in dialog.ask("list", LIST)["rows"]]
+    dialog = Dialog(program, "Sent Work Progress", "CM_VIEWSENT")
+    rows = lambda: [row["texts"][:4] for row in dialog.ask("list", "IDC_SENTWORK_LIST")["rows"]]
+    selected = lambda: [row["selected"] for row in dialog.ask("list", "IDC_SENTWORK_LIST")["rows"]]
     wait_for(lambda: rows()[1][3] == "Typed" and not report.exists(), "the typist's report")
     assert (rows()[0][0], rows()[0][3]) == ("Dictation 012", "Waiting, place 1")
     assert rows()[1][:3] == ["Dictation 011", "2020-09-13 12:26", "Jo (jo@a)"]
-    dialog.next_row(LIST)
+    next_row(dialog, "IDC_SENTWORK_LIST")
     wait_for(lambda: selected() == [False, True], "a selected row")
     winctl.ask("release")
     wait_for(lambda: rows()[0][3] == "Sent", "a status that follows")
-    wait_for(lambda: dialog.control(SUMMARY)["text"] == "No dictation waits to be sent.", "a summary that follows")
+    wait_for(lambda: dialog.item("IDC_SENTWORK_SUMMARY")["text"] == "No dictation waits to be sent.", "a summary that follows")
     assert selected() == [False, True]
 
 
@@ -68,22 +48,28 @@ def test_a_sent_dictation_is_recovered_whole_and_can_be_sent_again(corvane, winc
     program.send_default(waiting)
     wait_for(lambda: data.status(waiting) == "Sending", "a dictation in the queue")
 
-    dialog = Dialog(program, "CM_RECOVER", "Recover Sent Dictations")
-    assert dialog.ask("items", SENT_LIST)[1:] == ["2020-09-13 Dictation 012: Sent to [Jo (jo@a)] status [Sent]"]
-    dialog.select_next(0)
-    dialog.ask("click", RECOVER)  # the queue still names it
+    dialog = Dialog(program, "Recover Sent Dictations", "CM_RECOVER")
+    assert dialog.ask("items", "IDC_RECOVER_LIST")[1:] == ["2020-09-13 Dictation 012: Sent to [Jo (jo@a)] status [Sent]"]
+
+    def select_next(row):
+        next_row(dialog, "IDC_RECOVER_LIST")
+        wait_for(lambda: dialog.tell("IDC_RECOVER_LIST", LB_GETCURSEL) == row, "a selection")
+
+    select_next(0)
+    dialog.press(RECOVER)  # the queue still names it
     assert "still waits to be sent" in program.wait_box("Error")
     program.answer_box("Error", 1)
-    dialog.select_next(1)
-    dialog.ask("click", PLAY)
-    wait_for(lambda: dialog.control(PLAY)["text"] == "&Stop", "a dictation that plays")
+    select_next(1)
+    play = lambda: dialog.item("IDC_RECOVER_PLAY")["text"]
+    dialog.press("IDC_RECOVER_PLAY")
+    wait_for(lambda: play() == "&Stop", "a dictation that plays")
     program.post(MIC_BUTTON, MIC_STOP)
-    wait_for(lambda: dialog.control(PLAY)["text"] == "&Play", "a microphone that stops it")
-    dialog.ask("click", PLAY)
-    wait_for(lambda: dialog.control(PLAY)["text"] == "&Stop", "a dictation that plays again")
-    dialog.ask("click", RECOVER)
-    wait_for(lambda: len(dialog.ask("items", SENT_LIST)) == 1, "a shorter list")
-    dialog.ask("click", CLOSE)
+    wait_for(lambda: play() == "&Play", "a microphone that stops it")
+    dialog.press("IDC_RECOVER_PLAY")
+    wait_for(lambda: play() == "&Stop", "a dictation that plays again")
+    dialog.press(RECOVER)
+    wait_for(lambda: len(dialog.ask("items", "IDC_RECOVER_LIST")) == 1, "a shorter list")
+    dialog.press(CLOSE)
     wait_for(lambda: program.row(12) and program.row(12)["selected"], "the recovered dictation")
 
     # That of the same number has another one, with its own words.

@@ -3,41 +3,12 @@
 import subprocess
 
 import pytest
-from corvane import IDS, pcm_wav, read_ini, sizes_known, wait_for
+from corvane import Dialog, pcm_wav, read_ini, sizes_known, wait_for
 from sound import assert_is, microphone_streams, play, read_wav
 
-EM_SETSEL, WM_CHAR, CB_SETCURSEL, LB_SETCURSEL, PSM_SETCURSEL = 0xB1, 0x102, 0x14E, 0x186, 0x465
-OK, YES, APPLY = 1, 6, 0x3021
+CB_SETCURSEL, LB_SETCURSEL = 0x14E, 0x186
+OK, CANCEL, YES, APPLY = 1, 2, 6, 0x3021
 RECORDING, OPTIONS = 1, 3  # pages
-
-
-class Dialog:
-    """A dialog or sheet that stands."""
-
-    def __init__(self, program, title):
-        self.winctl, self.title, self.window = program.winctl, title, program._box(title)["hwnd"]
-
-    def item(self, name):
-        children = self.winctl.ask("window", self.window)["children"]
-        return next(c for c in children if c["id"] == IDS.get(name, name))
-
-    def tell(self, name, message, w=0, l=0):
-        return self.winctl.ask("send", self.item(name)["hwnd"], message, w, l)["result"]
-
-    def type(self, name, text):
-        self.tell(name, EM_SETSEL, 0, -1)
-        for character in text:
-            self.tell(name, WM_CHAR, ord(character), 1)
-
-    def press(self, name):
-        self.winctl.ask("click", self.item(name)["hwnd"])
-
-    def end(self, button):
-        self.press(button)
-        wait_for(lambda: not self.winctl.ask("window", self.window), f'the end of "{self.title}"')
-
-    def show(self, page):
-        self.winctl.ask("send", self.window, PSM_SETCURSEL, page, 0)
 
 
 @pytest.fixture(autouse=True)
@@ -53,8 +24,7 @@ def expect_user(program, name):
 
 
 def open_log_on(program):
-    program.command("CM_LOGON")
-    return Dialog(program, "Log On As Other User")
+    return Dialog(program, "Log On As Other User", "CM_LOGON")
 
 
 def log_on(program, position, name):
@@ -74,7 +44,7 @@ def numbers(program):
     return sorted(row["number"] for row in program.rows())
 
 
-def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, speech):
+def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, more_speech):
     ada, bo = "Dr. Ada Blake", "Dr. Bo Frey"
     data.add_dictation(1, pcm_wav(8000 * 60))
     data.add_dictation(2, notes=b"old\0")
@@ -93,8 +63,8 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, sp
     assert program.wait_sent(1) == "Sent" and len(data.delivered()) == 1
 
     data.current = data.folder / "00000001" / "Current"
-    assert program.dictate(*speech) == 1 and numbers(program) == [1]
-    assert_is(speech[1], read_wav(data.audio(1)))
+    assert program.dictate(*more_speech) == 1 and numbers(program) == [1]
+    assert_is(more_speech[1], read_wav(data.audio(1)))
     notes = data.current / "00000001.txt"
     notes.mkdir()  # as little writable as on a full disk
     program.api(6, "mine")
@@ -122,10 +92,9 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, sp
     assert read_ini(data.settings)["users"] == {"count": "1", "user0": "0"}
 
 
-def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane, data, speech):
+def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane, data, more_speech):
     program = corvane()
-    program.command("CM_SETTINGS_USER")
-    sheet = Dialog(program, "User Settings")
+    sheet = Dialog(program, "User Settings", "CM_SETTINGS_USER")
     assert sheet.item("IDC_DETAILS_NAME")["text"] == "Dr. Ada Blake"
     sheet.type("IDC_DETAILS_PHONE", "12 34")
     assert microphone_streams() == 0
@@ -140,7 +109,7 @@ def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane,
     program.command("CM_RECORD")
     wait_for(lambda: program.api(7) == 2, "a recording that waits")
     wait_for(lambda: "Not measured" in sheet.item("IDC_RECORDING_HEARD")["text"], "a meter that rests")
-    play(speech[0])
+    play(more_speech[0])
     program.command("CM_STOP")
     wait_for(lambda: "would wait" in sheet.item("IDC_RECORDING_HEARD")["text"], "the meter again")
     assert read_wav(data.audio(program.api(8))).rate == 16000
@@ -150,7 +119,9 @@ def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane,
     sheet.type("IDC_OPTIONS_DELETEDAYS", "4000")
     refuse(program, sheet, "from 0 to 3650")
     sheet.type("IDC_OPTIONS_DELETEDAYS", "90")
+    assert not sheet.item("IDC_OPTIONS_TAG2")["enabled"]
     sheet.press("IDC_OPTIONS_ASK2")
+    assert sheet.item("IDC_OPTIONS_TAG2")["enabled"]
     sheet.type("IDC_OPTIONS_TAG2", "case no")
     refuse(program, sheet, "a tag of one word")
     sheet.type("IDC_OPTIONS_TAG2", "case")
@@ -161,3 +132,7 @@ def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane,
     assert settings["prompt2"] == {"prompt": "true", "xmltag": "case"}
     user = read_ini(data.user_file)
     assert user["user"]["phone"] == "12 34" and user["settings"]["samplerate"] == "16000"
+    sheet = Dialog(program, "User Settings", "CM_SETTINGS_USER")
+    sheet.type("IDC_DETAILS_PHONE", "56 78")
+    sheet.end(CANCEL)
+    assert read_ini(data.user_file)["user"]["phone"] == "12 34"

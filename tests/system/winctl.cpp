@@ -73,6 +73,7 @@ Json Described(HWND window) {
             {"id", GetDlgCtrlID(window)},
             {"text", TextOf(window)},
             {"visible", IsWindowVisible(window) != 0},
+            {"enabled", IsWindowEnabled(window) != 0},
             {"rect", {r.left, r.top, r.right, r.bottom}},
             {"exstyle", GetWindowLongA(window, GWL_EXSTYLE)}};
 }
@@ -136,11 +137,6 @@ Json OneWindow(const Json& command) {
 Json Resources(const Json& command) {
     const ProcessResources found = ResourcesOf(command[1].get<DWORD>());
     return {{"handles", found.handles}, {"drawing", found.drawing}, {"windows", found.windows}};
-}
-
-// text <hwnd>
-Json TextOfWindow(const Json& command) {
-    return {{"text", TextOf(Window(command))}};
 }
 
 // --- The list view --------------------------------------------------------------------------------------
@@ -281,10 +277,10 @@ constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},       {"find", Find},         {"hold", Hold},          {"items", Items},
-    {"list", List},         {"post", Post},         {"release", Release},    {"select", Select},
-    {"send", Send},         {"sendatom", SendAtom}, {"setreg", SetRegistry}, {"takekey", TakeKey},
-    {"text", TextOfWindow}, {"window", OneWindow},  {"windows", Windows},    {"resources", Resources},
+    {"click", Click},      {"find", Find},         {"hold", Hold},           {"items", Items},
+    {"list", List},        {"post", Post},         {"release", Release},     {"select", Select},
+    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry},  {"takekey", TakeKey},
+    {"window", OneWindow}, {"windows", Windows},   {"resources", Resources},
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <windows.h>
 
 #include <cmath>
-#include <functional>
 
 #include "audio/wave/LAcm.h"
 #include "audio/wave/LRewriteWave.h"
@@ -9,6 +8,7 @@
 #include "send/SendItem.h"
 #include "tests/unit/audio/SoundKit.h"
 #include "tests/unit/send/SendTest.h"
+#include "tests/win/Hand.h"
 #include "ui/LChooseFormat.h"
 
 // The machine's own codecs, through the product's sources and sinks.
@@ -101,52 +101,29 @@ TEST(Codec, WhatIsSentCompressedIsStillWhatWasSpoken) {
 
 // --- The format chooser --------------------------------------------------------------------------------
 
-namespace {
-
-// What a user does with the platform's chooser, step by step, while it stands.
-const std::function<bool()>* g_step;
-size_t g_steps;
-
-bool Press(const char* title, WPARAM button) {
-    const HWND box = FindWindowA("#32770", title);
-    return IsWindowVisible(box) && PostMessageA(box, WM_COMMAND, button, 0);
-}
-bool Pick(int list, const char* text) {
-    const HWND dialog = FindWindowA("#32770", "Sound Selection");
-    const HWND combo = GetDlgItem(dialog, list);
-    if (!IsWindowVisible(dialog) ||
-        SendMessageA(combo, CB_SELECTSTRING, 0, reinterpret_cast<LPARAM>(text)) < 0)
-        return false;
-    SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(list, CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
-    return true;
-}
-void CALLBACK DoStep(HWND, UINT, UINT_PTR, DWORD) {
-    if (g_steps == 0 || !(*g_step)()) return;
-    ++g_step;
-    --g_steps;
+static Hand::Step Pick(int list, const char* text) {
+    return {"Sound Selection", [=](HWND dialog) {
+                const HWND combo = GetDlgItem(dialog, list);
+                if (SendMessageA(combo, CB_SELECTSTRING, 0, reinterpret_cast<LPARAM>(text)) < 0) return false;
+                SendMessageA(dialog, WM_COMMAND, MAKEWPARAM(list, CBN_SELCHANGE),
+                             reinterpret_cast<LPARAM>(combo));
+                return true;
+            }};
 }
 
-bool Choose(LWaveFileFormat& format, std::initializer_list<std::function<bool()>> steps) {
-    g_step = steps.begin();
-    g_steps = steps.size();
-    const UINT_PTR timer = SetTimer(nullptr, 0, 20, DoStep);
-    const bool isChosen = LChooseFormat(nullptr, format, 0, TestSupportedRecord);
-    KillTimer(nullptr, timer);
-    EXPECT_EQ(g_steps, 0u);
-    return isChosen;
+static bool Choose(LWaveFileFormat& format, std::vector<Hand::Step> steps) {
+    const Hand hand(std::move(steps));
+    return LChooseFormat(nullptr, format, 0, TestSupportedRecord);
 }
-
-}  // namespace
 
 TEST(ChooseFormat, RefusesWhatCanOnlyBeReadAndCanBeLeft) {
     constexpr int kFormats = 101, kAttributes = 102;
     LWaveFileFormat format(Hex("3100 0100 401F0000 59060000 4100 0000 0200 4001"));
-    EXPECT_TRUE(Choose(
-        format,
-        {[] { return Pick(kFormats, "Microsoft ADPCM"); }, [] { return Press("Sound Selection", IDOK); },
-         [] { return Press("Format Not Available", IDOK); }, [] { return Pick(kFormats, "IMA ADPCM"); },
-         [] { return Pick(kAttributes, "11025 Hz"); }, [] { return Press("Sound Selection", IDOK); }}));
+    const Hand::Step ok = Hand::Press("Sound Selection", IDOK);
+    EXPECT_TRUE(
+        Choose(format, {Pick(kFormats, "Microsoft ADPCM"), ok, Hand::Press("Format Not Available", IDOK),
+                        Pick(kFormats, "IMA ADPCM"), Pick(kAttributes, "11025 Hz"), ok}));
     EXPECT_EQ(Bytes(format.Record().begin(), format.Record().end()),
               Hex("1100 0100 112B0000 D4150000 0001 0400 0200 F901"));
-    EXPECT_FALSE(Choose(format, {[] { return Press("Sound Selection", IDCANCEL); }}));
+    EXPECT_FALSE(Choose(format, {Hand::Press("Sound Selection", IDCANCEL)}));
 }

@@ -99,25 +99,6 @@ TEST_F(BGSendTest, NoEntryIsLeftAsleepWhenTheThreadIsAboutToEnd) {
     EXPECT_EQ(queue.TakeError().text, "");
 }
 
-TEST_F(BGSendTest, AStopInTheMiddleOfAnEncryptedFileLeavesTheEntryAtTheHead) {
-    MakeDictations(1, 200000);
-    world.AddRecipient(0, world.ToShareEncrypted());
-    owner.onProgress = [&] {
-        if (queue.GetProgress() >= 0.42) queue.RequestStop();
-    };
-    ASSERT_TRUE(Add(1));
-    WaitForEnd();
-    EXPECT_EQ(Count(), 1);
-    EXPECT_EQ(world.Status(1), "");
-    EXPECT_EQ(world.SentFiles().size(), 3u) << "nothing half-made is left";
-
-    owner.onProgress = nullptr;
-    queue.StartSending();
-    WaitForEnd();
-    EXPECT_EQ(Count(), 0);
-    EXPECT_EQ(world.Status(1), "Sent");
-}
-
 TEST_F(BGSendTest, AFailureIsRemovedAndTheNextEntryIsTriedAtOnce) {
     MakeDictations(3, 4000);
     LeaveEntries({1}, RecipientPath(world.data, 0, 5));

@@ -38,14 +38,3 @@ TEST_F(CurrentUserTest, TheRegistryWinsOverTheSettingsFile) {
     WriteRegistryUser(3);
     EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 3u);
 }
-
-TEST_F(CurrentUserTest, AnItemMovesWithAnEmptyValueAndNeverComesFromNowhere) {
-    const LPath& file = m_data.settingsFile;
-    WriteFileText(file, "[s]\r\na0=x\r\na1=\r\na3=\r\n");
-    LProfile::Flush(file);
-    Settings::MoveListItem(file, "s", "a", 0, 1);
-    Settings::MoveListItem(file, "s", "a", 3, 2);
-    EXPECT_EQ(LProfile::Read(file, "s", "a0", "none"), "");
-    for (const char* key : {"a1", "a2", "a3"})
-        EXPECT_EQ(LProfile::Read(file, "s", key, "none"), "none") << key;
-}

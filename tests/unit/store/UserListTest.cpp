@@ -34,24 +34,17 @@ TEST_F(UserListTest, ItIsNeverTrustedAndAUserLeavesItWithoutTakingOthersAlong) {
         {"count=-3", {7}, 7, IsLast, {7}, 7},
         {"count=1", {0}, 0, IsLast, {0}, 7},
         {"count=1", {0}, 7, Removed, {0}, 0},  // another session had removed him already
-        {"count=2\r\nuser1=7", {0, 7}, 7, Removed, {0}, 0},
-        {"count=3\r\nuser0=7\r\nuser1=4294967295\r\nuser2=5",
-         {7, 4294967295u, 5},
-         7,
-         Removed,
-         {4294967295u, 5},
-         4294967295u},
-        {"count=2000000000\r\nuser0=4\r\nuser1=6", {4, 6}, 4, Removed, {6}, 7},
-        {"count=4\r\nuser0=4\r\nuser2=6\r\nuser3=8",
-         {4, 6, 8},
-         4,
-         Removed,
-         {6, 8},
-         7},  // cut off while moving
-        {"count=4\r\nuser0=4\r\nuser1=4\r\nuser2=6\r\nuser3=6", {4, 6}, 4, Removed, {6}, 7},
+        {"count=2 user1=7", {0, 7}, 7, Removed, {0}, 0},
+        {"count=3 user0=7 user1=4294967295 user2=5", {7, ~0u, 5}, 7, Removed, {~0u, 5}, ~0u},
+        {"count=2000000000 user0=4 user1=6", {4, 6}, 4, Removed, {6}, 7},
+        // Cut off while moving.
+        {"count=4 user0=4 user2=6 user3=8", {4, 6, 8}, 4, Removed, {6, 8}, 7},
+        {"count=4 user0=4 user1=4 user2=6 user3=6", {4, 6}, 4, Removed, {6}, 7},
     };
     for (const auto& c : kCases) {
-        WriteFileText(file, std::string("[users]\r\n") + c.text + "\r\n");
+        std::string text = c.text;
+        std::ranges::replace(text, ' ', '\n');
+        WriteFileText(file, "[users]\n" + text + "\n");
         LProfile::Flush(file);
         EXPECT_EQ(ReadUserList(file, 7), c.listed) << c.text;
         uint32_t next = 99;

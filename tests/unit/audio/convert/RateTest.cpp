@@ -22,16 +22,6 @@ static Samples ThroughSink(Rates rates, const Samples& in, size_t piece = 8192) 
     return taken;
 }
 
-TEST(SincFilter, FindsAGoodRatio) {
-    for (int32_t in = 7001; in < 400000; in = in * 9 / 8) {
-        const LSincFilter filter(in, 8000, 15);
-        const double wanted = in / 8000.0;
-        EXPECT_NEAR(1.0 * filter.Step() / filter.Phases(), wanted, 0.001 * std::min(wanted, 1.0));
-    }
-    for (const Rates& far : {Rates{0, 8000}, {8000, 0}, {-1, -1}, {1, 8000}, {INT32_MAX, 8000}})
-        EXPECT_FALSE(LSincFilter::CanConvert(far.in, far.out)) << far.in;
-}
-
 // Each sample of source and sink, in every build alike.
 TEST(ConvertRate, DeliversItsSamplesAlsoInPiecesAndFromASink) {
     static const char* const kDigests[][2] = {

@@ -123,19 +123,3 @@ TEST(Speed, FollowsARecordingThatGrowsAsIfItHadBeenThereFromTheBeginning) {
         EXPECT_EQ(heard, AtSpeed(Array(8000, noise), percent)) << percent;
     }
 }
-
-TEST(BestJoin, FindsTheContinuation) {
-    for (const int32_t rate : {1000, 8000, 11025, 44100, 48000, 192000}) {
-        const int32_t overlap = rate / 100, reach = rate / 125;
-        LBestJoin join(rate, 1, overlap, reach);
-        const size_t frames = static_cast<size_t>(overlap + 2 * reach);
-        const Samples silence(frames);
-        EXPECT_EQ(join.Find(silence.data(), silence.data()), reach) << "the middle of silence";
-        // Two pitches that never repeat together within the reach, as loud as can be.
-        Samples window = Tone(frames, 90, rate, 0x40000);
-        const Samples second = Tone(frames, 237, rate, 0x40000);
-        for (size_t i = 0; i < frames; ++i) window[i] += second[i];
-        for (const int32_t at : {0, 1, reach / 3, reach, 2 * reach - 1, 2 * reach})
-            EXPECT_NEAR(join.Find(window.data() + at, window.data()), at, rate / 48000) << rate;
-    }
-}
