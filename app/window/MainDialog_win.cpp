@@ -353,16 +353,17 @@ bool MainDialog::IsBesideRows(const MSG& message) {
 
 // The same way as for other sources of commands; keys that are not ours go to the platform.
 bool MainDialog::EvAppCommand(WPARAM, LPARAM lParam, LRESULT& result) {
-    const int command = MediaCommandOf(HIWORD(lParam) & 0x7FFF, m_transport.IsWinding(WindDirection::Back),
+    const int key = HIWORD(lParam) & 0x7FFF;
+    const int command = MediaCommandOf(key, m_transport.IsWinding(WindDirection::Back),
                                        m_transport.IsWinding(WindDirection::Forward));
     if (command == 0) return false;
     result = TRUE;
     // A held key repeats, and its command stops what it has started.
     UINT delay = 0;  // 0 to 3: 250 to 1000 ms until the first repeat, roughly
     SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &delay, 0);
-    const bool isOther = std::exchange(m_mediaKey, HIWORD(lParam)) != HIWORD(lParam);
+    const bool isOther = std::exchange(m_mediaKey, key) != key;
     const bool isNew = m_mediaPress.IsNew(GetTickCount(), (delay + 1) * 250 + 100) || isOther;
-    if (isNew || command == CM_STOP) Give(command);
+    if (isNew || key == APPCOMMAND_MEDIA_STOP) Give(command);
     return true;
 }
 

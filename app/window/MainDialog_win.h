@@ -247,7 +247,7 @@ private:
     bool m_selectionMoved = false;
     bool m_isMenuOpen = false;
     NewPress m_mediaPress;
-    WORD m_mediaKey = 0;
+    int m_mediaKey = 0;
     bool m_wasTyping = false;  // when the name editor was opened
     std::string m_tip;         // the tool tip that is shown
     bool m_isClosing = false;
