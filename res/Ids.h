@@ -142,6 +142,36 @@
 #define IDC_OPTIONS_QUESTION2   767
 #define IDC_OPTIONS_TAG2        768
 
+// The sheet "Recipient Send Settings", and the editor of a recipient
+#define IDC_RECIPIENTS_LIST       821
+#define IDC_RECIPIENTS_ADD        822
+#define IDC_RECIPIENTS_EDIT       823
+#define IDC_RECIPIENTS_DELETE     824
+#define IDC_RECIPIENTS_DEFAULT    825
+#define IDC_RECIPIENT_NAME        831
+#define IDC_RECIPIENT_BYEMAIL     832
+#define IDC_RECIPIENT_BYFOLDER    833
+#define IDC_RECIPIENT_BYFTP       834
+#define IDC_RECIPIENT_ADDRESS     835
+#define IDC_RECIPIENT_ADDRESSES   836
+#define IDC_RECIPIENT_FOLDER      837
+#define IDC_RECIPIENT_BROWSE      838
+#define IDC_RECIPIENT_HOST        839
+#define IDC_RECIPIENT_USER        840
+#define IDC_RECIPIENT_PASSWORD    841
+#define IDC_RECIPIENT_FTPFOLDER   842
+#define IDC_RECIPIENT_DCT         843
+#define IDC_RECIPIENT_WAVE        844
+#define IDC_RECIPIENT_ENCRYPT     845
+#define IDC_RECIPIENT_KEY         846
+#define IDC_RECIPIENT_FORMAT      847
+#define IDC_RECIPIENT_FORMATTEXT  848
+#define IDC_RECIPIENT_MAKEDEFAULT 849
+#define IDC_EMAIL_MAPI            861
+#define IDC_EMAIL_SMTP            862
+#define IDC_EMAIL_HOST            863
+#define IDC_ADDRESSES_LIST        871
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -214,6 +244,10 @@
 #define IDD_OPTIONS       115
 #define IDD_SENTWORK      118
 #define IDD_RECOVER       119
+#define IDD_RECIPIENTS    120
+#define IDD_RECIPIENT     121
+#define IDD_EMAIL         122
+#define IDD_ADDRESSES     123
 #define IDM_MAIN          200
 #define IDM_DICTATION     201
 #define IDM_INFO          202

@@ -145,3 +145,8 @@ std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile) {
     if (index < 0 || index >= RecipientCount(userFile)) return std::nullopt;
     return index;
 }
+
+void StoreRateOfDefault(const LPath& userFile, int32_t index, const SendToSettings& recipient) {
+    const auto rate = static_cast<int32_t>(recipient.waveFormat.SampleRate());
+    if (DefaultRecipientIndex(userFile) == index) Settings::Write(userFile, UserKeys::kSampleRate, rate);
+}

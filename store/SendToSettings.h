@@ -68,3 +68,6 @@ std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& u
 // Index of the user's default recipient; nothing, so that nothing can be sent, when he has no recipients or
 // the index is beyond their number.
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile);
+// A user records at the sample rate of his default recipient's format: stores it when the index is that of
+// the default.
+void StoreRateOfDefault(const LPath& userFile, int32_t index, const SendToSettings& recipient);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "base/LText.h"
 #include "base/LTrace.h"
 
 namespace {
@@ -59,4 +60,21 @@ bool LChooseFormat(HWND owner, LWaveFileFormat& format, uint16_t channels, LForm
         }
         LMessageBox(owner, kNotAvailable, "Format Not Available", MB_OK | MB_ICONWARNING);
     }
+}
+
+std::string LDescribeFormat(const LWaveFileFormat& format) {
+    AcmRecord record(format);
+    ACMFORMATTAGDETAILSA tag = {};
+    tag.cbStruct = sizeof tag;
+    tag.dwFormatTag = format.Tag();
+    ACMFORMATDETAILSA details = {};
+    details.cbStruct = sizeof details;
+    details.dwFormatTag = format.Tag();
+    details.pwfx = record.Get();
+    details.cbwfx = LWaveFileFormat::kSize;
+    const bool isKnown = acmFormatTagDetailsA(nullptr, &tag, ACM_FORMATTAGDETAILSF_FORMATTAG) == 0 &&
+                         acmFormatDetailsA(nullptr, &details, ACM_FORMATDETAILSF_FORMAT) == 0;
+    if (isKnown) return LFormat("%.47s, %.127s", tag.szFormatTag, details.szFormat);
+    return LFormat("Format %u, %lu Hz", unsigned{format.Tag()},
+                   static_cast<unsigned long>(format.SampleRate()));
 }

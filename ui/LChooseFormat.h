@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "base/LWaveFileFormat.h"
 #include "ui/LWin.h"
 
@@ -12,3 +14,6 @@ using LFormatTest = bool (*)(const LWaveFileFormat& format);
 // Errors: false, with the format unchanged, when the user cancels or the chooser cannot be shown (traced).
 // Thread: the window thread.
 bool LChooseFormat(HWND owner, LWaveFileFormat& format, uint16_t channels, LFormatTest isSupported);
+
+// The codec's own words, "GSM 6.10, 8.000 kHz, Mono"; the numbers of the format where no codec knows it.
+std::string LDescribeFormat(const LWaveFileFormat& format);

@@ -60,7 +60,6 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_REWIND, CM_FASTFORWARD, kTransport | kAudio},
     {CM_GOTOEND, CM_GOTOEND, kTransport | kAudio},
     {CM_RECORD_OVERWRITE, CM_RECORD_END, kTransport},
-    {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_RECIPIENTS, kNotBuilt},
     {CM_HELP, CM_HELP, kNoProcess},
 };
 

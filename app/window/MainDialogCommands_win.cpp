@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include "app/dialogs/HardwareSettings_win.h"
+#include "app/dialogs/RecipientSettings_win.h"
 #include "app/window/HoldButton_win.h"
 #include "app/window/MainDialog_win.h"
 #include "base/LText.h"
@@ -104,6 +105,8 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.SetRecordMode(static_cast<RecordMode>(command - CM_RECORDMODE_OVERWRITE));
      }},
     {CM_SETTINGS_HARDWARE, CM_SETTINGS_HARDWARE, [](MainDialog& d, int) { return d.ShowHardwareSettings(); }},
+    {CM_SETTINGS_RECIPIENTS, CM_SETTINGS_RECIPIENTS,
+     [](MainDialog& d, int) { return ShowRecipientSettings(d.m_state, d.m_queue, d.m_runner), true; }},
     {CM_SETTINGS_USER, CM_SETTINGS_USER, [](MainDialog& d, int) { return d.EditUserSettings(); }},
     {CM_VIEW_COMPACT, CM_VIEW_MAXIMIZED,
      [](MainDialog& d, int command) { return d.SetView(static_cast<ViewMode>(command - CM_VIEW_COMPACT)); }},
