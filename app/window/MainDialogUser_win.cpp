@@ -38,6 +38,7 @@ void MainDialog::TakeUserFolder() {
 void MainDialog::LookAfterUser() {
     m_dictations.DeleteOldFiles();
     m_dictations.TestHardDrive();
+    m_sent.CollectReports();
     if (m_inUse.IsTaken()) m_inserts.OfferAll();
 }
 
@@ -69,7 +70,7 @@ void MainDialog::ChangeUser(uint32_t user) {
     m_list.Clear();
     FollowSelection();  // no dictation is the current one
     m_inserts.ForgetThoseLater();
-    m_sent.StopCollecting(kLockWaitMs);  // its user may log on again
+    m_sent.ForgetReports(kLockWaitMs);
     m_queue.LeaveErrors();
     m_inUse.Release();
     SetCurrentUser(m_state.data.settingsFile, user);

@@ -428,6 +428,7 @@ void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
     if (!IsHandBusy() && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
+    m_sent.CollectReports();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);

@@ -1,12 +1,14 @@
 #include "app/window/SentCommands_win.h"
 
 #include "app/dialogs/SentWorkDialog_win.h"
+#include "base/LTime.h"
 #include "res/Ids.h"
 #include "store/DictationFiles.h"
 #include "store/MoveToSent.h"
 
 namespace {
 
+constexpr uint32_t kCollectEveryMs = 5 * 60 * 1000;  // folders of the network may be slow
 constexpr char kSameNumberUnsaved[] =
     "The notes of a dictation of the same number could not be saved yet. The disk may be full. Please try "
     "again later.";
@@ -26,6 +28,18 @@ bool SentCommands::ViewSent() {
     SentWorkDialog dialog(m_state, history, m_queue, m_collect);
     m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::WhatRuns::Stops);
     return true;
+}
+
+void SentCommands::CollectReports() {
+    const uint32_t nowMs = LTickMs();
+    if (m_collectedMs && nowMs - *m_collectedMs < kCollectEveryMs) return;
+    const auto isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
+    if (m_collect.Begin(m_state.data, m_state.user, isQueued, [] {})) m_collectedMs = nowMs;
+}
+
+void SentCommands::ForgetReports(uint32_t waitMs) {
+    m_collect.Stop(waitMs);
+    m_collectedMs.reset();
 }
 
 std::optional<std::vector<LPath>> SentCommands::Recover() {

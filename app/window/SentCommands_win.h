@@ -44,6 +44,11 @@ public:
         if (m_recover != nullptr) m_recover->StopPlaying();
     }
 
+    // Collects what the typists report, in the background; a call soon after the last round does nothing.
+    void CollectReports();
+    // The user changes: his reports are collected at once, and those of the user before no longer. waitMs: the
+    // longest wait for a round that runs.
+    void ForgetReports(uint32_t waitMs);
     // Ends the collecting of reports, which may hang in the network; true when it has ended.
     bool StopCollecting(uint32_t timeoutMs) { return m_collect.Stop(timeoutMs); }
     void RequestStopCollecting() { m_collect.RequestStop(); }
@@ -62,6 +67,7 @@ private:
     Transport& m_transport;
     const CurrentDictation& m_current;
     CollectStatus m_collect;
+    std::optional<uint32_t> m_collectedMs;          // tick count of the last round
     RecoverDialog* m_recover = nullptr;             // while it is open
     std::optional<std::vector<LPath>> m_recovered;  // of the dialog that is or was open
 };
