@@ -89,8 +89,9 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
 
 // ---- Playing ---------------------------------------------------------------------------------------------
 
-PlaySpeed Transport::StoredSpeed() const {
-    return ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed));
+PlaySpeed Transport::PlaySpeedNow() const {
+    const int32_t stored = Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed);
+    return m_unstoredSpeed.value_or(ToPlaySpeed(stored));
 }
 
 bool Transport::Play() {
@@ -107,6 +108,8 @@ bool Transport::PlayFromStart() {
 
 bool Transport::PlayAt(PlaySpeed speed) {
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kPlaySpeed, static_cast<int32_t>(speed));
+    m_unstoredSpeed.reset();
+    if (PlaySpeedNow() != speed) m_unstoredSpeed = speed;
     if (!IsPlaying()) return Play();
     m_playback.SetSpeed(speed);
     m_owner.PositionChanged();
@@ -115,7 +118,7 @@ bool Transport::PlayAt(PlaySpeed speed) {
 
 bool Transport::PlayFrom(int32_t positionMs) {
     if (!m_current || !m_owner.IsDictationThere() || positionMs >= m_lengthMs) return false;
-    return Tell(m_playback.Play(m_current.Files()->audio, positionMs, StoredSpeed()));
+    return Tell(m_playback.Play(m_current.Files()->audio, positionMs, PlaySpeedNow()));
 }
 
 // Whether playback runs; reports its start to the owner, or the reason of the failure to the user.
