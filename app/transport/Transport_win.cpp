@@ -37,16 +37,17 @@ bool Transport::Record(RecordMode mode) {
     }
     m_isStarting = true;
     const bool hasDictation = Stop() && m_owner.HaveDictation() && m_current && m_runner.MayGoOn();
-    const bool mayStart = hasDictation && (mode != RecordMode::Insert || SettleInsert());
+    const bool mayStart = hasDictation && (OnlyAppends(mode, {m_positionMs, m_lengthMs}) || SettleInsert());
     const bool started = mayStart && Start(mode);
     m_isStarting = false;
     return started;
 }
 
-// A dictation has one insertion at a time: one that waits is settled before another begins.
+// A dictation has one insertion at a time, and the place of one that waits is counted from the dictation's
+// start: it is settled before another begins, and before anything is recorded over.
 bool Transport::SettleInsert() {
     PendingInsert pending;
-    if (PendingInsert::Read(*m_current.Files(), pending) == LReadResult::Absent) return true;
+    if (PendingInsert::Read(*m_current.Files(), pending) == PendingInsert::Result::Absent) return true;
     return m_owner.SettleInsert() && m_current && m_runner.MayGoOn();
 }
 
