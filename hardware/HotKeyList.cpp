@@ -11,7 +11,8 @@
 
 // Each change is a series of writes of single keys, in an order by which an end of the program between two of
 // them, or a write that is refused and ends the change, leaves a hot key twice, or one behind the end of the
-// list, and never loses one. What lies behind the end is overwritten as a whole when a hot key is added there.
+// list, and never loses one. What lies behind the end is overwritten as a whole when a hot key is added
+// there.
 
 namespace {
 

@@ -23,8 +23,8 @@ struct PendingInsert {
     bool Write(const DictationFiles& files) const;
     // Forgets the insertion; the recording stays.
     static bool Forget(const DictationFiles& files);
-    // Renames a damaged note, so that another insertion can wait. Returns the new path, empty when it could not
-    // be renamed.
+    // Renames a damaged note, so that another insertion can wait. Returns the new path, empty when it could
+    // not be renamed.
     static LPath SetAside(const DictationFiles& files);
     static LPath NoteOf(const DictationFiles& files);
     // The dictations of a folder that wait for an insertion, whether they are there still or not.

@@ -12,8 +12,8 @@
 
 // The list is a numbered list of settings (Settings::ListItemKey), changed one key at a time. Each order of
 // writes is chosen so that an end of the program between two of them, or a write that is refused and ends the
-// change, leaves a user twice, which reading corrects, and never loses one. One session at a time changes it (users.lck): two that write their own
-// positions would drop each other's users.
+// change, leaves a user twice, which reading corrects, and never loses one. One session at a time changes it
+// (users.lck): two that write their own positions would drop each other's users.
 // A number belongs to whoever creates its folder, which succeeds for one session only.
 
 // How long the window may wait for another session's change.

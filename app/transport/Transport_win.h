@@ -50,8 +50,8 @@ public:
     bool PlayFromStart();
     // The play speed: the stored one, or that of the last PlayAt where it could not be stored.
     PlaySpeed PlaySpeedNow() const;
-    // Makes it the play speed and plays at it; if it plays already, without a gap. False when there is nothing to
-    // play.
+    // Makes it the play speed and plays at it; if it plays already, without a gap. False when there is
+    // nothing to play.
     bool PlayAt(PlaySpeed speed);
     // Winds until EndWinding or an end of the dictation. False when there is nothing to wind.
     bool BeginWinding(WindDirection direction);

@@ -22,8 +22,8 @@ public:
     // Asks about each insertion of the user's folder. Precondition: no other program works in the folder; an
     // insertion that runs there would look like one that waits.
     void OfferAll();
-    // Asks about the insertion of one dictation. True when none waits there any more. False without a word when
-    // its files cannot be read now: the caller tells that it waits.
+    // Asks about the insertion of one dictation. True when none waits there any more. False without a word
+    // when its files cannot be read now: the caller tells that it waits.
     bool Offer(const DictationFiles& files) { return Take(files, Why::Command) == Outcome::Settled; }
     // The same; no refusal goes without a word.
     bool OfferOrTell(const DictationFiles& files);

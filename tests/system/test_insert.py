@@ -59,7 +59,7 @@ def test_what_is_said_goes_between_and_nothing_is_lost(program, data, tmp_files)
     assert 1.5 * 16000 <= place < 3 * 16000 and len(extra) > 16000
     wait_for(lambda: not recording.exists(), "an end of the temporary file")
     assert sizes_known(data.audio(NUMBER))
-    assert sorted(p.suffix for p in data.current.iterdir()) == [".dat", ".wav"]
+    wait_for(lambda: sorted(p.suffix for p in data.current.iterdir()) == [".dat", ".wav"], "nothing left over")
     length = round((48000 + len(extra) / 2) / 8000)
     end = round((place + len(extra)) / 16000)
     text = program.control("IDC_POSITION")["text"]
