@@ -98,8 +98,7 @@ def test_the_first_user_gives_himself_a_name_once(corvane, data):
     program = corvane()
     expect_user(program, "User 0")
     for typed in (name, "x"):
-        program.command("CM_SETTINGS_USER")
-        sheet = Dialog(program, "User Settings")
+        sheet = Dialog(program, "User Settings", "CM_SETTINGS_USER")
         sheet.type("IDC_DETAILS_NAME", typed)
         sheet.type("IDC_DETAILS_EMAIL", email)
         sheet.end(OK)
