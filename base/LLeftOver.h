@@ -23,7 +23,7 @@ inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, wh
 inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
 inline constexpr char kInsert[] = ".ins";              // beside a dictation: of an insertion that is not done
 inline constexpr char kInsertBeside[] = ".in~";        // of such a file that is being written
-inline constexpr char kSetAside[] = ".bad%d";  // of a file that has the audio's name and is no WAV file
+inline constexpr char kSetAside[] = ".bad%d";          // of a file that does not hold what its name says
 inline constexpr char kSetAsidePattern[] = ".bad*";
 
 }  // namespace LLeftOver

@@ -10,8 +10,9 @@
 #include "store/SettingsKeys.h"
 
 // Each change is a series of writes of single keys, in an order by which an end of the program between two of
-// them leaves a hot key twice, or one behind the end of the list, and never loses one. What lies behind the
-// end is overwritten as a whole when a hot key is added there.
+// them, or a write that is refused and ends the change, leaves a hot key twice, or one behind the end of the
+// list, and never loses one. What lies behind the end is overwritten as a whole when a hot key is added
+// there.
 
 namespace {
 
@@ -22,10 +23,10 @@ struct ItemKey {
     const char* prefix;
     const char* suffix;
 };
+
 constexpr ItemKey kKey = {kKeyPrefix, ""};
 constexpr ItemKey kModifiers = {kKeyPrefix, kKeyModSuffix};
 constexpr ItemKey kCommand = {kKeyCommandPrefix, ""};
-constexpr ItemKey kItemKeys[] = {kKey, kModifiers, kCommand};
 
 constexpr int32_t kAllModifiers = kModifierAlt | kModifierCtrl | kModifierShift;
 
@@ -37,6 +38,17 @@ std::optional<int32_t> Number(const LProfileSection& section, int32_t index, con
     const std::string text = section.Read(ListItemKey(key.prefix, index, key.suffix), {});
     if (text.empty()) return std::nullopt;
     return LParseInt(text);
+}
+
+// A scanner that opens the file between two writes lets go of it at once; one refusal is none.
+template <class Change>
+bool InTwoTries(Change change) {
+    return change() || change();
+}
+
+bool Drop(const LPath& file, int32_t index, const ItemKey& key) {
+    return InTwoTries(
+        [&] { return Settings::DeleteListItem(file, kKeysSection, key.prefix, index, key.suffix); });
 }
 
 }  // namespace
@@ -79,28 +91,29 @@ int32_t HotKeyList::CommandOf(int32_t index, const HotKey& registered) const {
 
 bool HotKeyList::WriteItem(int32_t index, const HotKey& hotKey) {
     const auto write = [&](const ItemKey& key, int32_t number) {
-        return LProfile::Write(m_file, kKeysSection, ListItemKey(key.prefix, index, key.suffix),
-                               std::to_string(number));
+        return InTwoTries([&] {
+            return LProfile::Write(m_file, kKeysSection, ListItemKey(key.prefix, index, key.suffix),
+                                   std::to_string(number));
+        });
     };
-    if (!hotKey.key)
-        for (const ItemKey& key : {kKey, kModifiers})
-            Settings::DeleteListItem(m_file, kKeysSection, key.prefix, index, key.suffix);
-    else if (!write(kKey, *hotKey.key) || !write(kModifiers, hotKey.modifiers))
-        return false;
-    return write(kCommand, hotKey.command);
+    const bool isKeyWritten = hotKey.key ? write(kKey, *hotKey.key) && write(kModifiers, hotKey.modifiers)
+                                         : Drop(m_file, index, kKey) && Drop(m_file, index, kModifiers);
+    return isKeyWritten && write(kCommand, hotKey.command);
 }
 
 bool HotKeyList::WriteCount(int32_t count) {
-    return LProfile::Write(m_file, kKeysSection, kKeyCount.key, std::to_string(count));
+    return InTwoTries(
+        [&] { return LProfile::Write(m_file, kKeysSection, kKeyCount.key, std::to_string(count)); });
 }
 
-bool HotKeyList::DeleteItem(int32_t index, int32_t last) {
+// Those behind move up as they were read: what a held file answers in between is not believed. Ends at the
+// first write that fails.
+bool HotKeyList::DeleteItem(const std::vector<HotKey>& list, int32_t index) {
+    const auto last = static_cast<int32_t>(list.size()) - 1;
     for (int32_t i = index; i < last; ++i)
-        for (const ItemKey& key : kItemKeys)
-            Settings::MoveListItem(m_file, kKeysSection, key.prefix, i, i + 1, key.suffix);
-    for (const ItemKey& key : kItemKeys)
-        Settings::DeleteListItem(m_file, kKeysSection, key.prefix, last, key.suffix);
-    return WriteCount(last);
+        if (!WriteItem(i, list[static_cast<size_t>(i) + 1])) return false;
+    return Drop(m_file, last, kKey) && Drop(m_file, last, kModifiers) && Drop(m_file, last, kCommand) &&
+           WriteCount(last);
 }
 
 std::optional<int32_t> HotKeyList::Find(const std::vector<HotKey>& list, int32_t index,
@@ -139,6 +152,6 @@ HotKeyList::Change HotKeyList::Delete(int32_t index, const HotKey& shown) {
     return ChangeList([&](const std::vector<HotKey>& list) {
         const auto found = Find(list, index, shown);
         if (!found) return Change::Gone;
-        return DeleteItem(*found, static_cast<int32_t>(list.size()) - 1) ? Change::Done : Change::NotStored;
+        return DeleteItem(list, *found) ? Change::Done : Change::NotStored;
     });
 }

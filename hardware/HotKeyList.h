@@ -36,7 +36,7 @@ public:
 private:
     std::optional<std::vector<HotKey>> Read(uint32_t waitMs) const;
     Change ChangeList(const std::function<Change(const std::vector<HotKey>& list)>& change);
-    bool DeleteItem(int32_t index, int32_t last);
+    bool DeleteItem(const std::vector<HotKey>& list, int32_t index);
     bool WriteItem(int32_t index, const HotKey& hotKey);
     bool WriteCount(int32_t count);
 

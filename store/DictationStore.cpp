@@ -118,15 +118,15 @@ bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
     return true;
 }
 
-LPath SetAsideAudio(const DictationFiles& files) {
+LPath SetAside(const LPath& file) {
     for (int i = 1; i < 1000; ++i) {
-        const LPath aside = files.audio.WithExtension(LFormat(LLeftOver::kSetAside, i));
-        if (!LFile::Exists(aside)) return LFile::Move(files.audio, aside) ? aside : LPath();
+        const LPath aside = file.WithExtension(LFormat(LLeftOver::kSetAside, i));
+        if (!LFile::Exists(aside)) return LFile::Move(file, aside) ? aside : LPath();
     }
     return LPath();
 }
 
-// Whether a file beside a dictation belongs to it as a left-over: set aside by SetAsideAudio, or an
+// Whether a file beside a dictation belongs to it as a left-over: set aside by SetAside, or an
 // unfinished write that the end of the program cut off.
 static bool IsLeftOver(const LPath& path, const DictationFiles& files) {
     for (const LPath& unfinished :

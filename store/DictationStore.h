@@ -39,9 +39,10 @@ bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& targe
 // everything as it was, when a file cannot be renamed.
 bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
 
-// Renames a file that has the audio's name but holds no audio, to make way for a recording ("00000012.bad1"):
-// it may be all that is left of an earlier one. Returns the new path, empty when it could not be renamed.
-LPath SetAsideAudio(const DictationFiles& files);
+// Renames a file of a dictation that does not hold what its name says, as the audio's that holds no audio, to
+// make way for a new one ("00000012.bad1"): it may be all that is left of a recording. Returns the new path,
+// empty when it could not be renamed.
+LPath SetAside(const LPath& file);
 
 // Deletes audio, notes and record, in this order, then left-overs and files that were set aside. When a file
 // cannot be deleted the rest stays and the result is false, so that audio in use does not lose its record.

@@ -181,7 +181,7 @@ const char* MoveToSent::FindObstacleBack() {
     if (queued != QueueAnswer::No) return queued == QueueAnswer::Yes ? kStillQueued : kQueueUnreadable;
     if (!m_current.AnyExists()) return "";
     PendingInsert insert;
-    if (PendingInsert::Read(m_current, insert) != LReadResult::Absent) return kSameNumberInserts;
+    if (PendingInsert::Read(m_current, insert) != PendingInsert::Result::Absent) return kSameNumberInserts;
     return RenumberDictation(m_user, m_current) ? "" : kSameNumberBack;
 }
 

@@ -1,10 +1,13 @@
 #include "store/PendingInsert.h"
 
+#include <algorithm>
 #include <charconv>
 
+#include "base/LFile.h"
 #include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
+#include "store/DictationStore.h"
 
 // The file holds two lines: the path of the recording, and the frame. It is written whole and flushed, since
 // it must be on the disk before the recording is.
@@ -12,10 +15,6 @@
 namespace {
 
 constexpr size_t kMostBytes = 1024;
-
-LPath NoteOf(const DictationFiles& files) {
-    return files.record.WithExtension(LLeftOver::kInsert);
-}
 
 // Takes the next line off the text.
 std::string_view TakeLine(std::string_view& text) {
@@ -32,22 +31,30 @@ bool ReadFrames(std::string_view line, int32_t& frames) {
 
 }  // namespace
 
-LReadResult PendingInsert::Read(const DictationFiles& files, PendingInsert& pending) {
-    std::vector<uint8_t> bytes;
-    const LReadResult result = LFile::TryRead(NoteOf(files), kMostBytes, bytes);
-    if (result != LReadResult::Values) return result;
+LPath PendingInsert::NoteOf(const DictationFiles& files) {
+    return files.record.WithExtension(LLeftOver::kInsert);
+}
+
+PendingInsert::Result PendingInsert::Read(const DictationFiles& files, PendingInsert& pending) {
+    LFile note;
+    const LReadResult opened = LFile::OpenToRead(NoteOf(files), note);
+    if (opened != LReadResult::Values) return opened == LReadResult::Absent ? Result::Absent : Result::Held;
+    std::vector<uint8_t> bytes(kMostBytes + 1);
+    bytes.resize(note.Read(bytes));
+    if (static_cast<int64_t>(bytes.size()) < std::min<int64_t>(note.Size(), kMostBytes)) return Result::Held;
     std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     const std::string_view path = TakeLine(text);
     PendingInsert found;
     found.recording = LPath(path);
-    const bool isWhole = path.find('\0') == std::string_view::npos && !found.recording.Empty() &&
-                         ReadFrames(TakeLine(text), found.atFrame) && text.empty();
+    const bool isWhole = bytes.size() <= kMostBytes && path.find('\0') == std::string_view::npos &&
+                         !found.recording.Empty() && ReadFrames(TakeLine(text), found.atFrame) &&
+                         text.empty();
     if (!isWhole) {
         LTrace("PendingInsert::Read damaged", files.record.View());
-        return LReadResult::Unreadable;
+        return Result::Damaged;
     }
     pending = found;
-    return LReadResult::Values;
+    return Result::Values;
 }
 
 bool PendingInsert::Write(const DictationFiles& files) const {
@@ -65,6 +72,10 @@ bool PendingInsert::Forget(const DictationFiles& files) {
     if (LFile::Delete(note, kMoveWaitMs) || LFile::IsAbsent(note)) return true;
     LTrace("PendingInsert::Forget unable to delete", note.View());
     return false;
+}
+
+LPath PendingInsert::SetAside(const DictationFiles& files) {
+    return ::SetAside(NoteOf(files));
 }
 
 std::vector<DictationFiles> PendingInsert::List(const LPath& folder) {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/LFile.h"
+#include "base/LPath.h"
 #include "store/DictationFiles.h"
 
 // An insertion that is not done: a recording that lies in a file of its own until it is merged into its
@@ -17,11 +17,16 @@ struct PendingInsert {
     LPath recording;
     int32_t atFrame = 0;
 
-    // A note of damaged contents is Unreadable.
-    static LReadResult Read(const DictationFiles& files, PendingInsert& pending);
+    // Held: the note cannot be read now. Damaged: it never can, since it holds something else.
+    enum class Result { Values, Absent, Held, Damaged };
+    static Result Read(const DictationFiles& files, PendingInsert& pending);
     bool Write(const DictationFiles& files) const;
     // Forgets the insertion; the recording stays.
     static bool Forget(const DictationFiles& files);
+    // Renames a damaged note, so that another insertion can wait. Returns the new path, empty when it could
+    // not be renamed.
+    static LPath SetAside(const DictationFiles& files);
+    static LPath NoteOf(const DictationFiles& files);
     // The dictations of a folder that wait for an insertion, whether they are there still or not.
     static std::vector<DictationFiles> List(const LPath& folder);
 };

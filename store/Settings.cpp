@@ -1,6 +1,7 @@
 #include "store/Settings.h"
 
 #include "base/LArith.h"
+#include "base/LFile.h"
 #include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
@@ -92,24 +93,25 @@ std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view
     return std::string(prefix) + std::to_string(index) + std::string(suffix);
 }
 
-void MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
+// A source that cannot be read is not one without a value: its destination would be deleted, and with it an
+// item that stands nowhere else.
+bool MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
                   int32_t source, std::string_view suffix) {
     const std::string from = ListItemKey(prefix, source, suffix);
     const std::string to = ListItemKey(prefix, destination, suffix);
-    const std::string value = LProfile::Read(file, section, from, kAbsent);
+    const LProfileSection items(file, section, kReadWaitMs);
+    if (items.Result() == LReadResult::Unreadable) return false;
+    const std::string value = items.Read(from, kAbsent);
     // The destination is written first: a value that is there twice is recognised, one that is nowhere is
     // lost.
-    if (value == kAbsent) {
-        LProfile::Delete(file, section, to);
-    } else {
-        LProfile::Write(file, section, to, value);
-    }
-    LProfile::Delete(file, section, from);
+    const bool isWritten =
+        value == kAbsent ? LProfile::Delete(file, section, to) : LProfile::Write(file, section, to, value);
+    return isWritten && LProfile::Delete(file, section, from);
 }
 
-void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,
+bool DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,
                     std::string_view suffix) {
-    LProfile::Delete(file, section, ListItemKey(prefix, index, suffix));
+    return LProfile::Delete(file, section, ListItemKey(prefix, index, suffix));
 }
 
 }  // namespace Settings

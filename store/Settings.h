@@ -84,10 +84,11 @@ int32_t ParseTime(std::string_view text);
 inline constexpr int32_t kLargestGap = 16;
 std::string ListItemKey(std::string_view prefix, int32_t index, std::string_view suffix = {});
 // Moves the value of an item to another index; without a value at the source, the destination is deleted. The
-// end of the program at any moment leaves the value under one key or under both.
-void MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
+// end of the program at any moment leaves the value under one key or under both, and so does a failure
+// (false; also when the file cannot be read for a second). The items behind must then stay where they are.
+bool MoveListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t destination,
                   int32_t source, std::string_view suffix = {});
-void DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,
+bool DeleteListItem(const LPath& file, std::string_view section, std::string_view prefix, int32_t index,
                     std::string_view suffix = {});
 
 }  // namespace Settings

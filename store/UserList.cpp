@@ -11,9 +11,9 @@
 #include "store/SettingsKeys.h"
 
 // The list is a numbered list of settings (Settings::ListItemKey), changed one key at a time. Each order of
-// writes is chosen so that an end of the program between two of them leaves a user twice, which reading
-// corrects, and never loses one. One session at a time changes it (users.lck): two that write their own
-// positions would drop each other's users.
+// writes is chosen so that an end of the program between two of them, or a write that is refused and ends the
+// change, leaves a user twice, which reading corrects, and never loses one. One session at a time changes it
+// (users.lck): two that write their own positions would drop each other's users.
 // A number belongs to whoever creates its folder, which succeeds for one session only.
 
 // How long the window may wait for another session's change.
@@ -40,27 +40,28 @@ static bool ReadUserItems(const LPath& settingsFile, uint32_t current, std::vect
     return section.Result() != LReadResult::Unreadable;
 }
 
+static bool WriteUserCount(const LPath& settingsFile, int32_t count) {
+    return Settings::WriteText(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserCount.key,
+                               std::to_string(count));
+}
+
 // Writes the items from index 0 without gaps. Reading has only removed gaps, so an item moves at most
 // downwards, onto a place whose item was read already: a write that is cut off loses no user.
-static void WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
+// False at the first write that fails.
+static bool WriteUserItems(const LPath& settingsFile, const std::vector<uint32_t>& users) {
     const int32_t count = static_cast<int32_t>(users.size());
     for (int32_t i = 0; i < count; ++i) {
-        Settings::WriteNumber(settingsFile, SettingsKeys::kUsersSection,
-                              Settings::ListItemKey(SettingsKeys::kUserPrefix, i),
-                              users[static_cast<size_t>(i)]);
+        const std::string key = Settings::ListItemKey(SettingsKeys::kUserPrefix, i);
+        const std::string number = std::to_string(users[static_cast<size_t>(i)]);
+        if (!Settings::WriteText(settingsFile, SettingsKeys::kUsersSection, key, number)) return false;
     }
-    Settings::Write(settingsFile, SettingsKeys::kUserCount, count);
+    return WriteUserCount(settingsFile, count);
 }
 
 std::vector<uint32_t> ReadUserList(const LPath& settingsFile, uint32_t current) {
     std::vector<uint32_t> users;
     ReadUserItems(settingsFile, current, users);
     return users;
-}
-
-static bool HasUser(const LPath& settingsFile, uint32_t user, uint32_t current) {
-    std::vector<uint32_t> users;
-    return ReadUserItems(settingsFile, current, users) && Contains(users, user);
 }
 
 static bool AppendToList(const LPath& settingsFile, uint32_t user, uint32_t current) {
@@ -70,18 +71,18 @@ static bool AppendToList(const LPath& settingsFile, uint32_t user, uint32_t curr
     // hide him.
     users.push_back(user);
     WriteUserItems(settingsFile, users);
-    return HasUser(settingsFile, user, current);
+    return ReadUserItems(settingsFile, current, users) && Contains(users, user);
 }
 
+// Ends at the first write that fails.
 static void RemoveFromList(const LPath& settingsFile, const std::vector<uint32_t>& users, size_t position) {
-    WriteUserItems(settingsFile, users);
+    if (!WriteUserItems(settingsFile, users)) return;
+    const char* const section = SettingsKeys::kUsersSection;
     const int32_t last = static_cast<int32_t>(users.size()) - 1;
-    for (int32_t i = static_cast<int32_t>(position); i < last; ++i) {
-        Settings::MoveListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, i,
-                               i + 1);
-    }
-    Settings::DeleteListItem(settingsFile, SettingsKeys::kUsersSection, SettingsKeys::kUserPrefix, last);
-    Settings::Write(settingsFile, SettingsKeys::kUserCount, last);
+    for (int32_t i = static_cast<int32_t>(position); i < last; ++i)
+        if (!Settings::MoveListItem(settingsFile, section, SettingsKeys::kUserPrefix, i, i + 1)) return;
+    if (Settings::DeleteListItem(settingsFile, section, SettingsKeys::kUserPrefix, last))
+        WriteUserCount(settingsFile, last);
 }
 
 // False while another session changes the list. A folder in which no lock can be made is left to the writes,
@@ -149,7 +150,10 @@ UserRemoval RemoveUser(const DataFolder& data, uint32_t user, uint32_t current, 
     if (found != users.end() && users.size() == 1) return UserRemoval::IsLast;
     if (found != users.end())
         RemoveFromList(data.settingsFile, users, static_cast<size_t>(found - users.begin()));
-    if (HasUser(data.settingsFile, user, current)) return UserRemoval::NotStored;
-    if (user == current) next = ReadUserList(data.settingsFile, current).front();
+    // The list decides what was stored: in a change that was cut off, the user may be out of it already.
+    std::vector<uint32_t> left;
+    if (!ReadUserItems(data.settingsFile, current, left) || Contains(left, user))
+        return UserRemoval::NotStored;
+    if (user == current) next = left.front();
     return UserRemoval::Removed;
 }

@@ -26,7 +26,11 @@ constexpr int32_t kMostTagBytes = 32;
 
 using Of = SettingsRow::Of;
 
+// The first two only for a user without a name.
+constexpr size_t kNameRows = 2;
 constexpr SettingsRow kDetailRows[] = {
+    {LControlRow::Text(IDC_DETAILS_NAME), UserKeys::kName, Of::User},
+    {LControlRow::Text(IDC_DETAILS_EMAIL), UserKeys::kEmail, Of::User},
     {LControlRow::Text(IDC_DETAILS_COMPANY), UserKeys::kCompany, Of::User},
     {LControlRow::Text(IDC_DETAILS_PHONE), UserKeys::kPhone, Of::User},
     {LControlRow::Text(IDC_DETAILS_CELL), UserKeys::kCell, Of::User},
@@ -60,21 +64,47 @@ constexpr SettingsRow kOptionRows[] = {
     {LControlRow::Text(IDC_OPTIONS_TAG2, kMostTagBytes), SettingsKeys::kPrompts[1].xmlTag},
 };
 
-// Name and e-mail address were given when the user was added; they are shown and not edited.
+// The user who exists after installation was never added, and so has no name.
+bool IsNameless(const LPath& userFile) {
+    const UserDetails details = UserDetails::Read(userFile);
+    return details.result != LReadResult::Unreadable && details.name.empty();
+}
+
+// Name and e-mail address were given when the user was added; they are shown and not edited. Until he has a
+// name both can be entered.
 class DetailsPage final : public LPropertyPage {
 public:
-    DetailsPage(const AppState& state, LControlBinding& binding)
-        : LPropertyPage(IDD_DETAILS, binding), m_userFile(state.user.userFile) {}
+    DetailsPage(const AppState& state, LControlBinding& binding, bool isNameless)
+        : LPropertyPage(IDD_DETAILS, binding), m_userFile(state.user.userFile), m_isNameless(isNameless) {}
 
 private:
     void InitPage() override {
+        if (m_isNameless) {
+            for (const int control : {IDC_DETAILS_NAME, IDC_DETAILS_EMAIL}) MakeEditable(Item(control));
+            return;
+        }
         LSetWindowText(Item(IDC_DETAILS_NAME), Settings::Read(m_userFile, UserKeys::kName));
         LSetWindowText(Item(IDC_DETAILS_EMAIL), Settings::Read(m_userFile, UserKeys::kEmail));
         // The sheet puts the focus on the first field; nobody begins with what he cannot edit.
         PostMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(IDC_DETAILS_COMPANY)), TRUE);
     }
 
+    // Gives a text the look and the place of a field that is edited.
+    void MakeEditable(HWND field) const {
+        const HWND example = Item(IDC_DETAILS_COMPANY);
+        RECT text = {}, box = {};
+        GetWindowRect(field, &text);
+        GetWindowRect(example, &box);
+        OffsetRect(&box, 0, (text.top + text.bottom - box.top - box.bottom) / 2);
+        MapWindowPoints(nullptr, Window(), reinterpret_cast<POINT*>(&box), 2);
+        SetWindowLongA(field, GWL_EXSTYLE, GetWindowLongA(example, GWL_EXSTYLE));
+        SetWindowPos(field, nullptr, box.left, box.top, box.right - box.left, box.bottom - box.top,
+                     SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+        SendMessageA(field, EM_SETREADONLY, FALSE, 0);
+    }
+
     const LPath& m_userFile;
+    bool m_isNameless;
 };
 
 class PlaybackPage final : public LPropertyPage {
@@ -131,9 +161,11 @@ void ShowUserSettings(const AppState& state, LModalRunner& runner, Listening& li
                       const std::function<bool()>& isBusy) {
     const LPath& machine = state.data.settingsFile;
     const LPath& user = state.user.userFile;
-    SettingsRows details(machine, kDetailRows, user), recording(machine, kRecordingRows, user),
+    const bool isNameless = IsNameless(user);
+    const auto detailRows = std::span(kDetailRows).subspan(isNameless ? 0 : kNameRows);
+    SettingsRows details(machine, detailRows, user), recording(machine, kRecordingRows, user),
         playback(machine, kPlaybackRows), options(machine, kOptionRows);
-    DetailsPage detailsPage(state, details);
+    DetailsPage detailsPage(state, details, isNameless);
     RecordingPage recordingPage(state, recording, listening, isBusy);
     PlaybackPage playbackPage(state, playback);
     OptionsPage optionsPage(options);

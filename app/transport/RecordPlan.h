@@ -44,6 +44,11 @@ constexpr RecordMode ModeAt(RecordMode mode, ShownPlace shown) {
     return shown.positionMs >= shown.lengthMs ? RecordMode::Append : mode;
 }
 
+// Whether a recording leaves all that is there in its place. Appending to half a second replaces it.
+constexpr bool OnlyAppends(RecordMode mode, ShownPlace shown) {
+    return ModeAt(mode, shown) == RecordMode::Append && shown.lengthMs >= kFromStartBelowMs;
+}
+
 // Overwrite starts at the position, append at the end. Insert inserts at the position, also within the first
 // half second; but it records over what follows within the last second, and over all of a dictation of half a
 // second. A position at or beyond the end gives the exact end, where no frame is cut; within the file the

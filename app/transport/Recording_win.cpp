@@ -146,7 +146,7 @@ bool Recording::ReadExisting(Target& target) {
             return true;
         }
     }
-    target.setAside = SetAsideAudio(target.files);
+    target.setAside = SetAside(target.files.audio);
     if (!target.setAside.Empty()) return true;
     m_runner.Tell(kCannotOpen);
     return false;

@@ -37,16 +37,17 @@ bool Transport::Record(RecordMode mode) {
     }
     m_isStarting = true;
     const bool hasDictation = Stop() && m_owner.HaveDictation() && m_current && m_runner.MayGoOn();
-    const bool mayStart = hasDictation && (mode != RecordMode::Insert || SettleInsert());
+    const bool mayStart = hasDictation && (OnlyAppends(mode, {m_positionMs, m_lengthMs}) || SettleInsert());
     const bool started = mayStart && Start(mode);
     m_isStarting = false;
     return started;
 }
 
-// A dictation has one insertion at a time: one that waits is settled before another begins.
+// A dictation has one insertion at a time, and the place of one that waits is counted from the dictation's
+// start: it is settled before another begins, and before anything is recorded over.
 bool Transport::SettleInsert() {
     PendingInsert pending;
-    if (PendingInsert::Read(*m_current.Files(), pending) == LReadResult::Absent) return true;
+    if (PendingInsert::Read(*m_current.Files(), pending) == PendingInsert::Result::Absent) return true;
     return m_owner.SettleInsert() && m_current && m_runner.MayGoOn();
 }
 
@@ -89,8 +90,9 @@ void Transport::RecordingEnded(const Recording::Outcome& outcome) {
 
 // ---- Playing ---------------------------------------------------------------------------------------------
 
-PlaySpeed Transport::StoredSpeed() const {
-    return ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed));
+PlaySpeed Transport::PlaySpeedNow() const {
+    const int32_t stored = Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed);
+    return m_unstoredSpeed.value_or(ToPlaySpeed(stored));
 }
 
 bool Transport::Play() {
@@ -107,6 +109,8 @@ bool Transport::PlayFromStart() {
 
 bool Transport::PlayAt(PlaySpeed speed) {
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kPlaySpeed, static_cast<int32_t>(speed));
+    m_unstoredSpeed.reset();
+    if (PlaySpeedNow() != speed) m_unstoredSpeed = speed;
     if (!IsPlaying()) return Play();
     m_playback.SetSpeed(speed);
     m_owner.PositionChanged();
@@ -115,7 +119,7 @@ bool Transport::PlayAt(PlaySpeed speed) {
 
 bool Transport::PlayFrom(int32_t positionMs) {
     if (!m_current || !m_owner.IsDictationThere() || positionMs >= m_lengthMs) return false;
-    return Tell(m_playback.Play(m_current.Files()->audio, positionMs, StoredSpeed()));
+    return Tell(m_playback.Play(m_current.Files()->audio, positionMs, PlaySpeedNow()));
 }
 
 // Whether playback runs; reports its start to the owner, or the reason of the failure to the user.

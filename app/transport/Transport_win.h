@@ -44,12 +44,14 @@ public:
     // Starts a recording; playing and winding are stopped. Refused (false) while one runs or is being
     // prepared.
     bool Record(RecordMode mode);
-    // Plays from the position at the stored speed, at the end from the start. A running recording is finished
+    // Plays from the position at the play speed, at the end from the start. A running recording is finished
     // first, and its passage is played. Refused (false) while playing.
     bool Play();
     bool PlayFromStart();
-    // Stores the speed and plays at it; if it plays already, without a gap. False when there is nothing to
-    // play.
+    // The play speed: the stored one, or that of the last PlayAt where it could not be stored.
+    PlaySpeed PlaySpeedNow() const;
+    // Makes it the play speed and plays at it; if it plays already, without a gap. False when there is
+    // nothing to play.
     bool PlayAt(PlaySpeed speed);
     // Winds until EndWinding or an end of the dictation. False when there is nothing to wind.
     bool BeginWinding(WindDirection direction);
@@ -96,7 +98,6 @@ public:
     int32_t LengthMs() const { return m_lengthMs; }
 
 private:
-    PlaySpeed StoredSpeed() const;
     bool SettleInsert();
     bool Start(RecordMode mode);
     bool PlayFrom(int32_t positionMs);
@@ -122,6 +123,7 @@ private:
     bool m_isPreparing = false;  // file and device of a recording are being prepared
     bool m_stopAsked = false;    // Stop was called during the preparation
     bool m_recordedNothing = false;
+    std::optional<PlaySpeed> m_unstoredSpeed;
     std::optional<WindDirection> m_windAsked;  // winding begins, and has not been let go
     // Playing or recording ran before winding, and playing goes on after it.
     bool m_playsAfterWinding = false;

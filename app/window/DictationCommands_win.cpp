@@ -20,6 +20,11 @@ constexpr char kDiskLow[] =
 constexpr uint32_t kPatienceMs = 6000;
 constexpr char kConfirmDelete[] = "Are you sure you want to delete this dictation?";
 constexpr char kConfirmSeveral[] = "\n\nAll %lu selected dictations will be deleted.";
+constexpr char kConfirmInsert[] = "\n\nA recording that waits to be inserted goes with it.";
+constexpr char kConfirmInserts[] = "\n\nRecordings that wait to be inserted go with them.";
+constexpr char kInsertLeft[] =
+    "A recording that waited to be inserted could not be deleted. It may be open in another program.\n\n"
+    "It is kept, and becomes a dictation of its own at a later start.";
 constexpr char kCannotDelete[] =
     "A dictation could not be deleted completely.\n\n"
     "One of its files may be open in another program or be write-protected. What is left of it stays in the "
@@ -194,12 +199,27 @@ bool DictationCommands::SetPriority(std::string_view priority) {
     return all;
 }
 
+// Nothing when no insertion waits to be merged into the dictation.
+static std::optional<int64_t> NoteSize(const FolderListing& listing, const DictationFiles& files) {
+    return listing.SizeOf(PendingInsert::NoteOf(files).View());
+}
+
+// What the user is asked before dictations are deleted; listing: of their folder.
+static std::string DeleteQuestion(const std::vector<DictationFiles>& dictations,
+                                  const FolderListing& listing) {
+    const bool areSeveral = dictations.size() > 1;
+    std::string question = kConfirmDelete;
+    if (areSeveral) question += LFormat(kConfirmSeveral, static_cast<unsigned long>(dictations.size()));
+    if (std::ranges::any_of(dictations,
+                            [&](const auto& files) { return NoteSize(listing, files).has_value(); }))
+        question += areSeveral ? kConfirmInserts : kConfirmInsert;
+    return question;
+}
+
 bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     if (dictations.empty() || !StopAndSave()) return false;
     const FolderListing asked(m_state.user.currentFolder);
-    std::string question = kConfirmDelete;
-    if (dictations.size() > 1)
-        question += LFormat(kConfirmSeveral, static_cast<unsigned long>(dictations.size()));
+    const std::string question = DeleteQuestion(dictations, asked);
     if (m_runner.Box(question, "Confirm Delete", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) != IDYES)
         return false;
     if (!StopAndSave()) return false;
@@ -207,15 +227,18 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     std::vector<DictationFiles> gone;
     std::vector<DictationFiles> left;
     bool isRecordedOnto = false;
+    bool isInsertLeft = false;
     ForEach(dictations, "Deleting Dictations", [&](const DictationFiles& files) {
         if (!m_list.NumberOf(files.record)) return true;
         // A device may have recorded while the question was open; the user was not asked about those words.
-        if (listing.SizeOf(files.audio.View()) != asked.SizeOf(files.audio.View())) {
+        if (listing.SizeOf(files.audio.View()) != asked.SizeOf(files.audio.View()) ||
+            NoteSize(listing, files) != NoteSize(asked, files)) {
             isRecordedOnto = true;
             return true;
         }
         const bool isGone = DeleteDictationFiles(files, listing);
         if (isGone) m_notes.Forget(files.notes);
+        if (isGone && NoteSize(asked, files) && !InsertOffers::Discard(files)) isInsertLeft = true;
         (isGone ? gone : left).push_back(files);
         return true;
     });
@@ -224,7 +247,8 @@ bool DictationCommands::Delete(const std::vector<DictationFiles>& dictations) {
     m_transport.EvAudioChanged();
     if (isRecordedOnto) m_runner.Tell(kRecordedOnto);
     if (!left.empty()) m_runner.Tell(kCannotDelete);
-    return left.empty() && !isRecordedOnto;
+    if (isInsertLeft) m_runner.Tell(kInsertLeft);
+    return left.empty() && !isRecordedOnto && !isInsertLeft;
 }
 
 // Asks about insertions that wait: without them the typist would miss what the user has said. A dictation

@@ -22,8 +22,13 @@ public:
     // Asks about each insertion of the user's folder. Precondition: no other program works in the folder; an
     // insertion that runs there would look like one that waits.
     void OfferAll();
-    // Asks about the insertion of one dictation. True when none waits there any more.
-    bool Offer(const DictationFiles& files);
+    // Asks about the insertion of one dictation. True when none waits there any more. False without a word
+    // when its files cannot be read now: the caller tells that it waits.
+    bool Offer(const DictationFiles& files) { return Take(files, Why::Command) == Outcome::Settled; }
+    // The same; no refusal goes without a word.
+    bool OfferOrTell(const DictationFiles& files);
+    // The dictation was deleted, and what waits goes with it. False when something could not be deleted.
+    static bool Discard(const DictationFiles& files);
 
     // Asks later, when nothing else is open.
     void OfferLater(const DictationFiles& files) { m_later.push_back(files); }
@@ -33,13 +38,20 @@ public:
     void ForgetThoseLater() { m_later.clear(); }
 
 private:
-    bool Ask(const DictationFiles& files, const PendingInsert& insert);
-    bool Settle(const DictationFiles& files);
+    // Later: the user has answered or was told. Held: he knows of nothing yet.
+    enum class Outcome { Settled, Later, Held };
+    // Whether a command of the user waits for it, or nothing does.
+    enum class Why { Command, Nothing };
+
     void OfferAndShow(const DictationFiles& files);
-    bool AskMissing(const DictationFiles& files, const PendingInsert& insert);
-    bool Merge(const DictationFiles& files, const PendingInsert& insert);
-    bool MakeOwn(const DictationFiles& files, const PendingInsert& insert);
-    static bool Finish(const DictationFiles& files, const PendingInsert& insert);
+    Outcome Take(const DictationFiles& files, Why why);
+    Outcome Settle(const DictationFiles& files, Why why);
+    Outcome SetAside(const DictationFiles& files);
+    Outcome AskMissing(const DictationFiles& files, const PendingInsert& insert);
+    Outcome Ask(const DictationFiles& files, const PendingInsert& insert);
+    Outcome Merge(const DictationFiles& files, const PendingInsert& insert);
+    Outcome MakeOwn(const DictationFiles& files, const PendingInsert& insert);
+    static Outcome Finish(const DictationFiles& files, const PendingInsert& insert);
 
     const AppState& m_state;
     LModalRunner& m_runner;

@@ -190,7 +190,7 @@ bool MainDialog::SetRecordMode(RecordMode mode) {
 
 bool MainDialog::SetPlaySpeed(PlaySpeed speed) {
     const bool plays = m_transport.PlayAt(speed);
-    m_display.ShowPlaySpeed(speed);
+    m_display.ShowPlaySpeed(m_transport.PlaySpeedNow());
     return plays;
 }
 

@@ -87,6 +87,9 @@ bool MainDialog::EditUserSettings() {
     ShowUserSettings(m_state, m_runner, m_listening, [this] { return m_transport.IsBusy(); });
     if (!IsOpen()) return true;
     RepeatStoppedTone();
-    m_state.user.details = UserDetails::Read(m_state.user.userFile);
+    const UserDetails details = UserDetails::Read(m_state.user.userFile);
+    if (details.result == LReadResult::Unreadable) return true;
+    m_state.user.details = details;
+    m_display.ShowUser(ShownUserName(details, m_state.user.number));
     return true;
 }

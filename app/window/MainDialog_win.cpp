@@ -121,7 +121,7 @@ bool MainDialog::InitDialog() {
     m_notes.Attach(Item(IDC_NOTES), Window(), *this);
     m_list.Attach(Item(IDC_LIST), *this);
     m_display.ShowRecordMode(DefaultRecordMode());
-    m_display.ShowPlaySpeed(ToPlaySpeed(Settings::Read(m_state.data.settingsFile, SettingsKeys::kPlaySpeed)));
+    m_display.ShowPlaySpeed(m_transport.PlaySpeedNow());
     SetTimer(Window(), TIMER_INFOLINE, kInfoFirstMs, nullptr);
     FollowSelection();
     ShowWindow(Window(), m_layout.View() == ViewMode::Maximized ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL);

@@ -187,7 +187,7 @@ private:
         StopOtherSound();
         return !m_current || !m_dictations.DropGone({*m_current.Files()});
     }
-    bool SettleInsert() override { return m_current && m_inserts.Offer(*m_current.Files()); }
+    bool SettleInsert() override { return m_current && m_inserts.OfferOrTell(*m_current.Files()); }
     void InsertKept(const DictationFiles& files) override;
     void ActivityChanged() override;
     void RowOutdated(const DictationFiles& files) override { m_list.UpdateLater(files.record); }

@@ -3,7 +3,7 @@
 import numpy as np
 import pytest
 import sound
-from corvane import WM_CLOSE, pcm_wav, sizes_known, wait_for, write_ini
+from corvane import WM_CLOSE, pcm_wav, sizes_known, wait_for, windows_path, write_ini
 
 CAPTION = "Insert Recording"
 NUMBER = 5
@@ -59,7 +59,7 @@ def test_what_is_said_goes_between_and_nothing_is_lost(program, data, tmp_files)
     assert 1.5 * 16000 <= place < 3 * 16000 and len(extra) > 16000
     wait_for(lambda: not recording.exists(), "an end of the temporary file")
     assert sizes_known(data.audio(NUMBER))
-    assert sorted(p.suffix for p in data.current.iterdir()) == [".dat", ".wav"]
+    wait_for(lambda: sorted(p.suffix for p in data.current.iterdir()) == [".dat", ".wav"], "nothing left over")
     length = round((48000 + len(extra) / 2) / 8000)
     end = round((place + len(extra)) / 16000)
     text = program.control("IDC_POSITION")["text"]
@@ -102,3 +102,66 @@ def test_an_end_of_the_program_leaves_it_to_the_next_start(program, corvane, dat
     assert extra == spoken[: len(spoken) // 2 * 2]
     wait_for(lambda: not recording.exists() and not list(data.current.glob("*.ins")), "nothing left over")
     assert again.close() == 0
+
+
+@pytest.fixture
+def waiting(program, data):
+    """An insertion at four seconds waits; the program, at two seconds, has not asked about it yet."""
+    recording = data.folder / "tmpAA.tmp"
+    recording.write_bytes(pcm_wav(8000, value=-9))
+    note = data.current / f"{NUMBER:08}.ins"
+    note.write_bytes(windows_path(recording).encode() + b"\r\n32000\r\n")
+    return recording, note
+
+
+def test_what_waits_is_settled_before_its_place_is_recorded_over(program, data, waiting):
+    program.command("CM_RECORD_OVERWRITE")
+    assert "at 00:04 is kept" in program.wait_box(CAPTION)
+    program.answer_box(CAPTION, 2)
+    assert sound.microphone_streams() == 0 and data.audio(NUMBER).read_bytes() == program.before
+    program.command("CM_GOTOEND")
+    program.record("CM_RECORD_OVERWRITE")
+    program.stop()
+    assert data.audio(NUMBER).read_bytes()[46:].startswith(program.before[46:]) and waiting[1].exists()
+
+
+def test_what_waits_goes_with_its_dictation(program, data, waiting):
+    program.command("CM_DELETEFILE")
+    assert "A recording that waits to be inserted goes with it." in program.wait_box("Confirm Delete")
+    program.answer_box("Confirm Delete", 6)
+    wait_for(lambda: not waiting[0].exists() and not list(data.current.iterdir()), "an empty folder")
+    assert not program.rows() and not program.boxes()
+
+
+def make_damaged(recording, note):
+    note.write_bytes(b"\0" * 2000)
+
+
+def make_unreadable(recording, note):  # as that of another Windows user
+    recording.unlink()
+    recording.mkdir()
+
+
+def make_held(recording, note):
+    note.unlink()
+    note.mkdir()
+
+
+@pytest.mark.parametrize(
+    "spoil, told, answer, records",
+    [
+        (make_damaged, "00000005.bad1", 1, True),
+        (make_unreadable, "cannot be found or read here", 6, True),
+        (make_held, "Please try again.", 1, False),
+    ],
+)
+def test_record_never_refuses_without_a_word(program, data, waiting, spoil, told, answer, records):
+    spoil(*waiting)
+    program.command("CM_RECORD_INSERT")
+    assert told in program.wait_box(CAPTION)
+    program.answer_box(CAPTION, answer)
+    if records:
+        wait_for(lambda: sound.microphone_streams() > 0, "a running microphone")
+        program.stop()
+    assert sound.microphone_streams() == 0
+    assert (data.current / "00000005.bad1").exists() == (spoil is make_damaged)

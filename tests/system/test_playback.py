@@ -9,7 +9,7 @@ from pathlib import Path
 
 import numpy as np
 import pytest
-from corvane import pcm_wav, wait_active, wait_for, write_ini, xdotool
+from corvane import pcm_wav, read_ini, wait_active, wait_for, write_ini, xdotool
 from sound import HEARD_RATE, Heard, microphone_streams
 
 # Sound that is measured suffers when the machine is busy with other things. A fault of ours fails every time.
@@ -151,6 +151,16 @@ def test_play_goes_on_where_stop_stopped(program):
     assert before.first < 0.2 and abs(after.first - before.last) < 0.2
     assert max(longest_silence(first), longest_silence(second)) < 0.1
     assert 0.97 < before.slope(0.3, 2.0) < 1.03
+
+
+def test_a_speed_that_cannot_be_stored_is_played_all_the_same(program, data):
+    data.settings.chmod(0o444)
+    program.command("CM_PLAY_SLOW")
+    wait_for(lambda: program.control("IDC_DICTATIONNAME")["text"].startswith("Playing (slow):"), "slow playing")
+    program.command("CM_STOP")
+    program.command("CM_PLAY")
+    wait_for(lambda: program.control("IDC_DICTATIONNAME")["text"].startswith("Playing (slow):"), "the same again")
+    assert "playspeed" not in read_ini(data.settings)["settings"]
 
 
 def test_the_speed_changes_while_playing(program):

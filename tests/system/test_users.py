@@ -3,7 +3,7 @@
 import subprocess
 
 import pytest
-from corvane import Dialog, pcm_wav, read_ini, sizes_known, wait_for
+from corvane import Dialog, pcm_wav, read_ini, sizes_known, wait_for, write_ini
 from sound import assert_is, microphone_streams, play, read_wav
 
 CB_SETCURSEL, LB_SETCURSEL = 0x14E, 0x186
@@ -90,6 +90,20 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, mo
     expect_user(program, ada)
     assert numbers(program) == [2] and data.audio(1).exists()
     assert read_ini(data.settings)["users"] == {"count": "1", "user0": "0"}
+
+
+def test_the_first_user_gives_himself_a_name_once(corvane, data):
+    name, email = "Dr. Jo Lind", "jo@example.org"
+    write_ini(data.user_file, {"settings": {"sendcount": 1}})
+    program = corvane()
+    expect_user(program, "User 0")
+    for typed in (name, "x"):
+        sheet = Dialog(program, "User Settings", "CM_SETTINGS_USER")
+        sheet.type("IDC_DETAILS_NAME", typed)
+        sheet.type("IDC_DETAILS_EMAIL", email)
+        sheet.end(OK)
+        expect_user(program, name)
+    assert {"name": name, "email": email}.items() <= read_ini(data.user_file)["user"].items()
 
 
 def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane, data, more_speech):

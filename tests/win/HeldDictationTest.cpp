@@ -1,5 +1,7 @@
+#include "base/LProfile.h"
 #include "store/DictationRecord.h"
 #include "store/MoveToSent.h"
+#include "store/Settings.h"
 #include "tests/unit/store/StoreTest.h"
 #include "tests/win/HeldFile.h"
 
@@ -63,4 +65,22 @@ TEST_F(HeldDictationTest, AReadOnlyRecordIsRefusedBeforeAnythingMoves) {
     EXPECT_NE(std::string(move.Reason()).find("write-protected"), std::string::npos);
     EXPECT_EQ(CountFiles(m_user.currentFolder), 3u);
     SetFileAttributesA(Current(12).record.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// A file that is held at the reading and free at the writing must not cost an item.
+TEST_F(HeldDictationTest, AnItemOfAListMovesOnceItCanBeRead) {
+    const LPath& file = m_data.settingsFile;
+    WriteFileText(file, "[s]\r\na0=x\r\na1=y\r\n");
+    const auto value = [&](const char* key) { return LProfileSection(file, "s").Read(key, "none"); };
+    {
+        const BrieflyHeldFile held(file);
+        EXPECT_TRUE(Settings::MoveListItem(file, "s", "a", 0, 1));
+    }
+    EXPECT_EQ(value("a0"), "y");
+    EXPECT_EQ(value("a1"), "none");
+    {
+        const HeldFile held(file);
+        EXPECT_FALSE(Settings::MoveListItem(file, "s", "a", 1, 0));
+    }
+    EXPECT_EQ(value("a0"), "y");
 }

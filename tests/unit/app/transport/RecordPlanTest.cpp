@@ -60,6 +60,14 @@ TEST(RecordPlan, TheShownEndIsTheEndOfTheFileThatAnotherProgramChanged) {
     EXPECT_EQ(startAt({4000, 10000}, 288000), 4000) << "a place that the user chose";
 }
 
+TEST(RecordPlan, OnlyAppendingLeavesAllInItsPlace) {
+    for (const RecordMode mode : {RecordMode::Overwrite, RecordMode::Insert, RecordMode::Append}) {
+        EXPECT_TRUE(OnlyAppends(mode, {501, 501}));
+        EXPECT_FALSE(OnlyAppends(mode, {500, 500})) << "replaces half a second";
+        EXPECT_EQ(OnlyAppends(mode, {9999, 10000}), mode == RecordMode::Append);
+    }
+}
+
 TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
     static const struct {
         int32_t ms;
