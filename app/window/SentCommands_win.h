@@ -46,8 +46,8 @@ public:
 
     // Collects what the typists report, in the background; a call soon after the last round does nothing.
     void CollectReports();
-    // The user changes: his reports are collected at once, and those of the user before no longer. waitMs: the
-    // longest wait for a round that runs.
+    // The user changes: his reports are collected at once, and those of the user before no longer. waitMs:
+    // the longest wait for a round that runs.
     void ForgetReports(uint32_t waitMs);
     // Ends the collecting of reports, which may hang in the network; true when it has ended.
     bool StopCollecting(uint32_t timeoutMs) { return m_collect.Stop(timeoutMs); }

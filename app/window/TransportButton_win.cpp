@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/window/Contrast.h"
-#include "app/window/TransportSign.h"
+
 #include "res/Ids.h"
 #include "ui/LWin.h"
 
@@ -138,7 +138,7 @@ void DrawFocus(const DRAWITEMSTRUCT& item, int inset) {
 
 }  // namespace
 
-void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert) {
+void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, TransportSign recordSign) {
     const bool isDown = isHeld || (item.itemState & ODS_SELECTED) != 0;
     const bool isDisabled = (item.itemState & ODS_DISABLED) != 0;
     const auto* look = std::ranges::find(kLooks, static_cast<int>(item.CtlID), &Look::control);
@@ -159,8 +159,7 @@ void DrawTransportButton(const DRAWITEMSTRUCT& item, bool isHeld, bool isInsert)
     const LONG shift = isDown ? 1 : 0;
     const POINT at = {item.rcItem.left + (width - side) / 2 + shift,
                       item.rcItem.top + (height - side) / 2 + shift};
-    LaySign(item.hDC, at, static_cast<int>(side), isInsert ? TransportSign::RecordInsert : look->sign,
-            colour);
+    LaySign(item.hDC, at, static_cast<int>(side), item.CtlID == IDC_RECORD ? recordSign : look->sign, colour);
     DrawFocus(item, 4);
 }
 

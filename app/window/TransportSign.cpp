@@ -41,10 +41,12 @@ struct Sign {
     size_t count;
 };
 
-// In the order of TransportSign. Inserting: a disc between two bars, a recording between existing passages.
+// In the order of TransportSign. Inserting: a disc between two bars, a recording between existing passages;
+// at the end: a disc behind a bar.
 constexpr Sign kSigns[] = {
     {{{Disc(25)}}, 1},
     {{{Bar(2, 10), Disc(15), Bar(54, 62)}}, 3},
+    {{{Bar(2, 10), Disc(15)}}, 2},
     {{{{{{{10, 10}, {54, 10}, {54, 54}, {10, 54}}}, 4}}}, 1},
     {{{ToRight(14, 58)}}, 1},
     {{{Bar(6, 14), ToLeft(16, 58)}}, 2},

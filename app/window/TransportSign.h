@@ -4,7 +4,17 @@
 #include <vector>
 
 // The symbols of the transport buttons.
-enum class TransportSign { Record, RecordInsert, Stop, Play, GoToStart, Rewind, FastForward, GoToEnd };
+enum class TransportSign {
+    Record,
+    RecordInsert,
+    RecordEnd,
+    Stop,
+    Play,
+    GoToStart,
+    Rewind,
+    FastForward,
+    GoToEnd
+};
 
 // Draws a symbol on a square of so many pixels: how much of each pixel it covers, 0 to 255, row by row. Edges
 // come out smooth at every size.

@@ -26,6 +26,9 @@ const char* TipTextOf(int control) {
     return nullptr;
 }
 
+// In the words of the menu, in the order of RecordMode.
+constexpr const char* kRecordModes[] = {"mode: Record Overwrite", "mode: Record Insert",
+                                        "mode: Record at End"};
 constexpr int kButtons[] = {IDC_NEW,    IDC_SEND,        IDC_PLAY,    IDC_RECORD, IDC_STOP,    IDC_GOTOSTART,
                             IDC_REWIND, IDC_FASTFORWARD, IDC_GOTOEND, IDC_DOCK,   IDC_INFOLINK};
 // Lines whose whole text is their tip where it is cut.
@@ -90,6 +93,7 @@ std::string WindowDisplay::TipOf(HWND control) const {
     if (m_toolTips.IsHushed()) return {};
     const int number = GetDlgCtrlID(control);
     const char* const tip = TipTextOf(number);
+    if (number == IDC_RECORD) return LFormat("%s, %s", tip, kRecordModes[static_cast<int>(m_recordMode)]);
     return tip != nullptr ? tip : TextThatIsCut(control, LineEnd(number));
 }
 
@@ -194,7 +198,7 @@ int WindowDisplay::FocusedButton() const {
 }
 
 void WindowDisplay::ShowRecordMode(RecordMode mode) {
-    m_showsInsert = mode == RecordMode::Insert;
+    m_recordMode = mode;
     InvalidateRect(Item(IDC_RECORD), nullptr, FALSE);
     CheckMenuRadioItem(GetMenu(m_window), CM_RECORDMODE_OVERWRITE, CM_RECORDMODE_END,
                        static_cast<UINT>(CM_RECORDMODE_OVERWRITE + static_cast<int>(mode)), MF_BYCOMMAND);
@@ -231,9 +235,15 @@ void WindowDisplay::DrawItem(const DRAWITEMSTRUCT& item) const {
         return DrawTextLine(item, ColoursOf(control), LineEnd(control), isSending ? SendingTo().size() : 0);
     }
     if (control == IDC_INFOLINK) return DrawLinkButton(item);
-    // Recording as a key or device asked for shows what it does, not what the button would do.
-    const bool isInsert = m_transport.IsRecording() ? m_transport.IsInserting() : m_showsInsert;
-    DrawTransportButton(item, IsHeld(control), control == IDC_RECORD && isInsert);
+    DrawTransportButton(item, IsHeld(control), RecordSign());
+}
+
+// A recording that a key or device asked for shows what it does, not what the button would do.
+TransportSign WindowDisplay::RecordSign() const {
+    if (m_transport.IsRecording())
+        return m_transport.IsInserting() ? TransportSign::RecordInsert : TransportSign::Record;
+    if (m_recordMode == RecordMode::Insert) return TransportSign::RecordInsert;
+    return m_recordMode == RecordMode::Append ? TransportSign::RecordEnd : TransportSign::Record;
 }
 
 // Where a line of text ends, in its pixels: label and bar of sending lie on the end of the state line.

@@ -12,6 +12,7 @@
 #include "app/window/DictationList_win.h"
 #include "app/window/NotesBox_win.h"
 #include "app/window/TextLine_win.h"
+#include "app/window/TransportSign.h"
 #include "send/BGSend.h"
 #include "ui/LToolTips.h"
 #include "ui/LWin.h"
@@ -70,6 +71,7 @@ public:
     void LeaveButton(HWND cameFrom);
 
 private:
+    TransportSign RecordSign() const;
     HWND Item(int control) const { return GetDlgItem(m_window, control); }
     std::string Sending() const;
     std::string SendingTo() const;
@@ -101,6 +103,6 @@ private:
     bool m_isAlarm = false;  // the state line tells a fault
     ViewMode m_view = ViewMode::Normal;
     size_t m_infoText = 0;
-    bool m_showsInsert = false;  // the record button shows the symbol for inserting
+    RecordMode m_recordMode = RecordMode::Overwrite;  // of the record button
     bool m_showsRecordingIcon = false;
 };
