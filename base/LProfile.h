@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,12 @@ public:
                             std::string_view defaultText);
     static bool Write(const LPath& file, std::string_view section, std::string_view key,
                       std::string_view value);
+    // Several keys of one section in one change, which costs as much as that of one key.
+    struct Value {
+        std::string_view key;
+        std::string value;
+    };
+    static bool WriteValues(const LPath& file, std::string_view section, std::span<const Value> values);
     static bool Delete(const LPath& file, std::string_view section, std::string_view key);
     // Empties the platform's cache of the file, so that the file itself may be moved or deleted.
     static void Flush(const LPath& file);

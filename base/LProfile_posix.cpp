@@ -73,18 +73,8 @@ size_t FindKey(const std::vector<std::string>& lines, const Range& range, std::s
     return kNone;
 }
 
-}  // namespace
-
-std::string LProfile::Read(const LPath& file, std::string_view section, std::string_view key,
-                           std::string_view defaultText) {
-    return LProfileSection(file, section).Read(key, defaultText);
-}
-
-bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
-                     std::string_view value) {
-    const LLock lock(LProfileLock());
-    std::vector<std::string> lines;
-    if (!ReadLines(file, lines)) return false;
+void SetLine(std::vector<std::string>& lines, std::string_view section, std::string_view key,
+             std::string_view value) {
     Range range = FindSection(lines, section);
     if (range.first == kNone) {
         lines.push_back(std::string("[").append(section).append("]"));
@@ -98,6 +88,26 @@ bool LProfile::Write(const LPath& file, std::string_view section, std::string_vi
         while (range.end > range.first && LTrimBlanks(lines[range.end - 1]).empty()) --range.end;
         lines.insert(lines.begin() + static_cast<ptrdiff_t>(range.end), line);
     }
+}
+
+}  // namespace
+
+std::string LProfile::Read(const LPath& file, std::string_view section, std::string_view key,
+                           std::string_view defaultText) {
+    return LProfileSection(file, section).Read(key, defaultText);
+}
+
+bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
+                     std::string_view value) {
+    const Value one{key, std::string(value)};
+    return WriteValues(file, section, {&one, 1});
+}
+
+bool LProfile::WriteValues(const LPath& file, std::string_view section, std::span<const Value> values) {
+    const LLock lock(LProfileLock());
+    std::vector<std::string> lines;
+    if (!ReadLines(file, lines)) return false;
+    for (const Value& value : values) SetLine(lines, section, value.key, value.value);
     return WriteLines(file, lines);
 }
 

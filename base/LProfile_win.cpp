@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "base/LFile.h"
@@ -26,11 +27,16 @@ constexpr uint64_t kRoomKb = 16;  // room for a change, beyond the size of the f
 struct Change {
     std::string section;
     std::string key;
-    const char* value;  // null removes the key
+    std::optional<std::string> value;  // none removes the key
+    const char* Text() const { return value ? value->c_str() : nullptr; }
 };
+using Changes = std::span<const Change>;
 
-bool Apply(const LPath& file, const Change& change) {
-    return WritePrivateProfileStringA(change.section.c_str(), change.key.c_str(), change.value, file.c_str());
+bool Apply(const LPath& file, Changes changes) {
+    return std::ranges::all_of(changes, [&](const Change& change) {
+        return WritePrivateProfileStringA(change.section.c_str(), change.key.c_str(), change.Text(),
+                                          file.c_str());
+    });
 }
 
 void DropCache(const LPath& file) {
@@ -45,7 +51,7 @@ bool IsAsWanted(const LPath& file, const Change& change) {
     char text[LProfile::kMaxText + 1] = {};
     GetPrivateProfileStringA(change.section.c_str(), change.key.c_str(), kAbsent, text, sizeof text,
                              file.c_str());
-    return std::string_view(text) == (change.value ? LProfileValue(change.value) : kAbsent);
+    return std::string_view(text) == (change.value ? LProfileValue(*change.value) : kAbsent);
 }
 
 // Whether the disk has room for the change: the platform does not report that it rewrote a file on a full
@@ -84,8 +90,8 @@ bool MakeCopy(const LPath& file, const LPath& copy) {
     return isMade;
 }
 
-bool ChangeCopy(const LPath& copy, const Change& change) {
-    const bool changed = Apply(copy, change);
+bool ChangeCopy(const LPath& copy, Changes changes) {
+    const bool changed = Apply(copy, changes);
     DropCache(copy);
     if (!changed || !LFile::Exists(copy)) return false;
     // Network redirectors need not support flushing; that is no reason to fail.
@@ -93,8 +99,8 @@ bool ChangeCopy(const LPath& copy, const Change& change) {
     return true;
 }
 
-// Makes the change in the copy and swaps that in; where this is not possible, in the file itself.
-bool ChangeFile(const LPath& file, const Change& change) {
+// Makes the changes in the copy and swaps that in; where this is not possible, in the file itself.
+bool ChangeFile(const LPath& file, Changes changes) {
     if (file.Empty()) return false;
     if (LFile held; LFile::OpenToRead(file, held) == LReadResult::Unreadable) {
         LTrace("LProfile::Write unable to read file", file.View());
@@ -106,16 +112,17 @@ bool ChangeFile(const LPath& file, const Change& change) {
         return false;
     }
     DropCache(file);
-    if (IsAsWanted(file, change)) return true;
+    if (std::ranges::all_of(changes, [&](const Change& change) { return IsAsWanted(file, change); }))
+        return true;
     const LPath copy = LProfile::CopyOf(file);
     const bool isMade = MakeCopy(file, copy);
     if (!isMade && LFile::Exists(copy)) return false;  // another program is changing the file
-    bool changed = isMade && ChangeCopy(copy, change) && LFile::Replace(copy, file);
+    bool changed = isMade && ChangeCopy(copy, changes) && LFile::Replace(copy, file);
     if (!changed) {
         // The folder lets no file be created, or another program keeps the file open. Where a file is
         // replaced in two steps it may be gone by now: then the copy holds the only values.
         if (isMade && LFile::IsAbsent(file)) LFile::Move(copy, file);
-        changed = Apply(file, change);
+        changed = Apply(file, changes);
         if (isMade) LFile::Delete(copy);
     }
     DropCache(file);
@@ -137,12 +144,20 @@ std::string LProfile::Read(const LPath& file, std::string_view section, std::str
 
 bool LProfile::Write(const LPath& file, std::string_view section, std::string_view key,
                      std::string_view value) {
-    const std::string safe = LProfileSafe(value);
-    return ChangeFile(file, {std::string(section), std::string(key), safe.c_str()});
+    const Change change{std::string(section), std::string(key), LProfileSafe(value)};
+    return ChangeFile(file, {&change, 1});
+}
+
+bool LProfile::WriteValues(const LPath& file, std::string_view section, std::span<const Value> values) {
+    std::vector<Change> changes;
+    for (const Value& value : values)
+        changes.push_back({std::string(section), std::string(value.key), LProfileSafe(value.value)});
+    return ChangeFile(file, changes);
 }
 
 bool LProfile::Delete(const LPath& file, std::string_view section, std::string_view key) {
-    return ChangeFile(file, {std::string(section), std::string(key), nullptr});
+    const Change change{std::string(section), std::string(key), std::nullopt};
+    return ChangeFile(file, {&change, 1});
 }
 
 void LProfile::Flush(const LPath& file) {

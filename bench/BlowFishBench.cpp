@@ -15,7 +15,8 @@ namespace {
 
 constexpr char kBlowfishBench[] = "Blowfish";
 constexpr char kNettleBench[] = "BlowfishOfNettle";
-const BenchRatio kRatio("Blowfish / nettle", kBlowfishBench, kNettleBench);
+const BenchRatio kRatio("Blowfish / nettle", kBlowfishBench, kNettleBench, 0.55);
+const BenchTime kTime("Blowfish, 1 MB", kBlowfishBench, 3.5);
 
 constexpr char kPassPhrase[] = "a pass phrase of 28 letters.";
 constexpr size_t kBytes = 1 << 20;

@@ -4,14 +4,15 @@
 
 #include "base/LTrace.h"
 
-// The cipher as published, with one addition for speed: EncryptBuffer takes four blocks at a time. Each round
-// of one block depends on the round before, so a single block leaves most of the processor idle, whereas four
-// independent blocks keep it busy. The number of blocks is a template parameter and the loops over them are
-// fold expressions. Ordinary loops were rejected: the compiler unrolls them only at -O3, and the product,
-// built with -O2, would keep every word in memory.
+// The cipher as published, with one addition for speed: EncryptBuffer takes six blocks at a time. Each round
+// of one block depends on the round before, so a single block leaves most of the processor idle, whereas six
+// independent blocks keep it busy: they take half the time, four of them a quarter more than six. Eight were
+// 3 % faster natively and 2 % slower in the product, whose code has eight registers. The number of blocks is
+// a template parameter and the loops over them are fold expressions. Ordinary loops were rejected: the
+// compiler unrolls them only at -O3, and the product, built with -O2, would keep every word in memory.
 
 static constexpr size_t kRounds = 16;
-static constexpr size_t kBlocksAtOnce = 4;
+static constexpr size_t kBlocksAtOnce = 6;
 using OneBlock = std::make_index_sequence<1>;
 using SeveralBlocks = std::make_index_sequence<kBlocksAtOnce>;
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LMonoFormat.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LArith.h"
 #include "base/LFile.h"
@@ -138,7 +139,7 @@ ProcessResult SendItem::Convert(LPath& file) {
     if (!LoadRecipient()) return ProcessResult::Failed;
     const bool sendsWave = m_recipient.SendsWave();
     file = sendsWave ? OutputPath("wav", ".wav") : OutputPath("dct", ".dct");
-    const ProcessResult result = sendsWave ? CompressWavFile(file) : MakeDct(file);
+    const ProcessResult result = sendsWave ? CompressWavFile(file, m_recipient.waveFormat) : MakeDct(file);
     if (result != ProcessResult::Done) LFile::Delete(file);
     return result;
 }
@@ -152,20 +153,21 @@ bool SendItem::LoadRecipient() {
     return false;
 }
 
+// The audio of a DCT file has one channel, whatever the recipient's format has.
 ProcessResult SendItem::MakeDct(const LPath& output) {
     const LPath audio = m_files.audio.WithExtension(LLeftOver::kAudio);
-    ProcessResult result = CompressWavFile(audio);
+    ProcessResult result = CompressWavFile(audio, LMonoFormat(m_recipient.waveFormat));
     if (result == ProcessResult::Done) result = CreateDCTFile(output, audio);
     LFile::Delete(audio);
     return result;
 }
 
-ProcessResult SendItem::CompressWavFile(const LPath& output) {
+ProcessResult SendItem::CompressWavFile(const LPath& output, const LWaveFileFormat& format) {
     int32_t frames = 0;
     {
         const LSoundSource source = LWaveFile::OpenSource(m_files.audio);
         if (source->IsError()) return Fail("Its audio file is missing or cannot be read.");
-        const LSoundSink sink = LWaveFile::OpenSink(output, m_recipient.waveFormat);
+        const LSoundSink sink = LWaveFile::OpenSink(output, format);
         if (!sink || sink->IsError()) return FailToOpen(output, sink);
         ConversionStage stage(m_context);
         const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);

@@ -44,7 +44,7 @@ private:
     ProcessResult KeepForLater();
     bool LoadRecipient();
     ProcessResult MakeDct(const LPath& output);
-    ProcessResult CompressWavFile(const LPath& output);
+    ProcessResult CompressWavFile(const LPath& output, const LWaveFileFormat& format);
     ProcessResult FailToOpen(const LPath& output, const LSoundSink& sink);
     ProcessResult CreateDCTFile(const LPath& output, const LPath& audio);
     DctHeader MakeDctHeader() const;

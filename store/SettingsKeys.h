@@ -135,6 +135,10 @@ inline constexpr TextKey kPriority{kSection, "priority", "Normal"};
 inline constexpr char kSendDate[] = "senddate";  // seconds
 inline constexpr TextKey kRecipient{kSection, "recipient", ""};
 inline constexpr TextKey kSendStatus{kSection, "sendstatus", ""};
+// The texts of a dictation that came in a DCT file, in its order: the name, then the sender's.
+inline constexpr const char* kLoadedTexts[] = {"name",     "sendername", "senderemail", "company",
+                                               "phone",    "cell",       "fax",         "address1",
+                                               "address2", "address3",   "address4"};
 
 // Values of "sendstatus" that the program itself writes.
 inline constexpr char kStatusSending[] = "Sending";

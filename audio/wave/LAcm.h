@@ -54,6 +54,9 @@ bool LAcmOpen(const LWaveFileFormat& from, const LWaveFileFormat& to, LAcmTiming
 // Whether some codec offers this conversion; opens none.
 bool LAcmQuery(const LWaveFileFormat& from, const LWaveFileFormat& to);
 
+// The record that a codec of the machine prefers for making this tag from PCM of the same channels and rate.
+bool LAcmSuggest(const LWaveFileFormat& pcm, uint16_t tag, LWaveFileFormat& format);
+
 // Whether a codec of this machine makes the format from 16-bit PCM of the same channels and rate.
 inline bool TestSupportedRecord(const LWaveFileFormat& format) {
     return LAcmQuery(LWaveFileFormat::Pcm(16, format.Channels(), format.SampleRate()), format);

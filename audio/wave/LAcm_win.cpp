@@ -5,6 +5,8 @@
 #include <mmreg.h>
 #include <msacm.h>
 
+#include <array>
+
 #include "audio/wave/LAcm.h"
 
 // The compression manager of Windows (msacm32). A conversion keeps its stream, both formats and the prepared
@@ -114,4 +116,18 @@ bool LAcmOpen(const LWaveFileFormat& from, const LWaveFileFormat& to, LAcmTiming
 bool LAcmQuery(const LWaveFileFormat& from, const LWaveFileFormat& to) {
     return OpenStream(nullptr, from, to, ACM_STREAMOPENF_QUERY) ||
            OpenStream(nullptr, from, to, ACM_STREAMOPENF_QUERY | ACM_STREAMOPENF_NONREALTIME);
+}
+
+bool LAcmSuggest(const LWaveFileFormat& pcm, uint16_t tag, LWaveFileFormat& format) {
+    std::array<uint8_t, LWaveFileFormat::kSize> bytes{};
+    auto* record = reinterpret_cast<WAVEFORMATEX*>(bytes.data());
+    record->wFormatTag = tag;
+    record->nChannels = pcm.Channels();
+    record->nSamplesPerSec = pcm.SampleRate();
+    constexpr DWORD kFixed =
+        ACM_FORMATSUGGESTF_WFORMATTAG | ACM_FORMATSUGGESTF_NCHANNELS | ACM_FORMATSUGGESTF_NSAMPLESPERSEC;
+    if (acmFormatSuggest(nullptr, Record(pcm), record, static_cast<DWORD>(bytes.size()), kFixed) != 0)
+        return false;
+    format = LWaveFileFormat(bytes);
+    return true;
 }

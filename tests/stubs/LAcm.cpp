@@ -9,3 +9,7 @@ bool LAcmOpen(const LWaveFileFormat&, const LWaveFileFormat&, LAcmTiming, std::u
 bool LAcmQuery(const LWaveFileFormat&, const LWaveFileFormat&) {
     return false;
 }
+
+bool LAcmSuggest(const LWaveFileFormat&, uint16_t, LWaveFileFormat&) {
+    return false;
+}

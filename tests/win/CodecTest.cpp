@@ -5,6 +5,7 @@
 #include "audio/wave/LAcm.h"
 #include "audio/wave/LRewriteWave.h"
 #include "audio/wave/LWaveFile.h"
+#include "send/LoadDCTProcess.h"
 #include "send/SendItem.h"
 #include "tests/unit/audio/SoundKit.h"
 #include "tests/unit/send/SendTest.h"
@@ -97,6 +98,35 @@ TEST(Codec, WhatIsSentCompressedIsStillWhatWasSpoken) {
         EXPECT_TRUE(context.errors.empty());
     }
     EXPECT_FALSE(TestSupportedRecord(LWaveFileFormat(Hex("7777 0100 401F0000 401F0000 0100 0800 0000"))));
+}
+
+// What a recipient's format of two channels becomes in a DCT file, and what a colleague who loads it hears.
+TEST(Codec, ADctFileCarriesOneChannelOfEveryFormatAndLoadsAgain) {
+    static const struct {
+        const char *what, *record;
+        double least;
+    } kCases[] = {{"IMA ADPCM", "1100 0200 401F0000 AE1F0000 0002 0400 0200 F901", 15},
+                  {"blocks too small to halve", "1100 0200 401F0000 401F0000 0800 0400 0200 0100", 15},
+                  {"mu-law", "0700 0200 401F0000 803E0000 0200 0800 0000", 30},
+                  {"PCM", "0100 0200 401F0000 007D0000 0400 1000 0000", 90}};
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(c.what);
+        SendWorld world;
+        NotingContext context;
+        SendToSettings recipient = world.ToShare();
+        recipient.waveFormat = LWaveFileFormat(Hex(c.record));
+        const SendQueueEntry entry{world.AddDictation(5, Text(ReadFileText(Data("spoken.wav")))),
+                                   world.AddRecipient(0, recipient), 0, true};
+        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), context).Send(),
+                  ProcessResult::Done);
+        const DictationFiles loaded = DictationFiles::OfNumber(world.share, 6);
+        LoadDCTProcess load(LPath::Join(world.share.View(), "dct00000-00005.dct"), loaded);
+        ASSERT_EQ(load.Process(context), ProcessResult::Done);
+        EXPECT_EQ(LWaveFile::OpenSource(loaded.audio)->GetChannels(), 1);
+        EXPECT_GT(SignalToNoise(ReadAll(Data("spoken.wav")), 1, ReadAll(loaded.audio)), c.least);
+        EXPECT_EQ(DictationRecord::Read(loaded.record).name, "Letter 5");
+        EXPECT_TRUE(context.errors.empty());
+    }
 }
 
 // --- The format chooser --------------------------------------------------------------------------------

@@ -43,6 +43,10 @@ TEST_F(ProfileTest, ChangesOneKeyAndKeepsTheOthers) {
     EXPECT_EQ(LProfile::Read(file, "two", "a", ""), "2");
     EXPECT_TRUE(LProfile::Write(file, "one", "a", ""));
     EXPECT_EQ(LProfile::Read(file, "one", "a", "default"), "");
+    const LProfile::Value values[] = {{"b", "5\n"}, {"C", ""}, {"a", "6"}};
+    EXPECT_TRUE(LProfile::WriteValues(file, "one", values));
+    EXPECT_EQ(LProfile::Read(file, "one", "a", "") + LProfile::Read(file, "one", "b", ""), "65");
+    EXPECT_EQ(LProfile::Read(file, "one", "c", "default"), "");
 }
 
 TEST_F(ProfileTest, ATextCannotBecomeALineOfItsOwn) {

@@ -45,6 +45,19 @@ TEST_F(SendItemTest, DeliversADctFileWithEverythingInItInPlaceOfWhatAnEarlierRun
     EXPECT_NEAR(context.progress.back(), 1.0, 1e-9);
 }
 
+TEST_F(SendItemTest, ADctFileCarriesOneChannelWhateverTheFormatAndAWaveFileAsManyAsItSays) {
+    SendToSettings recipient = world.ToShare();
+    recipient.waveFormat = LWaveFileFormat::Pcm(16, 2, 16000);
+    const LPath dictation = world.AddDictation(5);
+    ASSERT_EQ(Send(dictation, world.AddRecipient(0, recipient)), ProcessResult::Done);
+    const std::string head("\1\0\1\0\x80\x3E\0\0\0\x7D\0\0\2\0\x10\0", 16);  // of 16000 Hz, mono
+    EXPECT_NE(world.Delivered("dct00000-00005.dct").find(head), std::string::npos);
+    recipient.flags = SendToSettings::kSendWave;
+    Settings::Write(world.FilesOf(5).record, RecordKeys::kSendStatus, "");
+    ASSERT_EQ(Send(dictation, world.AddRecipient(0, recipient)), ProcessResult::Done);
+    EXPECT_EQ(world.Delivered("wav00000-00005.wav").substr(22, 1), "\2");
+}
+
 // A folder of the file's name can no more be read than a file that another program holds.
 TEST_F(SendItemTest, NothingIsSentInTheNameOfNobody) {
     const LPath dictation = world.AddDictation(5);
