@@ -1,7 +1,7 @@
 #include "base/LHostLookup.h"
 
-#include "base/LSocket.h"
 #include "base/LRunApart.h"
+#include "base/LSocket.h"
 #include "base/LThread.h"
 
 static constexpr size_t kLongestHost = 255;

@@ -85,7 +85,8 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     const LPath toNowhere = recipient(1);
     ASSERT_TRUE(world.ToShare().Save(toNowhere));  // without a folder
     const char kUnable[] = "Unable to send the dictation.";
-    const char kNoMail[] = "Unable to send mail using MAPI.";
+    Settings::Write(DataFolder::FromText(world.data.View()).settingsFile, SettingsKeys::kUseMapi, false);
+    const char kNoMail[] = "Unable to connect to the mail server";
     const char kNoCopy[] = "Unable to copy files over network";  // counts as sent all the same
     const struct {
         const char* name;
