@@ -1,6 +1,7 @@
 #include <pthread.h>
 #include <ctime>
 
+#include "base/LRunApart.h"
 #include "base/LThread.h"
 #include "base/LTrace.h"
 
@@ -163,3 +164,21 @@ bool LThread::IsRunning() const {
 
 void LThread::SetPriority(int) {}
 void LThread::SetOwnPriority(int) {}
+
+static void* RunApart(void* argument) {
+    const std::unique_ptr<std::function<void()>> run(static_cast<std::function<void()>*>(argument));
+    (*run)();
+    return nullptr;
+}
+
+bool LRunApart(std::function<void()> run) {
+    auto own = std::make_unique<std::function<void()>>(std::move(run));
+    pthread_t thread{};
+    if (pthread_create(&thread, nullptr, &RunApart, own.get()) != 0) {
+        LTrace("LRunApart unable to create thread");
+        return false;
+    }
+    static_cast<void>(own.release());  // the thread's now
+    pthread_detach(thread);
+    return true;
+}

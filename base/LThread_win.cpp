@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "base/LOwned.h"
+#include "base/LRunApart.h"
 #include "base/LThread.h"
 #include "base/LTrace.h"
 
@@ -110,4 +111,23 @@ void LThread::SetPriority(int priority) {
 
 void LThread::SetOwnPriority(int priority) {
     SetThreadPriority(GetCurrentThread(), priority);
+}
+
+static unsigned __stdcall RunApart(void* argument) {
+    const std::unique_ptr<std::function<void()>> run(static_cast<std::function<void()>*>(argument));
+    (*run)();
+    return 0;
+}
+
+bool LRunApart(std::function<void()> run) {
+    auto own = std::make_unique<std::function<void()>>(std::move(run));
+    unsigned id = 0;  // unused, but Windows 95 requires the place
+    const uintptr_t thread = _beginthreadex(nullptr, 0, &RunApart, own.get(), 0, &id);
+    if (thread == 0) {
+        LTrace("LRunApart unable to create thread");
+        return false;
+    }
+    static_cast<void>(own.release());  // the thread's now
+    CloseHandle(reinterpret_cast<HANDLE>(thread));
+    return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 // The platform's file times count units of 100 ns since 1601-01-01 UTC.
@@ -33,3 +34,7 @@ struct LCalendar {
 // Calendar fields of a moment, in the proleptic Gregorian calendar. Seconds outside the years 1601 to 9999
 // count as the nearest limit.
 LCalendar LToCalendar(int64_t secondsSince1970);
+
+// The present moment in the time zone of this machine, daylight saving included; nothing when the platform
+// cannot convert it.
+std::optional<LCalendar> LLocalTime();

@@ -26,3 +26,11 @@ uint32_t LTickMs() {
     return static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000 +
                                  static_cast<uint64_t>(now.tv_nsec) / 1000000);
 }
+
+std::optional<LCalendar> LLocalTime() {
+    const time_t now = LNowSeconds();
+    tm local{};
+    if (localtime_r(&now, &local) == nullptr) return std::nullopt;
+    return LCalendar{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_wday,
+                     local.tm_hour,        local.tm_min,     local.tm_sec};
+}

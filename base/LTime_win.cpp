@@ -19,3 +19,9 @@ uint32_t LTickMs() {
 void LSleep(uint32_t ms) {
     Sleep(ms);
 }
+
+std::optional<LCalendar> LLocalTime() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    return LCalendar{now.wYear, now.wMonth, now.wDay, now.wDayOfWeek, now.wHour, now.wMinute, now.wSecond};
+}

@@ -3,12 +3,12 @@
 #include "base/LCopyFile.h"
 #include "base/LFile.h"
 #include "base/LTrace.h"
+#include "send/EmailDelivery.h"
 #include "send/SendError.h"
 #include "send/SendStage.h"
 
 // A table maps the recipient's method to a function; a new way of delivery is one row and one function. The
-// methods e-mail and FTP are refused with a text of their own, since recipients that name them can exist
-// already.
+// method FTP is refused with a text of its own, since recipients that name it can exist already.
 // Copying into a folder leaves all care to LProcessCopyFile: it writes under a temporary name, reads the file
 // back, and never overwrites another file. Keeping the file open while it is renamed was rejected; it cannot
 // be renamed then.
@@ -44,10 +44,6 @@ ProcessResult Refuse(const SendDelivery& delivery, ProcessContext& context, cons
     context.SetError(UnableToSend(reason));
     LFile::Delete(delivery.file);
     return ProcessResult::Failed;
-}
-
-ProcessResult DeliverByEmail(const SendDelivery& delivery, ProcessContext& context) {
-    return Refuse(delivery, context, "This version of Corvane cannot send by e-mail yet.");
 }
 
 ProcessResult DeliverByFtp(const SendDelivery& delivery, ProcessContext& context) {

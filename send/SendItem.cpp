@@ -91,7 +91,7 @@ ProcessResult SendItem::Send() {
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
-    result = DeliverDictation({file, m_recipient, m_entry.user, m_data}, m_context);
+    result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_sender, m_record.name}, m_context);
     if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
     if (result == ProcessResult::Done && m_notesAreCut)

@@ -4,6 +4,7 @@
 #include "base/LLeftOver.h"
 #include "base/LText.h"
 #include "base/LTime.h"
+#include "send/MailedFiles.h"
 #include "store/Recovery.h"
 #include "store/SettingsKeys.h"
 
@@ -31,6 +32,7 @@ void MainDialog::TakeUserFolder() {
     if (m_inUse.Take(lock, kLockWaitMs) == LFileLock::Result::Held) return;
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
+    RemoveMailedFiles(m_state.user.sentFolder, LNowSeconds());
     m_queue.KeepErrorsIn(folder);
 }
 

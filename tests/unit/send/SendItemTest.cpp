@@ -98,6 +98,8 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     const LPath toNowhere = recipient(1);
     ASSERT_TRUE(world.ToShare().Save(toNowhere));  // without a folder
     const char kUnable[] = "Unable to send the dictation.";
+    Settings::Write(DataFolder::FromText(world.data.View()).settingsFile, SettingsKeys::kUseMapi, false);
+    const char kNoMail[] = "Unable to connect to the mail server";
     const char kNoCopy[] = "Unable to copy files over network";  // counts as sent all the same
     const struct {
         const char* name;
@@ -106,7 +108,7 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     } cases[] = {
         {"recipient gone", RecipientPath(world.data, 0, 70), "", "Send Failed", kUnable},
         {"audio gone", recipient(1), "00000005.wav", "", kUnable},
-        {"e-mail", recipient(0), "", "Send Failed", kUnable},
+        {"e-mail", recipient(0), "", "Send Failed", kNoMail},
         {"no method", recipient(9), "", "Send Failed", kUnable},
         {"no codec", recipient(1, "share", 0x7777), "", "", "Unable open temporary compressed wav file.\n\n"},
         {"no recipient", world.FilesOf(5).record, "", "Send Failed", kUnable},
