@@ -3,12 +3,13 @@
 #include "base/LCopyFile.h"
 #include "base/LFile.h"
 #include "base/LTrace.h"
+#include "send/FtpConnection.h"
+#include "send/FtpDelivery.h"
 #include "send/SendError.h"
 #include "send/SendStage.h"
 
 // A table maps the recipient's method to a function; a new way of delivery is one row and one function. The
-// methods e-mail and FTP are refused with a text of their own, since recipients that name them can exist
-// already.
+// method e-mail is refused with a text of its own, since recipients that name it can exist already.
 // Copying into a folder leaves all care to LProcessCopyFile: it writes under a temporary name, reads the file
 // back, and never overwrites another file. Keeping the file open while it is renamed was rejected; it cannot
 // be renamed then.
@@ -51,7 +52,7 @@ ProcessResult DeliverByEmail(const SendDelivery& delivery, ProcessContext& conte
 }
 
 ProcessResult DeliverByFtp(const SendDelivery& delivery, ProcessContext& context) {
-    return Refuse(delivery, context, "This version of Corvane cannot send by FTP yet.");
+    return FtpDelivery(delivery, *MakeFtpConnection(), context).Run();
 }
 
 struct Route {

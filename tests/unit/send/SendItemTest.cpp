@@ -9,7 +9,7 @@ class SendItemTest : public testing::Test {
 protected:
     ProcessResult Send(const LPath& dictation, const LPath& recipient) {
         const SendQueueEntry entry{dictation, recipient, 0, true};
-        return SendItem(entry, DataFolder::FromText(world.data.View()), context).Send();
+        return SendItem(entry, DataFolder::FromText(world.data.View()), nullptr, context).Send();
     }
     std::string Error() const { return context.errors.empty() ? "" : context.errors[0]; }
 
