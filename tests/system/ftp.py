@@ -45,16 +45,20 @@ class FtpServer:
 
 
 class SilentServer:
-    """Takes connections and never says a word."""
+    """Takes connections, and says nothing on those that it does not refuse."""
 
     def __init__(self):
         self.listener = socket.create_server((ADDRESS, 21))
+        self.listener.settimeout(20)
         self.taken = []
 
-    def wait_taken(self):
-        self.listener.settimeout(20)
+    def refuse(self):
+        with self.listener.accept()[0] as taken:
+            taken.sendall(b"421 Too many users.\r\n")
+
+    def take(self):
         self.taken.append(self.listener.accept()[0])
 
     def close(self):
-        for open_socket in [self.listener, *self.taken]:
-            open_socket.close()
+        for taken in [self.listener, *self.taken]:
+            taken.close()

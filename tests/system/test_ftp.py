@@ -2,12 +2,14 @@
 
 import os
 import struct
+import time
 from pathlib import Path
 
 import pytest
 
-from corvane import WM_CLOSE, pcm_wav, read_ini, recipient_record, wait_for
+from corvane import DIALOG_CLASS, TITLE, WM_CLOSE, pcm_wav, recipient_record, wait_for
 from ftp import ADDRESS, PASSWORD, USER, FtpServer, SilentServer
+from test_queue import queue_count
 from test_sent import SENT, SENT_LIST, Dialog
 
 CLICK_OK = (
@@ -86,21 +88,28 @@ def test_what_the_server_refuses_is_told(corvane, data, server):
     assert list(server.root.iterdir()) == [server.root / "dct00000-00023.dct"]
 
 
-def test_a_server_that_hangs_keeps_neither_the_window_nor_the_dictation(corvane, data, silent, request):
-    data.add_dictation(31, pcm_wav(8000))
+def test_a_server_that_hangs_keeps_neither_the_window_nor_the_dictations(corvane, data, silent, request):
+    for number in (31, 32, 33):
+        data.add_dictation(number, pcm_wav(8000))
     address_to(data, folder="")
     program = corvane()
-    program.send_default(31)
-    silent.wait_taken()
-    assert program.api(0) == 1
-    program.post(WM_CLOSE)
-    wait_for(lambda: not program.winctl.ask("find", "#32770", "Corvane")["hwnd"], "a closed window", 10)
-    program.process.wait(20)
-    silent.close()
-    assert data.status(31) == "Sending"
-    assert read_ini(data.queue)["bgsend"]["count"] == "1"
+    program.select(31, 32)
+    program.command("CM_SENDFILE")
+    silent.refuse()
+    assert program.wait_box("Error").startswith("Unable to log onto FTP server.")
+    silent.take()
+    begun = time.monotonic()
+    program.answer_box("Error", 2)
+    assert program.api(0) == 1 and time.monotonic() - begun < 3
+    wait_for(lambda: queue_count(data) == 0, "an empty queue")
+    program.send_default(33)  # waits behind the one that hangs
+    wait_for(lambda: queue_count(data) == 1, "a dictation in the queue")
+
+    silent.listener.close()
     server = FtpServer(Path(os.environ["RIG"]) / request.node.name)
     request.addfinalizer(server.close)
-    corvane()
-    wait_for(lambda: data.status(31) == "Sent", "a dictation that is sent after all", 20)
-    assert (server.root / "dct00000-00031.dct").exists()
+    program.post(WM_CLOSE)
+    wait_for(lambda: not program.winctl.ask("find", DIALOG_CLASS, TITLE)["hwnd"], "a closed window", 2)
+    corvane()  # while the other still waits for its server
+    wait_for(lambda: data.status(33) == "Sent", "a dictation that is sent after all", 20)
+    assert [path.name for path in server.root.iterdir()] == ["dct00000-00033.dct"]
