@@ -21,8 +21,11 @@ constexpr struct {
     {INTERNET_OPTION_DATA_SEND_TIMEOUT, 60000},    {INTERNET_OPTION_DATA_RECEIVE_TIMEOUT, 60000},
 };
 
-bool IsLoaded() {
-    return GetModuleHandleA(kLibrary) != nullptr;
+HMODULE s_library = nullptr;  // never freed
+
+bool Load() {
+    if (s_library == nullptr) s_library = LoadLibraryA(kLibrary);
+    return s_library != nullptr;
 }
 
 // Calls a function of the library. One that this version of the library lacks fails, which is 0 for all.
@@ -58,7 +61,7 @@ void InternetTraits::Close(Type handle) {
 
 bool LFileTransferProtocol::Connect() {
     if (m_session) return true;
-    if (!IsLoaded() && LoadLibraryA(kLibrary) == nullptr) {
+    if (!Load()) {
         LTrace("LFileTransferProtocol::Connect() LoadLibrary WinINet.DLL failed");
         return false;
     }
@@ -139,7 +142,7 @@ bool LFileTransferProtocol::DeleteFile(const std::string& remote) {
 
 LFileTransferProtocol::DirIterator::DirIterator(const LFileTransferProtocol& server,
                                                 const std::string& pattern) {
-    if (!IsLoaded()) {
+    if (s_library == nullptr) {
         LTrace("LFileTransferProtocol::DirIterator::DirIterator called when hlibWinInet not loaded");
         return;
     }

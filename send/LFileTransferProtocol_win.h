@@ -21,6 +21,7 @@ struct InternetTraits {
 // It is no part of the oldest platform, so each function is looked up by name where it is needed. Transfers
 // are binary and passive, to port 21, without a proxy. A server that does not answer is given up after a
 // minute, by libraries that know such limits.
+// Thread: one at a time for all objects together.
 class LFileTransferProtocol final : public FtpConnection {
 public:
     class DirIterator;

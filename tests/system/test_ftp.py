@@ -2,12 +2,13 @@
 
 import os
 import struct
+import subprocess
 import time
 from pathlib import Path
 
 import pytest
 
-from corvane import DIALOG_CLASS, TITLE, WM_CLOSE, pcm_wav, recipient_record, wait_for
+from corvane import BUILD, DIALOG_CLASS, TITLE, WM_CLOSE, pcm_wav, recipient_record, wait_for
 from ftp import ADDRESS, PASSWORD, USER, FtpServer, SilentServer
 from test_queue import queue_count
 from test_sent import SENT, SENT_LIST, Dialog
@@ -66,6 +67,14 @@ def test_a_dictation_arrives_by_ftp_and_the_typist_reports(corvane, data, server
     assert not list(data.sent.glob("*.dct"))
     dialog = Dialog(program, "CM_RECOVER", "Recover Sent Dictations")
     assert "2020-09-13 Reported: Sent to [Jo (jo@a)] status [Typed]" in dialog.ask("items", SENT_LIST)
+
+
+def test_the_library_gives_what_it_is_asked(server):
+    (server.root / "in").mkdir()
+    program = ["wine", str(BUILD / "tests" / "corvane_wintests.exe"), "--gtest_filter=LFileTransferProtocol.*"]
+    environment = {**os.environ, "CORVANE_FTP_SERVER": ADDRESS, "CORVANE_FTP_PASSWORD": PASSWORD}
+    ended = subprocess.run(program, env=environment, stdin=subprocess.DEVNULL, capture_output=True, timeout=60)
+    assert ended.returncode == 0 and b"1 test" in ended.stdout and b"SKIPPED" not in ended.stdout, ended.stdout.decode()
 
 
 def test_what_the_server_refuses_is_told(corvane, data, server):

@@ -48,8 +48,17 @@ protected:
     }
     ProcessResult Run() {
         const auto isQueued = [this](const LPath&) { return queued; };
-        const SendDelivery delivery{file, recipient, 0, data, isQueued, [this] { server.Note("arrived"); }};
+        const SendDelivery delivery{file, recipient, user,
+                                    data, isQueued,  [this] { server.Note("arrived"); }};
         return FtpDelivery(delivery, server, context).Run();
+    }
+    // The record of dictation 11 of a user, as sent.
+    LPath MakeSent(uint32_t of) {
+        const CurrentUser owner = SelectUser(data, of);
+        const LPath record = DictationFiles::OfNumber(owner.sentFolder, 11).record;
+        Settings::Write(record, RecordKeys::kNumber, 11);
+        Settings::Write(record, RecordKeys::kSendStatus, "Sent");
+        return record;
     }
     // A report that dictation 11 is typed.
     static std::string Typed() { return std::string("\0\0\0\0\x0B\0\0\0Typed", 13) + std::string(11, '\0'); }
@@ -58,6 +67,7 @@ protected:
     const DataFolder data = DataFolder::FromText(world.data.View());
     const LPath file = LPath::Join(world.sent.View(), "dct00000-00005.dct");
     SendToSettings recipient;
+    uint32_t user = 0;
     Server server;
     NotingContext context;
     QueueAnswer queued = QueueAnswer::No;
@@ -137,8 +147,7 @@ TEST_F(FtpDeliveryTest, AReportIsDeletedOnTheServerOnceAllOfItIsStored) {
         {"broken off", Typed(), QueueAnswer::No, "get", "Sent", false},
     };
     for (const auto& c : cases) {
-        world.AddDictation(11);
-        Settings::Write(world.FilesOf(11).record, RecordKeys::kSendStatus, "Sent");
+        MakeSent(0);
         WriteFileText(stale, Typed());
         server = {};
         server.report = c.report;
@@ -155,6 +164,17 @@ TEST_F(FtpDeliveryTest, AReportIsDeletedOnTheServerOnceAllOfItIsStored) {
     server = {};
     EXPECT_EQ(Run(), ProcessResult::Done);
     EXPECT_EQ(server.calls.find("get"), std::string::npos);
+}
+
+TEST_F(FtpDeliveryTest, AReportGoesToTheUserWhoSends) {
+    SetCurrentUser(data.settingsFile, 0);
+    const LPath loggedOn = MakeSent(0), sender = MakeSent(7);
+    server.report = Typed();
+    user = 7;
+    EXPECT_EQ(Run(), ProcessResult::Done);
+    EXPECT_NE(server.calls.find("get(s0000007.sta)"), std::string::npos);
+    EXPECT_EQ(Settings::Read(sender, RecordKeys::kSendStatus), "Typed");
+    EXPECT_EQ(Settings::Read(loggedOn, RecordKeys::kSendStatus), "Sent");
 }
 
 }  // namespace
