@@ -58,7 +58,3 @@ class SilentServer:
 
     def take(self):
         self.taken.append(self.listener.accept()[0])
-
-    def close(self):
-        for taken in [self.listener, *self.taken]:
-            taken.close()
