@@ -23,7 +23,8 @@ inline constexpr char kSendingLock[] = "sending.lck";  // in the data folder, wh
 inline constexpr char kAudio[] = ".tmp";               // of audio that is being rewritten or converted
 inline constexpr char kInsert[] = ".ins";              // beside a dictation: of an insertion that is not done
 inline constexpr char kInsertBeside[] = ".in~";        // of such a file that is being written
-inline constexpr char kSetAside[] = ".bad%d";          // of a file that does not hold what its name says
+inline constexpr char kReport[] = "Temp.sta";  // in the data folder: a typist's report, fetched by FTP
+inline constexpr char kSetAside[] = ".bad%d";  // of a file that does not hold what its name says
 inline constexpr char kSetAsidePattern[] = ".bad*";
 
 }  // namespace LLeftOver

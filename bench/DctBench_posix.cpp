@@ -100,7 +100,7 @@ void Convert(benchmark::State& state, const char* recipient) {
     Silent context;
     LPath file;
     for (auto _ : state) {
-        if (SendItem(entry, data, context).Convert(file) != ProcessResult::Done)
+        if (SendItem(entry, data, nullptr, context).Convert(file) != ProcessResult::Done)
             state.SkipWithError("conversion failed");
     }
     LFile::Delete(file);

@@ -296,7 +296,8 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
 // or fails.
 ProcessResult BGSend::MakeFile(const Work& work) {
     ItemContext context(*this, work);
-    SendItem item(work.entry, m_data, context);
+    SendItem item(
+        work.entry, m_data, [this](const LPath& audio) { return IsQueued(audio); }, context);
     const auto told = std::ranges::find(m_toldKept, work.entry.dictation);
     const bool wasTold = told != m_toldKept.end();
     if (!wasTold) context.TellAtOnce(item);

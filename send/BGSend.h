@@ -82,8 +82,9 @@ public:
     using LThread::WaitForEnd;
 
     // The user's "Cancel": stops the thread, empties the queue and starts again. An item that does not stop
-    // within waitMs is dropped at its next check. A queue that cannot be emptied leaves a new error text.
-    void ClearQueue(uint32_t waitMs = 5000);
+    // within waitMs, for which the window stands still, is dropped at its next check: a call to a server that
+    // hangs cannot be interrupted. A queue that cannot be emptied leaves a new error text.
+    void ClearQueue(uint32_t waitMs = 200);
     // Whether a dictation (given by its audio file in Sent) waits in the queue or is being sent; unknown
     // while the queue file cannot be read.
     QueueAnswer IsQueued(const LPath& dictation) const;

@@ -4,11 +4,12 @@
 #include "base/LFile.h"
 #include "base/LTrace.h"
 #include "send/EmailDelivery.h"
+#include "send/FtpConnection.h"
+#include "send/FtpDelivery.h"
 #include "send/SendError.h"
 #include "send/SendStage.h"
 
 // A table maps the recipient's method to a function; a new way of delivery is one row and one function. The
-// method FTP is refused with a text of its own, since recipients that name it can exist already.
 // Copying into a folder leaves all care to LProcessCopyFile: it writes under a temporary name, reads the file
 // back, and never overwrites another file. Keeping the file open while it is renamed was rejected; it cannot
 // be renamed then.
@@ -47,7 +48,7 @@ ProcessResult Refuse(const SendDelivery& delivery, ProcessContext& context, cons
 }
 
 ProcessResult DeliverByFtp(const SendDelivery& delivery, ProcessContext& context) {
-    return Refuse(delivery, context, "This version of Corvane cannot send by FTP yet.");
+    return FtpDelivery(delivery, *MakeFtpConnection(), context).Run();
 }
 
 struct Route {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "audio/convert/LPRSourceToSink.h"
 #include "audio/wave/LMonoFormat.h"
@@ -69,9 +70,11 @@ bool NamesRecipient(const SendQueueEntry& entry, const LPath& dataFolder) {
 
 }  // namespace
 
-SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context)
+SendItem::SendItem(const SendQueueEntry& entry, const DataFolder& data, AskQueue isQueued,
+                   ProcessContext& context)
     : m_entry(entry),
       m_data(data),
+      m_isQueued(std::move(isQueued)),
       m_context(context),
       m_files(DictationFiles::OfPath(NamesDictation(entry, data.folder) ? entry.dictation : LPath())),
       m_record(DictationRecord::Read(m_files.record)),
@@ -91,8 +94,10 @@ ProcessResult SendItem::Send() {
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
-    result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_sender, m_record.name}, m_context);
-    if (result == ProcessResult::Done) WriteStatus(RecordKeys::kStatusSent);
+    result = DeliverDictation({file, m_recipient, m_entry.user, m_data, m_sender, m_record.name, m_isQueued,
+                               [this] { MarkAsSent(); }},
+                              m_context);
+    if (result == ProcessResult::Done) MarkAsSent();
     if (result == ProcessResult::Failed) WriteStatus(RecordKeys::kStatusFailed);
     if (result == ProcessResult::Done && m_notesAreCut)
         m_context.SetError(
@@ -233,6 +238,11 @@ LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const
                 static_cast<long>(Number())) +
         std::string(extension);
     return LPath::Join(LFolderOf(m_entry.dictation.View()), name);
+}
+
+// Once: a delivery may have told already that the dictation arrived.
+void SendItem::MarkAsSent() {
+    if (!std::exchange(m_isMarked, true)) WriteStatus(RecordKeys::kStatusSent);
 }
 
 // Writes the status, trying for two seconds. Does nothing when the record is absent: the dictation was

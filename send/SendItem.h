@@ -11,6 +11,7 @@
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
 #include "store/DictationRecord.h"
+#include "store/QueueAnswer.h"
 #include "store/SendToSettings.h"
 
 // Sends one queued dictation: converts it into the file that its recipient wants, delivers it, and writes the
@@ -25,7 +26,8 @@
 // Thread: the send thread.
 class SendItem {
 public:
-    SendItem(const SendQueueEntry& entry, const DataFolder& data, ProcessContext& context);
+    // isQueued: for a delivery that collects a typist's report.
+    SendItem(const SendQueueEntry& entry, const DataFolder& data, AskQueue isQueued, ProcessContext& context);
 
     // Converts, delivers and records the result. Stopped: nothing has arrived, and the entry is to be sent
     // again; with an error text when record, audio, notes, recipient or user file could not be read for a
@@ -53,16 +55,19 @@ private:
     bool CanBeRead() const;
     bool IsDelivered() const;
     void WriteStatus(std::string_view status);
+    void MarkAsSent();
     ProcessResult Fail(std::string_view reason);
 
     const SendQueueEntry& m_entry;
     const DataFolder& m_data;
+    AskQueue m_isQueued;
     ProcessContext& m_context;
     bool m_isLoaded = false;  // m_recipient was loaded
     DictationFiles m_files;   // empty paths when the entry names no dictation of its user
     SendToSettings m_recipient;
     DictationRecord m_record;
     UserDetails m_sender;
+    bool m_isMarked = false;     // as sent
     bool m_notesAreCut = false;  // the DCT file holds only the beginning of the notes
     std::string m_label;
 };

@@ -61,13 +61,18 @@ void SetCurrentUser(const LPath& settingsFile, uint32_t user) {
     WriteRegistryUser(user);
 }
 
-CurrentUser SelectUser(const DataFolder& data, uint32_t user) {
+CurrentUser UserPaths(const DataFolder& data, uint32_t user) {
     const unsigned long number = user;
-    CurrentUser selected;
-    selected.userFile = UserFilePath(data.folder, user);
-    selected.currentFolder = LPath::Format("%s%.8lu\\Current\\", data.folder.c_str(), number);
-    selected.sentFolder = LPath::Format("%s%.8lu\\Sent\\", data.folder.c_str(), number);
-    selected.number = user;
+    CurrentUser paths;
+    paths.userFile = UserFilePath(data.folder, user);
+    paths.currentFolder = LPath::Format("%s%.8lu\\Current\\", data.folder.c_str(), number);
+    paths.sentFolder = LPath::Format("%s%.8lu\\Sent\\", data.folder.c_str(), number);
+    paths.number = user;
+    return paths;
+}
+
+CurrentUser SelectUser(const DataFolder& data, uint32_t user) {
+    CurrentUser selected = UserPaths(data, user);
     LFile::MakeFolder(UserFolderPath(data.folder, user));
     LFile::MakeFolder(selected.currentFolder);
     LFile::MakeFolder(selected.sentFolder);

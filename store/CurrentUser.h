@@ -57,6 +57,9 @@ uint32_t GetCurrentUser(const LPath& settingsFile);
 // Stores the number in both places.
 void SetCurrentUser(const LPath& settingsFile, uint32_t user);
 
+// The paths alone of any user; nothing is created or read.
+CurrentUser UserPaths(const DataFolder& data, uint32_t user);
+
 // Forms the user's paths and loads his details. Missing folders are created, so that a dictation can be made
 // in a data folder that no installer prepared.
 CurrentUser SelectUser(const DataFolder& data, uint32_t user);

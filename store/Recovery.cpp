@@ -120,6 +120,11 @@ void FinishAudio(const LPath& rewritten) {
     isWanted ? LFile::Move(rewritten, audio) : LFile::Delete(rewritten);
 }
 
+// A typist's report that was fetched: the server has it still, or it is stored.
+void DiscardReport(const LPath& report) {
+    if (LEqualNoCase(LFileNameOf(report.View()), LLeftOver::kReport)) Discard(report);
+}
+
 struct LeftOver {
     const char* extension;
     void (*finish)(const LPath& path);
@@ -132,6 +137,7 @@ constexpr LeftOver kAnywhere[] = {
     {LLeftOver::kJournal, Discard},
     {LLeftOver::kInsertBeside, Discard},
     {LLeftOver::kUntold, FinishUntold},
+    {".sta", DiscardReport},
 };
 // In Current only: in Sent, files of this name belong to the send thread.
 constexpr LeftOver kInCurrent[] = {{LLeftOver::kAudio, FinishAudio}};

@@ -172,6 +172,7 @@ void MainDialog::DestroyDialog() {
     m_transport.LeaveInserts(true);
     m_display.Detach();
     m_sent.RequestStopCollecting();
+    SetWindowTextA(Window(), "");  // who starts the program now must not be led to this hidden window
     m_sendThreadEnded = m_queue.Stop(kSendStopMs);
     m_postTo = nullptr;
     m_transport.Stop();

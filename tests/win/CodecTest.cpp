@@ -89,7 +89,7 @@ TEST(Codec, WhatIsSentCompressedIsStillWhatWasSpoken) {
         recipient.waveFormat = LWaveFileFormat(Hex(c.record));
         const SendQueueEntry entry{world.AddDictation(5, Text(ReadFileText(Data("spoken.wav")))),
                                    world.AddRecipient(0, recipient), 0, true};
-        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), context).Send(),
+        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), nullptr, context).Send(),
                   ProcessResult::Done);
         const ScratchFile delivered(Text(world.Delivered("wav00000-00005.wav")));
         EXPECT_EQ(delivered.Contents().size(), c.bytes);
@@ -117,7 +117,7 @@ TEST(Codec, ADctFileCarriesOneChannelOfEveryFormatAndLoadsAgain) {
         recipient.waveFormat = LWaveFileFormat(Hex(c.record));
         const SendQueueEntry entry{world.AddDictation(5, Text(ReadFileText(Data("spoken.wav")))),
                                    world.AddRecipient(0, recipient), 0, true};
-        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), context).Send(),
+        EXPECT_EQ(SendItem(entry, DataFolder::FromText(world.data.View()), nullptr, context).Send(),
                   ProcessResult::Done);
         const DictationFiles loaded = DictationFiles::OfNumber(world.share, 6);
         LoadDCTProcess load(LPath::Join(world.share.View(), "dct00000-00005.dct"), loaded);

@@ -200,7 +200,7 @@ TEST(EmailDelivery, SettingsThatCannotBeReadKeepTheDictationInTheQueue) {
     const SendQueueEntry entry{world.AddDictation(5), world.AddRecipient(0, SendToSettings()), 0, true};
     const DataFolder data = DataFolder::FromText(world.data.View());
     LFile::MakeFolder(data.settingsFile);
-    EXPECT_EQ(SendItem(entry, data, context).Send(), ProcessResult::Stopped);
+    EXPECT_EQ(SendItem(entry, data, nullptr, context).Send(), ProcessResult::Stopped);
     EXPECT_EQ(world.Status(5), "");
     EXPECT_TRUE(MailProgram::mails.empty());
 }

@@ -9,7 +9,7 @@ class SendItemTest : public testing::Test {
 protected:
     ProcessResult Send(const LPath& dictation, const LPath& recipient) {
         const SendQueueEntry entry{dictation, recipient, 0, true};
-        return SendItem(entry, DataFolder::FromText(world.data.View()), context).Send();
+        return SendItem(entry, DataFolder::FromText(world.data.View()), nullptr, context).Send();
     }
     std::string Error() const { return context.errors.empty() ? "" : context.errors[0]; }
 
@@ -127,6 +127,33 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
         EXPECT_LE(Error().size(), 259u) << c.name;
         EXPECT_EQ(world.SentFiles().size(), *c.missingFile ? 2u : 3u) << c.name;
     }
+}
+
+// The copy that was begun is completed when the dictation is sent again.
+TEST_F(SendItemTest, AShareThatGoesAwayDuringTheCopyIsToldAndTakesTheDictationWhenItIsBack) {
+    struct Unplugged final : NotingContext {
+        void SetProgress(double fraction) override {
+            if (fraction > 0.6) LFile::Move(share, away);
+        }
+        LPath share, away;
+    } unplugged;
+    unplugged.share = world.share.WithoutSeparator();
+    unplugged.away = world.temp.File("away");
+    const LPath dictation = world.AddDictation(5, Recording(400000));
+    const SendQueueEntry entry{dictation, world.AddRecipient(0, world.ToShare()), 0, true};
+    const DataFolder data = DataFolder::FromText(world.data.View());
+    EXPECT_EQ(SendItem(entry, data, nullptr, unplugged).Send(), ProcessResult::Done);
+    EXPECT_EQ(unplugged.errors, std::vector<std::string>{"Unable to copy files over network"});
+    EXPECT_EQ(world.Status(5), "Sent");
+    EXPECT_EQ(world.SentFiles(), kThreeFiles);
+
+    ASSERT_TRUE(LFile::Move(unplugged.away, unplugged.share));
+    Settings::Write(world.FilesOf(5).record, RecordKeys::kSendStatus, RecordKeys::kStatusSending);
+    EXPECT_EQ(Send(dictation, entry.recipient), ProcessResult::Done);
+    EXPECT_TRUE(context.errors.empty());
+    const std::string copy = world.Delivered("dct00000-00005.dct");
+    EXPECT_EQ(copy.size(), LByteReader({reinterpret_cast<const uint8_t*>(copy.data()) + 2, 4}).U32());
+    EXPECT_EQ(TempFolder::Names(world.share), std::vector<std::string>{"dct00000-00005.dct"});
 }
 
 TEST_F(SendItemTest, AnEntryThatNamesOtherFilesIsRefusedAndTouchesNothing) {

@@ -290,6 +290,7 @@ TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
         {"00000007\\rec2.dat", "00000007\\rec2.re~", old, recipient, old},
         {"settings.ini", "settings.ini~", "", record, record},
         {"bgsend.dat", "bgsend.dat~", record, "[", record},
+        {"no file", "Temp.sta", "", "report", ""},
         {"00000007\\moving.txt", "00000007\\moving.mo~", "", "00000005.dat", ""},
         {"00000007\\Current\\00000005.wav", "00000007\\Current\\00000005.tmp", "", wave, wave},
         {"00000007\\Current\\00000007.wav", "00000007\\Current\\00000007.tmp", "", cut, cut},
