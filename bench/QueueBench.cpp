@@ -8,8 +8,8 @@
 #include "bench/Ratios.h"
 #include "send/SendQueueFile.h"
 
-// What one entry costs the queue file: each change writes the file as a whole, beside itself, and swaps it in,
-// as its format and its safety demand. So the peer is a bare read and write of the same bytes.
+// What one entry costs the queue file: each change writes the file as a whole, beside itself, and swaps it
+// in, as its format and its safety demand. So the peer is a bare read and write of the same bytes.
 
 namespace {
 

@@ -3,10 +3,13 @@
 
 A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
 records; the dictation is played back and wound back; a correction is spoken and inserted there, and played;
-it gets a note and is sent to a typist's folder. The sound that is heard and the file that arrives are compared
+it gets a note and is sent to a typist's folder; it is recovered and mailed, encrypted, to another one. The
+sound that is heard and the file that arrives are compared
 with the samples. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
 pass."""
 
+import email
+import email.policy
 import os
 import shutil
 import subprocess
@@ -18,8 +21,10 @@ ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests" / "system"))
 
 import dct  # noqa: E402
+import mail  # noqa: E402
 import sound  # noqa: E402
-from corvane import Corvane, Data, WinCtl, wait_for, write_ini  # noqa: E402
+from ftp import ADDRESS  # noqa: E402
+from corvane import Corvane, Data, Dialog, WinCtl, wait_for, write_ini  # noqa: E402
 
 OUT = ROOT / "out"
 WORDS = (
@@ -31,6 +36,8 @@ FILE_NUMBER = "4711"
 NOTE = "Urgent: letter to the family doctor"
 ELEMENT = f"<fileno>{FILE_NUMBER}</fileno>"
 API_STATUS, STOPPED, LISTENING, PLAYING, WINDING = 7, 0, 2, 3, 4
+LB_SETCURSEL, WM_KEYDOWN, VK_DOWN = 0x186, 0x100, 0x28
+PASSWORD = "open sesame"
 BUTTON, REWIND_DOWN, REWIND_UP = 1792, 12, 13  # of the dictation microphone
 
 
@@ -176,6 +183,37 @@ def receive(data, steps, spoken, number):
     measure(steps, "delivered", spoken, sound.read_wav(container.audio))
 
 
+def mail_it(corvane, data, steps, spoken, number):
+    """Brings the dictation back and sends it by mail, encrypted, to a second typist."""
+    dialog = Dialog(corvane, "Recover Sent Dictations", "CM_RECOVER")
+    dialog.ask("post", "IDC_RECOVER_LIST", WM_KEYDOWN, VK_DOWN, 0)
+    wait_for(lambda: dialog.item(1)["enabled"], "a selected row", 10)
+    screenshot(corvane, "recover.png")
+    dialog.press(1)
+    wait_for(lambda: data.audio(number).exists(), "the recovered dictation", 10)
+    dialog.press(2)
+    wait_for(lambda: corvane.row(number), "its row", 10)
+    with mail.server(ADDRESS) as letters:
+        corvane.select(number)
+        choice = Dialog(corvane, "Send Dictation To", "CM_SENDFILE_TO")
+        screenshot(corvane, "typists.png")
+        choice.tell("IDC_CHOOSE_LIST", LB_SETCURSEL, 1)
+        choice.end(1)
+        status = corvane.wait_sent(number, 30)
+    steps.check(status == "Sent" and len(letters) == 1, f'recovered, sent again by mail, and marked "{status}"')
+    ((_, envelope),) = letters
+    letter = email.message_from_bytes(envelope.original_content, policy=email.policy.default)
+    text, file = letter.iter_parts()
+    (OUT / file.get_filename()).write_bytes(file.get_content())
+    container = dct.read(OUT / file.get_filename(), PASSWORD)
+    steps.check(
+        container.version == 2 and container.notes.rstrip(b"\0") == f"{ELEMENT}\r\n{NOTE}".encode(),
+        f'the mail: from {letter["From"]} to {letter["To"]}, "{letter["Subject"]}", with {file.get_filename()}, '
+        f"encrypted, which opens with the password",
+    )
+    measure(steps, "mailed", spoken, sound.read_wav(container.audio))
+
+
 def main():
     shutil.rmtree(OUT, ignore_errors=True)
     OUT.mkdir()
@@ -184,7 +222,10 @@ def main():
     steps.say(f'a voice is to speak {spoken.duration:.2f} s: "{WORDS}"')
     drive_c = Path(os.environ["WINEPREFIX"]) / "drive_c"
     data = Data(drive_c / "dictations", drive_c / "typist")
-    write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "prompt1": {"prompt": "true"}})
+    by_mail = {"usemapi": "false", "mailhost": ADDRESS}
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "prompt1": {"prompt": "true"}, "email": by_mail})
+    data.add_recipient("Typist")
+    mail.add_recipient(data, "typist@example.org", PASSWORD, 1)
     helper = WinCtl()
     corvane = Corvane(helper, data)
     try:
@@ -199,6 +240,7 @@ def main():
         add_note(corvane, steps, number)
         send(corvane, steps, number)
         receive(data, steps, corrected, number)
+        mail_it(corvane, data, steps, corrected, number)
         screenshot(corvane, "sent.png")
         steps.check(corvane.close() == 0, "corvane.exe closed when asked to")
     finally:

@@ -8,8 +8,8 @@ from contextlib import closing
 
 import pytest
 
-from corvane import BUILD, DIALOG_CLASS, TITLE, WM_CLOSE, Dialog, pcm_wav, recipient_record, wait_for
-from ftp import ADDRESS, PASSWORD, USER, FtpServer, SilentServer
+from corvane import BUILD, DIALOG_CLASS, TITLE, WM_CLOSE, Dialog, pcm_wav, wait_for
+from ftp import ADDRESS, PASSWORD, FtpServer, SilentServer, add_recipient
 from test_queue import queue_count
 from test_sent import SENT
 
@@ -20,14 +20,6 @@ NUMBER_IN_DCT = slice(14, 18)
 def server(tmp_path):
     yield (server := FtpServer(tmp_path))
     server.close()
-
-
-def address_to(data, folder="pool/in", password=PASSWORD):
-    record = bytearray(recipient_record("Typist", "").ljust(1964, b"\0"))
-    struct.pack_into("<I", record, 40, 2)
-    for offset, text in ((428, ADDRESS), (556, USER), (588, password), (620, folder)):
-        struct.pack_into(f"{len(text)}s", record, offset, text.encode())
-    (data.user / "rec0.dat").write_bytes(record)
 
 
 def test_a_dictation_arrives_by_ftp_and_the_typist_reports(corvane, data, server):
@@ -44,7 +36,7 @@ def test_a_dictation_arrives_by_ftp_and_the_typist_reports(corvane, data, server
     program = corvane()
     program.send_default(13)
     assert program.wait_sent(13) == "Sent"
-    address_to(data)
+    add_recipient(data)
     program.send_default(12)
     assert program.wait_sent(12) == "Sent"
     wait_for(lambda: data.status(11) == "Typed" and not report.exists(), "the typist's report")
@@ -78,7 +70,7 @@ def test_what_the_server_refuses_is_told(corvane, data, server):
         data.add_dictation(number, pcm_wav(8000))
     program = corvane()
     for number, settings, words in refusals:
-        address_to(data, **settings)
+        add_recipient(data, **settings)
         program.send_default(number)
         assert program.wait_box("Error").startswith(words)
         program.answer_box("Error", 1)
@@ -90,7 +82,7 @@ def test_a_server_that_hangs_keeps_neither_the_window_nor_the_dictations(corvane
     silent = SilentServer()
     for number in (31, 32, 33):
         data.add_dictation(number, pcm_wav(8000))
-    address_to(data, folder="")
+    add_recipient(data, folder="")
     program = corvane()
     program.select(31, 32)
     program.command("CM_SENDFILE")

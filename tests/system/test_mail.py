@@ -1,6 +1,5 @@
 """Dictations that go by mail: through a server, and through the mail program of the platform."""
 
-import contextlib
 import email
 import email.policy
 import os
@@ -10,52 +9,24 @@ import struct
 import time
 
 import dct
+import mail
 import pytest
-from aiosmtpd.controller import Controller
 from aiosmtpd.smtp import AuthResult
 from corvane import TOOLS, pcm_wav, read_ini, windows_path, write_ini
+from ftp import ADDRESS
 
 
 @pytest.fixture
 def address():
-    """An address of the loopback that no other run uses: the port is always 25."""
-    pid = os.getpid()
-    return f"127.{1 + (pid >> 16) % 250}.{(pid >> 8) % 256}.{1 + pid % 250}"
+    return ADDRESS
 
 
 def prepare(data, to, dictations, mailhost="", usemapi="false"):
     """One typist with a mail address, and some dictations."""
     write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "email": {"usemapi": usemapi, "mailhost": mailhost}})
-    data.add_recipient("Typist", password="open sesame")
-    record = bytearray((data.user / "rec0.dat").read_bytes())
-    struct.pack_into("<I128s", record, 40, 0, to.encode())
-    (data.user / "rec0.dat").write_bytes(record)
+    mail.add_recipient(data, to, "open sesame")
     for number in dictations:
         data.add_dictation(number, pcm_wav(8000), b".secret\0")
-
-
-@contextlib.contextmanager
-def mail_server(address, **options):
-    """Collects what arrives; refuses recipients whose address says so."""
-    letters = []
-
-    class Handler:
-        async def handle_RCPT(self, server, session, envelope, to, _):
-            if "refuse" in to:
-                return "550 no such user"
-            envelope.rcpt_tos.append(to)
-            return "250 ok"
-
-        async def handle_DATA(self, server, session, envelope):
-            letters.append((bool(session.authenticated), envelope))
-            return "250 taken"
-
-    controller = Controller(Handler(), hostname=address, port=25, **options)
-    controller.start()
-    try:
-        yield letters
-    finally:
-        controller.stop()
 
 
 def check_password(server, session, envelope, mechanism, data):
@@ -68,17 +39,17 @@ def check_password(server, session, envelope, mechanism, data):
 def test_a_mail_arrives_with_its_dictation(corvane, data, address, login, tmp_path):
     prepare(data, "refuse@example.org,typist@example.org", [5], address + login)
     options = {"auth_required": True, "auth_require_tls": False, "authenticator": check_password} if login else {}
-    with mail_server(address, **options) as letters:
+    with mail.server(address, **options) as letters:
         program = corvane(environment={"TZ": "UTC-10"})  # ten hours ahead
         program.send_default(5)
         assert program.wait_sent(5) == "Sent" and program.close() == 0
     ((authenticated, envelope),) = letters
     assert (authenticated, envelope.mail_from, envelope.rcpt_tos) == (
         bool(login), "ada@example.org", ["typist@example.org"])  # fmt: skip
-    mail = email.message_from_bytes(envelope.original_content, policy=email.policy.default)
-    assert mail["To"] == "refuse@example.org, typist@example.org" and mail["Subject"] == "Corvane Dictation"
-    assert abs(mail["Date"].datetime.timestamp() - 36000 - time.time()) < 60
-    text, file = mail.iter_parts()
+    letter = email.message_from_bytes(envelope.original_content, policy=email.policy.default)
+    assert letter["To"] == "refuse@example.org, typist@example.org" and letter["Subject"] == "Corvane Dictation"
+    assert abs(letter["Date"].datetime.timestamp() - 36000 - time.time()) < 60
+    text, file = letter.iter_parts()
     assert text.get_content().startswith("File: Dictation 005\r\nFrom: Dr. Ada Blake\r\nEmail: ada@example.org\r\n\r\n")
     path = tmp_path / file.get_filename()
     path.write_bytes(file.get_content())
@@ -98,7 +69,7 @@ def test_a_silent_server_does_not_hold_the_program_up(corvane, data, address):
         assert program.close() == 0 and time.monotonic() - begun < 3
         client.close()
     assert data.status(5) == "Sending" and read_ini(data.queue)["bgsend"]["count"] == "1"
-    with mail_server(address) as letters:
+    with mail.server(address) as letters:
         program = corvane()
         assert program.wait_sent(5) == "Sent" and len(letters) == 1
     program.send_default(6)  # to nobody

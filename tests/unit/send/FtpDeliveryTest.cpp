@@ -37,8 +37,8 @@ protected:
         server.calls.clear();
         context.errors.clear();
         const auto isQueued = [this](const LPath&) { return queued; };
-        const SendDelivery delivery{
-            file, recipient, 7, data, sender, "", isQueued, [this] { server.Note("arrived"); }};
+        const SendDelivery delivery{file,   recipient, 7,        data,
+                                    sender, "",        isQueued, [this] { server.Note("arrived"); }};
         return FtpDelivery(delivery, server, context).Run();
     }
 
