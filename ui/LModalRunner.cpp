@@ -16,17 +16,17 @@
 // An entry of the stack. The end of the outermost one posts the requests that waited for it.
 class LModalRunner::Stay {
 public:
-    Stay(LModalRunner& runner, Standing what) : m_runner(runner), m_what(what) {
+    Stay(LModalRunner& runner, Modal kind) : m_runner(runner), m_kind(kind) {
         m_runner.m_opening();
-        m_runner.m_standing.push_back(what);
+        m_runner.m_open.push_back(kind);
     }
     ~Stay() {
-        m_runner.m_standing.pop_back();
+        m_runner.m_open.pop_back();
         m_runner.NoteInput();  // the press that closed it went past the window
-        if (m_runner.m_window == nullptr || !m_runner.m_standing.empty()) return;
+        if (m_runner.m_window == nullptr || !m_runner.m_open.empty()) return;
         if (m_runner.m_closeWanted) PostMessageA(m_runner.m_window, WM_CLOSE, 0, 0);
         const bool hasTexts = !m_runner.m_later.empty() || !m_runner.m_atRest.empty();
-        if (hasTexts || m_what == Standing::Process)
+        if (hasTexts || m_kind == Modal::Process)
             PostMessageA(m_runner.m_window, m_runner.m_laterMessage, 0, 0);
     }
     Stay(const Stay&) = delete;
@@ -34,7 +34,7 @@ public:
 
 private:
     LModalRunner& m_runner;
-    Standing m_what;
+    Modal m_kind;
 };
 
 // Drops the keys that a box is given in its first second. The platform asks the filter before each message of
@@ -87,7 +87,7 @@ void LModalRunner::Detach() {
 
 int LModalRunner::Box(std::string_view text, std::string_view caption, UINT flags) {
     if (!MayGoOn()) return 0;
-    const Stay stay(*this, Standing::Question);
+    const Stay stay(*this, Modal::Question);
     return LMessageBox(m_window, text, caption, flags);
 }
 
@@ -96,21 +96,21 @@ int LModalRunner::UnaskedBox(std::string_view text, std::string_view caption, UI
     return Box(text, caption, flags);
 }
 
-INT_PTR LModalRunner::RunModal(LDialog& dialog, int resource, WhatRuns whatRuns) {
-    return RunModal(whatRuns, [&](HWND owner) { return dialog.RunModal(resource, owner); });
+INT_PTR LModalRunner::RunModal(LDialog& dialog, int resource, Activity activity) {
+    return RunModal(activity, [&](HWND owner) { return dialog.RunModal(resource, owner); });
 }
 
-INT_PTR LModalRunner::RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show) {
-    if (whatRuns == WhatRuns::Stops) m_stop();
+INT_PTR LModalRunner::RunModal(Activity activity, const std::function<INT_PTR(HWND owner)>& show) {
+    if (activity == Activity::Stops) m_stop();
     if (!MayGoOn()) return -1;
-    const Stay stay(*this, Standing::Question);
+    const Stay stay(*this, Modal::Question);
     const LCentreNext centre;
     return show(m_window);
 }
 
 ProcessResult LModalRunner::Run(LProcess& process, std::string_view title, std::string& error) {
     if (!MayGoOn()) return ProcessResult::Stopped;
-    const Stay stay(*this, Standing::Process);
+    const Stay stay(*this, Modal::Process);
     return LProgressDialog::Run(process, m_window, title, error);
 }
 
@@ -151,7 +151,7 @@ void LModalRunner::TellAtRest(std::string_view text) {
 }
 
 bool LModalRunner::ShowLater() {
-    if (What() != Standing::Nothing) return false;  // the end of the outermost Stay posts the message again
+    if (OpenModal() != Modal::Nothing) return false;  // the end of the outermost Stay posts the message again
     for (const Later& later : std::exchange(m_later, {}))
         Box(later.text, later.caption, MB_OK | MB_ICONEXCLAMATION);
     if (m_atRest.empty() || !IsHandAtRest()) return !m_atRest.empty();
@@ -167,13 +167,13 @@ void LModalRunner::ShowAll() {
         UnaskedBox(text, "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
-LModalRunner::Standing LModalRunner::What() const {
-    if (std::ranges::find(m_standing, Standing::Process) != m_standing.end()) return Standing::Process;
-    return m_standing.empty() ? Standing::Nothing : Standing::Question;
+LModalRunner::Modal LModalRunner::OpenModal() const {
+    if (std::ranges::find(m_open, Modal::Process) != m_open.end()) return Modal::Process;
+    return m_open.empty() ? Modal::Nothing : Modal::Question;
 }
 
 bool LModalRunner::TakeClose() {
-    if (What() != Standing::Process) {
+    if (OpenModal() != Modal::Process) {
         m_closeWanted = false;  // taken: if its receiver refuses after all, commands work again
         return true;
     }

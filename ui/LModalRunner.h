@@ -8,20 +8,19 @@
 #include "base/LProcess.h"
 #include "ui/LDialog.h"
 
-// Opens everything modal of a window: message boxes, dialogs and long processes ("standing" below means:
-// open). While one of them is open, commands of devices, timers and other programs still arrive through its
-// message loop. The runner tells their receivers which kind is open, so that they can refuse, and takes a
-// request to close that arrives meanwhile. Nothing is opened any more once the window is destroyed or is to
-// close.
+// Opens everything modal of a window: message boxes, dialogs and long processes. While one of them is open,
+// commands of devices, timers and other programs still arrive through its message loop. The runner tells
+// their receivers which kind is open, so that they can refuse, and takes a request to close that arrives
+// meanwhile. Nothing is opened any more once the window is destroyed or is to close.
 // A box that comes unasked, such as an error of the send thread, waits until the user's hands have rested,
 // and is deaf to keys in its first second: a key that was meant for the notes must not answer it unread.
 // Thread: the window thread.
 class LModalRunner {
 public:
     // The kind that is open; Process when a process is among several.
-    enum class Standing { Nothing, Question, Process };
+    enum class Modal { Nothing, Question, Process };
     // Whether an activity of the window, such as a playback, goes on or is stopped before a dialog opens.
-    enum class WhatRuns { GoesOn, Stops };
+    enum class Activity { GoesOn, Stops };
 
     LModalRunner() = default;
     LModalRunner(const LModalRunner&) = delete;
@@ -40,9 +39,9 @@ public:
     // A box that no command of the user leads to. Asked for only while IsHandAtRest.
     int UnaskedBox(std::string_view text, std::string_view caption, UINT flags);
     // As LDialog::RunModal; -1 also when the window is gone or is to close.
-    INT_PTR RunModal(LDialog& dialog, int resource, WhatRuns whatRuns);
+    INT_PTR RunModal(LDialog& dialog, int resource, Activity activity);
     // For other modal windows: show is called with the owner. -1 when it was not called.
-    INT_PTR RunModal(WhatRuns whatRuns, const std::function<INT_PTR(HWND owner)>& show);
+    INT_PTR RunModal(Activity activity, const std::function<INT_PTR(HWND owner)>& show);
     // Runs a process under the progress dialog and shows its error text. Stopped when it was not started.
     ProcessResult RunProcess(LProcess& process, std::string_view title);
     // The same for a process that no command of the user names, such as what follows a Stop: like an unasked
@@ -68,7 +67,7 @@ public:
     // Nothing was pressed for 1.5 s.
     bool IsHandAtRest() const { return GetTickCount() - m_lastInputMs >= kRestMs; }
 
-    Standing What() const;
+    Modal OpenModal() const;
     // To be tested after every call that ran messages: false when the window is destroyed or is to close.
     bool MayGoOn() const { return m_window != nullptr && !m_closeWanted; }
     // Takes a request to close. True: the window may close now. False: a process runs; it is cancelled, and
@@ -91,7 +90,7 @@ private:
     HWND m_window = nullptr;
     UINT m_laterMessage = 0;
     std::function<void()> m_stop, m_opening;
-    std::vector<Standing> m_standing;
+    std::vector<Modal> m_open;
     std::vector<Later> m_later;         // of TellLater
     std::vector<std::string> m_atRest;  // texts of TellAtRest
     DWORD m_lastInputMs = 0;            // tick count

@@ -55,6 +55,6 @@ private:
 
 int AskForRecipient(const AppState& state, LModalRunner& runner) {
     ChooseRecipientDialog dialog(state);
-    runner.RunModal(dialog, IDD_CHOOSE, LModalRunner::WhatRuns::Stops);
+    runner.RunModal(dialog, IDD_CHOOSE, LModalRunner::Activity::Stops);
     return dialog.Chosen();
 }

@@ -6,6 +6,6 @@ void ShowHardwareSettings(const LPath& settingsFile, LModalRunner& runner) {
     LKeysPage keys(settingsFile);
     LPropertySheet sheet("Hardware Settings");
     sheet.Add(keys);
-    runner.RunModal(LModalRunner::WhatRuns::Stops,
+    runner.RunModal(LModalRunner::Activity::Stops,
                     [&sheet](HWND owner) -> INT_PTR { return sheet.RunModal(owner); });
 }

@@ -148,6 +148,6 @@ private:
 
 std::optional<uint32_t> AskForUser(const AppState& state, LModalRunner& runner) {
     LogOnDialog dialog(state);
-    if (runner.RunModal(dialog, IDD_LOGON, LModalRunner::WhatRuns::Stops) != IDOK) return std::nullopt;
+    if (runner.RunModal(dialog, IDD_LOGON, LModalRunner::Activity::Stops) != IDOK) return std::nullopt;
     return dialog.Next() == state.user.number ? std::nullopt : std::optional(dialog.Next());
 }

@@ -39,7 +39,7 @@ void ShowRecipientSettings(const AppState& state, BGSend& queue, LModalRunner& r
     LPropertySheet sheet("Recipient Send Settings");
     sheet.Add(recipientsPage);
     sheet.Add(emailPage);
-    runner.RunModal(LModalRunner::WhatRuns::Stops,
+    runner.RunModal(LModalRunner::Activity::Stops,
                     [&sheet](HWND owner) -> INT_PTR { return sheet.RunModal(owner); });
     if (!email.IsStored()) runner.Tell(kNotStored);
 }

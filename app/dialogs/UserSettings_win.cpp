@@ -173,7 +173,7 @@ void ShowUserSettings(const AppState& state, LModalRunner& runner, Listening& li
     for (LPropertyPage* page :
          std::initializer_list<LPropertyPage*>{&detailsPage, &recordingPage, &playbackPage, &optionsPage})
         sheet.Add(*page);
-    runner.RunModal(LModalRunner::WhatRuns::Stops,
+    runner.RunModal(LModalRunner::Activity::Stops,
                     [&](HWND owner) -> INT_PTR { return sheet.RunModal(owner) ? IDOK : IDCANCEL; });
     for (const SettingsRows* rows : {&details, &recording, &playback, &options})
         if (!rows->IsStored()) return runner.Tell(kNotStored);

@@ -64,7 +64,7 @@ constexpr CommandNeeds kNeeds[] = {
 };
 
 Mask Met(const CommandSituation& situation) {
-    using Standing = CommandSituation::Standing;
+    using Modal = CommandSituation::Modal;
     Mask met = 0;
     const auto meets = [&met](Mask condition, bool isMet) { met |= isMet ? condition : 0; };
     meets(kList, situation.view != ViewMode::Compact);
@@ -73,8 +73,8 @@ Mask Met(const CommandSituation& situation) {
     meets(kAudio, situation.hasAudio || situation.isRecording);
     meets(kRunning, situation.isRunning);
     meets(kNotRecording, !situation.isRecording);
-    meets(kNoProcess, situation.standing != Standing::Process);
-    meets(kNoQuestion, situation.standing != Standing::Question);
+    meets(kNoProcess, situation.modal != Modal::Process);
+    meets(kNoQuestion, situation.modal != Modal::Question);
     return met;
 }
 

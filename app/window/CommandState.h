@@ -7,15 +7,15 @@
 // The state of the window on which the permission of commands depends.
 struct CommandSituation {
     // The kind of modal window that is open: a box or dialog (Question), or a long process. The same as
-    // LModalRunner::Standing, which portable code cannot include.
-    enum class Standing { Nothing, Question, Process };
+    // LModalRunner::Modal, which portable code cannot include.
+    enum class Modal { Nothing, Question, Process };
 
     ViewMode view = ViewMode::Normal;
     int selectedRows = 0;
     bool hasAudio = false;  // the current dictation has audio
     bool isRecording = false;
     bool isRunning = false;  // recording, preparing to record, playing or winding
-    Standing standing = Standing::Nothing;
+    Modal modal = Modal::Nothing;
 };
 
 // The menu command of a button of the main window; any other number is returned unchanged.

@@ -90,7 +90,7 @@ void DictationCommands::AskFields(const DictationFiles& files) {
         if (!Settings::Read(settings, keys.prompt) || !m_current.Is(files)) continue;
         m_runner.ComeForward();
         std::optional<std::string> answer;
-        m_runner.RunModal(LModalRunner::WhatRuns::GoesOn, [&](HWND owner) -> INT_PTR {
+        m_runner.RunModal(LModalRunner::Activity::GoesOn, [&](HWND owner) -> INT_PTR {
             answer =
                 LTextEditDlg::Ask(owner, m_list.NameOf(files.record), Settings::Read(settings, keys.text),
                                   Settings::Read(settings, keys.previous));
@@ -312,7 +312,7 @@ void DictationCommands::ShowSendError() {
 }
 
 void DictationCommands::AskAboutSendError() {
-    if (m_runner.What() != LModalRunner::Standing::Nothing) return;
+    if (m_runner.OpenModal() != LModalRunner::Modal::Nothing) return;
     const SendError error = m_queue.PendingError();
     if (!error) return;
     const int answer =
@@ -327,7 +327,7 @@ void DictationCommands::AskAboutSendError() {
 }
 
 bool DictationCommands::TellSendErrorAtClose() {
-    if (m_runner.What() == LModalRunner::Standing::Nothing) {
+    if (m_runner.OpenModal() == LModalRunner::Modal::Nothing) {
         StopAndSave();
         m_runner.ShowAll();
         AskAboutSendError();

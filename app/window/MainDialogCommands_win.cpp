@@ -116,16 +116,16 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
 };
 
 CommandSituation MainDialog::Situation() const {
-    using Standing = CommandSituation::Standing;
-    const LModalRunner::Standing stands = m_runner.What();
+    using Modal = CommandSituation::Modal;
+    const LModalRunner::Modal stands = m_runner.OpenModal();
     return {.view = m_layout.View(),
             .selectedRows = m_list.SelectedCount(),
             .hasAudio = m_current && m_transport.LengthMs() > 0,
             .isRecording = m_transport.IsRecording(),
             .isRunning = IsRunning(),
-            .standing = stands == LModalRunner::Standing::Nothing    ? Standing::Nothing
-                        : stands == LModalRunner::Standing::Question ? Standing::Question
-                                                                     : Standing::Process};
+            .modal = stands == LModalRunner::Modal::Nothing    ? Modal::Nothing
+                     : stands == LModalRunner::Modal::Question ? Modal::Question
+                                                               : Modal::Process};
 }
 
 bool MainDialog::Give(int command) {
@@ -158,7 +158,7 @@ void MainDialog::LeaveButton() {
 
 // Other programs may change something when a menu command could: the window is open and nothing modal is.
 bool MainDialog::MayChange() {
-    if (!IsOpen() || m_isClosing || m_runner.What() != LModalRunner::Standing::Nothing) return false;
+    if (!IsOpen() || m_isClosing || m_runner.OpenModal() != LModalRunner::Modal::Nothing) return false;
     SettleSelection();
     return IsOpen();
 }
@@ -241,7 +241,7 @@ bool MainDialog::RecoverSent() {
 
 bool MainDialog::ShowAbout() {
     AboutDialog about;
-    m_runner.RunModal(about, IDD_ABOUT, LModalRunner::WhatRuns::GoesOn);
+    m_runner.RunModal(about, IDD_ABOUT, LModalRunner::Activity::GoesOn);
     return true;
 }
 

@@ -217,7 +217,7 @@ void MainDialog::EvClose(WPARAM, LPARAM) {
 bool MainDialog::MayClose() {
     m_notes.Save();
     if (m_notes.Unsaved().Empty()) return true;
-    if (m_runner.What() != LModalRunner::Standing::Nothing)
+    if (m_runner.OpenModal() != LModalRunner::Modal::Nothing)
         return false;  // the same question, or a box before it
     const std::string name = m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat"));
     const int answer = m_runner.Box(LFormat(kLoseNotes, name.c_str()), "Notes Not Saved",
@@ -389,7 +389,7 @@ void MainDialog::EvHelp(WPARAM, LPARAM) {
 
 void MainDialog::EvHelpNotShown(WPARAM wParam, LPARAM) {
     const std::string text = Help::TextOf(wParam);
-    if (IsHandBusy() || m_runner.What() == LModalRunner::Standing::Process)
+    if (IsHandBusy() || m_runner.OpenModal() == LModalRunner::Modal::Process)
         m_runner.TellLater(text);
     else
         m_runner.Tell(text);
@@ -408,7 +408,7 @@ void MainDialog::EvRowChanged(WPARAM, LPARAM) {
 
 // Asked at once where nothing is in the way, else by the timer of the information line.
 void MainDialog::EvInsertKept(WPARAM, LPARAM) {
-    const bool isFree = m_runner.What() == LModalRunner::Standing::Nothing && !IsHandBusy();
+    const bool isFree = m_runner.OpenModal() == LModalRunner::Modal::Nothing && !IsHandBusy();
     if (isFree && m_inserts.AnyLater() && !m_transport.IsRunning()) m_inserts.OfferThoseLater();
 }
 
@@ -428,7 +428,7 @@ void MainDialog::EvTimer(WPARAM wParam, LPARAM) {
 void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
-    if (!IsHandBusy() && m_runner.What() != LModalRunner::Standing::Process) m_list.ReloadUnreadable();
+    if (!IsHandBusy() && m_runner.OpenModal() != LModalRunner::Modal::Process) m_list.ReloadUnreadable();
     m_sent.CollectReports();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
@@ -471,7 +471,7 @@ void MainDialog::FollowSelection() {
 // Follows a pending change of the selection at once; requests of other programs can overtake its posted
 // message.
 void MainDialog::SettleSelection() {
-    if (m_selectionMoved && m_runner.What() != LModalRunner::Standing::Process) FollowSelection();
+    if (m_selectionMoved && m_runner.OpenModal() != LModalRunner::Modal::Process) FollowSelection();
 }
 
 void MainDialog::SelectionMoved() {

@@ -198,7 +198,7 @@ private:
     // DeviceCommands::Target
     bool IsRecording() const override { return m_transport.IsRecording(); }
     bool IsPlaying() const override { return m_transport.IsPlaying() || m_sent.IsPlaying(); }
-    bool IsProcessRunning() const override { return m_runner.What() == LModalRunner::Standing::Process; }
+    bool IsProcessRunning() const override { return m_runner.OpenModal() == LModalRunner::Modal::Process; }
     bool HoldWinding(WindDirection direction, bool isDown) override;
     void OpenWindow() override;
     void MinimizeWindow() override { ShowWindow(Window(), SW_MINIMIZE); }

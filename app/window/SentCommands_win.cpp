@@ -26,7 +26,7 @@ bool SentCommands::ViewSent() {
     SentHistory history(m_state.user.sentFolder);
     if (!ReadHistory(history)) return false;
     SentWorkDialog dialog(m_state, history, m_queue, m_collect);
-    m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::WhatRuns::Stops);
+    m_runner.RunModal(dialog, IDD_SENTWORK, LModalRunner::Activity::Stops);
     return true;
 }
 
@@ -48,7 +48,7 @@ std::optional<std::vector<LPath>> SentCommands::Recover() {
     if (!ReadHistory(history)) return std::nullopt;
     RecoverDialog dialog(m_state.data.settingsFile, history, *this);
     m_recover = &dialog;
-    m_runner.RunModal(dialog, IDD_RECOVER, LModalRunner::WhatRuns::Stops);
+    m_runner.RunModal(dialog, IDD_RECOVER, LModalRunner::Activity::Stops);
     m_recover = nullptr;
     return m_recovered;
 }

@@ -142,7 +142,7 @@ void WindowDisplay::ShowPriority(HMENU menu) const {
 }
 
 void WindowDisplay::ShowSituation(CommandSituation situation) {
-    situation.standing = CommandSituation::Standing::Nothing;
+    situation.modal = CommandSituation::Modal::Nothing;
     if (std::exchange(m_view, situation.view) != situation.view) EvPlaced();
     EnableCommands(GetMenu(m_window), situation);
     const auto enable = [&](bool isEnabled) {

@@ -150,13 +150,13 @@ TEST(HotKeys, ATapRunsOnUntilTheNextTapAndAHoldEndsSoonAfterTheKeyIsLetGo) {
 }
 
 TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
-    using Standing = CommandSituation::Standing;
+    using Modal = CommandSituation::Modal;
     const CommandSituation kNone, kOne{.selectedRows = 1}, kTwo{.selectedRows = 2},
         kCompact{.view = ViewMode::Compact, .selectedRows = 1},
         kRecording{.selectedRows = 1, .isRecording = true, .isRunning = true},
         kPlaying{.selectedRows = 1, .hasAudio = true, .isRunning = true},
-        kAsked{.selectedRows = 1, .hasAudio = true, .isRunning = true, .standing = Standing::Question},
-        kBusy{.selectedRows = 1, .hasAudio = true, .isRunning = true, .standing = Standing::Process};
+        kAsked{.selectedRows = 1, .hasAudio = true, .isRunning = true, .modal = Modal::Question},
+        kBusy{.selectedRows = 1, .hasAudio = true, .isRunning = true, .modal = Modal::Process};
     const CommandSituation* const situations[] = {&kNone,      &kOne,     &kTwo,   &kCompact,
                                                   &kRecording, &kPlaying, &kAsked, &kBusy};
     // A letter for each situation in which the command can be given, in the order above.
