@@ -43,7 +43,9 @@ std::optional<int32_t> Number(const LProfileSection& section, int32_t index, con
 // A scanner that opens the file between two writes lets go of it at once; one refusal is none.
 template <class Change>
 bool InTwoTries(Change change) {
-    return change() || change();
+    bool isDone = false;
+    for (int tries = 0; tries < 2 && !isDone; ++tries) isDone = change();
+    return isDone;
 }
 
 bool Drop(const LPath& file, int32_t index, const ItemKey& key) {
