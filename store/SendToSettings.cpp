@@ -125,6 +125,11 @@ std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, i
     return DescribeRecipient(recipient, DefaultRecipientIndex(user.userFile) == index);
 }
 
+bool SaveRecipient(const DataFolder& data, const CurrentUser& user, int32_t index,
+                   const SendToSettings& recipient) {
+    return recipient.Save(RecipientPath(data.folder, user.number, index));
+}
+
 int32_t RecipientCount(const LPath& userFile) {
     const int32_t count = Settings::Read(userFile, UserKeys::kSendCount);
     return Clamp<int32_t>(count, 0, kMostRecipients);
@@ -133,8 +138,7 @@ int32_t RecipientCount(const LPath& userFile) {
 std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& user,
                                     const SendToSettings& recipient) {
     const int32_t index = RecipientCount(user.userFile);
-    if (index >= kMostRecipients || !recipient.Save(RecipientPath(data.folder, user.number, index)))
-        return std::nullopt;
+    if (index >= kMostRecipients || !SaveRecipient(data, user, index, recipient)) return std::nullopt;
     Settings::Write(user.userFile, UserKeys::kSendCount, index + 1);
     if (RecipientCount(user.userFile) != index + 1) return std::nullopt;
     return index;

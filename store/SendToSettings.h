@@ -59,6 +59,10 @@ std::string DescribeRecipient(const SendToSettings& recipient, bool isDefault);
 // it; "Recipient 2" when the file cannot be loaded.
 std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, int32_t index);
 
+// Writes the record of a user's recipient; on failure the old one stays.
+bool SaveRecipient(const DataFolder& data, const CurrentUser& user, int32_t index,
+                   const SendToSettings& recipient);
+
 // Number of the user's recipients, at most kMostRecipients: the user file may be damaged.
 int32_t RecipientCount(const LPath& userFile);
 // Adds a recipient behind the others; returns his index, or nothing when he could not be stored or the user

@@ -115,7 +115,7 @@ void RecipientsPage::CmEdit() {
     SendToSettings recipient;
     if (!recipient.Load(RecordOf(index)) && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead);
     const auto edited = EditRecipient(GetParent(Window()), m_state, index, recipient);
-    if (edited && !edited->Save(RecordOf(index))) return Tell(kNotStored);
+    if (edited && !SaveRecipient(m_state.data, m_state.user, index, *edited)) return Tell(kNotStored);
     if (edited) StoreRateOfDefault(m_state.user.userFile, index, *edited);
     Changed(index);  // also after Cancel: the default may be another one
 }
