@@ -93,12 +93,16 @@ void BGSend::SetQueuePath(const LPath& path) {
     m_data = DataFolder::FromText(LFolderOf(path.View()));
 }
 
-bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user) {
+bool BGSend::Add(const LPath& dictation, const LPath& recipient, uint32_t user,
+                 const std::function<bool()>& isStill) {
+    // A deletion that is pending would give the number to another one when it is finished.
+    const auto mayAdd = [&] {
+        return !RecipientDeletion(m_data, user, m_queue).IsPending() && (!isStill || isStill());
+    };
     const bool added = TryShortly([&] {
         LLock lock(m_queueLock);
         int32_t count = 0;
-        if (LFileLock sending; !FinishDeletion(user, sending)) return false;
-        if (!m_queue.Append({dictation, recipient, user, true}, count)) return false;
+        if (!m_queue.Append({dictation, recipient, user, true}, count, mayAdd)) return false;
         SetRange(count);
         return true;
     });
@@ -159,15 +163,52 @@ QueueAnswer BGSend::IsQueued(const LPath& dictation) const {
     return m_queue.Contains(dictation);
 }
 
-BGSend::Deletion BGSend::DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs) {
-    Deletion result = Deletion::Busy;
+// The thread ends for it, since an item in work names its files and its recipient as they were.
+template <class Change>
+BGSend::Outcome BGSend::WhileNobodySends(uint32_t waitMs, Change change) {
+    Outcome result = Outcome::Busy;
+    {
+        LLock lock(m_stateLock);  // what is on its way may have arrived, and would be sent again
+        if (!m_inWork.Empty()) return result;
+    }
     if (LFileLock sending; Stop(waitMs) && sending.Take(m_sendingLock, waitMs) == LFileLock::Result::Taken) {
         LLock lock(m_queueLock);
-        const bool isDone = RecipientDeletion(m_data, user, m_queue).Begin(index);
-        result = isDone ? Deletion::Done : Deletion::Failed;
+        result = change();
     }
     StartSending();
     return result;
+}
+
+BGSend::Outcome BGSend::DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs) {
+    return WhileNobodySends(waitMs, [&] {
+        RecipientDeletion deletion(m_data, user, m_queue);
+        if (deletion.Begin(index)) return Outcome::Done;
+        return deletion.IsPending() ? Outcome::Unfinished : Outcome::Failed;
+    });
+}
+
+bool BGSend::SettleDeletion(uint32_t user) {
+    LLock lock(m_queueLock);
+    LFileLock sending;
+    return FinishDeletion(user, sending);
+}
+
+BGSend::Outcome BGSend::TakeOut(const LPath& dictation, uint32_t waitMs, const std::function<bool()>& move) {
+    const auto change = [&] {
+        if (!move()) return Outcome::Failed;
+        // An entry that stays finds its dictation in Current, and goes without a word.
+        if (int32_t count = 0; m_queue.Remove(dictation, count)) SetRange(count);
+        return Outcome::Done;
+    };
+    {
+        LLock lock(m_queueLock);
+        std::vector<SendQueueEntry> entries;
+        if (!m_queue.ReadAll(entries)) return Outcome::Busy;
+        const bool isNext =
+            !entries.empty() && LEqualNoCase(entries.front().dictation.View(), dictation.View());
+        if (!isNext) return change();
+    }
+    return WhileNobodySends(waitMs, change);
 }
 
 std::optional<int32_t> BGSend::WaitingFor(const LPath& recipient) const {
@@ -248,6 +289,8 @@ void BGSend::ThreadFunction() {
         if (!work.isTaken) return;
         if (work.isElsewhere) {
             m_stopSending.Wait(kElsewhereMs);
+        } else if (work.isUnsettled) {
+            KeepForLater(work, sending);
         } else if (work.isFinished || MakeFile(work) != ProcessResult::Stopped) {
             m_keptInRow = 0;
             Persist(kRemoveLimitMs, [&] { return TryRemoveHead(work); });
@@ -285,9 +328,11 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     work.isElsewhere = sender == LFileLock::Result::Held;
     if (!work.isTaken || work.isElsewhere) return true;
     if (sender == LFileLock::Result::Failed) return false;
-    if (!FinishDeletion(work.entry.user, sending) || !m_queue.ReadHead(work.entry, count)) return false;
+    work.isUnsettled = !FinishDeletion(work.entry.user, sending);
+    if (!m_queue.ReadHead(work.entry, count)) return false;
     work.era = m_era;
-    work.isFinished = m_finished == work.entry;
+    work.isFinished =
+        m_finished && m_finished->dictation == work.entry.dictation && m_finished->user == work.entry.user;
     SetRange(count);
     return true;
 }

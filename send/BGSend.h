@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -70,8 +71,11 @@ public:
     void SetQueuePath(const LPath& path);
 
     // Appends an entry (the audio file in Sent, the recipient's record file, the sending user) and starts the
-    // thread. False when the queue file cannot be written; the caller tells the user.
-    bool Add(const LPath& dictation, const LPath& recipient, uint32_t user);
+    // thread. False when the queue file cannot be written, or a recipient of the user is being deleted; the
+    // caller tells the user. isStill, asked while no recipient can be deleted, says whether the number still
+    // means the one that was chosen.
+    bool Add(const LPath& dictation, const LPath& recipient, uint32_t user,
+             const std::function<bool()>& isStill = {});
 
     // Starts the thread. One that runs already looks at the whole queue once more before it ends.
     void StartSending();
@@ -91,8 +95,15 @@ public:
 
     // Deletes a recipient of a user. Sending pauses for it, for at most waitMs; Busy when it does not end in
     // that time, or another program sends.
-    enum class Deletion { Done, Busy, Failed };
-    Deletion DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs);
+    // Failed: nothing has changed. Unfinished: SettleDeletion goes on with it.
+    enum class Outcome { Done, Busy, Failed, Unfinished };
+    Outcome DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs);
+    // Finishes a deletion that was cut off; until then numbers of recipients may mean others. False when it
+    // cannot be finished now. To be called before a recipient is shown or chosen.
+    bool SettleDeletion(uint32_t user);
+    // Takes a dictation that waits out of the queue: move takes its files away, and says whether it did.
+    // Where it is the next one, or in work, sending pauses for it, as above. Failed: move did not.
+    Outcome TakeOut(const LPath& dictation, uint32_t waitMs, const std::function<bool()>& move);
     // How many dictations wait to be sent to a recipient; nothing while the queue file cannot be read.
     std::optional<int32_t> WaitingFor(const LPath& recipient) const;
 
@@ -127,11 +138,14 @@ private:
         bool isTaken = false;
         bool isElsewhere = false;  // another program sends
         bool isFinished = false;   // an earlier run sent it and could not remove it
+        bool isUnsettled = false;  // its recipient is not known while another one is being deleted
     };
 
     void ThreadFunction() override;
     bool TryTakeHead(Work& work, LFileLock& sending);
     bool FinishDeletion(uint32_t user, LFileLock& sending);
+    template <class Change>
+    Outcome WhileNobodySends(uint32_t waitMs, Change change);
     ProcessResult MakeFile(const Work& work);
     bool TryRemoveHead(const Work& work);
     void KeepForLater(const Work& work, LFileLock& sending);

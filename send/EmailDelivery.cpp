@@ -30,11 +30,13 @@ ProcessResult SendByMapi(const MailMessage& mail, const LPath& file, ProcessCont
     return ProcessResult::Failed;
 }
 
-ProcessResult SendBySmtp(const MailMessage& mail, const std::string& host, const LPath& file,
+ProcessResult SendBySmtp(const MailMessage& mail, const std::string& host, const SendDelivery& delivery,
                          ProcessContext& context) {
     SendStage stage(context, kSmtpFrom, 1.0);
-    const ProcessResult result = EmailSMTPSendProcess(mail, host).Process(stage);
-    LFile::Delete(file);
+    EmailSMTPSendProcess process(mail, host);
+    process.SetArrived(delivery.arrived);
+    const ProcessResult result = process.Process(stage);
+    LFile::Delete(delivery.file);
     return result;
 }
 
@@ -56,7 +58,7 @@ ProcessResult DeliverByEmail(const SendDelivery& delivery, ProcessContext& conte
     if (Settings::ParseBool(settings.Read(useMapi, byMapi ? "true" : "false")))
         return SendByMapi(mail, delivery.file, context);
     return SendBySmtp(mail, settings.Read(SettingsKeys::kMailHost.key, SettingsKeys::kMailHost.defaultValue),
-                      delivery.file, context);
+                      delivery, context);
 }
 
 std::string Email::MapiAddress(std::string_view address) {

@@ -199,7 +199,8 @@ ProcessResult EmailSMTPSendProcess::Dialogue::SendMail() {
     result = SendMessage();
     if (result == ProcessResult::Done) result = Require("\r\n.\r\n", 250, kTerminator);
     if (result != ProcessResult::Done) return result;
-    m_context.SetProgress(0.95);  // the server has the mail now, whatever follows
+    if (m_process.m_arrived) m_process.m_arrived();  // whatever follows
+    m_context.SetProgress(0.95);
     if (Ask("QUIT\r\n", code) != ProcessResult::Done || code == 0) LTrace("SendEmailSMTP QUIT failed");
     return ProcessResult::Done;
 }

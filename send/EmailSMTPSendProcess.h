@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/LProcess.h"
 #include "send/LIPSocketStream.h"
@@ -23,6 +25,8 @@ public:
     // outlives the process.
     EmailSMTPSendProcess(const MailMessage& mail, std::string_view mailHost, uint16_t port = kPort,
                          const LIPSocketStream::Pace& pace = {});
+    // To be called once the server has taken the mail: what follows may take long.
+    void SetArrived(std::function<void()> arrived) { m_arrived = std::move(arrived); }
     ProcessResult Process(ProcessContext& context) override;
 
 private:
@@ -34,4 +38,5 @@ private:
     std::string m_password;
     uint16_t m_port;
     LIPSocketStream::Pace m_pace;
+    std::function<void()> m_arrived;
 };

@@ -22,8 +22,9 @@ public:
     // they are: line breaks in them would be commands of their own.
     virtual bool SetCurrentDirectory(const std::string& path) = 0;
     virtual bool PutFile(const LPath& local, const std::string& remote) = 0;
-    // Overwrites the local file, and may leave the beginning of one behind when it fails.
-    virtual bool GetFile(const std::string& remote, const LPath& local) = 0;
+    // Overwrites the local file, and may leave the beginning of one behind when it fails. Fails for a file
+    // that the server lists as longer.
+    virtual bool GetFile(const std::string& remote, const LPath& local, int64_t mostBytes) = 0;
     virtual bool DeleteFile(const std::string& remote) = 0;
     // Logs off and ends the session, as the destructor does.
     virtual void Disconnect() = 0;

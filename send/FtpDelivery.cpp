@@ -87,7 +87,8 @@ void FtpDelivery::CollectStatus() {
         return;
     }
     const std::string remote(Status::FileIn({}, m_delivery.user).View());
-    if (m_server.GetFile(remote, local) && ApplyStatus(local)) m_server.DeleteFile(remote);
+    if (m_server.GetFile(remote, local, Status::kMostBytes) && ApplyStatus(local))
+        m_server.DeleteFile(remote);
     LFile::Delete(local, kReadWaitMs);
 }
 

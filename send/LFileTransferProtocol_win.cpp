@@ -125,7 +125,12 @@ bool LFileTransferProtocol::PutFile(const LPath& local, const std::string& remot
     return false;
 }
 
-bool LFileTransferProtocol::GetFile(const std::string& remote, const LPath& local) {
+bool LFileTransferProtocol::GetFile(const std::string& remote, const LPath& local, int64_t mostBytes) {
+    // The library fetches whatever comes; its listing at least tells honest sizes.
+    if (const DirIterator listed(*this, remote); listed && listed.Entry().size > mostBytes) {
+        LTrace("LFileTransferProtocol::GetFile file too long", remote);
+        return false;
+    }
     if (Call<decltype(&FtpGetFileA)>("FtpGetFileA", m_connection.Get(), remote.c_str(), local.c_str(), FALSE,
                                      FILE_ATTRIBUTE_NORMAL, FTP_TRANSFER_TYPE_BINARY | INTERNET_FLAG_RELOAD,
                                      0))

@@ -34,7 +34,7 @@ public:
                      const std::string& password) override;
     bool SetCurrentDirectory(const std::string& path) override;
     bool PutFile(const LPath& local, const std::string& remote) override;
-    bool GetFile(const std::string& remote, const LPath& local) override;
+    bool GetFile(const std::string& remote, const LPath& local, int64_t mostBytes) override;
     bool DeleteFile(const std::string& remote) override;
     void LogOff() { m_connection.Reset(); }
     // Hangs up when it dialled.

@@ -12,8 +12,9 @@
 #include "store/Settings.h"
 #include "store/SettingsKeys.h"
 
-// Every step can be done twice. The journal lists the record files that were there at the beginning: one of
-// them that is absent has been moved already, and one that was missing from the start leaves its gap behind.
+// Every step can be done twice. The journal lists the record files that were there at the beginning: the
+// last of them that is absent has been moved already, as have those before it, and one that was missing from
+// the start leaves its gap behind.
 // It also holds the new recipient of each entry by the path of its dictation, since "one lower" would be done
 // twice. Without a journal the gap alone would tell how far the moves had come, but not whether the queue had
 // followed.
@@ -45,18 +46,25 @@ RecipientDeletion::RecipientDeletion(const DataFolder& data, uint32_t user, Send
       m_journal(LPath::Join(UserFolderPath(data.folder, user).View(), LLeftOver::kDeletion)) {}
 
 bool RecipientDeletion::Begin(int32_t index) {
-    if (!Finish() || index < 0 || index >= RecipientCount(m_userFile)) return false;
-    if (!WriteJournal(index)) {
+    const int32_t count = RecipientCount(m_userFile);
+    if (IsPending() || index < 0 || index >= count) return false;
+    if (IsProtected(index, count) || !WriteJournal(index, count)) {
         LTrace("RecipientDeletion::Begin unable to write journal", m_journal.View());
         return false;
     }
     return Finish();
 }
 
-bool RecipientDeletion::WriteJournal(int32_t index) const {
+bool RecipientDeletion::IsProtected(int32_t index, int32_t count) const {
+    for (int32_t i = index; i < count; ++i)
+        if (LFile::IsReadOnly(Record(i))) return true;
+    return LFile::IsReadOnly(m_userFile);
+}
+
+bool RecipientDeletion::WriteJournal(int32_t index, int32_t count) const {
     std::vector<SendQueueEntry> entries;
-    if (!m_queue.ReadAll(entries)) return false;
-    const int32_t count = RecipientCount(m_userFile);
+    LFileLock turn;  // nothing is added for the old numbers until the journal says so
+    if (!m_queue.ReadAll(entries, turn)) return false;
     std::string text = std::string("[") + kSection + "]\r\n" + Line(kIndex, std::to_string(index)) +
                        Line(kCount, std::to_string(count));
     for (int32_t i = index + 1; i < count; ++i)
@@ -86,18 +94,28 @@ bool RecipientDeletion::Finish() {
         return LFile::Delete(m_journal, kMoveWaitMs);  // damaged: nothing was done
     const bool isLast = index == count - 1;
     bool isDone = !isLast || LFile::Delete(Record(index), kMoveWaitMs) || LFile::IsAbsent(Record(index));
-    for (int32_t i = index + 1; i < count && isDone; ++i) {
+    const auto wasThere = [&](int32_t i) {
+        return !journal.Read(Settings::ListItemKey(kIsThere, i), "").empty();
+    };
+    // Goes on behind the last one that has been moved; its place is the gap that the moves carry upwards.
+    int32_t next = index + 1;
+    for (int32_t i = next; i < count; ++i)
+        if (wasThere(i) && LFile::IsAbsent(Record(i))) next = i + 1;
+    for (int32_t i = next; i < count && isDone; ++i) {
         const LPath from = Record(i), to = Record(i - 1);
-        const bool wasThere = !journal.Read(Settings::ListItemKey(kIsThere, i), "").empty();
-        if (wasThere)
-            isDone = LFile::IsAbsent(from) || LFile::Replace(from, to);
+        if (wasThere(i))
+            isDone = LFile::Replace(from, to);
         else
             isDone = LFile::IsAbsent(to) || LFile::Delete(to, kMoveWaitMs);
     }
     std::vector<SendQueueEntry> changed;
-    for (int32_t i = 0; i < LParseInt(journal.Read(kEntries, "0")); ++i)
-        changed.push_back({LPath(journal.Read(Settings::ListItemKey(kDictation, i), "")),
-                           LPath(journal.Read(Settings::ListItemKey(kRecipient, i), "")), m_user, true});
+    const int32_t entries = LParseInt(journal.Read(kEntries, "0"));
+    for (int32_t i = 0; i < entries; ++i) {
+        const LPath dictation(journal.Read(Settings::ListItemKey(kDictation, i), ""));
+        if (dictation.Empty()) break;
+        changed.push_back(
+            {dictation, LPath(journal.Read(Settings::ListItemKey(kRecipient, i), "")), m_user, true});
+    }
     isDone = isDone && m_queue.SetRecipients(changed);
     if (isDone) Settings::Write(m_userFile, UserKeys::kSendCount, count - 1);
     isDone = isDone && RecipientCount(m_userFile) == count - 1 && LFile::Delete(m_journal, kMoveWaitMs);

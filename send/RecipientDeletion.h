@@ -22,8 +22,10 @@ class RecipientDeletion {
 public:
     RecipientDeletion(const DataFolder& data, uint32_t user, SendQueueFile& queue);
 
-    // Deletes the recipient of this index. False, and nothing has changed, when the journal cannot be
-    // written, the queue not be read, or the user has no such recipient.
+    // Deletes the recipient of this index. False when a deletion was pending, since the number then meant
+    // another one; when one of the files concerned is write-protected, the journal cannot be written, the
+    // queue not be read, or the user has no such recipient; and when the deletion could not be finished,
+    // which IsPending tells. But for that last case nothing has changed.
     bool Begin(int32_t index);
     // Whether a deletion was begun and not finished.
     bool IsPending() const { return !LFile::IsAbsent(m_journal); }
@@ -31,7 +33,8 @@ public:
     bool Finish();
 
 private:
-    bool WriteJournal(int32_t index) const;
+    bool IsProtected(int32_t index, int32_t count) const;
+    bool WriteJournal(int32_t index, int32_t count) const;
     LPath Record(int32_t index) const { return RecipientPath(m_dataFolder, m_user, index); }
 
     LPath m_dataFolder;

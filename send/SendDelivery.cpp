@@ -9,7 +9,7 @@
 #include "send/SendError.h"
 #include "send/SendStage.h"
 
-// A table maps the recipient's method to a function; a new way of delivery is one row and one function. The
+// A table maps the recipient's method to a function; a new way of delivery is one row and one function.
 // Copying into a folder leaves all care to LProcessCopyFile: it writes under a temporary name, reads the file
 // back, and never overwrites another file. Keeping the file open while it is renamed was rejected; it cannot
 // be renamed then.

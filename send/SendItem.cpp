@@ -90,7 +90,7 @@ ProcessResult SendItem::Send() {
     if (!m_entry.isWhole || m_files.audio.Empty() || !NamesRecipient(m_entry, m_data.folder))
         return RefuseDamaged();
     if (!CanBeRead()) return KeepForLater();
-    if (IsDelivered()) return ProcessResult::Done;
+    if (IsDelivered() || IsRecovered()) return ProcessResult::Done;
     LPath file;
     ProcessResult result = Convert(file);
     if (result != ProcessResult::Done) return result;
@@ -119,6 +119,13 @@ bool SendItem::CanBeRead() const {
 bool SendItem::IsDelivered() const {
     const std::string& status = m_record.sendStatus;
     return !status.empty() && status != RecordKeys::kStatusSending && status != RecordKeys::kStatusFailed;
+}
+
+// Whether the dictation was brought back to Current, by a run that ended before it could remove the entry.
+bool SendItem::IsRecovered() const {
+    const LPath current = UserPaths(m_data, m_entry.user).currentFolder;
+    return LFile::IsAbsent(m_files.record) && LFile::IsAbsent(m_files.audio) &&
+           LFile::Exists(m_files.InFolder(current).audio);
 }
 
 ProcessResult SendItem::RefuseDamaged() {
@@ -240,25 +247,26 @@ LPath SendItem::OutputPath(const char* prefix, std::string_view extension) const
     return LPath::Join(LFolderOf(m_entry.dictation.View()), name);
 }
 
-// Once: a delivery may have told already that the dictation arrived.
+// A delivery may have told already that the dictation arrived; what could not be written then is tried again.
 void SendItem::MarkAsSent() {
-    if (!std::exchange(m_isMarked, true)) WriteStatus(RecordKeys::kStatusSent);
+    if (!m_isMarked) m_isMarked = WriteStatus(RecordKeys::kStatusSent);
 }
 
 // Writes the status, trying for two seconds. Does nothing when the record is absent: the dictation was
 // recovered or deleted meanwhile, and must not get a new record here.
-void SendItem::WriteStatus(std::string_view status) {
+bool SendItem::WriteStatus(std::string_view status) {
     const uint32_t begun = LTickMs();
     while (!LFile::IsAbsent(m_files.record)) {
-        if (Settings::Write(m_files.record, RecordKeys::kSendStatus, status)) return;
+        if (Settings::Write(m_files.record, RecordKeys::kSendStatus, status)) return true;
         if (LTickMs() - begun >= kMoveWaitMs) {
             LTrace("SendItem::WriteStatus unable to write record", m_files.record.View());
             m_context.SetError(LFormat("The record of the dictation could not be marked as \"%.20s\".",
                                        std::string(status).c_str()));
-            return;
+            return false;
         }
         LSleep(kStatusRetryMs);
     }
+    return true;
 }
 
 ProcessResult SendItem::Fail(std::string_view reason) {

@@ -54,7 +54,8 @@ private:
     LPath OutputPath(const char* prefix, std::string_view extension) const;
     bool CanBeRead() const;
     bool IsDelivered() const;
-    void WriteStatus(std::string_view status);
+    bool IsRecovered() const;
+    bool WriteStatus(std::string_view status);
     void MarkAsSent();
     ProcessResult Fail(std::string_view reason);
 

@@ -120,6 +120,7 @@ struct SendQueueFile::Contents {
     std::vector<Values> entries;
     bool isCleared = false;  // the count is to be written as 0
 
+    std::vector<SendQueueEntry> All() const;
     int32_t Count() const { return static_cast<int32_t>(entries.size()); }
     SendQueueEntry Head() const { return entries.empty() ? SendQueueEntry() : ToEntry(entries[0]); }
 };
@@ -177,12 +178,24 @@ bool SendQueueFile::Write(const Contents& contents) const {
     return false;
 }
 
+std::vector<SendQueueEntry> SendQueueFile::Contents::All() const {
+    std::vector<SendQueueEntry> all;
+    for (const Values& values : entries) all.push_back(ToEntry(values));
+    return all;
+}
+
 bool SendQueueFile::ReadAll(std::vector<SendQueueEntry>& entries) const {
     LFileLock turn;
     Contents contents;
     if (!Enter(Purpose::Read, turn, contents, 0)) return false;
-    entries.clear();
-    for (const Values& values : contents.entries) entries.push_back(ToEntry(values));
+    entries = contents.All();
+    return true;
+}
+
+bool SendQueueFile::ReadAll(std::vector<SendQueueEntry>& entries, LFileLock& turn) const {
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    entries = contents.All();
     return true;
 }
 
@@ -205,10 +218,11 @@ bool SendQueueFile::ReadHead(SendQueueEntry& head, int32_t& count) const {
     return true;
 }
 
-bool SendQueueFile::Append(const SendQueueEntry& entry, int32_t& count) {
+bool SendQueueFile::Append(const SendQueueEntry& entry, int32_t& count, const std::function<bool()>& mayAdd) {
     LFileLock turn;
     Contents contents;
     if (!Enter(Purpose::Change, turn, contents)) return false;
+    if (mayAdd && !mayAdd()) return false;
     // An earlier attempt may have succeeded although it reported failure.
     if (contents.entries.empty() || !(ToEntry(contents.entries.back()) == entry)) {
         contents.entries.push_back({std::string(entry.dictation.View()), std::string(entry.recipient.View()),
@@ -239,6 +253,18 @@ bool SendQueueFile::RemoveHead(const SendQueueEntry& head, int32_t& count) {
         contents.entries.erase(contents.entries.begin());
         if (!Write(contents)) return false;
     }
+    count = contents.Count();
+    return true;
+}
+
+bool SendQueueFile::Remove(const LPath& dictation, int32_t& count) {
+    LFileLock turn;
+    Contents contents;
+    if (!Enter(Purpose::Change, turn, contents)) return false;
+    const auto removed = std::erase_if(contents.entries, [&](const Values& values) {
+        return LEqualNoCase(values[kFile], dictation.View());
+    });
+    if (removed > 0 && !Write(contents)) return false;
     count = contents.Count();
     return true;
 }

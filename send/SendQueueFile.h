@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-
+#include <functional>
 #include <vector>
 
 #include "base/LFileLock.h"
@@ -35,12 +35,17 @@ public:
     bool ReadHead(SendQueueEntry& head, int32_t& count) const;
     // All entries, in their order. Does not wait for another program's turn.
     bool ReadAll(std::vector<SendQueueEntry>& entries) const;
+    // The same, waiting for the turn and keeping it.
+    bool ReadAll(std::vector<SendQueueEntry>& entries, LFileLock& turn) const;
     // Whether an entry names this audio file; unknown while the file cannot be read.
     QueueAnswer Contains(const LPath& dictation) const;
-    // Adds an entry at the end; count becomes the number of all.
-    bool Append(const SendQueueEntry& entry, int32_t& count);
+    // Adds an entry at the end; count becomes the number of all. mayAdd is asked with the lock held, and
+    // refuses.
+    bool Append(const SendQueueEntry& entry, int32_t& count, const std::function<bool()>& mayAdd = {});
     // Removes the head if it equals the given one; count becomes the number of the remaining entries.
     bool RemoveHead(const SendQueueEntry& head, int32_t& count);
+    // Removes the entry of a dictation, wherever it stands; count as above.
+    bool Remove(const LPath& dictation, int32_t& count);
     // Moves the head to the end if it equals the given one; count as above.
     bool MoveHeadToEnd(const SendQueueEntry& head, int32_t& count);
     // Gives entries other recipients, in one change: those whose dictation is that of a given entry.

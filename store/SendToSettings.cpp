@@ -4,6 +4,7 @@
 #include "base/LBytes.h"
 #include "base/LFile.h"
 #include "base/LLeftOver.h"
+#include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
@@ -130,14 +131,35 @@ bool SaveRecipient(const DataFolder& data, const CurrentUser& user, int32_t inde
     return recipient.Save(RecipientPath(data.folder, user.number, index));
 }
 
+ShownRecipient ShownRecipient::Read(const DataFolder& data, const CurrentUser& user, int32_t index) {
+    SendToSettings recipient;
+    if (!recipient.Load(RecipientPath(data.folder, user.number, index))) return {index, {}};
+    return {index, recipient.ToBytes()};
+}
+
+std::optional<RecipientNumbers> RecipientNumbers::Read(const LPath& userFile) {
+    const LProfileSection section(userFile, UserKeys::kSendCount.section, kReadWaitMs);
+    if (section.Result() == LReadResult::Unreadable) return std::nullopt;
+    const auto number = [&](const Settings::IntKey& key) {
+        const std::string text = section.Read(key.key, {});
+        return text.empty() ? key.defaultValue : LParseInt(text);
+    };
+    RecipientNumbers numbers;
+    numbers.count = Clamp<int32_t>(number(UserKeys::kSendCount), 0, kMostRecipients);
+    const int32_t index = number(UserKeys::kSendDefault);
+    if (index >= 0 && index < numbers.count) numbers.defaultIndex = index;
+    return numbers;
+}
+
 int32_t RecipientCount(const LPath& userFile) {
-    const int32_t count = Settings::Read(userFile, UserKeys::kSendCount);
-    return Clamp<int32_t>(count, 0, kMostRecipients);
+    return RecipientNumbers::Read(userFile).value_or(RecipientNumbers()).count;
 }
 
 std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& user,
                                     const SendToSettings& recipient) {
-    const int32_t index = RecipientCount(user.userFile);
+    const auto numbers = RecipientNumbers::Read(user.userFile);
+    if (!numbers) return std::nullopt;
+    const int32_t index = numbers->count;
     if (index >= kMostRecipients || !SaveRecipient(data, user, index, recipient)) return std::nullopt;
     Settings::Write(user.userFile, UserKeys::kSendCount, index + 1);
     if (RecipientCount(user.userFile) != index + 1) return std::nullopt;
@@ -145,9 +167,7 @@ std::optional<int32_t> AddRecipient(const DataFolder& data, const CurrentUser& u
 }
 
 std::optional<int32_t> DefaultRecipientIndex(const LPath& userFile) {
-    const int32_t index = Settings::Read(userFile, UserKeys::kSendDefault);
-    if (index < 0 || index >= RecipientCount(userFile)) return std::nullopt;
-    return index;
+    return RecipientNumbers::Read(userFile).value_or(RecipientNumbers()).defaultIndex;
 }
 
 void StoreRateOfDefault(const LPath& userFile, int32_t index, const SendToSettings& recipient) {

@@ -63,7 +63,26 @@ std::string DescribeRecipient(const DataFolder& data, const CurrentUser& user, i
 bool SaveRecipient(const DataFolder& data, const CurrentUser& user, int32_t index,
                    const SendToSettings& recipient);
 
-// Number of the user's recipients, at most kMostRecipients: the user file may be damaged.
+// A recipient as he was shown to the user. Another session may delete recipients, and his number then means
+// somebody else; so whoever acts on a choice compares first.
+struct ShownRecipient {
+    int32_t index = -1;
+    std::vector<uint8_t> record;  // empty: it could not be read
+
+    static ShownRecipient Read(const DataFolder& data, const CurrentUser& user, int32_t index);
+    bool operator==(const ShownRecipient&) const = default;
+};
+
+// Both from one read of the user's file; nothing while it cannot be read, and then nothing may be numbered.
+struct RecipientNumbers {
+    int32_t count = 0;
+    std::optional<int32_t> defaultIndex;
+
+    static std::optional<RecipientNumbers> Read(const LPath& userFile);
+};
+
+// Number of the user's recipients, at most kMostRecipients, and 0 while it cannot be read: the user file may
+// be damaged.
 int32_t RecipientCount(const LPath& userFile);
 // Adds a recipient behind the others; returns his index, or nothing when he could not be stored or the user
 // has as many as there can be.

@@ -21,7 +21,6 @@ namespace {
 constexpr uint32_t kVersion = 0;
 constexpr size_t kTextBytes = 16;
 constexpr size_t kRecordBytes = 4 + kTextBytes;
-constexpr size_t kMostBytes = size_t{1} << 20;  // fifty thousand reports
 
 }  // namespace
 

@@ -14,6 +14,8 @@
 // Errors: silent for the user, traced. Thread: any one.
 class Status {
 public:
+    static constexpr int64_t kMostBytes = int64_t{1} << 20;  // fifty thousand reports
+
     // user must outlive the object.
     Status(const CurrentUser& user, AskQueue isQueued);
 

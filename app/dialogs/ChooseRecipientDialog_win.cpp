@@ -10,10 +10,10 @@ namespace {
 class ChooseRecipientDialog final : public LDialog {
 public:
     explicit ChooseRecipientDialog(const AppState& state) : m_state(state) {}
-    int Chosen() const { return m_chosen; }
+    const std::optional<ShownRecipient>& Chosen() const { return m_chosen; }
 
 private:
-    // Recipients that cannot be read are left out, so each item carries its recipient's index.
+    // Recipients that cannot be read are left out.
     bool InitDialog() override {
         const int count = RecipientCount(m_state.user.userFile);
         const std::optional<int32_t> defaultIndex = DefaultRecipientIndex(m_state.user.userFile);
@@ -21,10 +21,10 @@ private:
         for (int i = 0; i < count; ++i) {
             SendToSettings recipient;
             if (!recipient.Load(RecipientPath(m_state.data.folder, m_state.user.number, i))) continue;
+            m_shown.push_back({i, recipient.ToBytes()});
             const bool isDefault = defaultIndex == i;
             const std::string text = DescribeRecipient(recipient, isDefault);
             const LRESULT item = ListMessage(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-            ListMessage(LB_SETITEMDATA, item, i);
             if (isDefault) selected = item;
         }
         ListMessage(LB_SETCURSEL, selected);
@@ -38,7 +38,7 @@ private:
         if (message != WM_COMMAND || (LOWORD(wParam) != IDOK && !isDoubleClick))
             return LDialog::HandleMessage(message, wParam, lParam, result);
         const LRESULT item = ListMessage(LB_GETCURSEL);
-        if (item >= 0) m_chosen = static_cast<int>(ListMessage(LB_GETITEMDATA, item));
+        if (item >= 0) m_chosen = m_shown[static_cast<size_t>(item)];
         if (item >= 0) EndModal(IDOK);
         return true;
     }
@@ -48,12 +48,13 @@ private:
     }
 
     const AppState& m_state;
-    int m_chosen = -1;
+    std::vector<ShownRecipient> m_shown;  // mirrors the items of the list
+    std::optional<ShownRecipient> m_chosen;
 };
 
 }  // namespace
 
-int AskForRecipient(const AppState& state, LModalRunner& runner) {
+std::optional<ShownRecipient> AskForRecipient(const AppState& state, LModalRunner& runner) {
     ChooseRecipientDialog dialog(state);
     runner.RunModal(dialog, IDD_CHOOSE, LModalRunner::Activity::Stops);
     return dialog.Chosen();

@@ -54,9 +54,13 @@ constexpr Radio kExtras[] = {{IDC_RECIPIENT_ADDRESSES, Method::Email},
 
 class RecipientEditor final : public LDialog {
 public:
-    RecipientEditor(const AppState& state, int32_t index, const SendToSettings& recipient)
-        : m_state(state), m_index(index), m_recipient(recipient) {}
-    const SendToSettings& Recipient() const { return m_recipient; }
+    RecipientEditor(const AppState& state, std::optional<int32_t> index, const SendToSettings& recipient,
+                    const StoreRecipient& store)
+        : m_state(state),
+          m_index(index),
+          m_recipient(recipient),
+          m_store(store),
+          m_isWave(recipient.SendsWave()) {}
 
 private:
     bool InitDialog() override;
@@ -74,13 +78,16 @@ private:
     bool IsChecked(int control) const { return IsDlgButtonChecked(Window(), control) == BST_CHECKED; }
     bool IsBy(Method method) const;
     bool IsDefault() const {
-        return Settings::Read(m_state.user.userFile, UserKeys::kSendDefault) == m_index;
+        return m_index ? DefaultRecipientIndex(m_state.user.userFile) == m_index : m_wantsDefault;
     }
     void Take();
 
     const AppState& m_state;
-    int32_t m_index;
+    std::optional<int32_t> m_index;
     SendToSettings m_recipient;
+    const StoreRecipient& m_store;
+    bool m_isWave;  // WAV files are chosen, and were confirmed
+    bool m_wantsDefault = false;
 };
 
 bool RecipientEditor::InitDialog() {
@@ -118,10 +125,12 @@ bool RecipientEditor::EvCommand(int control) {
         case IDOK:
             if (CmOk()) EndModal(IDOK);
             return true;
+        case IDC_RECIPIENT_DCT:
+            m_isWave = false;
+            return UpdateControls(), true;
         case IDC_RECIPIENT_BYEMAIL:
         case IDC_RECIPIENT_BYFOLDER:
         case IDC_RECIPIENT_BYFTP:
-        case IDC_RECIPIENT_DCT:
         case IDC_RECIPIENT_ENCRYPT:
             return UpdateControls(), true;
         default:
@@ -160,13 +169,11 @@ void RecipientEditor::CmBrowse() {
     if (!folder.Empty()) LSetWindowText(Item(IDC_RECIPIENT_FOLDER), folder.View());
 }
 
-// Asked only of a recipient that was none for WAV files before.
 void RecipientEditor::CmWave() {
-    const bool isSure = m_recipient.SendsWave() || LMessageBox(Window(), kConfirmWave, "Confirm File Format",
-                                                               MB_YESNO | MB_ICONQUESTION) == IDYES;
-    CheckRadioButton(Window(), IDC_RECIPIENT_DCT, IDC_RECIPIENT_WAVE,
-                     isSure ? IDC_RECIPIENT_WAVE : IDC_RECIPIENT_DCT);
-    const int chosen = isSure ? IDC_RECIPIENT_WAVE : IDC_RECIPIENT_DCT;
+    m_isWave = m_isWave || LMessageBox(Window(), kConfirmWave, "Confirm File Format",
+                                       MB_YESNO | MB_ICONQUESTION) == IDYES;
+    const int chosen = m_isWave ? IDC_RECIPIENT_WAVE : IDC_RECIPIENT_DCT;
+    CheckRadioButton(Window(), IDC_RECIPIENT_DCT, IDC_RECIPIENT_WAVE, chosen);
     SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(chosen)), TRUE);
     UpdateControls();
 }
@@ -180,10 +187,14 @@ void RecipientEditor::CmFormat() {
 }
 
 void RecipientEditor::CmMakeDefault() {
-    Settings::Write(m_state.user.userFile, UserKeys::kSendDefault, m_index);
-    if (!IsDefault())
-        LMessageBox(Window(), "The default could not be stored. Your user file may be write-protected.",
-                    "Error", MB_OK | MB_ICONEXCLAMATION);
+    m_wantsDefault = true;
+    if (m_index) {
+        Settings::Write(m_state.user.userFile, UserKeys::kSendDefault, *m_index);
+        m_wantsDefault = false;
+        if (!IsDefault())
+            LMessageBox(Window(), "The default could not be stored. Your user file may be write-protected.",
+                        "Error", MB_OK | MB_ICONEXCLAMATION);
+    }
     // A button that is disabled must not keep the keyboard.
     SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(IDOK)), TRUE);
     UpdateControls();
@@ -203,7 +214,8 @@ bool RecipientEditor::CmOk() {
             "Please enter the password with which the dictations are encrypted. Without one they would "
             "be sent unencrypted.");
     Take();
-    return true;
+    const std::string problem = m_store(m_recipient, m_wantsDefault);
+    return problem.empty() || Refuse(IDC_RECIPIENT_NAME, problem);
 }
 
 void RecipientEditor::Take() {
@@ -225,9 +237,8 @@ bool RecipientEditor::Refuse(int control, std::string_view text) {
 
 }  // namespace
 
-std::optional<SendToSettings> EditRecipient(HWND owner, const AppState& state, int32_t index,
-                                            const SendToSettings& recipient) {
-    RecipientEditor editor(state, index, recipient);
-    if (editor.RunModal(IDD_RECIPIENT, owner) != IDOK) return std::nullopt;
-    return editor.Recipient();
+bool EditRecipient(HWND owner, const AppState& state, std::optional<int32_t> index,
+                   const SendToSettings& recipient, const StoreRecipient& store) {
+    RecipientEditor editor(state, index, recipient, store);
+    return editor.RunModal(IDD_RECIPIENT, owner) == IDOK;
 }

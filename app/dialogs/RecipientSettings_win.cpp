@@ -25,8 +25,8 @@ public:
 private:
     void UpdateControls() override { Enable(IDC_EMAIL_HOST, IsChecked(IDC_EMAIL_SMTP)); }
     bool Validate() override {
-        return !IsChecked(IDC_EMAIL_SMTP) || !LWindowText(Item(IDC_EMAIL_HOST)).empty() ||
-               Refuse(IDC_EMAIL_HOST, kNoHost);
+        const bool hasHost = LWindowText(Item(IDC_EMAIL_HOST)).find_first_not_of(" \t") != std::string::npos;
+        return !IsChecked(IDC_EMAIL_SMTP) || hasHost || Refuse(IDC_EMAIL_HOST, kNoHost);
     }
 };
 

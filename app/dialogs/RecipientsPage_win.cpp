@@ -21,9 +21,17 @@ constexpr char kTooMany[] = "There cannot be more recipients. Please delete one 
 constexpr char kBusy[] =
     "A dictation is being sent at the moment. Please delete the recipient when it has been sent.";
 constexpr char kNotDeleted[] =
-    "The recipient could not be deleted completely. Your folder may be write-protected. The rest is done "
-    "when "
-    "the next dictation is sent.";
+    "The recipient could not be deleted. Nothing was changed.\n\n"
+    "Your folder, or a file of one of your recipients, may be write-protected.";
+constexpr char kUnsettled[] =
+    "A recipient is still being deleted, because one of the files of your recipients is open in another "
+    "program. Please try again.";
+constexpr char kChanged[] =
+    "The recipients were changed in another window. The list now shows them as they are.";
+constexpr char kChangedMeanwhile[] =
+    "This recipient was changed or deleted in another window meanwhile. Please choose Cancel, and look at "
+    "the "
+    "list again.";
 constexpr char kDelete[] = "Are you sure you want to delete this recipient?";
 constexpr char kWaiting[] =
     "%d dictation(s) still wait to be sent to this recipient.\n\n"
@@ -41,8 +49,11 @@ void RecipientsPage::ShowList(int selected) {
     const HWND list = Item(IDC_RECIPIENTS_LIST);
     SendMessageA(list, WM_SETREDRAW, FALSE, 0);
     SendMessageA(list, LB_RESETCONTENT, 0, 0);
+    m_queue.SettleDeletion(m_state.user.number);
     const int count = RecipientCount(m_state.user.userFile);
+    m_shown.clear();
     for (int i = 0; i < count; ++i) {
+        m_shown.push_back(ShownRecipient::Read(m_state.data, m_state.user, i));
         const std::string text = LShownText(DescribeRecipient(m_state.data, m_state.user, i));
         SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
@@ -92,31 +103,49 @@ bool RecipientsPage::EvCommand(int control, int notification) {
     }
 }
 
+// Finishes what another deletion has left, and looks whether the row still shows who its number means. False
+// after the user was told, with the list as it is.
+bool RecipientsPage::IsStill(int index) {
+    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kUnsettled), false;
+    const auto row = static_cast<size_t>(index);
+    if (row >= m_shown.size()) return false;
+    if (ShownRecipient::Read(m_state.data, m_state.user, index) == m_shown[row]) return true;
+    ShowList(index);
+    Tell(kChanged);
+    return false;
+}
+
 void RecipientsPage::CmAdd() {
     const LPath& userFile = m_state.user.userFile;
-    const int32_t index = RecipientCount(userFile);
-    if (index >= kMostRecipients) return Tell(kTooMany);
-    const int32_t defaultBefore = Settings::Read(userFile, UserKeys::kSendDefault);
-    const auto added = EditRecipient(GetParent(Window()), m_state, index, SendToSettings());
-    if (!added) {
-        // The editor may have made a recipient the default that there will not be.
-        if (Settings::Read(userFile, UserKeys::kSendDefault) != defaultBefore)
-            Settings::Write(userFile, UserKeys::kSendDefault, defaultBefore);
-        return;
-    }
-    if (!AddRecipient(m_state.data, m_state.user, *added)) return Tell(kNotStored);
-    StoreRateOfDefault(m_state.user.userFile, index, *added);
-    Changed(index);
+    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kUnsettled);
+    if (RecipientCount(userFile) >= kMostRecipients) return Tell(kTooMany);
+    std::optional<int32_t> index;
+    const auto store = [&](const SendToSettings& added, bool makesDefault) -> std::string {
+        if (!m_queue.SettleDeletion(m_state.user.number)) return kUnsettled;
+        index = AddRecipient(m_state.data, m_state.user, added);
+        if (!index) return kNotStored;
+        if (makesDefault) Settings::Write(userFile, UserKeys::kSendDefault, *index);
+        StoreRateOfDefault(userFile, *index, added);
+        return {};
+    };
+    if (EditRecipient(GetParent(Window()), m_state, std::nullopt, SendToSettings(), store)) Changed(*index);
 }
 
 void RecipientsPage::CmEdit() {
     const int index = Selected();
-    if (index < 0) return;
+    if (index < 0 || !IsStill(index)) return;
     SendToSettings recipient;
     if (!recipient.Load(RecordOf(index)) && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead);
-    const auto edited = EditRecipient(GetParent(Window()), m_state, index, recipient);
-    if (edited && !SaveRecipient(m_state.data, m_state.user, index, *edited)) return Tell(kNotStored);
-    if (edited) StoreRateOfDefault(m_state.user.userFile, index, *edited);
+    const auto store = [&](const SendToSettings& edited, bool) -> std::string {
+        const auto now = ShownRecipient::Read(m_state.data, m_state.user, index);
+        const bool isStill =
+            m_queue.SettleDeletion(m_state.user.number) && now == m_shown[static_cast<size_t>(index)];
+        if (!isStill) return kChangedMeanwhile;
+        if (!SaveRecipient(m_state.data, m_state.user, index, edited)) return kNotStored;
+        StoreRateOfDefault(m_state.user.userFile, index, edited);
+        return {};
+    };
+    EditRecipient(GetParent(Window()), m_state, index, recipient, store);
     Changed(index);  // also after Cancel: the default may be another one
 }
 
@@ -130,24 +159,19 @@ bool RecipientsPage::IsSureToDelete(int index) {
 
 void RecipientsPage::CmDelete() {
     const int index = Selected();
-    if (index < 0 || !IsSureToDelete(index)) return;
-    switch (m_queue.DeleteRecipient(m_state.user.number, index, kPauseMs)) {
-        case BGSend::Deletion::Busy:
-            return Tell(kBusy);
-        case BGSend::Deletion::Failed:
-            Tell(kNotDeleted);
-            break;
-        case BGSend::Deletion::Done:
-            break;
-    }
+    if (index < 0 || !IsStill(index) || !IsSureToDelete(index) || !IsStill(index)) return;
+    const BGSend::Outcome outcome = m_queue.DeleteRecipient(m_state.user.number, index, kPauseMs);
+    if (outcome == BGSend::Outcome::Busy) return Tell(kBusy);
+    if (outcome == BGSend::Outcome::Failed) return Tell(kNotDeleted);
+    if (outcome == BGSend::Outcome::Unfinished) Tell(kUnsettled);
     Changed(index);
 }
 
 void RecipientsPage::CmMakeDefault() {
     const int index = Selected();
-    if (index < 0) return;
+    if (index < 0 || !IsStill(index)) return;
     Settings::Write(m_state.user.userFile, UserKeys::kSendDefault, index);
-    if (Settings::Read(m_state.user.userFile, UserKeys::kSendDefault) != index) return Tell(kNotStored);
+    if (DefaultRecipientIndex(m_state.user.userFile) != index) return Tell(kNotStored);
     Changed(index);
 }
 

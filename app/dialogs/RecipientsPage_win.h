@@ -26,6 +26,7 @@ private:
     void CmEdit();
     void CmDelete();
     void CmMakeDefault();
+    bool IsStill(int index);
     bool IsSureToDelete(int index);
     void Changed(int selected);
     // Tells the user, with the keyboard in the list.
@@ -34,4 +35,5 @@ private:
 
     const AppState& m_state;
     BGSend& m_queue;
+    std::vector<ShownRecipient> m_shown;  // mirrors the rows of the list
 };

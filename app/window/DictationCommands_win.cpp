@@ -272,8 +272,8 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
     // Nobody chooses a typist for nothing; sending then only tells why.
     const bool isAnyWhole = std::ranges::any_of(dictations, SendCommands::HasRecording);
     const bool isChosen = to == To::Chosen && isAnyWhole;
-    const int recipient = isChosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
-    if (recipient < 0) return false;
+    const auto recipient = isChosen ? m_send.ChooseRecipient() : m_send.DefaultRecipient();
+    if (!recipient) return false;
     std::vector<NotSent> left;
     std::vector<DictationFiles> ready;
     SettleInserts(dictations, ready, left);
@@ -289,7 +289,7 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         if (!m_list.NumberOf(files.record)) return true;
         const uint32_t begun = LTickMs();
         const bool isUnsaved = m_notes.Unsaved().Find(files.notes) != nullptr;
-        const SendCommands::Result result = m_send.Send(files, recipient, isUnsaved);
+        const SendCommands::Result result = m_send.Send(files, *recipient, isUnsaved);
         if (result.outcome == SendCommands::Outcome::Gone) gone.push_back(files);
         if (result.outcome == SendCommands::Outcome::Queued) queued.push_back(files);
         if (result.reason.empty()) return true;

@@ -30,6 +30,7 @@ void MainDialog::TakeUserFolder() {
     const LPath lock = LPath::Join(folder.View(), LLeftOver::kInUseLock);
     // Left to another Windows session on the same folder: its unfinished work would look left over.
     if (m_inUse.Take(lock, kLockWaitMs) == LFileLock::Result::Held) return;
+    m_queue.SettleDeletion(m_state.user.number);
     RecoverDictations(
         m_state.user, [this](const LPath& audio) { return m_queue.IsQueued(audio); }, LNowSeconds());
     RemoveMailedFiles(m_state.user.sentFolder, LNowSeconds());

@@ -24,6 +24,13 @@ constexpr char kNoRecording[] = "It has no recording yet. Please record it first
 constexpr char kUnsavedNotes[] = "Its notes could not be saved. The disk may be full. It stays in the list.";
 constexpr char kNoFolder[] =
     "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
+constexpr char kChanged[] =
+    "The recipients were changed in another window. It stays in the list; please send it again.";
+constexpr char kUnsettled[] =
+    "A recipient is still being deleted, because one of the files of your recipients is open in another "
+    "program "
+    "or write-protected. Please try again.";
+constexpr char kUserFileHeld[] = "Your user file is open in another program. Please try again.";
 constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
 // Whether the recipient is to be sent to by a folder that nobody has entered. The send thread would count
@@ -50,32 +57,39 @@ void SendCommands::TellNoRecipients() const {
     m_runner.Box(kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
 }
 
-int SendCommands::DefaultRecipient() const {
-    const std::optional<int32_t> index = DefaultRecipientIndex(m_state.user.userFile);
-    if (!index) TellNoRecipients();
-    return index.value_or(-1);
+std::optional<ShownRecipient> SendCommands::DefaultRecipient() {
+    const CurrentUser& user = m_state.user;
+    if (!m_queue.SettleDeletion(user.number)) return m_runner.Tell(kUnsettled), std::nullopt;
+    const auto numbers = RecipientNumbers::Read(user.userFile);
+    if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
+    if (!numbers->defaultIndex) return TellNoRecipients(), std::nullopt;
+    return ShownRecipient::Read(m_state.data, user, *numbers->defaultIndex);
 }
 
-int SendCommands::ChooseRecipient() const {
+std::optional<ShownRecipient> SendCommands::ChooseRecipient() {
     // Without a usable default recipient the settings need attention first.
-    if (DefaultRecipient() < 0) return -1;
-    return AskForRecipient(m_state, m_runner);
+    return DefaultRecipient() ? AskForRecipient(m_state, m_runner) : std::nullopt;
 }
 
-SendCommands::Result SendCommands::Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes) {
+SendCommands::Result SendCommands::Send(const DictationFiles& files, const ShownRecipient& recipient,
+                                        bool hasUnsavedNotes) {
     const AskQueue isQueued = [this](const LPath& audio) { return m_queue.IsQueued(audio); };
     MoveToSent::TakeUp(m_state.user, isQueued);  // may bring the dictation's audio back from Sent
     if (files.IsGone()) return {Outcome::Gone, {}};
     if (!HasRecording(files)) return {Outcome::NotSent, kNoRecording};
     if (hasUnsavedNotes) return {Outcome::NotSent, kUnsavedNotes};
-    const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient);
+    const LPath recipientPath = RecipientPath(m_state.data.folder, m_state.user.number, recipient.index);
+    const auto isStill = [&] {
+        return ShownRecipient::Read(m_state.data, m_state.user, recipient.index) == recipient;
+    };
+    if (!isStill()) return {Outcome::NothingSends, kChanged};
     if (LacksFolder(recipientPath)) return {Outcome::NothingSends, kNoFolder};
-    const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient);
+    const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient.index);
     MoveToSent move(m_state.user, files.record, isQueued);
     if (!move.Run(description, LNowSeconds()))
         return {move.ConcernsAll() ? Outcome::NothingSends : Outcome::NotSent, move.Reason()};
     // A refusal leaves an error text of the queue, too; the destructor undoes the move.
-    if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number))
+    if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number, isStill))
         return {Outcome::NothingSends, kNotQueued};
     move.Commit();
     return {Outcome::Queued, {}};

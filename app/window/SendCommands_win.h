@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "app/AppState.h"
 #include "send/BGSend.h"
 #include "store/DictationFiles.h"
+#include "store/SendToSettings.h"
 #include "ui/LModalRunner.h"
 
 // Sending from the main window: choosing the recipient, moving the dictation into the Sent folder, and adding
@@ -18,10 +20,10 @@ public:
 
     // Whether there is audio to send, or may be: a file that cannot be opened now counts.
     static bool HasRecording(const DictationFiles& files);
-    // Index of the user's default recipient; -1, after telling the user, when there is none.
-    int DefaultRecipient() const;
-    // Lets the user choose; -1 when there is no recipient or the user cancels.
-    int ChooseRecipient() const;
+    // The user's default recipient; nothing, after telling the user, when there is none.
+    std::optional<ShownRecipient> DefaultRecipient();
+    // Lets the user choose; nothing when there is no recipient or the user cancels.
+    std::optional<ShownRecipient> ChooseRecipient();
 
     enum class Outcome {
         Queued,
@@ -36,7 +38,7 @@ public:
     };
     // Moves one dictation to the Sent folder and queues it. Refused when its notes could not be saved
     // (hasUnsavedNotes), because it would be sent without them.
-    Result Send(const DictationFiles& files, int recipient, bool hasUnsavedNotes);
+    Result Send(const DictationFiles& files, const ShownRecipient& recipient, bool hasUnsavedNotes);
 
 private:
     void TellNoRecipients() const;

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr uint32_t kCollectEveryMs = 5 * 60 * 1000;  // folders of the network may be slow
+constexpr uint32_t kPauseMs = 1000;                  // of sending, for the dictation that is in work
+constexpr char kInWork[] = "It is being sent at the moment. It can be recovered when it has been sent.";
 constexpr char kSameNumberUnsaved[] =
     "The notes of a dictation of the same number could not be saved yet. The disk may be full. Please try "
     "again later.";
@@ -62,8 +64,15 @@ std::string SentCommands::BringBack(const LPath& sentRecord) {
     m_notes.Save();
     if (!goesOn) return {};
     if (m_notes.Unsaved().Find(files.notes) != nullptr) return kSameNumberUnsaved;
-    MoveToSent move(m_state.user, sentRecord, [this](const LPath& audio) { return m_queue.IsQueued(audio); });
-    if (!move.BringBack()) return move.Reason();
+    const LPath audio = DictationFiles::OfPath(sentRecord).audio;
+    const bool isWaiting = m_queue.IsQueued(audio) == QueueAnswer::Yes;
+    MoveToSent move(m_state.user, sentRecord, [&](const LPath& asked) {
+        return isWaiting ? QueueAnswer::No : m_queue.IsQueued(asked);
+    });
+    const auto bringBack = [&move] { return move.BringBack(); };
+    if (isWaiting && m_queue.TakeOut(audio, kPauseMs, bringBack) == BGSend::Outcome::Busy) return kInWork;
+    if (!isWaiting) bringBack();
+    if (*move.Reason() != 0) return move.Reason();
     m_recovered->push_back(files.record);
     return {};
 }

@@ -9,7 +9,7 @@ public:
     bool LogOnServer(const std::string&, const std::string&, const std::string&) override { return false; }
     bool SetCurrentDirectory(const std::string&) override { return false; }
     bool PutFile(const LPath&, const std::string&) override { return false; }
-    bool GetFile(const std::string&, const LPath&) override { return false; }
+    bool GetFile(const std::string&, const LPath&, int64_t) override { return false; }
     bool DeleteFile(const std::string&) override { return false; }
     void Disconnect() override {}
 };

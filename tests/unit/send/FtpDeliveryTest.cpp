@@ -18,7 +18,7 @@ struct Server final : FtpConnection {
     bool SetCurrentDirectory(const std::string& path) override { return Note("folder", path); }
     bool PutFile(const LPath&, const std::string& remote) override { return Note("put", remote); }
     // Leaves a file behind also when it fails.
-    bool GetFile(const std::string& remote, const LPath& local) override {
+    bool GetFile(const std::string& remote, const LPath& local, int64_t) override {
         EXPECT_FALSE(LFile::Exists(local)) << "of an earlier run";
         WriteFileText(local, report);
         return Note("get", remote);

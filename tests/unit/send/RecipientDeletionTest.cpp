@@ -3,14 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "base/LLeftOver.h"
+#include "send/BGSend.h"
 #include "tests/unit/send/SendTest.h"
 
 namespace {
 
-// Four recipients, the third without a file; dictations wait for the second and the fourth.
+// Four recipients, the third perhaps without a file; dictations wait for the second and the fourth.
 struct Recipients : SendWorld {
-    Recipients() {
-        for (const int index : {0, 1, 3}) {
+    explicit Recipients(bool hasGap = true) {
+        for (const int index : {0, 1, 2, 3}) {
+            if (hasGap && index == 2) continue;
             SendToSettings recipient = ToShare();
             recipient.name = std::string("Typist ") + static_cast<char>('A' + index);
             AddRecipient(index, recipient);
@@ -61,22 +63,48 @@ TEST(RecipientDeletion, WhatWaitsFollowsItsRecipient) {
     EXPECT_EQ(world.Standing(), "AB-D BD");
 }
 
-// A folder of the name beside the queue keeps that from being replaced, so the deletion ends there.
+// A folder of the name beside the queue keeps that from being replaced, so the deletion ends there, however
+// often it is tried. In the moves: the last one of three is undone.
 TEST(RecipientDeletion, IsFinishedFromWhereverItWasCutOff) {
-    for (const bool isAmongMoves : {true, false}) {
-        Recipients world;
-        RecipientDeletion deletion(world.folder, 0, world.file);
-        const LPath blocked = world.queue.WithExtension(LLeftOver::kQueue);
-        LFile::MakeFolder(blocked);
-        EXPECT_FALSE(deletion.Begin(0));
-        if (isAmongMoves) LFile::Move(RecipientPath(world.data, 0, 2), RecipientPath(world.data, 0, 3));
-        EXPECT_FALSE(deletion.Begin(1)) << "one after the other";
-        LFile::DeleteFolder(blocked);
-        const std::string journal = ReadFileText(world.journal);
-        EXPECT_TRUE(deletion.Finish());
-        EXPECT_EQ(world.Standing(), "B-D BD");
-        WriteFileText(world.journal, journal);  // cut off before it was deleted
-        EXPECT_TRUE(deletion.Finish());
-        EXPECT_EQ(world.Standing(), "B-D BD");
+    for (const bool hasGap : {true, false}) {
+        for (const bool isAmongMoves : {true, false}) {
+            Recipients world(hasGap);
+            const char* const wanted = hasGap ? "B-D BD" : "BCD BD";
+            RecipientDeletion deletion(world.folder, 0, world.file);
+            const LPath blocked = world.queue.WithExtension(LLeftOver::kQueue);
+            LFile::MakeFolder(blocked);
+            EXPECT_FALSE(deletion.Begin(0));
+            EXPECT_FALSE(deletion.Finish());
+            if (isAmongMoves) LFile::Move(RecipientPath(world.data, 0, 2), RecipientPath(world.data, 0, 3));
+            EXPECT_FALSE(deletion.Begin(1)) << "the number means another one by now";
+            LFile::DeleteFolder(blocked);
+            EXPECT_FALSE(deletion.Begin(1));
+            const std::string journal = ReadFileText(world.journal);
+            EXPECT_TRUE(deletion.Finish());
+            EXPECT_EQ(world.Standing(), wanted);
+            WriteFileText(world.journal, journal);  // cut off before it was deleted
+            EXPECT_TRUE(deletion.Finish());
+            EXPECT_EQ(world.Standing(), wanted);
+        }
     }
+}
+
+TEST(RecipientDeletion, NothingIsQueuedByAnOldNumber) {
+    Recipients world;
+    BGSend sender;
+    sender.SetQueuePath(world.queue);
+    LFileLock other;  // another program sends
+    ASSERT_EQ(other.TryTake(LPath::Join(world.data.View(), LLeftOver::kSendingLock)),
+              LFileLock::Result::Taken);
+    WriteFileText(world.journal,
+                  "[deletion]\r\nindex=0\r\ncount=4\r\nrecipient1=true\r\nentries=2000000000\r\n");
+    EXPECT_FALSE(sender.SettleDeletion(0));
+    EXPECT_FALSE(sender.Add(world.FilesOf(7).audio, RecipientPath(world.data, 0, 1), 0))
+        << "means another one soon";
+    other.Release();
+    EXPECT_TRUE(sender.SettleDeletion(0));
+    EXPECT_EQ(world.Standing().substr(0, 1), "B");
+    EXPECT_FALSE(
+        sender.Add(world.FilesOf(7).audio, RecipientPath(world.data, 0, 0), 0, [] { return false; }));
+    sender.Stop(kWaitForever);
 }
