@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <span>
 
 #include "audio/device/LMeter.h"
 #include "base/LOwned.h"
@@ -12,7 +11,6 @@ namespace {
 
 constexpr char kClassName[] = "LDBDisplay";
 constexpr UINT_PTR kTimer = 1;
-constexpr LONG kGapPixels = 1;                     // between two channels
 constexpr COLORREF kDark = RGB(0x30, 0x30, 0x30);  // the colour between the segments of the bitmaps
 constexpr COLORREF kGreen = RGB(0x00, 0xC0, 0x00);
 constexpr COLORREF kRed = RGB(0xE0, 0x00, 0x00);
@@ -51,11 +49,9 @@ public:
           m_red(Instance(window), "LDBDisplayRed", kRed),
           m_dark(CreateSolidBrush(kDark)) {}
 
-    void SetLevels(std::span<const int8_t> levelsDb) {
-        if (m_channels != levelsDb.size()) InvalidateRect(m_window, nullptr, FALSE);
-        m_channels = levelsDb.size();
+    void SetLevel(int8_t levelDb) {
         const DWORD now = GetTickCount();
-        for (size_t i = 0; i < m_channels; ++i) m_rows[i].meter.SetLevel(levelsDb[i], now);
+        m_meter.SetLevel(levelDb, now);
         // A timer that fires soon enough is left alone: it sets itself anew when it fires.
         const uint32_t waitMs = ShowChanges(now);
         if (waitMs < m_waitMs || waitMs == LMeter::kNever) SetWait(waitMs);
@@ -63,7 +59,7 @@ public:
 
     void Tick() {
         const DWORD now = GetTickCount();
-        for (Row& row : Rows()) row.meter.Advance(now);
+        m_meter.Advance(now);
         SetWait(ShowChanges(now));
     }
 
@@ -77,37 +73,16 @@ public:
         const HDC dc = BeginPaint(m_window, &paint);
         RECT box;
         GetClientRect(m_window, &box);
-        const bool isEnabled = IsWindowEnabled(m_window);
-        for (size_t i = 0; i < m_channels; ++i) {
-            const RECT rowBox = RowBox(box, i);
-            if (isEnabled)
-                PaintRow(dc, m_rows[i], rowBox, paint.rcPaint);
-            else
-                FillRect(dc, &rowBox, reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1));
-        }
-        if (m_channels == 2) {
-            const RECT gap = {0, RowBox(box, 0).bottom, box.right, RowBox(box, 1).top};
-            FillRect(dc, &gap, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
-        }
+        if (IsWindowEnabled(m_window))
+            PaintMeter(dc, box, paint.rcPaint);
+        else
+            FillRect(dc, &box, reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1));
         EndPaint(m_window, &paint);
     }
 
 private:
-    struct Row {
-        LMeter meter;
-        LMeterPicture shown;
-    };
-
     static HINSTANCE Instance(HWND window) {
         return reinterpret_cast<HINSTANCE>(GetWindowLongA(window, GWL_HINSTANCE));
-    }
-
-    std::span<Row> Rows() { return std::span(m_rows).first(m_channels); }
-
-    RECT RowBox(const RECT& box, size_t row) const {
-        if (m_channels == 1) return box;
-        const LONG height = (box.bottom - kGapPixels) / 2;
-        return row == 0 ? RECT{0, 0, box.right, height} : RECT{0, box.bottom - height, box.right, box.bottom};
     }
 
     HBRUSH BrushOf(LMeterColour colour) const {
@@ -116,9 +91,9 @@ private:
     }
 
     // Paints each pixel once, and only those of the damaged range, so nothing flickers.
-    void PaintRow(HDC dc, Row& row, const RECT& box, const RECT& damaged) {
-        row.shown = row.meter.Draw(box.right);
-        for (const LMeterPicture::Stretch& stretch : row.shown.stretches) {
+    void PaintMeter(HDC dc, const RECT& box, const RECT& damaged) {
+        m_shown = m_meter.Draw(box.right);
+        for (const LMeterPicture::Stretch& stretch : m_shown.stretches) {
             const RECT part = {std::max<LONG>(stretch.from, damaged.left), box.top,
                                std::min<LONG>(stretch.to, damaged.right), box.bottom};
             if (part.left < part.right) FillRect(dc, &part, BrushOf(stretch.colour));
@@ -127,22 +102,16 @@ private:
 
     // Invalidates the pixels that change. Returns for how long the picture then stays as it is, in ms.
     uint32_t ShowChanges(DWORD now) {
-        const bool isEnabled = IsWindowEnabled(m_window);
+        if (!IsWindowEnabled(m_window)) return LMeter::kNever;
         RECT box;
         GetClientRect(m_window, &box);
-        uint32_t waitMs = LMeter::kNever;
-        for (size_t i = 0; i < m_channels && isEnabled; ++i) {
-            Row& row = m_rows[i];
-            const RECT rowBox = RowBox(box, i);
-            const LMeterPicture picture = row.meter.Draw(rowBox.right);
-            LMeterPicture::ForEachChange(row.shown, picture, [&](int32_t from, int32_t to) {
-                const RECT part = {from, rowBox.top, to, rowBox.bottom};
-                InvalidateRect(m_window, &part, FALSE);
-            });
-            row.shown = picture;
-            waitMs = std::min(waitMs, row.meter.WaitMs(now));
-        }
-        return waitMs;
+        const LMeterPicture picture = m_meter.Draw(box.right);
+        LMeterPicture::ForEachChange(m_shown, picture, [&](int32_t from, int32_t to) {
+            const RECT part = {from, box.top, to, box.bottom};
+            InvalidateRect(m_window, &part, FALSE);
+        });
+        m_shown = picture;
+        return m_meter.WaitMs(now);
     }
 
     void SetWait(uint32_t waitMs) {
@@ -158,8 +127,8 @@ private:
     PatternBrush m_green;
     PatternBrush m_red;
     Brush m_dark;
-    Row m_rows[2];
-    size_t m_channels = 1;
+    LMeter m_meter;
+    LMeterPicture m_shown;
     uint32_t m_waitMs = LMeter::kNever;
 };
 
@@ -204,10 +173,6 @@ LRESULT CALLBACK DisplayProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     }
 }
 
-void SetLevels(HWND window, std::span<const int8_t> levelsDb) {
-    if (Display* display = DisplayOf(window)) display->SetLevels(levelsDb);
-}
-
 }  // namespace
 
 bool LDBDisplayRegister(HINSTANCE instance) {
@@ -223,10 +188,5 @@ bool LDBDisplayRegister(HINSTANCE instance) {
 }
 
 void LDBDisplaySetLevel(HWND meter, int8_t levelDb) {
-    SetLevels(meter, {&levelDb, 1});
-}
-
-void LDBDisplaySetLevels(HWND meter, int8_t leftDb, int8_t rightDb) {
-    const int8_t levelsDb[] = {leftDb, rightDb};
-    SetLevels(meter, levelsDb);
+    if (Display* display = DisplayOf(meter)) display->SetLevel(levelDb);
 }

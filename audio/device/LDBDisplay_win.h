@@ -4,10 +4,9 @@
 
 #include <cstdint>
 
-// The level meter: a child window of the class "LDBDisplay" that draws the level of one channel, or of two
-// above each other, with a peak hold (LMeter). Disabled it is grey. Its brushes are the bitmaps
-// "LDBDisplayGreen" and "LDBDisplayRed" of the module that created the window. It has a timer only while a
-// bar or a mark is falling.
+// The level meter: a child window of the class "LDBDisplay" that draws a level with a peak hold
+// (LMeter). Disabled it is grey. Its brushes are the bitmaps "LDBDisplayGreen" and "LDBDisplayRed" of the
+// module that created the window. It has a timer only while the bar or the mark is falling.
 // Units:  levels in dB, as in LDecibel.h.
 // Thread: the window thread.
 
@@ -15,4 +14,3 @@
 bool LDBDisplayRegister(HINSTANCE instance);
 
 void LDBDisplaySetLevel(HWND meter, int8_t levelDb);
-void LDBDisplaySetLevels(HWND meter, int8_t leftDb, int8_t rightDb);
