@@ -17,6 +17,29 @@ inline Samples ReadFrames(LSoundSourceBase& source, int32_t frames, int32_t bloc
     return samples;
 }
 
+// Reads a recording through a stage while it grows by so many frames at each read, staying so far behind its
+// present end.
+template <class Open>
+Samples ReadWhileItGrows(const Samples& in, int32_t rate, int32_t level, Open open, int32_t growth,
+                         int32_t behind = 0) {
+    const int32_t frames = static_cast<int32_t>(in.size());
+    const LSoundSource recording = LSoundSource::Make<ArraySource>(rate, uint8_t{1}, in, level);
+    auto& grower = static_cast<ArraySource&>(*recording);
+    grower.present = 0;
+    grower.isGrowing = true;
+    const LSoundSource source = open(recording);
+    Samples out;
+    while (grower.isGrowing) {
+        grower.present = std::min(grower.present + growth, frames);
+        grower.isGrowing = grower.present < frames;
+        const int32_t left = source->GetLength() - source->GetPosition();
+        const Samples more = ReadFrames(*source, std::max(left - (grower.isGrowing ? behind : 0), 0));
+        out.insert(out.end(), more.begin(), more.end());
+    }
+    EXPECT_EQ(grower.readAhead, 0) << growth;
+    return out;
+}
+
 // Stands for all these samples in a test's table. Only what is computed in integers is the same in every
 // build.
 inline std::string Digest(const Samples& samples) {

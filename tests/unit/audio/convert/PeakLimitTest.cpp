@@ -31,13 +31,12 @@ TEST(PeakLimit, LetsNothingAboveTheLimitThroughAndKeepsToItsRules) {
 
 // Peaks whose gain is nearly exact: the negative product, rounded down, would pass the limit by one.
 TEST(PeakLimit, HoldsTheLimitWhereProductsRoundDown) {
-    static const struct {
-        int32_t limit, peak;
-    } kCases[] = {{1, 0x93}, {1000, 0x103F}, {kFullScale16, 0xC437F}, {0x3FFFFF, 0x7131BF}};
-    for (const auto& c : kCases) {
+    static const std::pair<int32_t, int32_t> kCases[] = {
+        {1, 0x93}, {1000, 0x103F}, {kFullScale16, 0xC437F}, {0x3FFFFF, 0x7131BF}};
+    for (const auto& [limit, peak] : kCases) {
         for (const uint8_t channels : {uint8_t{1}, uint8_t{2}, uint8_t{3}}) {
-            const Samples out = ReadFrames(*Limited(100, channels, Samples(60, -c.peak), c.limit), 20);
-            EXPECT_EQ(*std::min_element(out.begin(), out.end()), -c.limit) << c.limit;
+            const Samples out = ReadFrames(*Limited(100, channels, Samples(60, -peak), limit), 20);
+            EXPECT_EQ(*std::min_element(out.begin(), out.end()), -limit) << limit;
         }
     }
 }
@@ -73,23 +72,10 @@ TEST(PeakLimit, ReachesALengthBeyondWhichNothingCounts) {
     EXPECT_GE(source->GetPosition(), source->GetLength());
 }
 
-// Plays a recording that grows before each read, staying so far behind its present end.
 static Samples ReadAlong(const Samples& in, int32_t growth, int32_t behind) {
-    const int32_t frames = static_cast<int32_t>(in.size());
-    const LSoundSource recording = LSoundSource::Make<ArraySource>(8000, uint8_t{1}, in, INT32_MAX);
-    auto& grower = static_cast<ArraySource&>(*recording);
-    grower.present = 0;
-    grower.isGrowing = true;
-    const LSoundSource source = LSRCPeakLimit::OpenSource(recording);
-    Samples out;
-    while (grower.isGrowing) {
-        grower.present = std::min(grower.present + growth, frames);
-        grower.isGrowing = grower.present < frames;
-        const int32_t left = source->GetLength() - source->GetPosition();
-        out = out + ReadFrames(*source, std::max(left - (grower.isGrowing ? behind : 0), 0));
-    }
-    EXPECT_EQ(grower.readAhead, 0) << growth;
-    return out;
+    return ReadWhileItGrows(
+        in, 8000, INT32_MAX, [](const LSoundSource& s) { return LSRCPeakLimit::OpenSource(s); }, growth,
+        behind);
 }
 
 TEST(PeakLimit, NeitherLosesNorOvertakesWhatIsStillBeingRecorded) {

@@ -129,24 +129,11 @@ TEST(ConvertRate, StandsBetweenLimiters) {
 TEST(ConvertRate, ReadsAGrowingSourceOnlyAsFarAsItGoes) {
     const Samples in = Noise(9000, 0x40000);
     for (const Rates& rates : {Rates{44100, 8000}, {8000, 44100}}) {
-        const LSoundSource whole = Convert(in, rates);
-        const LSoundSource recording = LSoundSource::Make<ArraySource>(rates.in, uint8_t{1}, in);
-        auto& grower = static_cast<ArraySource&>(*recording);
-        grower.isGrowing = true;
-        const LSoundSource source = LSRCConvertRate::OpenSource(recording, rates.out);
-        Samples out;
-        const auto readToEnd = [&] {
-            out = out + ReadFrames(*source, source->GetLength() - source->GetPosition());
-        };
-        for (const int32_t present : {20, 100, 101, 4000, 9000, 9000}) {
-            grower.present = present;
-            if (present == 101) source->Seek(source->GetPosition());
-            readToEnd();
-            EXPECT_EQ(grower.readAhead, 0) << present;
-        }
-        grower.isGrowing = false;
-        readToEnd();
-        EXPECT_EQ(out, ReadFrames(*whole, whole->GetLength()));
+        const LSoundSource source = Convert(in, rates);
+        const Samples whole = ReadFrames(*source, source->GetLength());
+        const auto open = [&](const LSoundSource& s) { return LSRCConvertRate::OpenSource(s, rates.out); };
+        for (const int32_t growth : {1, 20, 81, 4000})
+            EXPECT_EQ(ReadWhileItGrows(in, rates.in, kFullScale16, open, growth), whole);
     }
 }
 

@@ -107,19 +107,8 @@ TEST(Speed, CutsAllChannelsAtTheSamePlaces) {
 TEST(Speed, FollowsARecordingThatGrowsAsIfItHadBeenThereFromTheBeginning) {
     const Samples noise = Noise(24000, 0x40000);
     for (const int32_t percent : {50, 70, 150, 200}) {
-        const LSoundSource recording = Array(8000, noise);
-        auto& grower = static_cast<ArraySource&>(*recording);
-        grower.present = 0;
-        grower.isGrowing = true;
-        LSoundSource speed = LSpeedSource::OpenSource(recording, percent);
-        EXPECT_EQ(speed->GetLength(), 0);
-        Samples heard;
-        while (grower.isGrowing) {
-            grower.present = std::min(grower.present + 1111, 24000);
-            grower.isGrowing = grower.present < 24000;
-            heard = heard + ReadFrames(*speed, speed->GetLength() - speed->GetPosition());
-        }
-        EXPECT_EQ(grower.readAhead, 0) << percent;
-        EXPECT_EQ(heard, AtSpeed(Array(8000, noise), percent)) << percent;
+        const auto open = [&](const LSoundSource& s) { return LSpeedSource::OpenSource(s, percent); };
+        EXPECT_EQ(ReadWhileItGrows(noise, 8000, kFullScale16, open, 1111),
+                  AtSpeed(Array(8000, noise), percent));
     }
 }
