@@ -69,12 +69,23 @@ TEST(RecordPlan, OnlyAppendingLeavesAllInItsPlace) {
 }
 
 TEST(DictationRow, DurationsAreRoundedToWholeSeconds) {
-    static const struct {
-        int32_t ms;
-        const char* text;
-    } kCases[] = {{0, "00:00"},     {499, "00:00"},     {500, "00:01"},
-                  {59500, "01:00"}, {3600000, "60:00"}, {36000000, "600:00"}};
-    for (const auto& c : kCases) EXPECT_EQ(FormatDuration(c.ms), c.text);
+    EXPECT_EQ(FormatDuration(499), "00:00");
+    EXPECT_EQ(FormatDuration(59500), "01:00");
+    EXPECT_EQ(FormatDuration(36000000), "600:00");
+}
+
+TEST(DictationRow, ANameIsChangedOnlyByAnotherText) {
+    // What is stored; null: nothing is touched.
+    static const std::pair<const char*, const char*> kCases[] = {
+        {"Case 2", "Case 2"},  {" Case 2\t", "Case 2"}, {"case 1", "case 1"}, {"Case 1", nullptr},
+        {" Case 1 ", nullptr}, {"", nullptr},           {" \r\n", nullptr}};
+    for (const auto& [typed, stored] : kCases) {
+        const std::optional<std::string> name = ChangedName("Case 1", typed);
+        EXPECT_EQ(name.has_value(), stored != nullptr) << typed;
+        if (name && stored) {
+            EXPECT_EQ(*name, stored);
+        }
+    }
 }
 
 TEST(PlayPlan, BeginsWhereTheUserExpects) {
