@@ -247,13 +247,10 @@ TEST(MixerCard, NamesTheLinesOfBothDestinations) {
               "LMixer::GetOutChannelAuxCount mixerGetID error\n");
 }
 
-TEST(MixerCard, KeepsItsMultiplexerWhenThatDoesNotKnowTheLineAndIsSetForTheRest) {
+TEST(MixerCard, IsNotBelievedBeyondReason) {
     std::string rest = kSettings[0].log;
     rest.erase(rest.find("Recording.pick"), std::string_view("Recording.pick=0,1,0 ").size());
     EXPECT_EQ(Set(kSettings[0].run, {.picksNothingKnown = true}), rest);
-}
-
-TEST(MixerCard, IsNotBelievedBeyondReason) {
     g_card = {.connections = 0xFFFFFFFF, .hasEndlessNames = true};
     EXPECT_EQ(LMixer::GetInputChannelCount(kIn), 127);
     EXPECT_EQ(LMixer::GetInputChannelName(kIn, 0), std::string(31, 'x'));
