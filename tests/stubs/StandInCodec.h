@@ -21,7 +21,6 @@ struct StandInCodec {
         NoSize,
         AbsurdSize,
         NoPrepare,
-        NoClose,
         Fails,
         YieldsNothing,
         YieldsAndConsumesNothing,

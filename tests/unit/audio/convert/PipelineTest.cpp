@@ -11,19 +11,6 @@ static LSoundSource Source(uint8_t channels, int32_t rate = 44100, bool error = 
     return LSoundSource::Make<ArraySource>(rate, channels, Ramp(9000 * channels), kFullScale16, error);
 }
 
-TEST(SoundSource, IsSilentAndInErrorRatherThanEmpty) {
-    LSoundSource handle = LSoundSource::Make<ArraySource>(8000, uint8_t{2}, Samples{1, 2});
-    LSoundSource taken = std::move(handle);
-    EXPECT_EQ(taken->GetSampleRate(), 8000);
-    taken.Reset();
-    for (const LSoundSource& empty : {handle, taken, LSoundSource()}) {
-        EXPECT_TRUE(empty->IsError() && empty->GetLength() == 0);
-        EXPECT_EQ(ReadFrames(*empty, 1), Samples{0});
-        EXPECT_EQ(empty->GetSampleRate(), 11025);
-        EXPECT_EQ(empty->GetLevel(), 0x200000);
-    }
-}
-
 // Whoever reads such a source to its end hears silence and gets there; such a sink writes nothing.
 TEST(Stages, SayWhyTheyRefuse) {
     const std::pair<const char*, LSoundSource (*)()> sources[] = {

@@ -11,13 +11,9 @@ static LSoundSource Counting(int32_t rate, int32_t frames, int32_t at, uint8_t c
     return source;
 }
 
-TEST(Fade, IsARaisedCosineThatAddsUpWithItsReverse) {
+TEST(Fade, AddsUpWithItsReverse) {
     const LFade fade(160, 1);
-    for (size_t i = 0; i < fade.Gains().size(); ++i) {
-        const double raised = 0.5 - 0.5 * std::cos(std::numbers::pi * (double(i) + 0.5) / 160);
-        EXPECT_NEAR(fade.Gains()[i], raised * kUnityGain, 1) << i;
-        EXPECT_EQ(fade.Gains()[i] + fade.Gains()[159 - i], kUnityGain);
-    }
+    for (size_t i = 0; i < 160; ++i) EXPECT_EQ(fade.Gains()[i] + fade.Gains()[159 - i], kUnityGain);
     Samples old = {1000, -0x80000, 5}, fresh = {7, 0x7FFF0, -5};
     LFade(1, 3).Cross(old.data(), fresh.data());  // half of each
     EXPECT_EQ(fresh, (Samples{503, -8, -1}));
@@ -94,10 +90,6 @@ TEST(Wind, ShortAndMissingMaterial) {
         ASSERT_EQ(wind.GetLength(), c.length) << c.frames << " from " << c.at;
         const Samples heard = ReadFrames(wind, c.length + 5);
         EXPECT_EQ(Samples(heard.end() - 5, heard.end()), Samples(5));
-        if (c.length < 9) continue;
-        const int32_t middle = c.length - std::min(c.length, 960) / 2;  // of the last snippet
-        EXPECT_NEAR(heard[static_cast<size_t>(middle)],
-                    1 + middle - c.length + (c.speed > 0 ? c.frames : std::min(c.length, 960)), 2);
     }
 }
 

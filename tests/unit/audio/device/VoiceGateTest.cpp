@@ -57,14 +57,9 @@ protected:
 }  // namespace
 
 TEST(Decibel, RoundsToTheNearestStepOfItsScale) {
-    static const struct {
-        uint32_t peak;
-        int db;
-    } kCases[] = {
-        {0, -127},    {1, -102},   {131072, 0}, {524288, 12}, {13107, -20},      {12373, -21},
-        {12374, -20}, {147068, 1}, {138839, 1}, {138838, 0},  {0x80000000u, 84},
-    };
-    for (const auto& c : kCases) EXPECT_EQ(PeakToDb(c.peak), c.db) << c.peak;
+    const std::pair<uint32_t, int> cases[] = {{0, -127},   {1, -102},   {12373, -21}, {12374, -20},
+                                              {138838, 0}, {138839, 1}, {524288, 12}, {0x80000000u, 84}};
+    for (const auto& [peak, db] : cases) EXPECT_EQ(PeakToDb(peak), db) << peak;
     const int32_t lowest[] = {0, INT32_MIN, 0, 1};
     EXPECT_EQ(ChannelDb(lowest, 2, 1), 84);
     EXPECT_EQ(ChannelDb(lowest, 2, 0), -127);

@@ -218,14 +218,6 @@ TEST(AcmSource, GoesByWhatItHasDecodedWhenTheByteRateIsWrong) {
     }
 }
 
-TEST(AcmSource, AnEstimateEndsNothing) {
-    const Samples samples = Speech(100000);
-    LSoundSource source = OpenSource(With(Encoded(samples), 13500));  // as if there were 66,667 frames
-    source->Seek(80000);
-    EXPECT_EQ(ReadFrames(*source, 8000), Part(samples, 87992, 8000));
-    EXPECT_LT(source->GetPosition(), source->GetLength());
-}
-
 TEST(AcmSource, MissesWhatCannotBeReadButNoPartOfABlock) {
     const Bytes file = Encoded(Speech(80000));
     const auto isWhole = [](Bytes bytes, size_t readable, uint16_t blockAlign) {

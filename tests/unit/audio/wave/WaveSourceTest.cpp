@@ -22,17 +22,14 @@ TEST(WaveSource, ReadsWholeFramesOfEachChannel) {
 
 TEST(WaveSource, SeeksWithSilenceBeforeTheStart) {
     LSoundSource source = OpenBytes(WaveFile(kFmt16 + kData + Chunk("LIST", Bytes(20, 0x77))));
-    static const struct {
-        int32_t to;
-        Samples read;
-    } kCases[] = {
+    static const std::pair<int32_t, Samples> kCases[] = {
         {1, {32, 48, 0, 0, 0, 0, 0}}, {0, {16, 32, 48, 0, 0, 0, 0}}, {-2, {0, 0, 16, 32, 48, 0, 0}},
         {-9, {0, 0, 0, 0, 0, 0, 0}},  {3, {0, 0, 0, 0, 0, 0, 0}},    {99, {0, 0, 0, 0, 0, 0, 0}},
     };
-    for (const auto& c : kCases) {
-        source->Seek(c.to);
-        EXPECT_EQ(ReadFrames(*source, 7), c.read) << c.to;
-        EXPECT_EQ(source->GetPosition(), c.to + 7);
+    for (const auto& [to, read] : kCases) {
+        source->Seek(to);
+        EXPECT_EQ(ReadFrames(*source, 7), read) << to;
+        EXPECT_EQ(source->GetPosition(), to + 7);
     }
     source->Seek(INT32_MAX);
     ReadFrames(*source, 4);
@@ -96,7 +93,7 @@ TEST(WaveSource, SaysWhyItRefusesAFile) {
     }
     TraceLog log;
     LSoundSource noCodec = OpenBytes(withFormat(0x7777, 2, 8000, 8));
-    EXPECT_TRUE(noCodec->IsError() && noCodec->GetSampleRate() == 11025) << "the null source";
+    EXPECT_TRUE(noCodec->IsError() && noCodec->GetSampleRate() == 11025 && noCodec->GetLevel() == 0x200000);
     EXPECT_EQ(log.All(), "LSRCACMWave::LSRCACMWave acmStreamOpen handle invalid ERROR\n");
     EXPECT_TRUE(LWaveFile::OpenSource(LPath("no/such/file.wav"))->IsError());
     EXPECT_TRUE(log.Has("LWaveFile::OpenSource Unable to Open File:"));
@@ -166,9 +163,7 @@ TEST(WaveInfo, TellsLayoutAndLength) {
     } kCases[] = {
         {"ours", Wave16(Bytes(16000)), 1000, false, false},
         {"ours, left by a crash", WaveFile(kFmt16 + kOpenData + Bytes(16003)), 1000, true, false},
-        {"8 bits", WaveFile(PcmFormat(8) + Chunk("data", Bytes(12000))), 1500, false, false},
         {"a padded odd chunk", WaveFile(PcmFormat(8) + Chunk("data", Bytes(11999))), 1499, false, true},
-        {"44-byte head", WaveFile(PcmFormat(16, 16) + kData), 0, false, true},
         {"a chunk behind", WaveFile(kFmt16 + kData + Chunk("LIST", Bytes(4))), 0, false, true},
         {"24 bits", WaveFile(PcmFormat(24) + Chunk("data", Bytes(2400))), 100, false, true},
         {"compressed",
