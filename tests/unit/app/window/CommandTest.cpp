@@ -160,20 +160,16 @@ TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
     const CommandSituation* const situations[] = {&kNone,      &kOne,     &kTwo,   &kCompact,
                                                   &kRecording, &kPlaying, &kAsked, &kBusy};
     // A letter for each situation in which the command can be given, in the order above.
-    static const struct {
-        int command;
-        const char* given;
-    } kCases[] = {
+    static const std::pair<int, const char*> kCases[] = {
         {CM_NEWFILE, "noxcrp--"},    {IDC_SEND, "-oxcrp--"},        {CM_RENAMEFILE, "-o--rp--"},
         {CM_DELETEFILE, "-oxcrp--"}, {CM_PRIORITY_LOW, "-oxcrp--"}, {CM_RECORD, "noxcrpa-"},
         {CM_PLAY, "----rpa-"},       {CM_PLAY_FAST, "noxcrpa-"},    {IDC_REWIND, "----rpa-"},
         {IDC_STOP, "----rpab"},      {CM_GOTOEND, "----rpa-"},      {CM_VIEW_COMPACT, "noxcrp--"},
         {IDC_PLAY, "-----pa-"},      {CM_EXIT, "noxcrpab"},         {CM_HELP, "noxcrpa-"},
     };
-    for (const auto& c : kCases) {
+    for (const auto& [command, given] : kCases) {
         for (size_t i = 0; i < std::size(situations); ++i)
-            EXPECT_EQ(IsCommandEnabled(c.command, *situations[i]), c.given[i] != '-')
-                << c.command << " in " << i;
+            EXPECT_EQ(IsCommandEnabled(command, *situations[i]), given[i] != '-') << command << " in " << i;
     }
 }
 

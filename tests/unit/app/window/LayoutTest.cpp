@@ -10,35 +10,25 @@
 #include "app/window/WindowFit.h"
 #include "res/Ids.h"
 
-TEST(WindowFit, PullsTheWindowOntoTheDesktopButNeverToNegativePlaces) {
+TEST(WindowFit, WindowsAndDialogsOpenOnTheDesktop) {
+    const ScreenArea desktop = {0, 0, 1024, 768};
     static const struct {
         ScreenPoint stored, expected;
         ScreenSize window;
-    } kCases[] = {
+    } kStored[] = {
         {{100, 100}, {100, 100}, {420, 300}},
         {{900, 700}, {604, 468}, {420, 300}},  // off the right and the bottom
         {{-50, -20}, {0, 0}, {420, 300}},      // a second screen that is gone
         {{30, 40}, {0, 0}, {1200, 900}},       // larger than the desktop
         {{2147483647, -2147483647 - 1}, {604, 0}, {420, 300}},
     };
-    for (const auto& c : kCases)
-        EXPECT_EQ(FitOnDesktop(c.stored, c.window, {0, 0, 1024, 768}), c.expected)
-            << c.stored.x << ", " << c.stored.y;
-}
-
-TEST(WindowFit, DialogsOpenInTheMiddleOfTheWindowButOnTheDesktop) {
-    static const struct {
-        ScreenArea owner;
-        ScreenSize dialog;
-        ScreenPoint expected;
-    } kCases[] = {
-        {{100, 100, 500, 400}, {200, 100}, {200, 200}},
-        {{900, 700, 1300, 1000}, {200, 100}, {824, 668}},  // the window hangs off the corner
-        {{0, 0, 280, 120}, {400, 300}, {0, 0}},            // the compact view
-        {{100, 100, 500, 400}, {1200, 900}, {0, 0}},       // larger than the desktop
-    };
-    for (const auto& c : kCases)
-        EXPECT_EQ(CentreOver(c.owner, c.dialog, {0, 0, 1024, 768}), c.expected) << c.expected.x;
+    for (const auto& c : kStored) EXPECT_EQ(FitOnDesktop(c.stored, c.window, desktop), c.expected);
+    // In the middle of the window, or as near to it as the desktop allows.
+    EXPECT_EQ(CentreOver({100, 100, 500, 400}, {200, 100}, desktop), (ScreenPoint{200, 200}));
+    EXPECT_EQ(CentreOver({900, 700, 1300, 1000}, {200, 100}, desktop), (ScreenPoint{824, 668}));
+    EXPECT_EQ(CentreOver({0, 0, 280, 120}, {400, 300}, desktop), (ScreenPoint{0, 0}));
+    EXPECT_TRUE(IsTopMost(ViewMode::Normal, true) && !IsTopMost(ViewMode::Maximized, true));
+    for (const int32_t unknown : {99, -1}) EXPECT_EQ(ToViewMode(unknown), ViewMode::Normal);
 }
 
 TEST(Contrast, ASelectedRowIsSeenWithoutTheFocusInEveryScheme) {
@@ -60,27 +50,12 @@ TEST(Contrast, ASelectedRowIsSeenWithoutTheFocusInEveryScheme) {
     }
 }
 
-TEST(WindowFit, AMaximizedWindowIsNeverTopMost) {
-    EXPECT_TRUE(IsTopMost(ViewMode::Normal, true));
-    EXPECT_FALSE(IsTopMost(ViewMode::Maximized, true));
-    EXPECT_FALSE(IsTopMost(ViewMode::Compact, false));
-    EXPECT_EQ(ToViewMode(99), ViewMode::Normal);
-    EXPECT_EQ(ToViewMode(-1), ViewMode::Normal);
-}
-
 TEST(Layout, WhatIsReadMostIsCutLast) {
-    static const struct {
-        int room, begin, end, expected;
-    } kCases[] = {
-        {200, 100, 60, 100},  // both fit
-        {200, 900, 60, 140},  // a long name leaves the typist whole
-        {200, 900, 300, 100}, {200, 30, 300, 30}, {0, 50, 50, 0},
-    };
-    for (const auto& c : kCases) EXPECT_EQ(BeginWidth(c.room, c.begin, c.end), c.expected) << c.begin;
-    static const struct {
-        int room, expected;
-    } kNames[] = {{900, 150}, {210, 135}, {180, 120}, {117, 117}, {40, 60}};
-    for (const auto& c : kNames) EXPECT_EQ(NameColumnWidth(c.room, 120, 150, 75), c.expected) << c.room;
+    EXPECT_EQ(BeginWidth(200, 900, 60), 140) << "a long name leaves the typist whole";
+    EXPECT_EQ(BeginWidth(200, 900, 300), 100);
+    EXPECT_EQ(BeginWidth(200, 30, 300), 30);
+    for (const auto& [room, width] : {std::pair(900, 150), {210, 135}, {117, 117}, {40, 60}})
+        EXPECT_EQ(NameColumnWidth(room, 120, 150, 75), width) << room;
 }
 
 class LayoutTest : public ::testing::Test {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/dialogs/PromptTag.h"
+
 TEST(PromptedField, ReplacesItsElementAndNothingElse) {
     static const struct {
         const char* what;
@@ -18,4 +20,7 @@ TEST(PromptedField, ReplacesItsElementAndNothingElse) {
     };
     for (const auto& c : kCases) EXPECT_EQ(WithField(c.notes, "no", c.answer), c.expected) << c.what;
     EXPECT_EQ(WithField("a\r\n", "", "12"), "a\r\n12\r\n") << "no tag";
+    for (const char* tag : {"fileno", "_x", "Case-No.2"}) EXPECT_TRUE(IsPlainTag(tag)) << tag;
+    for (const char* tag : {"", "case no", "1st", "<x>", "a/b", "-x", "f\xFCr"})
+        EXPECT_FALSE(IsPlainTag(tag)) << tag;
 }
