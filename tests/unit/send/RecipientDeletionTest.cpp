@@ -103,7 +103,7 @@ TEST(RecipientDeletion, NothingIsQueuedByAnOldNumber) {
         << "means another one soon";
     other.Release();
     EXPECT_TRUE(sender.SettleDeletion(0));
-    EXPECT_EQ(world.Standing().substr(0, 1), "B");
+    EXPECT_EQ(Recipients::Letter(RecipientPath(world.data, 0, 0)), 'B');
     EXPECT_FALSE(
         sender.Add(world.FilesOf(7).audio, RecipientPath(world.data, 0, 0), 0, [] { return false; }));
     sender.Stop(kWaitForever);
