@@ -133,8 +133,10 @@ bool SaveRecipient(const DataFolder& data, const CurrentUser& user, int32_t inde
 
 ShownRecipient ShownRecipient::Read(const DataFolder& data, const CurrentUser& user, int32_t index) {
     SendToSettings recipient;
-    if (!recipient.Load(RecipientPath(data.folder, user.number, index))) return {index, {}};
-    return {index, recipient.ToBytes()};
+    LFile file;
+    const LPath path = RecipientPath(data.folder, user.number, index);
+    const bool isRead = LFile::OpenToRead(path, file) == LReadResult::Values && recipient.Load(file);
+    return {index, isRead ? recipient.ToBytes() : std::vector<uint8_t>()};
 }
 
 std::optional<RecipientNumbers> RecipientNumbers::Read(const LPath& userFile) {

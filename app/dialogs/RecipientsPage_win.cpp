@@ -109,7 +109,9 @@ bool RecipientsPage::IsStill(int index) {
     if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kUnsettled), false;
     const auto row = static_cast<size_t>(index);
     if (row >= m_shown.size()) return false;
-    if (ShownRecipient::Read(m_state.data, m_state.user, index) == m_shown[row]) return true;
+    const auto now = ShownRecipient::Read(m_state.data, m_state.user, index);
+    if (now == m_shown[row]) return true;
+    if (now.record.empty() && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead), false;
     ShowList(index);
     Tell(kChanged);
     return false;
