@@ -139,10 +139,10 @@ void RecipientsPage::CmEdit() {
     SendToSettings recipient;
     if (!recipient.Load(RecordOf(index)) && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead);
     const auto store = [&](const SendToSettings& edited, bool) -> std::string {
+        // First, as it may give the number to somebody else.
+        if (!m_queue.SettleDeletion(m_state.user.number)) return kUnsettled;
         const auto now = ShownRecipient::Read(m_state.data, m_state.user, index);
-        const bool isStill =
-            m_queue.SettleDeletion(m_state.user.number) && now == m_shown[static_cast<size_t>(index)];
-        if (!isStill) return kChangedMeanwhile;
+        if (now != m_shown[static_cast<size_t>(index)]) return kChangedMeanwhile;
         if (!SaveRecipient(m_state.data, m_state.user, index, edited)) return kNotStored;
         StoreRateOfDefault(m_state.user.userFile, index, edited);
         return {};
