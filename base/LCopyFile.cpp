@@ -127,17 +127,18 @@ Place TakePlace(const LPath& wanted, const LPath& from, ProcessContext& context)
     for (int number = 1, refused = 0; number < kMostNames && refused < kMostRefusals; ++number) {
         if (context.CancelRequested()) break;
         const LPath path = Numbered(wanted, number);
+        if (LFile made(path, LFile::Open::CreateAbsent); made.IsOpen()) return {path, std::move(made)};
         const Standing standing = Compare(path, from, &context);
         if (standing == Standing::Same) return {path, LFile()};
-        if (standing == Standing::Unknown && !LFile::Exists(path)) ++refused;  // a folder, or no answer
-        if (standing == Standing::Other || standing == Standing::Unknown) continue;
-        const bool isBegun = standing == Standing::Beginning;
-        LFile file(path, isBegun ? LFile::Open::Write : LFile::Open::CreateAbsent);
+        const bool isThere = standing == Standing::Unknown && LFile::Exists(path);
+        if (standing == Standing::Nothing || (standing == Standing::Unknown && !isThere)) ++refused;
+        if (standing != Standing::Beginning) continue;
+        LFile file(path, LFile::Open::Write);
         if (!file.IsOpen()) {
-            ++refused;  // by the folder, or another program was quicker
+            ++refused;
             continue;
         }
-        const Standing taken = isBegun ? Compare(file, from, &context) : Standing::Beginning;
+        const Standing taken = Compare(file, from, &context);
         if (taken == Standing::Same) return {path, LFile()};
         if (taken == Standing::Beginning) return {path, std::move(file)};
     }

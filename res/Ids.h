@@ -179,6 +179,7 @@
 #define TIMER_HOTKEY      4
 #define TIMER_STOPPEDTONE 5
 #define TIMER_SHOWLATER   6
+#define TIMER_SENDSHOWN   7
 
 // The timer of each dialog on sent dictations
 #define TIMER_REFRESH 1

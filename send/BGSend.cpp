@@ -328,8 +328,10 @@ bool BGSend::TryTakeHead(Work& work, LFileLock& sending) {
     work.isElsewhere = sender == LFileLock::Result::Held;
     if (!work.isTaken || work.isElsewhere) return true;
     if (sender == LFileLock::Result::Failed) return false;
-    work.isUnsettled = !FinishDeletion(work.entry.user, sending);
-    if (!m_queue.ReadHead(work.entry, count)) return false;
+    if (RecipientDeletion(m_data, work.entry.user, m_queue).IsPending()) {
+        work.isUnsettled = !FinishDeletion(work.entry.user, sending);
+        if (!m_queue.ReadHead(work.entry, count)) return false;
+    }
     work.era = m_era;
     work.isFinished =
         m_finished && m_finished->dictation == work.entry.dictation && m_finished->user == work.entry.user;

@@ -33,6 +33,7 @@ namespace {
 constexpr UINT kInfoFirstMs = 1000;
 constexpr UINT kInfoPeriodMs = 5000;
 constexpr UINT kRestLookMs = 250;
+constexpr UINT kSendShownMs = 100;
 constexpr UINT kToneFirstMs = 150;  // after a stop
 constexpr UINT kTonePeriodMs = 7000;
 constexpr UINT kAppCommand = 0x0319;  // WM_APPCOMMAND, of media keys
@@ -82,7 +83,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
     {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},   {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
     {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},       {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
-    {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
+    {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater}, {TIMER_SENDSHOWN, &MainDialog::EvTimerSendShown},
 };
 
 MainDialog::MainDialog(AppState& state)
@@ -106,6 +107,7 @@ MainDialog::~MainDialog() = default;
 
 bool MainDialog::InitDialog() {
     m_postTo = Window();
+    m_isSendPosted = false;
     if (m_onCreated) m_onCreated();
     _putenv("TZ=GMT0");  // dates are stored and shown without a time-zone shift
     _tzset();
@@ -378,7 +380,15 @@ void MainDialog::EvColoursChanged(WPARAM, LPARAM) {
     m_display.EvColoursChanged();
 }
 
+// What the thread does next is shown a moment later: drawing each step of forty small dictations a second
+// would cost the thread a third of its speed, and nobody could read it.
 void MainDialog::EvSendProgress(WPARAM, LPARAM) {
+    m_display.ShowSending(m_queue.Activity(), m_queue.GetProgress());
+    SetTimer(Window(), TIMER_SENDSHOWN, kSendShownMs, nullptr);
+}
+
+void MainDialog::EvTimerSendShown() {
+    m_isSendPosted = false;
     m_display.ShowSending(m_queue.Activity(), m_queue.GetProgress());
 }
 
@@ -519,5 +529,7 @@ void MainDialog::PositionChanged() {
 }
 
 void MainDialog::PostSendProgress() {
-    if (const HWND window = m_postTo.load()) PostMessageA(window, WM_SENDPROGRESS, 0, 0);
+    const HWND window = m_postTo.load();
+    if (!window || m_isSendPosted.exchange(true)) return;
+    if (!PostMessageA(window, WM_SENDPROGRESS, 0, 0)) m_isSendPosted = false;
 }

@@ -130,6 +130,7 @@ private:
     void RepeatStoppedTone();
     void EvTimerHotKey() { m_hotKeys.EvTimer(); }
     void EvTimerShowLater() { EvShowLater(0, 0); }
+    void EvTimerSendShown();
     // Something is recorded, played or wound, also a sent dictation.
     bool IsRunning() const { return m_transport.IsRunning() || m_sent.IsPlaying(); }
     // A box would close the menu, or end the editing of a name.
@@ -220,6 +221,7 @@ private:
 
     AppState& m_state;
     std::atomic<HWND> m_postTo{nullptr};  // target of posts by the send thread; null while there is no window
+    std::atomic<bool> m_isSendPosted{false};  // what is posted, or shown within kSendShownMs, is the latest
     LModalRunner m_runner;
     BGSend m_queue;
     // Lock of the user's folder. Only its holder repairs left-overs; another session's unfinished work would
