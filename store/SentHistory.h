@@ -30,6 +30,9 @@ struct SentDictation {
 // Thread: one at a time.
 class SentHistory final : public LProcess {
 public:
+    static constexpr uint32_t kLookMs = 1000;      // between two looks of a window that shows the history
+    static constexpr uint32_t kReadBudgetMs = 30;  // of each, for records that have changed
+
     explicit SentHistory(const LPath& sentFolder) : m_folder(sentFolder) {}
 
     const std::vector<SentDictation>& Dictations() const { return m_dictations; }

@@ -22,6 +22,22 @@ std::string LWindowText(HWND window) {
     return text;
 }
 
+int LTextWidth(HDC context, std::string_view text) {
+    SIZE size = {};
+    GetTextExtentPoint32A(context, text.data(), static_cast<int>(text.size()), &size);
+    return static_cast<int>(size.cx);
+}
+
+LTextMeasure::LTextMeasure(HWND control)
+    : m_control(control),
+      m_context(GetDC(control)),
+      m_before(SelectObject(m_context, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)))) {}
+
+LTextMeasure::~LTextMeasure() {
+    SelectObject(m_context, m_before);
+    ReleaseDC(m_control, m_context);
+}
+
 void LSetWindowText(HWND window, std::string_view text) {
     if (LWindowText(window) != text) SetWindowTextA(window, std::string(text).c_str());
 }

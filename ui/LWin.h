@@ -18,12 +18,30 @@ void LSetWindowText(HWND window, std::string_view text);
 // A number of pixels, given for 96 dots per inch, at the screen's font size.
 int LScaled(int pixels);
 
+// The width of a text in the font of a device context, in pixels.
+int LTextWidth(HDC context, std::string_view text);
+
 // A message box in the middle of the window that owns it.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 
 // Moves a window over the middle of its owner, and inside the desktop; over the middle of the desktop where
 // the owner cannot be seen.
 void LCentreOnOwner(HWND window);
+
+// Measures texts in a control's font.
+class LTextMeasure {
+public:
+    explicit LTextMeasure(HWND control);
+    ~LTextMeasure();
+    LTextMeasure(const LTextMeasure&) = delete;
+    LTextMeasure& operator=(const LTextMeasure&) = delete;
+    int WidthOf(std::string_view text) const { return LTextWidth(m_context, text); }  // pixels
+
+private:
+    HWND m_control;
+    HDC m_context;
+    HGDIOBJ m_before;
+};
 
 // Replaces the contents of the clipboard. False when another program keeps it open.
 bool LCopyToClipboard(std::string_view text);

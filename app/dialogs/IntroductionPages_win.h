@@ -23,9 +23,8 @@ constexpr LIntroduction::Page kIntroductionPages[] = {
      "Type notes for your typist under the list of dictations; they are saved by themselves. F2 gives a "
      "dictation a name, the File menu a priority.\n\n"
      "In the Settings menu you choose hot keys, with which you dictate while you work in another program, "
-     "and "
-     "whether Corvane asks for a file number and a name. Several people can use Corvane: see Log On As Other "
-     "User in the File menu."},
+     "and whether Corvane asks for a file number and a name. Several people can use Corvane: see Log On As "
+     "Other User in the File menu."},
     {"Sending",
      "Press Ctrl+S to send the selected dictation to your default typist, or Ctrl+R to choose one. Sending "
      "goes on in the background.\n\n"

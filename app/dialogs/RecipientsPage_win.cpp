@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/dialogs/RecipientEditor_win.h"
+#include "app/dialogs/RecipientSettings_win.h"
 #include "base/LText.h"
 #include "store/SettingsKeys.h"
 
@@ -14,24 +15,19 @@ constexpr uint32_t kPauseMs = 1000;  // of sending, for a deletion
 constexpr char kNotStored[] =
     "The recipient could not be stored. The disk might be full, or your folder write-protected.";
 constexpr char kNotRead[] =
-    "The settings of this recipient cannot be read. Their file may be open in another program, or belong to "
-    "a "
-    "newer version of Corvane.";
+    "The settings of this recipient cannot be read. "
+    "Their file may be open in another program, or belong to a newer version of Corvane.";
 constexpr char kTooMany[] = "There cannot be more recipients. Please delete one first.";
 constexpr char kBusy[] =
     "A dictation is being sent at the moment. Please delete the recipient when it has been sent.";
 constexpr char kNotDeleted[] =
     "The recipient could not be deleted. Nothing was changed.\n\n"
     "Your folder, or a file of one of your recipients, may be write-protected.";
-constexpr char kUnsettled[] =
-    "A recipient is still being deleted, because one of the files of your recipients is open in another "
-    "program. Please try again.";
 constexpr char kChanged[] =
     "The recipients were changed in another window. The list now shows them as they are.";
 constexpr char kChangedMeanwhile[] =
-    "This recipient was changed or deleted in another window meanwhile. Please choose Cancel, and look at "
-    "the "
-    "list again.";
+    "This recipient was changed or deleted in another window meanwhile. "
+    "Please choose Cancel, and look at the list again.";
 constexpr char kDelete[] = "Are you sure you want to delete this recipient?";
 constexpr char kWaiting[] =
     "%d dictation(s) still wait to be sent to this recipient.\n\n"
@@ -106,7 +102,7 @@ bool RecipientsPage::EvCommand(int control, int notification) {
 // Finishes what another deletion has left, and looks whether the row still shows who its number means. False
 // after the user was told, with the list as it is.
 bool RecipientsPage::IsStill(int index) {
-    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kUnsettled), false;
+    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kRecipientUnsettled), false;
     const auto row = static_cast<size_t>(index);
     if (row >= m_shown.size()) return false;
     const auto now = ShownRecipient::Read(m_state.data, m_state.user, index);
@@ -119,11 +115,11 @@ bool RecipientsPage::IsStill(int index) {
 
 void RecipientsPage::CmAdd() {
     const LPath& userFile = m_state.user.userFile;
-    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kUnsettled);
+    if (!m_queue.SettleDeletion(m_state.user.number)) return Tell(kRecipientUnsettled);
     if (RecipientCount(userFile) >= kMostRecipients) return Tell(kTooMany);
     std::optional<int32_t> index;
     const auto store = [&](const SendToSettings& added, bool makesDefault) -> std::string {
-        if (!m_queue.SettleDeletion(m_state.user.number)) return kUnsettled;
+        if (!m_queue.SettleDeletion(m_state.user.number)) return kRecipientUnsettled;
         index = AddRecipient(m_state.data, m_state.user, added);
         if (!index) return kNotStored;
         if (makesDefault) Settings::Write(userFile, UserKeys::kSendDefault, *index);
@@ -140,7 +136,7 @@ void RecipientsPage::CmEdit() {
     if (!recipient.Load(RecordOf(index)) && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead);
     const auto store = [&](const SendToSettings& edited, bool) -> std::string {
         // First, as it may give the number to somebody else.
-        if (!m_queue.SettleDeletion(m_state.user.number)) return kUnsettled;
+        if (!m_queue.SettleDeletion(m_state.user.number)) return kRecipientUnsettled;
         const auto now = ShownRecipient::Read(m_state.data, m_state.user, index);
         if (now != m_shown[static_cast<size_t>(index)]) return kChangedMeanwhile;
         if (!SaveRecipient(m_state.data, m_state.user, index, edited)) return kNotStored;
@@ -165,7 +161,7 @@ void RecipientsPage::CmDelete() {
     const BGSend::Outcome outcome = m_queue.DeleteRecipient(m_state.user.number, index, kPauseMs);
     if (outcome == BGSend::Outcome::Busy) return Tell(kBusy);
     if (outcome == BGSend::Outcome::Failed) return Tell(kNotDeleted);
-    if (outcome == BGSend::Outcome::Unfinished) Tell(kUnsettled);
+    if (outcome == BGSend::Outcome::Unfinished) Tell(kRecipientUnsettled);
     Changed(index);
 }
 

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr UINT kRefreshMs = 1000;
-constexpr uint32_t kReadBudgetMs = 30;  // of each refresh, for records that have changed
 constexpr DWORD kFirstRepeatMs = 1000;  // longer than a held key takes to repeat for the first time
 constexpr DWORD kNextRepeatMs = 150;    // and from then on
 constexpr int kTextMargin = 8;          // pixels behind the longest row
@@ -22,37 +20,12 @@ constexpr LAnchor kAnchors[] = {
     {.control = IDCANCEL, .movesX = true, .movesY = true},
 };
 
-// Selects the dialog's font into a device context of its list, for measuring.
-class ListMeasure {
-public:
-    explicit ListMeasure(HWND list)
-        : m_list(list),
-          m_context(GetDC(list)),
-          m_before(SelectObject(m_context, reinterpret_cast<HFONT>(SendMessageA(list, WM_GETFONT, 0, 0)))) {}
-    ~ListMeasure() {
-        SelectObject(m_context, m_before);
-        ReleaseDC(m_list, m_context);
-    }
-    ListMeasure(const ListMeasure&) = delete;
-    ListMeasure& operator=(const ListMeasure&) = delete;
-    LONG WidthOf(const std::string& text) const {
-        SIZE size = {};
-        GetTextExtentPoint32A(m_context, text.data(), static_cast<int>(text.size()), &size);
-        return size.cx;
-    }
-
-private:
-    HWND m_list;
-    HDC m_context;
-    HGDIOBJ m_before;
-};
-
 }  // namespace
 
 bool RecoverDialog::InitDialog() {
     m_anchors.Attach(Window(), kAnchors);
     SetupList();
-    SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
+    SetTimer(Window(), TIMER_REFRESH, SentHistory::kLookMs, nullptr);
     SetFocus(Item(IDC_RECOVER_LIST));
     return false;
 }
@@ -89,7 +62,7 @@ bool RecoverDialog::EvCommand(int control, int notification) {
 }
 
 void RecoverDialog::EvTimer() {
-    if (m_history.Refresh(kReadBudgetMs)) SetupList();
+    if (m_history.Refresh(SentHistory::kReadBudgetMs)) SetupList();
 }
 
 // Fills the list. The selection stays with its dictation; where that is gone, with its place.
@@ -101,9 +74,9 @@ void RecoverDialog::SetupList() {
     m_shown = m_history.Dictations();
     ListMessage(WM_SETREDRAW, FALSE);
     ListMessage(LB_RESETCONTENT);
-    LONG width = 0;
+    int width = 0;
     {
-        const ListMeasure measure(Item(IDC_RECOVER_LIST));
+        const LTextMeasure measure(Item(IDC_RECOVER_LIST));
         for (const SentDictation& dictation : m_shown) {
             const std::string text = dictation.Text();
             const LRESULT row = ListMessage(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
@@ -152,7 +125,7 @@ void RecoverDialog::CmOk() {
     const std::string reason = m_owner.BringBack(dictation.record);
     if (reason.empty()) m_recoveredMs = m_lastOkMs;
     if (!IsOpen()) return;
-    m_history.Refresh(kReadBudgetMs);
+    m_history.Refresh(SentHistory::kReadBudgetMs);
     SetupList();
     if (!reason.empty())
         Tell(LFormat("\"%.80s\" could not be recovered.\n\n", dictation.name.c_str()) + reason);

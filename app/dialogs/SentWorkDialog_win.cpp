@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr UINT kRefreshMs = 1000;
-constexpr uint32_t kReadBudgetMs = 30;  // of each refresh, for records that have changed
-
 constexpr LAnchor kAnchors[] = {
     {.control = IDC_SENTWORK_LIST, .growsX = true, .growsY = true},
     {.control = IDC_SENTWORK_SUMMARY, .movesY = true, .growsX = true},
@@ -50,7 +47,7 @@ bool SentWorkDialog::InitDialog() {
     Refresh(true);
     ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SetFocus(list);
-    SetTimer(Window(), TIMER_REFRESH, kRefreshMs, nullptr);
+    SetTimer(Window(), TIMER_REFRESH, SentHistory::kLookMs, nullptr);
     Collect();
     return false;
 }
@@ -69,7 +66,7 @@ bool SentWorkDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
             Collect();
             [[fallthrough]];
         case WM_STATUSCOLLECTED:
-            Refresh(m_history.Refresh(kReadBudgetMs));
+            Refresh(m_history.Refresh(SentHistory::kReadBudgetMs));
             return true;
         default:
             if (!m_anchors.HandleMessage(message, wParam, lParam))

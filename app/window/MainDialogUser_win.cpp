@@ -64,7 +64,7 @@ bool MainDialog::MayLeaveUser() {
     const bool goesOn = m_transport.Stop();
     m_notes.Save();
     if (!goesOn || m_notes.Unsaved().Empty()) return goesOn;
-    const std::string name = m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat"));
+    const std::string name = m_list.NameOf(DictationFiles::OfPath(m_notes.Unsaved().First()).record);
     m_runner.Box(LFormat(kUnsavedNotes, name.c_str()), "Notes Not Saved", MB_OK | MB_ICONEXCLAMATION);
     return false;
 }

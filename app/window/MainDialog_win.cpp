@@ -221,7 +221,7 @@ bool MainDialog::MayClose() {
     if (m_notes.Unsaved().Empty()) return true;
     if (m_runner.OpenModal() != LModalRunner::Modal::Nothing)
         return false;  // the same question, or a box before it
-    const std::string name = m_list.NameOf(m_notes.Unsaved().First().WithExtension(".dat"));
+    const std::string name = m_list.NameOf(DictationFiles::OfPath(m_notes.Unsaved().First()).record);
     const int answer = m_runner.Box(LFormat(kLoseNotes, name.c_str()), "Notes Not Saved",
                                     MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
     return answer == IDYES && IsOpen();

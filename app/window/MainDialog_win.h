@@ -22,6 +22,7 @@
 #include "app/window/WindowLayout_win.h"
 #include "base/LFileLock.h"
 #include "send/BGSend.h"
+#include "store/DictationFiles.h"
 #include "ui/LDialog.h"
 #include "ui/LIntroduction.h"
 #include "ui/LModalRunner.h"
@@ -169,9 +170,11 @@ private:
     void BeforeRename() override;
     void AfterRename(bool isLost) override;
     // NotesBox::Owner
-    void NotesSaved(const LPath& notesFile) override { m_list.UpdateLater(notesFile.WithExtension(".dat")); }
+    void NotesSaved(const LPath& notesFile) override {
+        m_list.UpdateLater(DictationFiles::OfPath(notesFile).record);
+    }
     void TypedForNothing(const LPath& notesFile) override {
-        m_list.UpdateLater(notesFile.WithExtension(".dat"));
+        m_list.UpdateLater(DictationFiles::OfPath(notesFile).record);
     }
     void NotesStateChanged() override;
     // What uses the sound devices beside the transport.

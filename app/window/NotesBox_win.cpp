@@ -130,7 +130,7 @@ void NotesBox::Retry() {
         m_owner->NotesSaved(written);
     }
     for (const UnsavedNotes::Kept& kept : m_unsaved.All())
-        if (LFile::IsAbsent(kept.notes.WithExtension(".dat"))) m_owner->TypedForNothing(kept.notes);
+        if (LFile::IsAbsent(DictationFiles::OfPath(kept.notes).record)) m_owner->TypedForNothing(kept.notes);
     m_owner->NotesStateChanged();
 }
 

@@ -1,6 +1,7 @@
 #include "app/window/SendCommands_win.h"
 
 #include "app/dialogs/ChooseRecipientDialog_win.h"
+#include "app/dialogs/RecipientSettings_win.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LFile.h"
 #include "base/LTime.h"
@@ -26,10 +27,6 @@ constexpr char kNoFolder[] =
     "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
 constexpr char kChanged[] =
     "The recipients were changed in another window. It stays in the list; please send it again.";
-constexpr char kUnsettled[] =
-    "A recipient is still being deleted, because one of the files of your recipients is open in another "
-    "program "
-    "or write-protected. Please try again.";
 constexpr char kUserFileHeld[] = "Your user file is open in another program. Please try again.";
 constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
@@ -59,7 +56,7 @@ void SendCommands::TellNoRecipients() const {
 
 std::optional<ShownRecipient> SendCommands::DefaultRecipient() {
     const CurrentUser& user = m_state.user;
-    if (!m_queue.SettleDeletion(user.number)) return m_runner.Tell(kUnsettled), std::nullopt;
+    if (!m_queue.SettleDeletion(user.number)) return m_runner.Tell(kRecipientUnsettled), std::nullopt;
     const auto numbers = RecipientNumbers::Read(user.userFile);
     if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
     if (!numbers->defaultIndex) return TellNoRecipients(), std::nullopt;

@@ -5,12 +5,6 @@
 #include "app/window/ControlLayout.h"
 #include "ui/LWin.h"
 
-static LONG WidthOf(HDC dc, std::string_view text) {
-    SIZE size = {};
-    GetTextExtentPoint32A(dc, text.data(), static_cast<int>(text.size()), &size);
-    return size.cx;
-}
-
 static void DrawPart(HDC dc, RECT box, std::string_view text) {
     DrawTextA(dc, text.data(), static_cast<int>(text.size()), &box,
               DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
@@ -29,22 +23,13 @@ void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int ri
     const std::string_view begin = all.substr(0, all.size() - kept.size());
     const int room = static_cast<int>(box.right - box.left);
     RECT first = box;
-    first.right = first.left + BeginWidth(room, WidthOf(item.hDC, begin), WidthOf(item.hDC, kept));
+    first.right = first.left + BeginWidth(room, LTextWidth(item.hDC, begin), LTextWidth(item.hDC, kept));
     box.left = first.right;
     DrawPart(item.hDC, first, begin);
     DrawPart(item.hDC, box, kept);
 }
 
-int TextWidth(HWND control, const std::string& text) {
-    const HDC dc = GetDC(control);
-    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0)));
-    const LONG width = WidthOf(dc, text);
-    SelectObject(dc, old);
-    ReleaseDC(control, dc);
-    return static_cast<int>(width);
-}
-
 std::string TextThatIsCut(HWND control, int right) {
     const std::string text = LWindowText(control);
-    return TextWidth(control, text) > right ? text : std::string();
+    return LTextMeasure(control).WidthOf(text) > right ? text : std::string();
 }

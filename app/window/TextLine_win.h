@@ -17,5 +17,3 @@ struct LineColours {
 void DrawTextLine(const DRAWITEMSTRUCT& item, const LineColours& colours, int right, size_t keptBytes);
 // The text of a control in whose line it does not fit; empty when it does.
 std::string TextThatIsCut(HWND control, int right);
-// The width of a text in a control's font, in pixels.
-int TextWidth(HWND control, const std::string& text);

@@ -4,6 +4,7 @@
 
 #include "app/window/NotesText.h"
 #include "base/LFile.h"
+#include "store/DictationFiles.h"
 #include "store/NotesFile.h"
 
 // A file that cannot be read is not written: another program may have put new text into it.
@@ -32,7 +33,7 @@ void UnsavedNotes::Keep(const LPath& notes, std::string_view earlier, std::strin
 std::vector<LPath> UnsavedNotes::Retry() {
     std::vector<LPath> written;
     std::erase_if(m_kept, [&](const Kept& kept) {
-        if (LFile::IsAbsent(kept.notes.WithExtension(".dat"))) return false;
+        if (LFile::IsAbsent(DictationFiles::OfPath(kept.notes).record)) return false;
         if (!TryWrite(kept.notes, kept.earlier, kept.text)) return false;
         written.push_back(kept.notes);
         return true;

@@ -11,6 +11,7 @@
 #include "audio/device/LDBDisplay_win.h"
 #include "base/LText.h"
 #include "res/Ids.h"
+#include "store/DictationFiles.h"
 
 constexpr int kPositionFontHeight = 15;  // pixels
 constexpr int kProgressSteps = 100;
@@ -326,7 +327,7 @@ void WindowDisplay::ShowNotes(const NotesBox& notes) {
     const UnsavedNotes& unsaved = notes.Unsaved();
     m_unsaved.clear();
     if (!unsaved.Empty())
-        m_unsaved = "Notes not saved: " + m_list.NameOf(unsaved.First().WithExtension(".dat"));
+        m_unsaved = "Notes not saved: " + m_list.NameOf(DictationFiles::OfPath(unsaved.First()).record);
     m_normalState = notes.ReadOnlyReason() != nullptr ? notes.ReadOnlyReason() : m_loggedOn;
     ShowState();
 }

