@@ -89,6 +89,7 @@ bool RecipientsPage::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, L
 
 bool RecipientsPage::EvCommand(int control, int notification) {
     if (control == IDC_RECIPIENTS_LIST) {
+        if (notification == LBN_SELCHANGE && m_shown.empty()) ShowList(0);  // the row says why: a new look
         if (notification == LBN_SELCHANGE) UpdateControls();
         if (notification == LBN_DBLCLK) CmEdit();
         return true;
