@@ -9,7 +9,8 @@
 #include "app/AppState.h"
 #include "store/SendToSettings.h"
 
-// What the editor changes. Each returns a sentence for the user when it could not be done, else an empty text.
+// What the editor changes. Each returns a sentence for the user when it could not be done, else an empty
+// text.
 struct RecipientStore {
     // makesDefault is for a new recipient, of which the user wants it.
     std::function<std::string(const SendToSettings& recipient, bool makesDefault)> store;
