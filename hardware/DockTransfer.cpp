@@ -60,7 +60,7 @@ std::optional<T> DockTransfer::Ask(std::function<T()> ask) {
 
 DockTransfer::Listing DockTransfer::List(const LPath& folder) {
     Listing listing;
-    if (!LFile::IsFolder(folder)) {
+    if (!LFile::IsFolder(folder.WithoutSeparator())) {
         listing.end = End::NoFolder;
         return listing;
     }

@@ -435,7 +435,7 @@ void MainDialog::EvInsertKept(WPARAM, LPARAM) {
 // after by a timer.
 void MainDialog::EvShowLater(WPARAM, LPARAM) {
     if (!IsProcessRunning()) m_devices.PressAgain();
-    m_dock.Settle();
+    if (!IsHandBusy()) m_dock.Settle();
     if (!IsHandBusy() && m_runner.ShowLater()) SetTimer(Window(), TIMER_SHOWLATER, kRestLookMs, nullptr);
 }
 
@@ -449,18 +449,18 @@ void MainDialog::EvTimerInfoLine() {
     m_display.ShowNextInfo();
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
     if (!IsHandBusy() && m_runner.OpenModal() != LModalRunner::Modal::Process) m_list.ReloadUnreadable();
-    m_dock.Settle();
     m_sent.CollectReports();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);
+    if (IsOpen() && !IsHandBusy()) m_dock.Settle();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
 // Tells a user who does not look that nothing runs any more.
 void MainDialog::EvTimerStoppedTone() {
     const LPath& settings = m_state.data.settingsFile;
-    if (!IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
+    if (!IsRunning() && !m_dock.IsListening() && Settings::Read(settings, SettingsKeys::kStoppedTone))
         PlaySoundA(MAKEINTRESOURCEA(IDW_STOPPEDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
     RepeatStoppedTone();
 }
