@@ -55,7 +55,8 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
-    bool SendNew(const DictationFiles& files) { return Send({files}, To::Default); }
+    // The same for one that was just made of an audio file.
+    bool SendLoaded(const DictationFiles& files) { return Send({files}, To::Default); }
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts

@@ -142,7 +142,7 @@ void DockCommands::Settle() {
         return;
     for (const Request& request : std::exchange(m_requests, {})) {
         if (request.sends)
-            m_dictations.SendNew(DictationFiles::OfPath(request.record));
+            m_dictations.SendLoaded(DictationFiles::OfPath(request.record));
         else if (m_list.NumberOf(request.record))
             m_list.UpdateFile(request.record);
         else
