@@ -127,7 +127,10 @@ void DockCommands::Finish() {
 
 void DockCommands::EvRequest(int request, LPARAM text) {
     if (!m_dialog.IsMaking(request, text)) return;
-    if (request == DOCK_SHOWBUTTON) return ShowButton();
+    if (request == DOCK_SHOWBUTTON) {
+        ShowButton();
+        return SelectAdded();
+    }
     const LPath named(reinterpret_cast<const char*>(text));
     if (request == DOCK_ADD)
         m_requests.push_back(
@@ -147,5 +150,15 @@ void DockCommands::Settle() {
             m_list.UpdateFile(request.record);
         else
             m_list.AddFile(request.record);
+        m_added = request.record;
     }
+}
+
+// What was recorded becomes the current dictation when its window is closed, unless it was sent, or something
+// runs that works on another one.
+void DockCommands::SelectAdded() {
+    if (m_dialog.IsOpen() || m_runner.OpenModal() != LModalRunner::Modal::Nothing || m_list.IsRenaming())
+        return;
+    const LPath added = std::exchange(m_added, {});
+    if (m_list.NumberOf(added) && !m_transport.IsBusy()) m_list.SelectFile(added);
 }

@@ -55,6 +55,8 @@ private:
         bool sends = false;
     };
 
+    void SelectAdded();
+
     // DockDialog::Owner
     void TakeInput() override;
     bool IsInputTaken() const override { return m_transport.IsRecording(); }
@@ -70,5 +72,6 @@ private:
     LoadFile m_load;
     HWND m_window = nullptr;
     std::vector<Request> m_requests;
+    LPath m_added;  // the last row that was added
     DockDialog m_dialog;
 };
