@@ -99,7 +99,7 @@ void DockDialog::Record() {
 
 void DockDialog::YieldInput() {
     if (!m_recording.IsRunning() || m_recording.HasHeard()) return;
-    m_recording.Stop();
+    m_recording.GiveUp();
     m_hasYielded = true;
 }
 

@@ -33,6 +33,12 @@ DockState DockRecording::Begin(int32_t sampleRate, int8_t volumeDb) {
     return isStarted ? DockState::Waits : DockState::NoDevice;
 }
 
+void DockRecording::GiveUp() {
+    Stop();
+    m_state = DockState::NoDevice;
+    m_owner.DockChanged();
+}
+
 void DockRecording::SetVolume(int8_t volumeDb) const {
     LMixer::SetInputChannel(m_choice.input.device, m_choice.input.line, volumeDb);
 }
@@ -47,9 +53,8 @@ void DockRecording::OnRecording() {
 void DockRecording::OnStopped(int32_t) {
     const LSoundRecorder::Ending ending = m_recorder.GetEnding();
     const char* const trouble = CloseRecording(m_file, ending, m_file->GetFrames() > 0, m_audio);
-    m_state = ending == LSoundRecorder::Ending::MaxTime ? DockState::TimeIsUp
-              : trouble != nullptr                      ? DockState::HasFailed
-                                                        : DockState::NoDevice;
+    if (ending == LSoundRecorder::Ending::MaxTime) m_state = DockState::TimeIsUp;
+    if (trouble != nullptr) m_state = DockState::HasFailed;
     m_owner.DockLevel(kSilenceDb);
     m_owner.DockChanged();
     if (trouble != nullptr) m_owner.DockTrouble(trouble);

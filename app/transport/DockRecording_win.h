@@ -37,6 +37,8 @@ public:
     void SetVolume(int8_t volumeDb) const;
     // Everything up to now is in the file afterwards, and the device is closed.
     void Stop() { m_recorder.Stop(); }
+    // Stops because somebody else takes the input.
+    void GiveUp();
 
     DockState State() const { return m_state; }
     bool IsRunning() const { return m_recorder.IsActive(); }
