@@ -55,8 +55,12 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
-    // The same for one that was just made of an audio file.
-    bool SendLoaded(const DictationFiles& files) { return Send({files}, To::Default); }
+    // The same for one that was just made of an audio file. False when there is no default recipient.
+    bool SendLoaded(const DictationFiles& files) {
+        if (!m_send.DefaultRecipient()) return false;
+        Send({files}, To::Default);
+        return true;
+    }
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
