@@ -103,6 +103,7 @@ void MakeShared() {
 
 void Run(StartingGate& gate) {
     MakeShared();
+    SetErrorMode(SEM_FAILCRITICALERRORS);  // a card reader without a card is told by us
     AppState state;
     state.data = FindDataFolder();
     if (!state.data.HasRoom()) {

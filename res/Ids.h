@@ -172,6 +172,25 @@
 #define IDC_EMAIL_HOST            863
 #define IDC_ADDRESSES_LIST        871
 
+// Recording from a portable recorder, and the transfer of its files
+#define IDC_DOCK_STATUS         951
+#define IDC_DOCK_LENGTH         952
+#define IDC_DOCK_DEVICE         953
+#define IDC_DOCK_LINE           954
+#define IDC_DOCK_VOLUME         955
+#define IDC_DOCK_VOLUMETEXT     956
+#define IDC_DOCK_START          957
+#define IDC_DOCK_STARTTEXT      958
+#define IDC_DOCK_METER          959
+#define IDC_DOCK_HIGHSPEED      960
+#define IDC_DOCK_PERCENT        961
+#define IDC_DOCK_AUTOSEND       962
+#define IDC_DOCK_RESTART        963
+#define IDC_DOCKTRANSFER_FOLDER 971
+#define IDC_DOCKTRANSFER_BROWSE 972
+#define IDC_DOCKTRANSFER_DELETE 973
+#define IDC_DOCKTRANSFER_NEW    974
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -189,6 +208,11 @@
 #define WM_DOCKREQUEST  1054
 #define WM_MICBUTTON    1792
 #define WM_APICOMMAND   32767
+
+// Requests of WM_DOCKREQUEST
+#define DOCK_SHOWBUTTON 0
+#define DOCK_SEND       1
+#define DOCK_ADD        2
 
 // Messages that the main window sends itself
 #define WM_SHOWLATER      0x8001
@@ -249,6 +273,8 @@
 #define IDD_RECIPIENT     121
 #define IDD_EMAIL         122
 #define IDD_ADDRESSES     123
+#define IDD_DOCK          150
+#define IDD_DOCKTRANSFER  151
 #define IDM_MAIN          200
 #define IDM_DICTATION     201
 #define IDM_INFO          202

@@ -66,26 +66,25 @@ std::optional<int32_t> NextDictationNumber(const CurrentUser& user) {
 }
 
 // As a whole: key by key the disk would have to be waited for three times.
-static bool WriteNewRecord(const LPath& record, int32_t number, int64_t now) {
+static bool WriteNewRecord(const LPath& record, int32_t number, int64_t now, const std::string& name) {
     const auto line = [](const char* key, const std::string& value) {
         return LFormat("%s=%s\r\n", key, value.c_str());
     };
-    const std::string text = LFormat("[%s]\r\n", RecordKeys::kSection) +
-                             line(RecordKeys::kName.key, DefaultDictationName(number)) +
+    const std::string text = LFormat("[%s]\r\n", RecordKeys::kSection) + line(RecordKeys::kName.key, name) +
                              line(RecordKeys::kNumber.key, std::to_string(number)) +
                              line(RecordKeys::kDate, std::to_string(now));
     return LFile::WriteWhole(record, LProfile::CopyOf(record),
                              {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
-std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now) {
+std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now, DictationName name) {
     const std::optional<int32_t> number = NextDictationNumber(user);
     if (!number) return std::nullopt;
     NewDictation created;
     created.number = *number;
     created.files = DictationFiles::OfNumber(user.currentFolder, created.number);
     const LPath& record = created.files.record;
-    if (!WriteNewRecord(record, created.number, now)) {
+    if (!WriteNewRecord(record, created.number, now, name(created.number))) {
         LTrace("MakeDictation unable to write record", record.View());
         return std::nullopt;
     }

@@ -6,6 +6,7 @@
 #include "base/LPath.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
+#include "store/DictationRecord.h"
 #include "store/FolderListing.h"
 #include "store/QueueAnswer.h"
 
@@ -27,9 +28,13 @@ struct NewDictation {
     DictationFiles files;
 };
 
+// The name of a dictation by its number.
+using DictationName = std::string (*)(int32_t number);
+
 // Takes a number and writes the record with name, number and date (now, seconds since 1970). Nothing when the
 // user file cannot be read or the record cannot be written.
-std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now);
+std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now,
+                                          DictationName name = DefaultDictationName);
 
 // Moves audio, record and notes, in this order, to names that nothing has. Waits two seconds for each file
 // that another program holds. False when one cannot be moved; those before it are then put back.

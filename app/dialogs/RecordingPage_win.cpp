@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/transport/MixerLines_win.h"
+#include "app/dialogs/InputLists_win.h"
 #include "audio/device/LDBDisplay_win.h"
-#include "audio/device/LWaveIn_win.h"
 #include "base/LText.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
@@ -34,8 +33,7 @@ RecordingPage::RecordingPage(const AppState& state, LControlBinding& binding, Li
 void RecordingPage::InitPage() {
     const LPath& settings = m_state.data.settingsFile;
     const int32_t device = Settings::Read(settings, SettingsKeys::kSoundIn);
-    LAddNumberedItems(Item(IDC_RECORDING_DEVICE), LWaveIn::DeviceNames(), device,
-                      "Device %d (not connected)");
+    AddInputDevices(Item(IDC_RECORDING_DEVICE), device);
     FillLines(device, Settings::Read(settings, SettingsKeys::kSoundInChan));
     FillRates(Settings::Read(m_state.user.userFile, UserKeys::kSampleRate));
     AttachArrows(IDC_RECORDING_VOLUMEUP);
@@ -55,9 +53,7 @@ void RecordingPage::FillLines(int32_t device, int32_t selected) {
     const HWND list = Item(IDC_RECORDING_LINE);
     SendMessageA(list, CB_RESETCONTENT, 0, 0);
     LAddListItem(list, "Automatic", kChooseLine);
-    LAddListItem(list, LMixer::GetInputChannelName(device, LMixer::kRecordMixerChannel).c_str(),
-                 LMixer::kRecordMixerChannel);
-    LAddNumberedItems(list, MixerLines().LineNames(device), selected, "Line %d (not there)");
+    AddInputLines(list, device, selected);
     m_linesOf = device;
 }
 
@@ -68,10 +64,11 @@ void RecordingPage::UpdateControls() {
     LSelectListItem(Item(IDC_RECORDING_LINE), kChooseLine);
 }
 
-// The mixer is left as the stored settings have it.
+// The mixer is left as the stored settings have it; who records has set it himself.
 void RecordingPage::DestroyDialog() {
     KillTimer(Window(), kTimer);
     m_listening.Stop();
+    if (m_isBusy()) return;
     MixerLines lines;
     const LPath& settings = m_state.data.settingsFile;
     const SoundInput input = GetSoundIn(settings, lines);

@@ -24,8 +24,9 @@ public:
     SettingsRows(const LPath& file, std::span<const SettingsRow> rows, const LPath& userFile = {})
         : m_file(file), m_userFile(userFile), m_rows(rows) {}
 
-    // False after a value could not be stored.
+    // False after a value could not be stored, since the last Retry.
     bool IsStored() const { return m_isStored; }
+    void Retry() { m_isStored = true; }
 
     size_t Count() const override { return m_rows.size(); }
     const LControlRow& Row(size_t row) const override { return m_rows[row].control; }

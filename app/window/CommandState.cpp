@@ -48,7 +48,6 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
-    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kNotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
     {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},
     {CM_EXIT, CM_EXIT, 0},

@@ -62,21 +62,24 @@ std::vector<DictationFiles> DictationCommands::CurrentAlone() const {
     return m_current ? std::vector{*m_current.Files()} : std::vector<DictationFiles>();
 }
 
-bool DictationCommands::Create() {
+std::optional<NewDictation> DictationCommands::Make(DictationName name) {
     // Told afterwards: a dictation that a recording asks for must not wait for a box, perhaps unseen.
     if (FreeLowDisk()) m_runner.TellLater(kDiskLow, "Warning");
-    if (!StopAndSave()) return false;
-    std::optional<NewDictation> created = MakeDictation(m_state.user, LNowSeconds());
+    std::optional<NewDictation> made = MakeDictation(m_state.user, LNowSeconds(), name);
     // A record in another file may claim this number: then take the next, so that the new dictation has a row
     // of its own.
-    while (created && m_list.HoldsNumber(created->number)) {
-        DeleteDictationFiles(created->files);
-        created = MakeDictation(m_state.user, LNowSeconds());
+    while (made && m_list.HoldsNumber(made->number)) {
+        DeleteDictationFiles(made->files);
+        made = MakeDictation(m_state.user, LNowSeconds(), name);
     }
-    if (!created) {
-        m_runner.Tell(kCannotCreate);
-        return false;
-    }
+    if (!made) m_runner.Tell(kCannotCreate);
+    return made;
+}
+
+bool DictationCommands::Create() {
+    if (!StopAndSave()) return false;
+    const std::optional<NewDictation> created = Make();
+    if (!created) return false;
     m_list.AddFile(created->files.record);
     m_list.SelectFile(created->files.record);
     AskFields(created->files);

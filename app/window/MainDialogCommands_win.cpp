@@ -70,6 +70,12 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.m_dictations.BeginRename();
      }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
+    {CM_DOCK_CABLE, CM_DOCK_CABLE,
+     [](MainDialog& d, int) {
+         d.m_splash.Close();
+         return d.m_dock.Cable();
+     }},
+    {CM_DOCK_TRANSFER, CM_DOCK_TRANSFER, [](MainDialog& d, int) { return d.m_dock.Transfer(); }},
     {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_sent.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
     {CM_LOGON, CM_LOGON, [](MainDialog& d, int) { return d.LogOnAsOther(); }},

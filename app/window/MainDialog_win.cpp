@@ -71,6 +71,7 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_HOTKEY, &MainDialog::EvHotKey},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
+    {WM_DOCKREQUEST, &MainDialog::EvDockRequest},
     {WM_MICBUTTON, &MainDialog::EvMicButton},
     {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
@@ -93,6 +94,8 @@ MainDialog::MainDialog(AppState& state)
       m_inserts(state, m_runner, m_list, m_transport),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
       m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
+      m_dock(state, m_runner, m_dictations, m_list, m_transport, m_listening,
+             [](const LPath&, bool) { return false; }),
       m_devices(*this),
       m_hotKeys(state, m_devices),
       m_api(*this),
@@ -117,6 +120,7 @@ bool MainDialog::InitDialog() {
     for (int control : {IDC_REWIND, IDC_FASTFORWARD, IDC_RECORD}) AttachHoldButton(Item(control));
     m_keyboard.Attach(Window());
     m_help.Attach(Window());
+    m_dock.Attach(Window());
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
     m_display.Attach(Window(), ShownUserName(m_state.user.details, m_state.user.number));
@@ -161,6 +165,7 @@ void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
     m_transport.LeaveInserts(true);
+    m_dock.Finish();
     m_transport.Stop();
     m_notes.Save();  // at once: a session that ends does not wait for the send thread
     DestroyWindow(Window());
@@ -191,7 +196,8 @@ bool MainDialog::PreTranslateMessage(MSG& message) {
     if (isKey || message.message == WM_LBUTTONDOWN) m_runner.NoteInput();
     m_display.Watch(message);
     if (IsBesideRows(message)) return true;
-    return m_keyboard.PreTranslateMessage(message) || m_introduction.PreTranslateMessage(message);
+    return m_keyboard.PreTranslateMessage(message) || m_dock.PreTranslateMessage(message) ||
+           m_introduction.PreTranslateMessage(message);
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
@@ -211,7 +217,10 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 void MainDialog::EvClose(WPARAM, LPARAM) {
     if (m_isClosing || !m_runner.TakeClose()) return;
     m_transport.LeaveInserts(true);
-    if (MayClose() && m_dictations.TellSendErrorAtClose()) CloseWindow();
+    if (MayClose()) {
+        m_dock.Finish();
+        if (m_dictations.TellSendErrorAtClose()) CloseWindow();
+    }
     m_transport.LeaveInserts(m_isClosing);
 }
 
@@ -426,6 +435,7 @@ void MainDialog::EvInsertKept(WPARAM, LPARAM) {
 // after by a timer.
 void MainDialog::EvShowLater(WPARAM, LPARAM) {
     if (!IsProcessRunning()) m_devices.PressAgain();
+    if (!IsHandBusy()) m_dock.Settle();
     if (!IsHandBusy() && m_runner.ShowLater()) SetTimer(Window(), TIMER_SHOWLATER, kRestLookMs, nullptr);
 }
 
@@ -443,13 +453,14 @@ void MainDialog::EvTimerInfoLine() {
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);
+    if (IsOpen() && !IsHandBusy()) m_dock.Settle();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
 // Tells a user who does not look that nothing runs any more.
 void MainDialog::EvTimerStoppedTone() {
     const LPath& settings = m_state.data.settingsFile;
-    if (!IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
+    if (!IsRunning() && !m_dock.IsListening() && Settings::Read(settings, SettingsKeys::kStoppedTone))
         PlaySoundA(MAKEINTRESOURCEA(IDW_STOPPEDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
     RepeatStoppedTone();
 }

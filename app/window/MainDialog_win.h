@@ -12,6 +12,7 @@
 #include "app/window/DeviceCommands.h"
 #include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/DockCommands_win.h"
 #include "app/window/Help_win.h"
 #include "app/window/HotKeys_win.h"
 #include "app/window/InsertOffers_win.h"
@@ -100,6 +101,7 @@ private:
     bool EvInitMenuPopup(WPARAM wParam, LPARAM, LRESULT&);
     bool IsBesideRows(const MSG& message);
     bool AskTip(const NMHDR& header, LRESULT& result);
+    void EvDockRequest(WPARAM wParam, LPARAM lParam) { m_dock.EvRequest(static_cast<int>(wParam), lParam); }
     void EvDrag(WPARAM, LPARAM);
     void EvDragEnd(WPARAM, LPARAM);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
@@ -184,6 +186,7 @@ private:
     }
     // Transport::Owner
     bool HaveDictation() override {
+        if (m_dock.KeepsInput()) return false;
         StopOtherSound();
         return m_current ? IsDictationThere() : m_dictations.Create();
     }
@@ -238,6 +241,7 @@ private:
     Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
     SentCommands m_sent;
+    DockCommands m_dock;
     DeviceCommands m_devices;
     HotKeys m_hotKeys;
     ApiCommands m_api;

@@ -1,0 +1,188 @@
+#include "hardware/DockTransfer.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+#include "base/LFile.h"
+#include "base/LText.h"
+#include "base/LTime.h"
+#include "base/LTrace.h"
+#include "store/SettingsKeys.h"
+
+// The folder is listed once, before the first file is loaded: what comes later belongs to the next transfer.
+// When a file's turn has come it is looked at again, since a card reader may still be filling the folder. One
+// that somebody writes ends the transfer with a word to the user, before its time is stored: half of it would
+// become a dictation, and a newer file's time could hide the rest. Passing it over was rejected for the same
+// reason.
+// After loading, the file is deleted only if size and time are still the same and nobody has it open for
+// writing.
+
+namespace {
+
+// In the order of the transfer.
+constexpr const char* kPatterns[] = {"*.wav", "*.mp3", "*.sri", "*.dss"};
+
+// A file time before 1970, as a recorder without a clock gives, counts as 1970.
+int64_t SecondsOf(uint64_t fileTime) {
+    return fileTime < kFileTimeOf1970 ? 0
+                                      : static_cast<int64_t>((fileTime - kFileTimeOf1970) / kFileTimeSecond);
+}
+
+// The platform's patterns also know a file by its short name: "*.wav" finds "a.wave".
+bool HasExtensionOf(std::string_view name, std::string_view pattern) {
+    return LEqualNoCase(LSplitPath(name).extension, pattern.substr(1));
+}
+
+std::string WithSeparator(const LPath& folder) {
+    std::string text(folder.View());
+    std::ranges::replace(text, '/', '\\');
+    if (!text.ends_with('\\')) text += '\\';
+    return text;
+}
+
+bool IsWithin(const LPath& folder, const LPath& outer) {
+    const std::string inside = WithSeparator(folder), around = WithSeparator(outer);
+    return inside.size() >= around.size() &&
+           LEqualNoCase(std::string_view(inside).substr(0, around.size()), around);
+}
+
+constexpr Settings::IntKey kDate = SettingsKeys::kDockTransferDate;
+
+}  // namespace
+
+template <class T>
+std::optional<T> DockTransfer::Ask(std::function<T()> ask) {
+    const auto answer = std::make_shared<T>();
+    if (!m_host.RunApart([answer, ask] { *answer = ask(); })) return std::nullopt;
+    return std::move(*answer);
+}
+
+DockTransfer::Listing DockTransfer::List(const LPath& folder) {
+    Listing listing;
+    if (!LFile::IsFolder(folder.WithoutSeparator())) {
+        listing.end = End::NoFolder;
+        return listing;
+    }
+    for (const char* const pattern : kPatterns) {
+        const size_t first = listing.files.size();
+        const bool isWhole = LListFolder(folder, pattern, [&](const LFolderEntry& entry) {
+            const File file = {LPath::Join(folder.View(), entry.name), SecondsOf(entry.written)};
+            // A folder that is being filled may name a file twice.
+            const bool isKnown =
+                std::any_of(listing.files.begin() + static_cast<ptrdiff_t>(first), listing.files.end(),
+                            [&](const File& other) { return other.path == file.path; });
+            if (!entry.isFolder && !isKnown && !file.path.Empty() && HasExtensionOf(entry.name, pattern))
+                listing.files.push_back(file);
+            return true;
+        });
+        if (!isWhole) {
+            LTrace("DockTransfer::List unable to list the folder", folder.View());
+            listing.end = End::Unreadable;
+            return listing;
+        }
+    }
+    return listing;
+}
+
+DockTransfer::Look DockTransfer::LookAt(const File& file) {
+    const LFile opened(file.path, LFile::Open::Read);
+    Look look = {Look::State::There, 0, file.time};
+    if (!opened.IsOpen()) {
+        look.state = LFile::IsAbsent(file.path) ? Look::State::Gone : Look::State::Held;
+        return look;
+    }
+    look.size = opened.Size();
+    look.time = std::max<int64_t>(opened.WriteTime(), 0);
+    if (opened.IsBeingWritten()) look.state = Look::State::Held;
+    return look;
+}
+
+DockTransfer::Outcome DockTransfer::Run() {
+    Outcome outcome;
+    const auto ended = [&outcome](End end) {
+        outcome.end = end;
+        return outcome;
+    };
+    const LPath folder(Settings::Read(m_settings, SettingsKeys::kDockTransferFolder));
+    if (folder.Empty()) return ended(End::NoFolder);
+    if (IsWithin(folder, m_dataFolder)) return ended(End::OwnFolder);
+    const auto listing = Ask<Listing>([folder] { return List(folder); });
+    if (!listing) return ended(End::Stopped);
+    if (listing->end != End::Done) return ended(listing->end);
+    const int64_t newest = Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue);
+    const bool isNewOnly = Settings::Read(m_settings, SettingsKeys::kDockTransferNew);
+    const int64_t bound = isNewOnly ? std::min(newest, std::numeric_limits<int64_t>::max() - 1) + 1 : 0;
+    size_t done = 0;
+    for (const File& file : listing->files) {
+        if (!m_host.Next(file.path, done++, listing->files.size())) return ended(End::Stopped);
+        if (const End end = Transfer(file, bound, outcome); end != End::Done) return ended(end);
+    }
+    return outcome;
+}
+
+// Done also for a file that is passed over.
+DockTransfer::End DockTransfer::Transfer(const File& file, int64_t bound, Outcome& outcome) {
+    const auto look = Ask<Look>([file] { return LookAt(file); });
+    if (!look) return End::Stopped;
+    if (look->state == Look::State::Gone || look->time < bound) return End::Done;
+    if (look->state == Look::State::Held) {
+        outcome.file = file.path;
+        return End::BeingWritten;
+    }
+    if (look->size == 0) return End::Done;
+    if (look->time > Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue))
+        Settings::WriteNumber(m_settings, kDate.section, kDate.key, look->time);
+    if (!m_host.Load(file.path, Settings::Read(m_settings, SettingsKeys::kDockAutoSend))) return End::Stopped;
+    ++outcome.loaded;
+    if (Settings::Read(m_settings, SettingsKeys::kDockTransferDelete) && !Remove(file, *look)) ++outcome.left;
+    return End::Done;
+}
+
+bool DockTransfer::Remove(const File& file, const Look& before) {
+    const auto removed =
+        Ask<bool>([file, before] { return LookAt(file) == before && LFile::Delete(file.path); });
+    return removed.value_or(false);
+}
+
+std::string DockTransferText(const DockTransfer::Outcome& outcome, const LPath& folder) {
+    using End = DockTransfer::End;
+    const auto withName = [](const char* text, const LPath& path) {
+        return LFormat(text, LShownText(path.View()).c_str());
+    };
+    std::string text;
+    if (outcome.end == End::NoFolder && folder.Empty())
+        text =
+            "Nothing was transferred, since no folder is chosen.\n\nPlease choose the folder into which "
+            "your portable recorder's files come.";
+    else if (outcome.end == End::NoFolder)
+        text = withName(
+            "Nothing was transferred, since this folder is not there:\n\n%.259s\n\nPlease connect "
+            "your portable recorder or its card, or choose another folder.",
+            folder);
+    else if (outcome.end == End::OwnFolder)
+        text = withName(
+            "Nothing was transferred, since Corvane keeps its own dictations in this folder:\n\n"
+            "%.259s\n\nPlease choose that of your portable recorder.",
+            folder);
+    else if (outcome.end == End::Unreadable)
+        text = withName(
+            "Nothing was transferred, since this folder cannot be read:\n\n%.259s\n\nPlease check "
+            "that your portable recorder is connected, and try again.",
+            folder);
+    else if (outcome.end == End::BeingWritten)
+        text = withName(
+            "The transfer ended at this file, which is still being written or open in another "
+            "program:\n\n%.259s\n\nPlease try again when it is complete.",
+            outcome.file);
+    else if (outcome.end == End::Done && outcome.loaded == 0)
+        text = withName("There is nothing to transfer in this folder:\n\n%.259s", folder);
+    if (outcome.left > 0) {
+        text += text.empty() ? "" : "\n\n";
+        text += LFormat(
+            "Files that were transferred but not deleted: %lu.\n\nThey may be write-protected or in use by "
+            "another program.",
+            static_cast<unsigned long>(outcome.left));
+    }
+    return text;
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/LPath.h"
+
+// Transfers the files that a portable recorder has left in a folder: each becomes a new dictation, and is
+// deleted when the settings say so and its sound is safe. The time of the newest file is stored before that
+// file is loaded, so one that cannot be loaded does not stand in the way of the next transfer of new files.
+// Units:  file times in seconds since 1970-01-01 00:00 UTC.
+// Errors: in the outcome; what Load has told the user is not told again.
+// Thread: one at a time. The looks at the folder run where the host has them run.
+class DockTransfer {
+public:
+    class Host {
+    public:
+        virtual ~Host() = default;
+        // Runs a look at the folder, which can hang for half a minute where a network is gone. False: nobody
+        // waits for it any more, and it goes on alone; it owns all that it uses.
+        virtual bool RunApart(const std::function<void()>& look) = 0;
+        // Before each file; false ends the transfer.
+        virtual bool Next(const LPath& file, size_t done, size_t count) = 0;
+        // Makes a dictation of a file and sends it if asked to. True when the file was read to its end and
+        // its sound is on disk in the dictation, and not empty; false after the user was told.
+        virtual bool Load(const LPath& file, bool sends) = 0;
+    };
+
+    enum class End {
+        Done,
+        Stopped,       // cancelled, or a file could not be loaded
+        NoFolder,      // no folder is set, or it is not there
+        OwnFolder,     // it is Corvane's own
+        Unreadable,    // it cannot be listed
+        BeingWritten,  // somebody still writes the file
+    };
+    struct Outcome {
+        End end = End::Done;
+        LPath file;  // of BeingWritten
+        size_t loaded = 0;
+        size_t left = 0;  // loaded, and not deleted although they should be
+    };
+
+    // dataFolder: that of the dictations.
+    DockTransfer(const LPath& settingsFile, const LPath& dataFolder, Host& host)
+        : m_settings(settingsFile), m_dataFolder(dataFolder), m_host(host) {}
+
+    Outcome Run();
+
+private:
+    struct File {
+        LPath path;
+        int64_t time = 0;  // as listed
+    };
+    struct Listing {
+        End end = End::Done;
+        std::vector<File> files;
+    };
+    // What the file system says of a file at this moment.
+    struct Look {
+        enum class State { Gone, Held, There };
+        State state = State::Gone;
+        int64_t size = 0;
+        int64_t time = 0;
+        bool operator==(const Look&) const = default;
+    };
+
+    template <class T>
+    std::optional<T> Ask(std::function<T()> ask);
+    static Listing List(const LPath& folder);
+    static Look LookAt(const File& file);
+    End Transfer(const File& file, int64_t bound, Outcome& outcome);
+    bool Remove(const File& file, const Look& before);
+
+    LPath m_settings;
+    LPath m_dataFolder;
+    Host& m_host;
+};
+
+// What the user is told of an outcome; empty where nothing is to be said.
+std::string DockTransferText(const DockTransfer::Outcome& outcome, const LPath& folder);

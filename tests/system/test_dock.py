@@ -1,0 +1,85 @@
+"""Dictations that come from a portable recorder: recorded from its line, and as files."""
+
+import subprocess
+
+import pytest
+import sound
+from corvane import WM_CLOSE, Dialog, read_ini, sizes_known, wait_for
+
+pytestmark = [pytest.mark.alone, pytest.mark.recording]
+
+OK = 1
+TITLE = "Record from Portable Recorder"
+
+
+def says(dialog, words):
+    wait_for(lambda: words in dialog.item("IDC_DOCK_STATUS")["text"], words)
+
+
+def close(program, dialog):
+    program.winctl.ask("post", dialog.window, WM_CLOSE, 0, 0)
+    wait_for(lambda: not program.winctl.ask("window", dialog.window), "a closed dialog")
+
+
+def settings(data):
+    return read_ini(data.settings)["settings"]
+
+
+def test_a_tape_is_recorded_at_normal_and_at_high_speed(corvane, data, speech, more_speech, tmp_path):
+    tape, spoken = speech
+    fast = tmp_path / "fast.wav"
+    subprocess.run(["sox", tape, fast, "speed", "2"], check=True)
+    program = corvane()
+    program.command("IDC_DOCK")
+    assert "you must select your preferred Dock method" in program.wait_box("Dock Method Not Known")
+    program.answer_box("Dock Method Not Known", OK)
+
+    dialog = Dialog(program, TITLE, "CM_DOCK_CABLE")
+    says(dialog, "press the play button on your portable")
+    program.command("CM_RECORD")  # nothing is lost yet, so the microphone goes first
+    wait_for(lambda: program.api(7) == 2, "a recording by the microphone")
+    says(dialog, "Unable to start transfer")
+    program.stop()
+    says(dialog, "press the play button on your portable")
+    close(program, dialog)
+    assert not data.record(1) and not data.audio(1).exists(), "nothing was heard"
+    assert settings(data)["dockmethod"] == "0" and "dockactivate" not in settings(data)
+
+    program.command("IDC_DOCK")
+    dialog = Dialog(program, TITLE)
+    sound.play(more_speech[0])
+    says(dialog, "When complete please click Done.")
+    program.command("CM_RECORD")
+    assert "recording your portable recorder" in program.wait_box("Portable Recorder")
+    program.answer_box("Portable Recorder", OK)
+    dialog.press("IDC_DOCK_RESTART")
+    says(dialog, "press the play button")
+    assert data.audio(3).stat().st_size > 40000, "kept until something new is heard"
+    sound.play(tape)
+    dialog.end(OK)
+    sound.assert_is(spoken, sound.read_wav(data.audio(3)))
+    assert data.record(3)["name"] == "Tape 3" and program.row(3)["texts"][3] == "00:06"
+
+    dialog = Dialog(program, TITLE, "CM_DOCK_CABLE")
+    dialog.press("IDC_DOCK_HIGHSPEED")
+    dialog.type("IDC_DOCK_PERCENT", "0")
+    says(dialog, "speed as a number of percent")
+    dialog.press(OK)
+    assert "whole number" in program.wait_box("Error")
+    program.answer_box("Error", OK)
+    dialog.type("IDC_DOCK_PERCENT", "200")
+    dialog.press("IDC_DOCK_AUTOSEND")
+    says(dialog, "press the play button")
+    sound.play(fast)
+    dialog.end(OK)
+    assert program.wait_sent(4) == "Sent" and len(data.delivered()) == 1 and not program.row(4)
+    # What is kept around the words lasts twice as long at their own speed.
+    sound.assert_is(spoken, sound.read_wav(data.audio(4, data.sent)), seconds=0.6)
+    expected = {"dockhighspeed": "true", "dockhighspeedpercent": "200", "dockactivate": "-15dB"}
+    assert expected.items() <= settings(data).items() and "docksoundinchan" not in settings(data)
+
+    dialog = Dialog(program, TITLE, "CM_DOCK_CABLE")
+    sound.play(fast)
+    says(dialog, "When complete")
+    assert program.close() == 0
+    assert sizes_known(data.audio(5)) and sound.read_wav(data.audio(5)).duration > 5
