@@ -285,8 +285,8 @@ void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
     if (wParam != IDC_RECORD)
         Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
     else if (lParam != 0)
-        m_devices.CommandPress(CI_RECORD);
+        m_devices.CommandPress(InputControl::RecordButton, CI_RECORD);
     else
-        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
+        m_devices.CommandRelease(InputControl::RecordButton, CI_RECORD, kHoldLimitMs);
     if (lParam == 0) LeaveButton();
 }
