@@ -180,6 +180,7 @@
 #define TIMER_STOPPEDTONE 5
 #define TIMER_SHOWLATER   6
 #define TIMER_SENDSHOWN   7
+#define TIMER_DEVICES     8
 
 // The timer of each dialog on sent dictations
 #define TIMER_REFRESH 1
@@ -197,6 +198,7 @@
 #define WM_HOLDBUTTON     0x8004
 #define WM_INSERTKEPT     0x8005
 #define WM_HELPNOTSHOWN   0x8010
+#define WM_MICLOST        0x8012
 
 // Message into the dialog on sent work: the typists' reports are collected
 #define WM_STATUSCOLLECTED 0x8011

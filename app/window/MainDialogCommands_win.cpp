@@ -215,11 +215,14 @@ bool MainDialog::Dock() {
     return false;
 }
 
-// A hot key of ours would not reach the box in which keys are chosen.
+// A hot key of ours would not reach the box in which keys are chosen, and the pedals are tested there.
 bool MainDialog::ShowHardwareSettings() {
     m_hotKeys.UnregisterHotKeys();
+    m_pedals.Stop();
     ::ShowHardwareSettings(m_state.data.settingsFile, m_runner);
-    if (IsOpen()) m_hotKeys.RegisterHotKeys(Window());
+    if (!IsOpen()) return true;
+    m_pedals.Start(Window());
+    m_hotKeys.RegisterHotKeys(Window());
     return true;
 }
 
