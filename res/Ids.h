@@ -172,6 +172,19 @@
 #define IDC_EMAIL_HOST            863
 #define IDC_ADDRESSES_LIST        871
 
+// The page of pedals and sound devices
+#define IDC_HARDWARE_PORT     881
+#define IDC_HARDWARE_CONTROL1 882
+#define IDC_HARDWARE_CONTROL2 883
+#define IDC_HARDWARE_CONTROL3 884
+#define IDC_HARDWARE_CONTROL4 885
+#define IDC_HARDWARE_TEST     886
+#define IDC_HARDWARE_HINT     887
+#define IDC_HARDWARE_INPUT    891
+#define IDC_HARDWARE_LINE     892
+#define IDC_HARDWARE_OUTPUT   893
+#define IDC_HARDWARE_MIXER    894
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -251,6 +264,7 @@
 #define IDD_RECIPIENT     121
 #define IDD_EMAIL         122
 #define IDD_ADDRESSES     123
+#define IDD_HARDWARE      130
 #define IDM_MAIN          200
 #define IDM_DICTATION     201
 #define IDM_INFO          202
