@@ -2,9 +2,10 @@
 
 #include <commctrl.h>
 
-#include "app/dialogs/InputLists_win.h"
+#include "app/transport/MixerLines_win.h"
 #include "app/transport/RecordPlan.h"
 #include "audio/device/LDBDisplay_win.h"
+#include "audio/device/LMixer_win.h"
 #include "base/LText.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
@@ -62,11 +63,7 @@ bool DockDialog::InitDialog() {
 void DockDialog::ShowInput() {
     MixerLines lines;
     m_input = GetDockSoundIn(m_state.data.settingsFile, lines);
-    m_linesOf = m_input.device;
-    AddInputDevices(Item(IDC_DOCK_DEVICE), m_input.device);
-    AddInputLines(Item(IDC_DOCK_LINE), m_input.device, m_input.line);
-    LSelectListItem(Item(IDC_DOCK_DEVICE), m_input.device);
-    LSelectListItem(Item(IDC_DOCK_LINE), m_input.line);
+    m_lines.Fill(Item(IDC_DOCK_DEVICE), Item(IDC_DOCK_LINE), m_input.device, m_input.line);
 }
 
 void DockDialog::ShowValues() const {
@@ -78,7 +75,7 @@ void DockDialog::ShowValues() const {
 
 DockRecording::Choice DockDialog::Shown() const {
     DockRecording::Choice choice;
-    choice.input = {LSelectedListItem(Item(IDC_DOCK_DEVICE)).value_or(m_linesOf),
+    choice.input = {LSelectedListItem(Item(IDC_DOCK_DEVICE)).value_or(m_lines.Device()),
                     LSelectedListItem(Item(IDC_DOCK_LINE)).value_or(LMixer::kRecordMixerChannel)};
     choice.startDb = Level(IDC_DOCK_START);
     choice.percent = 100;
@@ -148,17 +145,7 @@ bool DockDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 }
 
 bool DockDialog::EvCommand(int control, int notification) {
-    if (control == IDC_DOCK_DEVICE && notification == CBN_SELCHANGE) {
-        const int32_t device = LSelectedListItem(Item(IDC_DOCK_DEVICE)).value_or(m_linesOf);
-        if (device == m_linesOf) return true;
-        MixerLines lines;
-        const int32_t line = ResolveDockSoundIn({device, kChooseLine}, lines).line;
-        SendMessageA(Item(IDC_DOCK_LINE), CB_RESETCONTENT, 0, 0);
-        AddInputLines(Item(IDC_DOCK_LINE), device, line);
-        LSelectListItem(Item(IDC_DOCK_LINE), line);
-        m_linesOf = device;
-        return true;
-    }
+    if (control == IDC_DOCK_DEVICE && notification == CBN_SELCHANGE) return m_lines.Follow(), true;
     if (notification != BN_CLICKED) return false;
     switch (control) {
         case IDOK:

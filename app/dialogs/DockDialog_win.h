@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "app/dialogs/SettingsRows_win.h"
+#include "app/dialogs/SoundLists_win.h"
 #include "app/transport/DockRecording_win.h"
 #include "store/DictationFiles.h"
 #include "ui/LDialog.h"
@@ -70,8 +71,8 @@ private:
     LControlTable m_table;
     DockRecording m_recording;
     DictationFiles m_files;
-    SoundInput m_input;                // as shown first
-    int32_t m_linesOf = 0;             // the device whose lines are listed
+    SoundInput m_input;  // as shown first
+    InputLineList m_lines{InputLineList::Lines::ForPortable};
     DockRecording::Choice m_recorded;  // with which the recording was begun
     bool m_hasYielded = false;
     bool m_sends = false;  // Done was pressed, and the dictation is to be sent

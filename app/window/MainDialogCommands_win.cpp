@@ -221,11 +221,14 @@ bool MainDialog::Dock() {
     return false;
 }
 
-// A hot key of ours would not reach the box in which keys are chosen.
+// A hot key of ours would not reach the box in which keys are chosen, and the pedals are tested there.
 bool MainDialog::ShowHardwareSettings() {
     m_hotKeys.UnregisterHotKeys();
+    m_pedals.Stop();
     ::ShowHardwareSettings(m_state.data.settingsFile, m_runner);
-    if (IsOpen()) m_hotKeys.RegisterHotKeys(Window());
+    if (!IsOpen()) return true;
+    m_pedals.Start(Window());
+    m_hotKeys.RegisterHotKeys(Window());
     return true;
 }
 
@@ -291,8 +294,8 @@ void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
     if (wParam != IDC_RECORD)
         Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
     else if (lParam != 0)
-        m_devices.CommandPress(CI_RECORD);
+        m_devices.CommandPress(InputControl::RecordButton, CI_RECORD);
     else
-        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
+        m_devices.CommandRelease(InputControl::RecordButton, CI_RECORD, kHoldLimitMs);
     if (lParam == 0) LeaveButton();
 }

@@ -36,7 +36,9 @@ constexpr UINT kRestLookMs = 250;
 constexpr UINT kSendShownMs = 100;
 constexpr UINT kToneFirstMs = 150;  // after a stop
 constexpr UINT kTonePeriodMs = 7000;
-constexpr UINT kAppCommand = 0x0319;  // WM_APPCOMMAND, of media keys
+constexpr UINT kAppCommand = 0x0319;    // WM_APPCOMMAND, of media keys
+constexpr UINT kDeviceChange = 0x0219;  // WM_DEVICECHANGE
+constexpr UINT kDevicesMs = 1000;  // a device that is plugged in is told several times, and starts slowly
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
 constexpr char kNotAllListed[] =
@@ -53,7 +55,8 @@ const MainDialog::AskedEntry MainDialog::kAsked[] = {
     {WM_DRAWITEM, &MainDialog::EvDrawItem},       {WM_NOTIFY, &MainDialog::EvNotify},
     {WM_CONTEXTMENU, &MainDialog::EvContextMenu}, {WM_INITMENUPOPUP, &MainDialog::EvInitMenuPopup},
     {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},  {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
-    {kAppCommand, &MainDialog::EvAppCommand},     {WM_APICOMMAND, &MainDialog::EvAPICommand},
+    {kDeviceChange, &MainDialog::EvDeviceChange}, {kAppCommand, &MainDialog::EvAppCommand},
+    {WM_APICOMMAND, &MainDialog::EvAPICommand},
 };
 
 // The same for messages that are answered with 0.
@@ -72,19 +75,21 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_HOTKEY, &MainDialog::EvHotKey},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
     {WM_DOCKREQUEST, &MainDialog::EvDockRequest},
-    {WM_MICBUTTON, &MainDialog::EvMicButton},
+    {WM_MICBUTTON, &MainDialog::EvSpeechMikeControl},
     {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
     {WM_INSERTKEPT, &MainDialog::EvInsertKept},
     {WM_HELPNOTSHOWN, &MainDialog::EvHelpNotShown},
+    {WM_MICLOST, &MainDialog::EvMicLost},
     {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
 };
 
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
-    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},   {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
-    {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},       {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
-    {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater}, {TIMER_SENDSHOWN, &MainDialog::EvTimerSendShown},
+    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},       {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_HARDWARE, &MainDialog::EvTimerHardware},       {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},
+    {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone}, {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
+    {TIMER_SENDSHOWN, &MainDialog::EvTimerSendShown},     {TIMER_DEVICES, &MainDialog::EvTimerDevices},
 };
 
 MainDialog::MainDialog(AppState& state)
@@ -98,6 +103,7 @@ MainDialog::MainDialog(AppState& state)
              [](const LPath&, bool) { return false; }),
       m_devices(*this),
       m_hotKeys(state, m_devices),
+      m_pedals(state, m_devices, m_runner),
       m_api(*this),
       m_keyboard(*this),
       m_layout(state),
@@ -137,7 +143,9 @@ bool MainDialog::InitDialog() {
     if (!FillList()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
+    m_pedals.Start(Window());
     m_hotKeys.RegisterHotKeys(Window());
+    m_microphone.Open(Window(), WM_MICLOST);
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
@@ -175,7 +183,9 @@ void MainDialog::CloseWindow() {
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
     m_isClosing = true;
+    m_microphone.Close();
     m_hotKeys.UnregisterHotKeys();
+    m_pedals.Stop();
     m_transport.LeaveInserts(true);
     m_display.Detach();
     m_sent.RequestStopCollecting();
@@ -302,8 +312,18 @@ bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
     return false;
 }
 
-void MainDialog::EvMicButton(WPARAM wParam, LPARAM) {
+void MainDialog::EvSpeechMikeControl(WPARAM wParam, LPARAM) {
     m_devices.MicButton(LOWORD(wParam));
+}
+
+bool MainDialog::EvDeviceChange(WPARAM, LPARAM, LRESULT&) {
+    SetTimer(Window(), TIMER_DEVICES, kDevicesMs, nullptr);
+    return false;
+}
+
+void MainDialog::EvTimerDevices() {
+    m_pedals.Renew();
+    m_microphone.Renew();
 }
 
 bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -450,6 +470,7 @@ void MainDialog::EvTimerInfoLine() {
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
     if (!IsHandBusy() && m_runner.OpenModal() != LModalRunner::Modal::Process) m_list.ReloadUnreadable();
     m_sent.CollectReports();
+    m_microphone.Retry();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);
@@ -529,6 +550,9 @@ void MainDialog::ActivityChanged() {
     m_list.ShowRecorded(m_transport.IsRecording() ? m_current.Files() : std::nullopt);
     m_display.ShowActivity();
     m_display.ShowSituation(Situation());
+    m_microphone.Show(m_transport.IsRecording() ? DictCtrl::Display::Recording
+                      : m_transport.IsPlaying() ? DictCtrl::Display::Playing
+                                                : DictCtrl::Display::Stopped);
     if (!m_transport.IsRunning()) SetTimer(Window(), TIMER_STOPPEDTONE, kToneFirstMs, nullptr);
 }
 

@@ -18,10 +18,12 @@
 #include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
+#include "app/window/Pedals_win.h"
 #include "app/window/SentCommands_win.h"
 #include "app/window/WindowDisplay_win.h"
 #include "app/window/WindowLayout_win.h"
 #include "base/LFileLock.h"
+#include "hardware/DictationMicrophone_win.h"
 #include "send/BGSend.h"
 #include "store/DictationFiles.h"
 #include "ui/LDialog.h"
@@ -101,6 +103,7 @@ private:
     bool EvInitMenuPopup(WPARAM wParam, LPARAM, LRESULT&);
     bool IsBesideRows(const MSG& message);
     bool AskTip(const NMHDR& header, LRESULT& result);
+    bool EvDeviceChange(WPARAM wParam, LPARAM, LRESULT& result);
     void EvDockRequest(WPARAM wParam, LPARAM lParam) { m_dock.EvRequest(static_cast<int>(wParam), lParam); }
     void EvDrag(WPARAM, LPARAM);
     void EvDragEnd(WPARAM, LPARAM);
@@ -114,7 +117,7 @@ private:
     void EvHotKey(WPARAM wParam, LPARAM) { m_hotKeys.EvHotKey(static_cast<int>(wParam)); }
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
-    void EvMicButton(WPARAM wParam, LPARAM);
+    void EvMicLost(WPARAM, LPARAM) { m_devices.ReleaseMic(); }
     void EvMove(WPARAM, LPARAM);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
@@ -123,6 +126,7 @@ private:
     void EvSendProgress(WPARAM, LPARAM);
     void EvShowLater(WPARAM, LPARAM);
     void EvSize(WPARAM wParam, LPARAM);
+    void EvSpeechMikeControl(WPARAM wParam, LPARAM);
     void EvTimer(WPARAM wParam, LPARAM);
     bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
 
@@ -132,6 +136,8 @@ private:
     void EvTimerStoppedTone();
     void RepeatStoppedTone();
     void EvTimerHotKey() { m_hotKeys.EvTimer(); }
+    void EvTimerHardware() { m_pedals.EvTimer(); }
+    void EvTimerDevices();
     void EvTimerShowLater() { EvShowLater(0, 0); }
     void EvTimerSendShown();
     // Something is recorded, played or wound, also a sent dictation.
@@ -244,6 +250,8 @@ private:
     DockCommands m_dock;
     DeviceCommands m_devices;
     HotKeys m_hotKeys;
+    Pedals m_pedals;
+    DictationMicrophone m_microphone;
     ApiCommands m_api;
     Keyboard m_keyboard;
     Help m_help;
