@@ -107,28 +107,20 @@ bool LMP3Source::Open() {
     return true;
 }
 
-// The picture in a tag holds bytes that look like a header. So one is preferred that another one of the same
-// format, or the end, follows; where there is none such, the first one counts.
+// Sound of other formats and the picture in a tag hold bytes that look like a header. So one counts only
+// where another one of the same format follows its frame, or a tag, or the end.
 bool LMP3Source::DecodeInitialHeader() {
     constexpr int64_t kMostSkipped = 16384;
-    MP3Header header;
-    bool hasFound = false;
-    while (header.ReadHeader(*m_stream)) {
-        const int64_t start = m_stream->Position() - static_cast<int64_t>(header.HeaderBytes());
-        if (start > kMostSkipped) break;
-        const int64_t end = start + static_cast<int64_t>(header.FrameBytes());
+    do {
+        if (!m_first.ReadHeader(*m_stream)) return false;
+        m_firstFrame = m_stream->Position() - static_cast<int64_t>(m_first.HeaderBytes());
+        const int64_t end = m_firstFrame + static_cast<int64_t>(m_first.FrameBytes());
         uint8_t bytes[4];
         MP3Header next;
-        const bool isFollowed = end == m_stream->Size() || (ReadAt(*m_stream, end, bytes) &&
-                                                            next.Accept(bytes) && HasFormatOf(header, next));
-        if (isFollowed || !hasFound) {
-            m_first = header;
-            m_firstFrame = start;
-            hasFound = true;
-        }
-        if (isFollowed || !m_stream->Seek(start + 1)) break;
-    }
-    return hasFound;
+        if (end == m_stream->Size() || IsTag(end)) return true;
+        if (ReadAt(*m_stream, end, bytes) && next.Accept(bytes) && HasFormatOf(m_first, next)) return true;
+    } while (m_firstFrame < kMostSkipped && m_stream->Seek(m_firstFrame + 1));
+    return false;
 }
 
 // A first frame whose place of main data names an encoder's information is not heard. It may tell how many
@@ -197,13 +189,13 @@ bool LMP3Source::Advance() {
     m_hasEnded = true;
     m_pcmFrames = m_pcmUsed = 0;
     m_end = Saturate(m_decoded);
-    m_isWhole = m_stream->Position() >= m_stream->Size() || IsFollowedByTag();
+    m_isWhole = m_stream->Position() >= m_stream->Size() || IsTag(m_frameStart);
     return false;
 }
 
-bool LMP3Source::IsFollowedByTag() {
+bool LMP3Source::IsTag(int64_t offset) {
     uint8_t tag[8] = {};
-    m_stream->Seek(m_frameStart);
+    m_stream->Seek(offset);
     m_stream->Read(tag);
     return StartsWith(tag, "TAG") || StartsWith(tag, "ID3") || StartsWith(tag, "APETAGEX") ||
            StartsWith(tag, "LYRICSBE");
@@ -225,7 +217,7 @@ void LMP3Source::Read(int32_t* samples, int32_t frames) {
     std::fill_n(samples + static_cast<size_t>(done) * channels, static_cast<size_t>(frames - done) * channels,
                 0);
     // Where the end is expected it is looked for, so that the length is right when the position reaches it.
-    if (Buffered() == 0 && m_position >= Estimate()) Advance();
+    if (!m_hasEnded && Buffered() == 0 && m_position >= Estimate()) Advance();
 }
 
 int64_t LMP3Source::Estimate() const {

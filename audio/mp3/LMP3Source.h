@@ -42,7 +42,7 @@ private:
     bool DecodeHeader();
     bool DecodeFrame();
     bool Advance();
-    bool IsFollowedByTag();
+    bool IsTag(int64_t offset);
     int32_t Buffered() const { return m_pcmFrames - m_pcmUsed; }
     int64_t Estimate() const;
 

@@ -24,7 +24,7 @@ public:
         return static_cast<uint32_t>(m_cache >> (kBits - bits));
     }  // 1 to 24
     void Skip(uint32_t bits) {
-        m_cache <<= bits;
+        m_cache <<= bits % kBits;
         m_count -= bits;
     }
     // 0 to 24 bits.

@@ -2,8 +2,8 @@
 
 // The numbers of the public standards: ISO/IEC 11172-3 (MPEG-1: band limits of Table B.8, Huffman codes of
 // Table B.7, window of Table B.3) and ISO/IEC 13818-3 (MPEG-2: band limits of Table B.2); for the rates below
-// 16000 Hz the customary ones. Copies differ in one limit: at 24000 Hz the streams of the standard are met with
-// 332, not with 330.
+// 16000 Hz the customary ones. Copies differ in one limit: at 24000 Hz the streams of the standard are met
+// with 332, not with 330.
 
 // clang-format off
 const MP3Bands kMP3BandLimits[9] = {

@@ -25,41 +25,42 @@ private:
     size_t m_end = m_widths[0];
 };
 
-float Escaped(MP3BitReader& bits, uint32_t value, uint32_t linearBits) {
+// A value of which only the magnitude was coded, up to 15: behind it are the rest and the sign.
+[[gnu::always_inline]] inline float Escaped(MP3BitReader& bits, uint32_t value, uint32_t linearBits) {
     if (value == 0) return 0;
-    if (value == 15) value += bits.Get(linearBits);
-    return bits.Flag() ? -MP3LT::Tables().power[value] : MP3LT::Tables().power[value];
+    const uint32_t more = bits.Get(value == 15 ? linearBits + 1 : 1);
+    const float power = MP3LT::Tables().power[value + more / 2];
+    return (more & 1) != 0 ? -power : power;
 }
 
-// Pairs of one band, from one table.
-void ReadPairs(MP3BitReader& bits, const MP3PairTable& table, float gain, float* line, const float* end) {
-    MP3BitReader in = bits;
-    const MP3LT::Code* entries = MP3LT::Tables().pairs[table.codeSet].data();
+// Pairs of one band, from one table. In line, as the next functions, so that the reader stays in registers.
+[[gnu::always_inline]] inline void ReadPairs(MP3BitReader& bits, const MP3PairTable& table, float gain,
+                                             float* line, const float* end) {
+    const MP3LT::Code* codes = MP3LT::Tables().pairs[table.codeSet].data();
     const float* values = MP3LT::Tables().signedPower;
     for (; line < end; line += 2) {
-        in.Refill();
-        MP3LT::Code code = entries[in.Peek(MP3LT::kPairBits)];
-        in.Skip(code.bits);
-        if (code.kind != MP3LT::kDirect) [[unlikely]] {
-            if (code.kind != MP3LT::kEscape) {
-                code = entries[code.x + size_t{code.y} * 256 + in.Peek(code.kind)];
-                in.Skip(code.bits);
+        bits.Refill();
+        MP3LT::Code code = codes[bits.Peek(MP3LT::kPairBits)];
+        bits.Skip(code & 0xFF);
+        if (code >> 24 != 0) [[unlikely]] {
+            if (code >> 24 != MP3LT::kEscape) {
+                code = codes[(code >> 8 & 0xFFFF) + bits.Peek(code >> 24)];
+                bits.Skip(code & 0xFF);
             }
-            if (code.kind == MP3LT::kEscape) {
-                line[0] = Escaped(in, code.x, table.linearBits) * gain;
-                line[1] = Escaped(in, code.y, table.linearBits) * gain;
+            if (code >> 24 == MP3LT::kEscape) {
+                line[0] = Escaped(bits, code >> 8 & 0xFF, table.linearBits) * gain;
+                line[1] = Escaped(bits, code >> 16 & 0xFF, table.linearBits) * gain;
                 continue;
             }
         }
-        line[0] = values[code.x] * gain;
-        line[1] = values[code.y] * gain;
+        line[0] = values[code >> 8 & 0xFF] * gain;
+        line[1] = values[code >> 16 & 0xFF] * gain;
     }
-    bits = in;
 }
 
 // The big values. Returns the line behind them; where the bits end early, that behind the last whole band.
-size_t ReadBigValues(MP3BitReader& bits, int32_t end, const MP3Granule& granule, BandWalk& bands,
-                     float* lines) {
+[[gnu::always_inline]] inline size_t ReadBigValues(MP3BitReader& bits, int32_t end, const MP3Granule& granule,
+                                                   BandWalk& bands, float* lines) {
     const size_t count = granule.bigValues * size_t{2};
     size_t line = 0;
     for (size_t region = 0; region < 3; ++region) {
@@ -80,25 +81,34 @@ size_t ReadBigValues(MP3BitReader& bits, int32_t end, const MP3Granule& granule,
     return line;
 }
 
+// The four values of one quadruple; false when it ends behind the bits.
+[[gnu::always_inline]] inline bool ReadQuad(MP3BitReader& bits, int32_t end, const uint16_t* quads, float low,
+                                            float high, float* line) {
+    bits.Refill();
+    const uint32_t quad = quads[bits.Peek(MP3LT::kQuadBits)];
+    bits.Skip(quad & 0xFF);
+    if (bits.Position() > end) return false;
+    const float* values = MP3LT::Tables().quadValues[quad >> 8];
+    line[0] = values[0] * low;
+    line[1] = values[1] * low;
+    line[2] = values[2] * high;
+    line[3] = values[3] * high;
+    return true;
+}
+
 // Quadruples of values of at most 1, until the bits or the lines end. One that ends behind the bits is none.
-size_t ReadQuads(MP3BitReader& bits, int32_t end, const uint16_t* quads, BandWalk& bands, size_t line,
-                 float* lines) {
-    const float* values = MP3LT::Tables().quadValues;
-    MP3BitReader in = bits;
+[[gnu::always_inline]] inline size_t ReadQuads(MP3BitReader& bits, int32_t end, const uint16_t* quads,
+                                               BandWalk& bands, size_t line, float* lines) {
     while (line + 4 <= kMP3Lines) {
-        in.Refill();
-        const uint32_t quad = quads[in.Peek(MP3LT::kQuadBits)];
-        in.Skip(quad & 0xFF);
-        if (in.Position() > end) break;
         bands.Advance(line);
-        lines[line] = values[quad >> 8 & 3] * bands.Gain();
-        lines[line + 1] = values[quad >> 10 & 3] * bands.Gain();
-        bands.Advance(line + 2);
-        lines[line + 2] = values[quad >> 12 & 3] * bands.Gain();
-        lines[line + 3] = values[quad >> 14 & 3] * bands.Gain();
+        const float gain = bands.Gain();
+        for (const size_t stop = bands.End(); line + 4 <= stop; line += 4)
+            if (!ReadQuad(bits, end, quads, gain, gain, lines + line)) return line;
+        if (line >= bands.End() || line + 4 > kMP3Lines) continue;
+        bands.Advance(line + 2);  // across the limit of two bands
+        if (!ReadQuad(bits, end, quads, gain, bands.Gain(), lines + line)) return line;
         line += 4;
     }
-    bits = in;
     return line;
 }
 
@@ -121,7 +131,7 @@ void MP3BandGains(const MP3Granule& granule, const MP3ScaleFactors& factors, con
             windows[(b - longBands) % 3] * tables.scaleFactor[factors.values[b] << granule.scaleFactorShift];
 }
 
-size_t MP3ReadLines(MP3BitReader& bits, int32_t end, const MP3Granule& granule, const MP3Layout& layout,
+size_t MP3ReadLines(MP3BitReader bits, int32_t end, const MP3Granule& granule, const MP3Layout& layout,
                     const float* gains, float* lines) {
     BandWalk bands(layout.Widths(granule), gains);
     size_t line = ReadBigValues(bits, end, granule, bands, lines);

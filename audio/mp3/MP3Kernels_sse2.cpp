@@ -30,7 +30,7 @@ struct Sse2 {
         }
     }
     static V Pairs(const float* low, const float* high) {
-        const V v = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(low)));
+        const V v = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(low));
         return _mm_loadh_pi(v, reinterpret_cast<const __m64*>(high));
     }
     static void StoreColumns(const V* columns, float* const* rows, size_t at) {

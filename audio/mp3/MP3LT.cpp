@@ -9,7 +9,6 @@
 
 namespace {
 
-MP3LT s_tables;
 bool s_isBuilt = false;
 
 uint32_t Length(uint32_t code) {
@@ -29,40 +28,37 @@ void FillPowers(MP3LT& t) {
         t.signedPower[16 + i] = t.power[i];
         t.signedPower[16 - i] = -t.power[i];
     }
-    t.quadValues[1] = 1;
-    t.quadValues[2] = -1;
+    constexpr float kValues[4] = {0, 1, -1, 0};
+    for (uint32_t i = 0; i < 256; ++i)
+        for (uint32_t k = 0; k < 4; ++k) t.quadValues[i][k] = kValues[i >> (2 * k) & 3];
 }
 
 // A code with the signs behind it, as it stands in the stream.
 struct SignedCode {
     uint32_t bits;
     uint32_t length;
-    MP3LT::Code code;
+    MP3LT::Code code;  // without its length
 };
 
 // The pairs of a set with every combination of signs. Where linear bits follow, a pair with a 15 stands once,
 // and its signs come later.
 std::vector<SignedCode> SignedCodes(std::span<const uint32_t> set, bool hasLinear) {
-    const uint32_t side = set.size() == 256 ? 16 : static_cast<uint32_t>(std::lround(std::sqrt(set.size())));
+    uint32_t side = 2;
+    while (side * side < set.size()) ++side;
     std::vector<SignedCode> all;
     for (uint32_t i = 0; i < set.size(); ++i) {
-        const int x = static_cast<int>(i / side), y = static_cast<int>(i % side);
-        const uint32_t bits = set[i] - (1u << Length(set[i]));
-        const bool isEscape = hasLinear && (x == 15 || y == 15);
-        if (isEscape) {
-            all.push_back({bits,
-                           Length(set[i]),
-                           {0, static_cast<uint8_t>(x), static_cast<uint8_t>(y), MP3LT::kEscape}});
+        const uint32_t x = i / side, y = i % side, length = Length(set[i]), bits = set[i] - (1u << length);
+        if (hasLinear && (x == 15 || y == 15)) {
+            all.push_back({bits, length, MP3LT::MakeCode(0, x, y, MP3LT::kEscape)});
             continue;
         }
         const uint32_t signs = (x > 0 ? 1u : 0u) + (y > 0 ? 1u : 0u);
         for (uint32_t s = 0; s < 1u << signs; ++s) {
             const bool isXNegative = x > 0 && (s >> (signs - 1) & 1) != 0;
             const bool isYNegative = y > 0 && (s & 1) != 0;
-            all.push_back({bits << signs | s,
-                           Length(set[i]) + signs,
-                           {0, static_cast<uint8_t>(isXNegative ? 16 - x : 16 + x),
-                            static_cast<uint8_t>(isYNegative ? 16 - y : 16 + y), MP3LT::kDirect}});
+            all.push_back(
+                {bits << signs | s, length + signs,
+                 MP3LT::MakeCode(0, isXNegative ? 16 - x : 16 + x, isYNegative ? 16 - y : 16 + y, 0)});
         }
     }
     return all;
@@ -70,37 +66,33 @@ std::vector<SignedCode> SignedCodes(std::span<const uint32_t> set, bool hasLinea
 
 // Enters a code at every index of a table of so many bits that begins with it.
 void Enter(MP3LT::Code* table, uint32_t tableBits, uint32_t bits, uint32_t length, MP3LT::Code code) {
-    code.bits = static_cast<uint8_t>(length);
     const uint32_t free = tableBits - length;
-    for (uint32_t i = 0; i < 1u << free; ++i) table[(bits << free) + i] = code;
+    for (uint32_t i = 0; i < 1u << free; ++i) table[(bits << free) + i] = code | length;
 }
 
 void FillPairs(std::vector<MP3LT::Code>& codes, std::span<const uint32_t> set, bool hasLinear) {
     constexpr uint32_t kFirst = MP3LT::kPairBits;
     const std::vector<SignedCode> all = SignedCodes(set, hasLinear);
-    std::vector<uint8_t> widths(1 << kFirst);  // of the second tables
+    std::vector<uint32_t> widths(1 << kFirst), offsets(1 << kFirst);  // of the second tables
     for (const SignedCode& c : all) {
         if (c.length <= kFirst) continue;
-        uint8_t& width = widths[c.bits >> (c.length - kFirst)];
-        width = std::max(width, static_cast<uint8_t>(c.length - kFirst));
+        uint32_t& width = widths[c.bits >> (c.length - kFirst)];
+        width = std::max(width, c.length - kFirst);
     }
     codes.resize(1 << kFirst);
     for (size_t i = 0; i < widths.size(); ++i) {
         if (widths[i] == 0) continue;
-        const size_t offset = codes.size();
-        codes[i] = {kFirst, static_cast<uint8_t>(offset & 0xFF), static_cast<uint8_t>(offset >> 8),
-                    widths[i]};
-        codes.resize(offset + (size_t{1} << widths[i]));
+        offsets[i] = static_cast<uint32_t>(codes.size());
+        codes[i] = MP3LT::MakeCode(kFirst, offsets[i] & 0xFF, offsets[i] >> 8, widths[i]);
+        codes.resize(codes.size() + (size_t{1} << widths[i]));
     }
     for (const SignedCode& c : all) {
         if (c.length <= kFirst) {
             Enter(codes.data(), kFirst, c.bits, c.length, c.code);
             continue;
         }
-        const uint32_t rest = c.length - kFirst;
-        const MP3LT::Code& first = codes[c.bits >> rest];
-        const size_t offset = first.x + size_t{first.y} * 256;
-        Enter(&codes[offset], first.kind, c.bits & ((1u << rest) - 1), rest, c.code);
+        const uint32_t rest = c.length - kFirst, first = c.bits >> rest;
+        Enter(&codes[offsets[first]], widths[first], c.bits & ((1u << rest) - 1), rest, c.code);
     }
 }
 
@@ -124,6 +116,8 @@ void FillQuads(uint16_t* table, std::span<const uint32_t> set) {
 
 }  // namespace
 
+MP3LT MP3LT::s_tables;
+
 bool MP3LT::InitTables() {
     if (s_isBuilt) return true;
     FillPowers(s_tables);
@@ -132,8 +126,4 @@ bool MP3LT::InitTables() {
     for (size_t i = 0; i < 2; ++i) FillQuads(s_tables.quads[i], kMP3QuadSets[i]);
     s_isBuilt = true;
     return true;
-}
-
-const MP3LT& MP3LT::Tables() {
-    return s_tables;
 }

@@ -7,7 +7,9 @@
 // Thread: the first InitTables() before any other thread decodes; afterwards any.
 struct MP3LT {
     static bool InitTables();
-    static const MP3LT& Tables();
+    static const MP3LT& Tables() { return s_tables; }
+
+    static MP3LT s_tables;
 
     // The synthesis matrix, cos((2k + 1) (i + 16) pi / 64) * 262144. MP3Loops computes the same with a fast
     // transform; tests hold the two against each other.
@@ -17,25 +19,24 @@ struct MP3LT {
     float scaleFactor[65];
     float power[8207];
 
-    // sign(v) |v|^(4/3) at v + 16, and of quadruples' values (0, 1 and, for -1, 2).
+    // sign(v) |v|^(4/3) at v + 16.
     float signedPower[32];
-    float quadValues[4];
 
-    // An entry of a table of codes. Direct: how many bits to skip, signs included, and two places in
-    // signedPower. Longer codes have an entry that leads to a table of its own: its width and offset.
-    // Where linear bits may follow, a pair with a 15 has its values without signs, after which those are
-    // read one by one.
-    struct Code {
-        uint8_t bits;
-        uint8_t x;
-        uint8_t y;
-        uint8_t kind;
-    };
-    static constexpr uint8_t kDirect = 0, kEscape = 0x80;  // else: the width of the table it leads to
+    // An entry of a table of codes, from the lowest byte up: how many bits to skip, signs included, two
+    // places in signedPower, and 0. Codes that are longer than the index have an entry that leads to a table
+    // of its own: the index's bits, that table's offset, and the width of its index. Where linear bits may
+    // follow, a pair with a 15 has its values without signs and kEscape.
+    using Code = uint32_t;
+    static constexpr uint32_t kEscape = 0x80;
     static constexpr uint32_t kPairBits = 10;
+    static constexpr Code MakeCode(uint32_t bits, uint32_t x, uint32_t y, uint32_t kind) {
+        return bits | x << 8 | y << 16 | kind << 24;
+    }
     std::vector<Code>
         pairs[15];  // by the sets of codes; of each, the first 2^kPairBits are looked into first
-    // Four values in two bits each, v in the lowest, above the number of bits.
+
+    // The same for quadruples: the number of bits, and a place in quadValues.
     static constexpr uint32_t kQuadBits = 10;
     uint16_t quads[2][1 << kQuadBits];
+    float quadValues[256][4];  // two bits for each value: 0, 1 and, for -1, 2
 };

@@ -20,7 +20,7 @@ class MP3Loops {
     static constexpr size_t kLanes = L::kLanes;
     static constexpr size_t kGroups = kMP3Bands / kLanes;
 
-    // --- Tables, in the order in which the loops read them ---------------------------------------------------
+    // --- Tables, in the order in which the loops read them -------------------------------------------------
 
     // Windows of the transform of lines. What the fast transform leaves out (a factor for each output) is in
     // them, and so is the sign that every odd slot of every odd band changes.
@@ -89,7 +89,7 @@ class MP3Loops {
         PrepareSynthesis();
     }
 
-    // --- Lines ----------------------------------------------------------------------------------------------
+    // --- Lines ---------------------------------------------------------------------------------------------
 
     static void MidSide(float* left, float* right, size_t lines) {
         for (size_t i = 0; i < lines; i += kLanes) {
@@ -116,7 +116,7 @@ class MP3Loops {
         }
     }
 
-    // --- Lines to slots -------------------------------------------------------------------------------------
+    // --- Lines to slots ------------------------------------------------------------------------------------
 
     // z[n] = sum of a[m] cos((2n + 1) m pi / 18). With c20 = c40 + c80 and c10 = c50 + c70 (degrees) the
     // products are shared.
@@ -138,8 +138,8 @@ class MP3Loops {
         z[4] = e4;
     }
 
-    // The 18 values from which the 36 outputs of a long block are made, but for factors that the windows hold:
-    // sums of neighbours make the transform one of half the size, for even and for odd lines.
+    // The 18 values from which the 36 outputs of a long block are made, but for factors that the windows
+    // hold: sums of neighbours make the transform one of half the size, for even and for odd lines.
     static void Cosines18(V* x, V* y) {
         constexpr float kHalfSecants[9] = {0.5019099187716736f, 0.5176380902050415f, 0.5516889594812459f,
                                            0.6103872943807281f, 0.7071067811865475f, 0.8717233978105488f,
@@ -254,7 +254,7 @@ class MP3Loops {
         state.overlapBands = bands;
     }
 
-    // --- Slots to samples -----------------------------------------------------------------------------------
+    // --- Slots to samples ----------------------------------------------------------------------------------
 
     // x[m] becomes the sum of x[k] cos(m (2k + 1) pi / 2N): sums of both ends are the even results; their
     // differences, divided by twice their cosine, are a transform of which neighbours add up to the odd ones.
@@ -339,8 +339,8 @@ class MP3Loops {
                     const V even = L::Load(slot + i0);
                     const V odd = L::Load(slot - kMP3SlotFloats + 16 + i0);
                     const V oddMirrored = group == 0 ? L::Load(slot - kMP3SlotFloats + mirrorPlace) : odd;
-                    f = f + even * taps[0] + odd * taps[1];
-                    m = m + even * taps[2] + oddMirrored * taps[3];
+                    f = f + (even * taps[0] + odd * taps[1]);
+                    m = m + (even * taps[2] + oddMirrored * taps[3]);
                 }
                 forward[c] = f;
                 mirrored[c] = m;
