@@ -6,7 +6,11 @@
 #include <mpg123.h>
 #endif
 
+#include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LSNKPCMFile.h"
 #include "bench/Ratios.h"
+#include "bench/Silent.h"
+#include "tests/unit/BorrowedStream.h"
 
 // Decoding of short MP3 files from memory, by our two versions of the loops and by the fastest decoder of the
 // peer. The peer gives 16-bit samples, which is what it is fastest at; ours are those of the pipeline.
@@ -16,12 +20,32 @@ namespace {
 void DecodeOurs(benchmark::State& state, const Mp3Material& material, const MP3Kernels& kernels) {
     const std::vector<uint8_t> file = ReadMp3(material);
     std::vector<int32_t> block(size_t{2} * kBlockFrames);
+    const auto source = OpenMp3(file, kernels);
     for (auto _ : state) {
-        const auto source = OpenMp3(file, kernels);
+        source->Seek(0);
         while (source->GetPosition() < source->GetLength()) source->Read(block.data(), kBlockFrames);
         if (source->GetLength() < source->GetSampleRate()) state.SkipWithError("not decoded");
     }
 }
+
+// An hour of stereo music as a dictation: the conversion of an import, into a WAV file in memory.
+constexpr char kHourBench[] = "Mp3HourToDictation";
+const BenchTime kHourTime{"MP3, an hour of 44100 Hz stereo to 8000 Hz mono", kHourBench, 15000};
+
+void HourToDictation(benchmark::State& state) {
+    const std::vector<uint8_t> piece = ReadMp3(kMp3Materials[0]);
+    std::vector<uint8_t> hour;
+    for (int i = 0; i < 1800; ++i) hour.insert(hour.end(), piece.begin(), piece.end());
+    for (auto _ : state) {
+        LMemoryFile wave;
+        Silent context;
+        const LSoundSource source = LSoundSource::Make<LMP3Source>(std::make_unique<LMemoryFile>(hour));
+        LPRSourceToSink process(source, LSoundSink::Make<LSNKPCMFile16>(Borrow(wave), 0, uint8_t{1}, 8000));
+        if (process.Process(context) != ProcessResult::Done || wave.Size() < int64_t{3600} * 16000)
+            state.SkipWithError("not converted");
+    }
+}
+BENCHMARK(HourToDictation)->Name(kHourBench)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
 
 #ifdef CORVANE_HAS_MPG123
 void DecodePeers(benchmark::State& state, const Mp3Material& material) {
