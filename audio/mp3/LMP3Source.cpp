@@ -224,7 +224,7 @@ int64_t LMP3Source::Estimate() const {
     if (m_toldFrames >= 0) return m_toldFrames;
     const int64_t bytes = std::max<int64_t>(m_dataEnd - m_stream->Position(), 0);
     const int64_t bitsOfFrame = int64_t{m_first.Frames()} * m_bitRate;
-    if (m_isConstant) {
+    if (m_isConstant || m_decoded == 0) {
         const int64_t frames = (bytes * 8 * GetSampleRate() + bitsOfFrame / 2) / bitsOfFrame;
         return m_decoded + frames * m_first.Frames();
     }
