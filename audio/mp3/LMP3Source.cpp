@@ -143,7 +143,7 @@ void LMP3Source::ReadInformation() {
     }
     m_firstFrame = end;
     // No frame has less than 20 bytes; who claims more frames than fit is not believed.
-    if (frames <= m_stream->Size() / 20) m_toldFrames = frames * m_first.Frames();
+    if (frames > 0 && frames <= m_stream->Size() / 20) m_toldFrames = frames * m_first.Frames();
 }
 
 void LMP3Source::Restart() {

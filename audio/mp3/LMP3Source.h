@@ -17,7 +17,8 @@
 // Seek decodes from the start or from where it is. It keeps a position below 0 as it is: the frames before
 // frame 0 read as silence (a filter's pre-roll).
 // Units:  frames; offsets are bytes of the file.
-// Errors: a file without a first frame sets the error bit.
+// Errors: a file without a first frame sets the error bit. One that cannot be read further on ends there, and
+//         IsWhole() tells.
 // Thread: one at a time.
 class LMP3Source final : public LSoundSourceBase {
 public:

@@ -34,7 +34,7 @@ bool MP3Decoder::Decode(const MP3Header& header, const uint8_t* bytes, int32_t* 
     int32_t position = isComplete ? static_cast<int32_t>(m_before - m_side.mainDataBegin) * 8 : 0;
     for (size_t g = 0; g < static_cast<size_t>(header.Granules()); ++g) {
         if (!isComplete) {
-            std::fill_n(m_lines[0], 2 * kMP3Lines, 0.0f);
+            for (auto& lines : m_lines) std::fill(std::begin(lines), std::end(lines), 0.0f);
             m_ends[0] = m_ends[1] = 0;
         } else if (!ReadGranule(header, g, position)) {
             return false;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "audio/mp3/MP3Kernels.h"
 #include "audio/mp3/MP3Layout.h"
 
@@ -32,9 +30,9 @@ private:
     MP3Layout m_layout;
     MP3SideInfo m_side;
     MP3ScaleFactors m_factors[2];
-    float m_lines[2][kMP3Lines];
+    float m_lines[2][kMP3Lines] = {};
     size_t m_ends[2] = {};  // the lines from there on are 0
-    float m_slots[2 * kMP3Lines];
+    float m_slots[2 * kMP3Lines] = {};
     MP3ChannelState m_states[2] = {};
     uint8_t m_data[kMostBefore + kMostInFrame + kMP3SpareBytes] = {};  // main data, of which
     size_t m_before = 0;   // so many bytes belong to earlier frames

@@ -65,7 +65,8 @@ size_t MP3Header::SideInfoBytes() const {
 }
 
 size_t MP3Header::FrameBytes() const {
-    return static_cast<size_t>(Frames() / 8 * bitRate / sampleRate + padding);
+    const int32_t bytes = Frames() / 8 * bitRate / sampleRate + padding;
+    return static_cast<size_t>(bytes);
 }
 
 size_t MP3Header::MainDataBytes() const {

@@ -5,9 +5,9 @@
 
 #include "audio/mp3/MP3Data.h"
 
-constexpr size_t kMP3Bands = 32;  // of lines, 18 in each
-constexpr size_t kMP3Slots = 18;  // samples of each band in a granule
-constexpr int32_t kMP3Level = 0x200000;
+constexpr size_t kMP3Bands = 32;         // of lines, 18 in each
+constexpr size_t kMP3Slots = 18;         // samples of each band in a granule
+constexpr int32_t kMP3Level = 0x200000;  // four times full scale
 
 // One slot of the transform: the values 16 to 31, then 16 down to 1, and what the middle of the output needs.
 constexpr size_t kMP3SlotFloats = 36;

@@ -12,7 +12,7 @@ namespace {
 bool s_isBuilt = false;
 
 uint32_t Length(uint32_t code) {
-    return static_cast<uint32_t>(std::bit_width(code)) - 1;
+    return 31 - static_cast<uint32_t>(std::countl_zero(code | 1));
 }
 
 void FillPowers(MP3LT& t) {
@@ -43,11 +43,12 @@ struct SignedCode {
 // The pairs of a set with every combination of signs. Where linear bits follow, a pair with a 15 stands once,
 // and its signs come later.
 std::vector<SignedCode> SignedCodes(std::span<const uint32_t> set, bool hasLinear) {
-    uint32_t side = 2;
+    size_t side = 2;
     while (side * side < set.size()) ++side;
     std::vector<SignedCode> all;
-    for (uint32_t i = 0; i < set.size(); ++i) {
-        const uint32_t x = i / side, y = i % side, length = Length(set[i]), bits = set[i] - (1u << length);
+    for (size_t i = 0; i < set.size(); ++i) {
+        const uint32_t length = Length(set[i]), bits = set[i] - (1u << length);
+        const uint32_t x = static_cast<uint32_t>(i / side), y = static_cast<uint32_t>(i % side);
         if (hasLinear && (x == 15 || y == 15)) {
             all.push_back({bits, length, MP3LT::MakeCode(0, x, y, MP3LT::kEscape)});
             continue;

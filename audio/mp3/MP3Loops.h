@@ -1,6 +1,6 @@
 #pragma once
 
-#include <math.h>
+#include <cmath>
 
 #include "audio/mp3/MP3Data.h"
 #include "audio/mp3/MP3Kernels.h"
@@ -39,19 +39,25 @@ class MP3Loops {
         const double pi = 3.14159265358979323846;
         for (size_t p = 0; p < kParities; ++p) {
             for (int i = 0; i < 36; ++i) {
-                const double whole = sin(pi / 36 * (i + 0.5));
-                const double start = i < 18 ? whole : i < 24 ? 1 : i < 30 ? sin(pi / 12 * (i - 18 + 0.5)) : 0;
-                const double stop = i < 6 ? 0 : i < 12 ? sin(pi / 12 * (i - 6 + 0.5)) : i < 18 ? 1 : whole;
+                const double whole = std::sin(pi / 36 * (i + 0.5));
+                const double start = i < 18   ? whole
+                                     : i < 24 ? 1
+                                     : i < 30 ? std::sin(pi / 12 * (i - 18 + 0.5))
+                                              : 0;
+                const double stop = i < 6    ? 0
+                                    : i < 12 ? std::sin(pi / 12 * (i - 6 + 0.5))
+                                    : i < 18 ? 1
+                                             : whole;
                 const double windows[4] = {whole, start, 0, stop};
                 const int n = i < 9 ? 9 + i : i < 27 ? 26 - i : i - 27;
-                const double factor = (i < 9 ? 0.5 : -0.5) / cos((2 * n + 1) * pi / 72);
+                const double factor = (i < 9 ? 0.5 : -0.5) / std::cos((2 * n + 1) * pi / 72);
                 for (int type = 0; type < 4; ++type)
                     s_windows[p].longs[type][i] = Signed(windows[type] * factor, i, p);
             }
             for (int i = 0; i < 12; ++i) {
                 const int n = i < 3 ? 3 + i : i < 9 ? 8 - i : i - 9;
-                const double factor = (i < 3 ? 0.5 : -0.5) / cos((2 * n + 1) * pi / 24);
-                s_windows[p].shorts[i] = Signed(sin(pi / 12 * (i + 0.5)) * factor, i, p);
+                const double factor = (i < 3 ? 0.5 : -0.5) / std::cos((2 * n + 1) * pi / 24);
+                s_windows[p].shorts[i] = Signed(std::sin(pi / 12 * (i + 0.5)) * factor, i, p);
             }
         }
     }

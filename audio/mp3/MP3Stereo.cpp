@@ -18,7 +18,8 @@ Factors FactorsOf(bool isMpeg1, bool isHalved, int position) {
             0, 0.21132486540518708f, 0.36602540378443865f, 0.5f, 0.6339745962155613f, 0.7886751345948129f, 1};
         return {kLeft[position], 1 - kLeft[position]};
     }
-    const float factor = std::exp2(static_cast<float>((position + 1) / 2) * (isHalved ? -0.5f : -0.25f));
+    const int steps = (position + 1) / 2;
+    const float factor = std::exp2(static_cast<float>(steps) * (isHalved ? -0.5f : -0.25f));
     return position % 2 != 0 ? Factors{factor, 1} : Factors{1, factor};
 }
 
