@@ -107,19 +107,23 @@ bool LMP3Source::Open() {
     return true;
 }
 
+bool LMP3Source::DecodeInitialHeader() {
+    return FindFrame(0, m_first, m_firstFrame);
+}
+
 // Sound of other formats and the picture in a tag hold bytes that look like a header. So one counts only
 // where another one of the same format follows its frame, or a tag, or the end.
-bool LMP3Source::DecodeInitialHeader() {
+bool LMP3Source::FindFrame(int64_t from, MP3Header& header, int64_t& start) {
     constexpr int64_t kMostSkipped = 16384;
-    do {
-        if (!m_first.ReadHeader(*m_stream)) return false;
-        m_firstFrame = m_stream->Position() - static_cast<int64_t>(m_first.HeaderBytes());
-        const int64_t end = m_firstFrame + static_cast<int64_t>(m_first.FrameBytes());
+    for (start = from - 1; start < from + kMostSkipped;) {
+        if (!m_stream->Seek(start + 1) || !header.ReadHeader(*m_stream)) return false;
+        start = m_stream->Position() - static_cast<int64_t>(header.HeaderBytes());
+        const int64_t end = start + static_cast<int64_t>(header.FrameBytes());
         uint8_t bytes[4];
         MP3Header next;
         if (end == m_stream->Size() || IsTag(end)) return true;
-        if (ReadAt(*m_stream, end, bytes) && next.Accept(bytes) && HasFormatOf(m_first, next)) return true;
-    } while (m_firstFrame < kMostSkipped && m_stream->Seek(m_firstFrame + 1));
+        if (ReadAt(*m_stream, end, bytes) && next.Accept(bytes) && HasFormatOf(header, next)) return true;
+    }
     return false;
 }
 
@@ -151,6 +155,7 @@ void LMP3Source::Restart() {
     m_pcmFrames = m_pcmUsed = 0;
     m_decoded = 0;
     m_isWhole = m_hasEnded = false;
+    m_header = m_first;
     m_stream->Seek(m_firstFrame);
     m_frameStart = m_firstFrame;
 }
@@ -189,8 +194,15 @@ bool LMP3Source::Advance() {
     m_hasEnded = true;
     m_pcmFrames = m_pcmUsed = 0;
     m_end = Saturate(m_decoded);
-    m_isWhole = m_stream->Position() >= m_stream->Size() || IsTag(m_frameStart);
+    m_isWhole = m_stream->Position() >= m_stream->Size() || IsTag(m_frameStart) || IsFollowedByJunk();
     return false;
+}
+
+// Whether what was rejected was no frame of another format, but only looked like one.
+bool LMP3Source::IsFollowedByJunk() {
+    MP3Header header;
+    int64_t start = 0;
+    return !HasFormatOf(m_header, m_first) && !FindFrame(m_frameStart, header, start);
 }
 
 bool LMP3Source::IsTag(int64_t offset) {

@@ -30,7 +30,8 @@ public:
     int32_t GetPosition() const override { return m_position; }
     int32_t GetLength() const override;
     void Seek(int32_t frame) override;
-    // Once the end was met: false when it was not that of the file, nor followed by nothing but a tag.
+    // Once the end was met: false when it was not that of the file, and what followed is neither a tag nor
+    // something that only looked like a frame.
     bool IsWhole() const override { return m_isWhole; }
 
 private:
@@ -43,7 +44,9 @@ private:
     bool DecodeHeader();
     bool DecodeFrame();
     bool Advance();
+    bool FindFrame(int64_t from, MP3Header& header, int64_t& start);
     bool IsTag(int64_t offset);
+    bool IsFollowedByJunk();
     int32_t Buffered() const { return m_pcmFrames - m_pcmUsed; }
     int64_t Estimate() const;
 

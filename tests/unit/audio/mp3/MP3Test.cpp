@@ -82,6 +82,8 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
     const std::string noHeader = "LMP3Source::LMP3Source DecodeInitialHeader FAILED so SetError";
     Bytes picture(500, 0x20);
     picture[100] = 0xFF, picture[101] = 0xFA, picture[102] = 0x90;
+    Bytes behind = picture;
+    behind[102] = 0x94;
     Bytes tooBig = Blocks();
     tooBig[6 * kFrameBytes + 8] = 0x90, tooBig[6 * kFrameBytes + 9] |= 0x80;
     Bytes tag = Text("TAG") + Bytes(125, 0);
@@ -101,6 +103,8 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
         {"what looks like a header in front", picture + Blocks(), kSound, true, ended},
         {"a tag behind", Blocks() + tag, kSound, true,
          "Header rejected because sampling frequency does not match"},
+        {"what looks like a header behind", Blocks() + behind, kSound, true,
+         "Header rejected because sampling frequency does not match"},
         {"sound behind a few bytes", Blocks() + Bytes(100, 7) + Blocks(), 2 * kSound, true, ended},
         {"cut off", WithoutFirst(Blocks(), 300), 11 * 1152, true, ended},
         {"no known version", Changed(0, 1, 0xE7, 0x08), -1, false,
@@ -111,9 +115,9 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
          "MP3Header::ReadHeader bitrate is free or forbidden"},
         {"no sampling frequency", Changed(0, 2, 0xF3, 0x0C), -1, false,
          "MP3Header::ReadHeader sampling_frequency index >= 3 so assume invalid header and skip"},
-        {"another version later", Changed(6, 1, 0xE7, 0x10), kSound / 2, false,
+        {"another version behind", Blocks() + Mp3File("intensity-22050.mp3"), kSound, false,
          "Header rejected because version does not match"},
-        {"another frequency later", Changed(6, 2, 0xF3, 0x04), kSound / 2, false,
+        {"another frequency behind", Blocks() + Mp3File("intensity-32000.mp3"), kSound, false,
          "Header rejected because sampling frequency does not match"},
         {"mono later", Changed(6, 3, 0x3F, 0xC0), kSound / 2, false,
          "Header rejected because channels do not match"},
