@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "res/Ids.h"
 
 // The operation stays on the window thread, so it may use everything that belongs to this thread without
@@ -48,7 +50,7 @@ ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_vi
 bool LProgressDialog::InitDialog() {
     SetWindowTextA(Window(), m_title.c_str());
     SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETRANGE, 0, MAKELPARAM(0, kBarSteps));
-    LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    ShowStatus();
     return true;
 }
 
@@ -73,8 +75,41 @@ void LProgressDialog::SetProgress(double fraction) {
 
 void LProgressDialog::SetStatus(std::string_view text) {
     m_status = text;
-    if (IsOpen()) LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    if (IsOpen()) ShowStatus();
     Pump();
+}
+
+void LProgressDialog::SetTitle(std::string_view text) {
+    m_title = text;
+    if (IsOpen()) LSetWindowText(Window(), m_title);
+    Pump();
+}
+
+// The platform shortens one line at a time, and needs room for the dots.
+static std::string FitLine(HDC dc, std::string_view line, int width) {
+    constexpr size_t kDots = 4;
+    std::string text(line);
+    text.resize(line.size() + kDots + 1);
+    RECT box = {0, 0, width, 0};
+    DrawTextA(dc, text.data(), static_cast<int>(line.size()), &box,
+              DT_PATH_ELLIPSIS | DT_MODIFYSTRING | DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+    return text.c_str();
+}
+
+void LProgressDialog::ShowStatus() {
+    const HWND place = Item(IDC_PROGRESS_STATUS);
+    RECT box = {};
+    GetClientRect(place, &box);
+    const HDC dc = GetDC(place);
+    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(place, WM_GETFONT, 0, 0)));
+    const size_t first = std::min(m_status.find('\n'), m_status.size());
+    std::string shown = FitLine(dc, std::string_view(m_status).substr(0, first), static_cast<int>(box.right));
+    if (first < m_status.size())
+        shown +=
+            "\n" + FitLine(dc, std::string_view(m_status).substr(first + 1), static_cast<int>(box.right));
+    SelectObject(dc, old);
+    ReleaseDC(place, dc);
+    LSetWindowText(place, shown);
 }
 
 void LProgressDialog::Pump() {
