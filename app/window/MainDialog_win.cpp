@@ -93,6 +93,7 @@ MainDialog::MainDialog(AppState& state)
       m_transport(state, m_current, m_runner, *this),
       m_inserts(state, m_runner, m_list, m_transport),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
+      m_import(state, m_runner, *this),
       m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
       m_dock(state, m_runner, m_dictations, m_list, m_transport, m_listening,
              [](const LPath&, bool) { return false; }),
