@@ -46,8 +46,8 @@ public:
     ProcessResult RunProcess(LProcess& process, std::string_view title);
     // The same, but for the text, which is returned: empty when there is none.
     ProcessResult Run(LProcess& process, std::string_view title, std::string& error);
-    // The same as RunProcess for a process that no command of the user names, such as what follows a Stop: like an unasked
-    // box it is deaf to keys in its first second.
+    // The same as RunProcess for a process that no command of the user names, such as what follows a Stop:
+    // like an unasked box it is deaf to keys in its first second.
     ProcessResult RunUnaskedProcess(LProcess& process, std::string_view title);
 
     // Brings the window to the front, where another program is: a hot key may lead to a question.

@@ -18,8 +18,8 @@
 // Done too.) Everything else leaves nothing but a used number.
 // The file is foreign input (docs/hostile-input.md). The process owns all that it uses, so it may be left
 // behind (LProcessApart).
-// Errors: Failed with a text for the user. Stopped when cancelled; with a text, when a DCT file's notes cannot
-//         be.
+// Errors: Failed with a text for the user. Stopped when cancelled; with a text where the notes of a DCT file
+//         cannot be.
 // Thread: the one that runs the process.
 class ImportProcess final : public LProcess {
 public:
