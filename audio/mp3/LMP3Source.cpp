@@ -77,9 +77,10 @@ bool HasFormatOf(const MP3Header& a, const MP3Header& b) {
 
 LMP3Source::LMP3Source(const LPath& path) : LMP3Source(std::make_unique<LFile>(path, LFile::Open::Read)) {}
 
-LMP3Source::LMP3Source(std::unique_ptr<LReadStream> stream)
+LMP3Source::LMP3Source(std::unique_ptr<LReadStream> stream, const MP3Kernels& kernels)
     : LSoundSourceBase(44100, 1, kMP3Level),
       m_stream(std::make_unique<BlockReader>(std::move(stream))),
+      m_decoder(kernels),
       m_body(kMostBodyBytes + kMP3SpareBytes) {
     if (Open()) return;
     SetError();

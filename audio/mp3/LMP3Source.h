@@ -22,7 +22,7 @@
 class LMP3Source final : public LSoundSourceBase {
 public:
     explicit LMP3Source(const LPath& path);
-    explicit LMP3Source(std::unique_ptr<LReadStream> stream);
+    explicit LMP3Source(std::unique_ptr<LReadStream> stream, const MP3Kernels& kernels = GetMP3Kernels());
     ~LMP3Source() override;
 
     void Read(int32_t* samples, int32_t frames) override;

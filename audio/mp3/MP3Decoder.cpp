@@ -7,6 +7,10 @@
 #include "audio/mp3/MP3Stereo.h"
 #include "base/LTrace.h"
 
+MP3Decoder::MP3Decoder(const MP3Kernels& kernels) : m_kernels(kernels) {
+    kernels.prepare();
+}
+
 void MP3Decoder::Restart() {
     m_states[0] = m_states[1] = {};
     m_before = m_present = 0;

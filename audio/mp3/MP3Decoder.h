@@ -10,7 +10,7 @@
 //         from before the start is silence.
 class MP3Decoder {
 public:
-    explicit MP3Decoder(const MP3Kernels& kernels = GetMP3Kernels()) : m_kernels(kernels) {}
+    explicit MP3Decoder(const MP3Kernels& kernels);
 
     // Once, before the first frame; false when the tables of the bands are wrong.
     bool SetStream(const MP3Header& header) { return m_layout.Build(header); }

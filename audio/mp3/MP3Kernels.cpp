@@ -42,9 +42,7 @@ struct Plain {
 const MP3Kernels& Choose() {
     __builtin_cpu_init();
     const bool hasSse2 = __builtin_cpu_supports("sse2") && LPlatformSavesSse();
-    const MP3Kernels& chosen = hasSse2 ? kSse2MP3Kernels : kPlainMP3Kernels;
-    chosen.prepare();
-    return chosen;
+    return hasSse2 ? kSse2MP3Kernels : kPlainMP3Kernels;
 }
 
 }  // namespace

@@ -22,9 +22,9 @@ struct MP3ChannelState {
 
 // The loops that take a decoder's time, as a table of functions: one for any processor and one for SSE2. The
 // results agree within rounding. The layout of MP3ChannelState differs, so a stream stays with one table.
-// Thread: any; but Prepare() once before.
+// Thread: any, once prepare() has returned.
 struct MP3Kernels {
-    void (*prepare)();
+    void (*prepare)();  // makes their tables, unless they are there
     // left + right, left - right
     void (*midSide)(float* left, float* right, size_t lines);
     // The butterflies at the first so many limits between bands.
@@ -42,5 +42,5 @@ extern const MP3Kernels kPlainMP3Kernels;
 // For processors with SSE2, on a platform that saves the SSE registers when it changes threads.
 extern const MP3Kernels kSse2MP3Kernels;
 
-// The faster one of those that processor and platform allow, chosen and prepared once.
+// The faster one of those that processor and platform allow, chosen once.
 const MP3Kernels& GetMP3Kernels();

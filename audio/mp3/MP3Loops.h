@@ -81,7 +81,10 @@ class MP3Loops {
         }
     }
 
+    static inline bool s_isPrepared = false;
     static void Prepare() {
+        if (s_isPrepared) return;
+        s_isPrepared = true;
         PrepareWindows();
         PrepareSynthesis();
     }

@@ -52,12 +52,13 @@ private:
     size_t m_first[3] = {};
 };
 
-// The position of a band; that behind the last band with a scale factor takes the one below it, or the middle
-// where that is no intensity band.
+// The position of a band. That behind the last band with a scale factor takes the one below it. Where that is
+// no intensity band decoders differ: in MPEG-2 the standard's streams are met with the middle, in MPEG-1 the
+// others take the scale factor for a position all the same.
 int PositionOf(size_t band, size_t count, size_t step, bool isMpeg1, const EmptyBands& empty,
                const MP3ScaleFactors& factors) {
     const bool isLast = band + step >= count;
-    if (isLast && !empty[band - step]) return isMpeg1 ? 3 : 0;
+    if (isLast && !isMpeg1 && !empty[band - step]) return 0;
     const size_t from = isLast ? band - step : band;
     const bool isLegal = factors.values[from] < factors.illegal[from];
     return isLegal ? factors.values[from] : -1;
