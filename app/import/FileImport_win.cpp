@@ -91,7 +91,7 @@ std::optional<std::vector<LPath>> FileImport::LoadChosen(bool send) {
         if (!loaded) break;
         records.push_back(loaded->record);
         if (!m_runner.MayGoOn()) break;
-        // Where one cannot be sent the others cannot either, and the user was told why.
+        // The user was told once.
         if (send) send = m_owner.SendLoaded(*loaded);
     }
     Settings::Write(settings, SettingsKeys::kLoadFolder, std::string(chosen.folder.View()));

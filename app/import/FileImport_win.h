@@ -21,8 +21,8 @@ public:
         virtual bool IsNumberListed(int32_t number) const = 0;
         // A dictation was loaded: it gets a row.
         virtual void ListLoaded(const DictationFiles& files) = 0;
-        // Sends it to the default recipient. False, after telling the user, when that cannot be; it then
-        // stays in the list.
+        // Sends it to the default recipient, or tells the user why it stays in the list. False when there is
+        // no such recipient.
         virtual bool SendLoaded(const DictationFiles& files) = 0;
     };
 

@@ -70,6 +70,9 @@ ProcessResult ImportProcess::Load(ProcessContext& context) {
     if (LFile::OpenToRead(m_source, file) != LReadResult::Values || file.IsBeingWritten())
         return Refuse(context, kCannotOpen);
     const int64_t written = file.WriteTime();
+    // Opening may take half a minute on a drive that has gone away. Nobody may wait any more by then, and the
+    // window thread take numbers of its own.
+    if (context.CancelRequested()) return ProcessResult::Stopped;
     m_dictation = std::make_unique<StagedDictation>();
     if (!m_dictation->Begin(m_user, SourceName(), written > 0 ? written : LNowSeconds()))
         return Refuse(context, kNotStored);
