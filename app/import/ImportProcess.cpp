@@ -70,6 +70,7 @@ ProcessResult ImportProcess::Load(ProcessContext& context) {
     if (LFile::OpenToRead(m_source, file) != LReadResult::Values || file.IsBeingWritten())
         return Refuse(context, kCannotOpen);
     const int64_t written = file.WriteTime();
+    file.Close();
     // Opening may take half a minute on a drive that has gone away. Nobody may wait any more by then, and the
     // window thread take numbers of its own.
     if (context.CancelRequested()) return ProcessResult::Stopped;
