@@ -85,30 +85,16 @@ void LProgressDialog::SetTitle(std::string_view text) {
     Pump();
 }
 
-// The platform shortens one line at a time, and needs room for the dots.
-static std::string FitLine(HDC dc, std::string_view line, int width) {
-    constexpr size_t kDots = 4;
-    std::string text(line);
-    text.resize(line.size() + kDots + 1);
-    RECT box = {0, 0, width, 0};
-    DrawTextA(dc, text.data(), static_cast<int>(line.size()), &box,
-              DT_PATH_ELLIPSIS | DT_MODIFYSTRING | DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    return text.c_str();
-}
-
 void LProgressDialog::ShowStatus() {
     const HWND place = Item(IDC_PROGRESS_STATUS);
     RECT box = {};
     GetClientRect(place, &box);
-    const HDC dc = GetDC(place);
-    const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HFONT>(SendMessageA(place, WM_GETFONT, 0, 0)));
-    const size_t first = std::min(m_status.find('\n'), m_status.size());
-    std::string shown = FitLine(dc, std::string_view(m_status).substr(0, first), static_cast<int>(box.right));
-    if (first < m_status.size())
-        shown +=
-            "\n" + FitLine(dc, std::string_view(m_status).substr(first + 1), static_cast<int>(box.right));
-    SelectObject(dc, old);
-    ReleaseDC(place, dc);
+    const LTextMeasure measure(place);
+    const int width = static_cast<int>(box.right);
+    const std::string_view status = m_status;
+    const size_t end = std::min(status.find('\n'), status.size());
+    std::string shown = measure.Fit(status.substr(0, end), width);
+    if (end < status.size()) shown += "\n" + measure.Fit(status.substr(end + 1), width);
     LSetWindowText(place, shown);
 }
 

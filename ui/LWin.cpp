@@ -38,6 +38,16 @@ LTextMeasure::~LTextMeasure() {
     ReleaseDC(m_control, m_context);
 }
 
+std::string LTextMeasure::Fit(std::string_view text, int width) const {
+    constexpr size_t kDots = 4;  // that the platform may put in place of the middle
+    std::string fitting(text);
+    fitting.resize(text.size() + kDots + 1);
+    RECT box = {0, 0, width, 0};
+    DrawTextA(m_context, fitting.data(), static_cast<int>(text.size()), &box,
+              DT_PATH_ELLIPSIS | DT_MODIFYSTRING | DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+    return fitting.c_str();
+}
+
 void LSetWindowText(HWND window, std::string_view text) {
     if (LWindowText(window) != text) SetWindowTextA(window, std::string(text).c_str());
 }
