@@ -2,6 +2,7 @@
 
 #include "base/LScreen.h"
 #include "base/LSystemFunction_win.h"
+#include "base/LText.h"
 #include "ui/LCentre.h"
 
 static HINSTANCE s_instance = nullptr;
@@ -45,7 +46,7 @@ std::string LTextMeasure::Fit(std::string_view text, int width) const {
     RECT box = {0, 0, width, 0};
     DrawTextA(m_context, fitting.data(), static_cast<int>(text.size()), &box,
               DT_PATH_ELLIPSIS | DT_MODIFYSTRING | DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    return fitting.c_str();
+    return std::string(LBeforeZero(fitting));
 }
 
 void LSetWindowText(HWND window, std::string_view text) {

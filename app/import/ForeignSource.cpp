@@ -8,7 +8,6 @@
 namespace {
 
 constexpr int32_t kHighestRate = 196000;
-constexpr int32_t kFromPcm16 = 16;
 
 // In range, or what sets the error bit.
 int32_t Rate(const ForeignFormat& format) {
@@ -49,8 +48,8 @@ int32_t ForeignSource::Pull(int32_t* samples, int32_t frames) {
         LTrace("ForeignSource::Read decoder failed");
         return 0;
     }
-    std::transform(m_block.begin(), m_block.begin() + count * GetChannels(), samples,
-                   [](int16_t sample) { return int32_t{sample} * kFromPcm16; });
+    const size_t values = static_cast<size_t>(count) * GetChannels();
+    for (size_t i = 0; i < values; ++i) samples[i] = FromPcm16(m_block[i]);
     return count;
 }
 
