@@ -12,7 +12,8 @@
 
 // The dictations of a user: files in his Current folder, and in his Sent folder once they are sent.
 // Errors: empty results and false are traced; the caller tells the user.
-// Thread: the window thread.
+// Thread: the window thread; numbers are also taken by the one that loads an audio file, while the window
+//         thread waits for it and takes none.
 
 // Dictation numbers run from 0 to 99,999,999, the eight digits of a file name, and then start again.
 constexpr int32_t kDictationNumbers = 100000000;
