@@ -96,7 +96,7 @@ MainDialog::MainDialog(AppState& state)
       m_import(state, m_runner, *this),
       m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
       m_dock(state, m_runner, m_dictations, m_list, m_transport, m_listening,
-             [](const LPath&, bool) { return false; }),
+             [this](const LPath& file, bool sends) { return m_import.Load(file, sends); }),
       m_devices(*this),
       m_hotKeys(state, m_devices),
       m_api(*this),
