@@ -1,6 +1,7 @@
 #include "store/DictationStore.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <string>
 
@@ -91,29 +92,39 @@ std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now, 
     return created;
 }
 
-bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target) {
-    using Step = std::pair<const LPath*, const LPath*>;
-    std::vector<Step> done;
+static bool MoveInOrder(const DictationFiles& files, const DictationFiles& target,
+                        std::initializer_list<LPath DictationFiles::*> order) {
+    std::vector<LPath DictationFiles::*> done;
     LProfile::Flush(files.record);
-    for (const Step& step : {Step(&files.audio, &target.audio), Step(&files.record, &target.record),
-                             Step(&files.notes, &target.notes)}) {
-        if (LFile::IsAbsent(*step.first)) continue;
-        if (!LFile::Move(*step.first, *step.second, kMoveWaitMs)) {
-            LTrace("MoveDictationFiles unable to move file", step.first->View());
-            for (const Step& back : done) LFile::Move(*back.second, *back.first, kMoveWaitMs);
+    for (const auto file : order) {
+        if (LFile::IsAbsent(files.*file)) continue;
+        if (!LFile::Move(files.*file, target.*file, kMoveWaitMs)) {
+            LTrace("MoveDictationFiles unable to move file", (files.*file).View());
+            for (const auto back : done) LFile::Move(target.*back, files.*back, kMoveWaitMs);
             return false;
         }
-        done.push_back(step);
+        done.push_back(file);
     }
     return true;
 }
 
-bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
+bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target) {
+    return MoveInOrder(files, target,
+                       {&DictationFiles::audio, &DictationFiles::record, &DictationFiles::notes});
+}
+
+bool PublishDictation(const DictationFiles& files, const DictationFiles& target) {
+    return MoveInOrder(files, target,
+                       {&DictationFiles::audio, &DictationFiles::notes, &DictationFiles::record});
+}
+
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files, DictationFiles* renumbered) {
     const std::optional<int32_t> number = NextDictationNumber(user);
     if (!number) return false;
     const DictationFiles target = DictationFiles::OfNumber(LPath(LFolderOf(files.record.View())), *number);
     if (!MoveDictationFiles(files, target)) return false;
     if (LFile::Exists(target.record)) Settings::Write(target.record, RecordKeys::kNumber, *number);
+    if (renumbered != nullptr) *renumbered = target;
     return true;
 }
 

@@ -12,7 +12,8 @@
 
 // The dictations of a user: files in his Current folder, and in his Sent folder once they are sent.
 // Errors: empty results and false are traced; the caller tells the user.
-// Thread: the window thread.
+// Thread: the window thread; numbers are also taken by the one that loads an audio file, while the window
+//         thread waits for it and takes none.
 
 // Dictation numbers run from 0 to 99,999,999, the eight digits of a file name, and then start again.
 constexpr int32_t kDictationNumbers = 100000000;
@@ -40,9 +41,14 @@ std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now,
 // that another program holds. False when one cannot be moved; those before it are then put back.
 bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target);
 
+// The same for a dictation that becomes visible at its new place: the record, by which it is listed, goes
+// last.
+bool PublishDictation(const DictationFiles& files, const DictationFiles& target);
+
 // Gives a dictation the next number within its folder, in its file names and in its record. False, with
-// everything as it was, when a file cannot be renamed.
-bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
+// everything as it was, when a file cannot be renamed. renumbered: receives the files of the new number.
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files,
+                       DictationFiles* renumbered = nullptr);
 
 // Renames a file of a dictation that does not hold what its name says, as the audio's that holds no audio, to
 // make way for a new one ("00000012.bad1"): it may be all that is left of a recording. Returns the new path,

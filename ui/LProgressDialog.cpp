@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "res/Ids.h"
 
 // The operation stays on the window thread, so it may use everything that belongs to this thread without
@@ -48,7 +50,7 @@ ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_vi
 bool LProgressDialog::InitDialog() {
     SetWindowTextA(Window(), m_title.c_str());
     SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETRANGE, 0, MAKELPARAM(0, kBarSteps));
-    LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    ShowStatus();
     return true;
 }
 
@@ -73,8 +75,27 @@ void LProgressDialog::SetProgress(double fraction) {
 
 void LProgressDialog::SetStatus(std::string_view text) {
     m_status = text;
-    if (IsOpen()) LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    if (IsOpen()) ShowStatus();
     Pump();
+}
+
+void LProgressDialog::SetTitle(std::string_view text) {
+    m_title = text;
+    if (IsOpen()) LSetWindowText(Window(), m_title);
+    Pump();
+}
+
+void LProgressDialog::ShowStatus() {
+    const HWND place = Item(IDC_PROGRESS_STATUS);
+    RECT box = {};
+    GetClientRect(place, &box);
+    const LTextMeasure measure(place);
+    const int width = static_cast<int>(box.right);
+    const std::string_view status = m_status;
+    const size_t end = std::min(status.find('\n'), status.size());
+    std::string shown = measure.Fit(status.substr(0, end), width);
+    if (end < status.size()) shown += "\n" + measure.Fit(status.substr(end + 1), width);
+    LSetWindowText(place, shown);
 }
 
 void LProgressDialog::Pump() {

@@ -49,7 +49,6 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
-    {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},
     {CM_EXIT, CM_EXIT, 0},
     {CM_RECORD, CM_RECORD, kTransport},
     {CM_PLAY, CM_PLAY, kTransport | kAudio},

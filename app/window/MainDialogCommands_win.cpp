@@ -83,6 +83,8 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      [](MainDialog& d, int command) {
          return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
      }},
+    {CM_LOADFILE, CM_LOADSENDFILE,
+     [](MainDialog& d, int command) { return d.LoadFiles(command == CM_LOADSENDFILE); }},
     {CM_EXIT, CM_EXIT, [](MainDialog& d, int) { return d.CloseLater(), true; }},
     {CM_RECORD, CM_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
     {CM_PLAY, CM_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
@@ -245,6 +247,19 @@ bool MainDialog::RecoverSent() {
     if (recovered->empty()) return true;
     const bool isOneShown = m_layout.View() == ViewMode::Compact;
     isOneShown ? m_list.SelectFile(recovered->back()) : m_list.SelectFiles(*recovered);
+    return true;
+}
+
+// What was loaded and is still here becomes the selection, unless a device records or plays: what it works on
+// stays the current dictation.
+bool MainDialog::LoadFiles(bool send) {
+    std::optional<std::vector<LPath>> loaded = m_import.LoadChosen(send);
+    if (!loaded || !m_runner.MayGoOn()) return false;
+    std::erase_if(*loaded, [this](const LPath& record) { return !m_list.NumberOf(record); });
+    if (loaded->empty() || m_transport.IsBusy()) return true;
+    m_notes.Save();
+    const bool isOneShown = m_layout.View() == ViewMode::Compact;
+    isOneShown ? m_list.SelectFile(loaded->back()) : m_list.SelectFiles(*loaded);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "app/AppState.h"
+#include "app/import/FileImport_win.h"
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Listening_win.h"
 #include "app/transport/Transport_win.h"
@@ -43,6 +44,7 @@ class MainDialog final : public LModelessDialog,
                          private DeviceCommands::Target,
                          private ApiCommands::Target,
                          private Keyboard::Target,
+                         private FileImport::Owner,
                          private BGSendOwner {
 public:
     explicit MainDialog(AppState& state);
@@ -155,6 +157,7 @@ private:
     bool Dock();
     bool ShowHardwareSettings();
     bool RecoverSent();
+    bool LoadFiles(bool send);
     bool ShowAbout();
     bool OpenWebPage(int command);
     bool CmHelp() { return m_help.Show(); }
@@ -228,6 +231,10 @@ private:
     void WindByKey(WindDirection direction, bool isDown) override { Wind(direction, isDown); }
     void SelectAllRows() override;
     void PlayRow() override { PlayFromStart(); }
+    // FileImport::Owner
+    bool IsNumberListed(int32_t number) const override { return m_list.HoldsNumber(number); }
+    void ListLoaded(const DictationFiles& files) override { m_list.AddFile(files.record); }
+    bool SendLoaded(const DictationFiles& files) override { return m_dictations.SendLoaded(files); }
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
 
@@ -246,6 +253,7 @@ private:
     InsertOffers m_inserts;
     Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
+    FileImport m_import;
     SentCommands m_sent;
     DockCommands m_dock;
     DeviceCommands m_devices;
