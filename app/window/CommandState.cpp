@@ -15,8 +15,7 @@ constexpr Mask kAudio = 1 << 3;  // there is audio, or there will be when the re
 constexpr Mask kRunning = 1 << 4;
 constexpr Mask kNoProcess = 1 << 5;
 constexpr Mask kNoQuestion = 1 << 6;
-constexpr Mask kNotBuilt = 1 << 7;  // a condition that is never met
-constexpr Mask kNotRecording = 1 << 8;
+constexpr Mask kNotRecording = 1 << 7;
 
 // The transport works while a box is open, since a user with a pedal may not look at the window: a box that
 // opens meanwhile must not cost him his words. All other commands need that nothing is open.
