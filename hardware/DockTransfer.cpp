@@ -133,9 +133,12 @@ DockTransfer::End DockTransfer::Transfer(const File& file, int64_t bound, Outcom
     if (look->size == 0) return End::Done;
     if (look->time > Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue))
         Settings::WriteNumber(m_settings, kDate.section, kDate.key, look->time);
-    if (!m_host.Load(file.path, Settings::Read(m_settings, SettingsKeys::kDockAutoSend))) return End::Stopped;
+    const bool sends = Settings::Read(m_settings, SettingsKeys::kDockAutoSend);
+    const LoadedFile loaded = m_host.Load(file.path, sends);
+    if (loaded == LoadedFile::No) return End::Stopped;
     ++outcome.loaded;
-    if (Settings::Read(m_settings, SettingsKeys::kDockTransferDelete) && !Remove(file, *look)) ++outcome.left;
+    const bool deletes = Settings::Read(m_settings, SettingsKeys::kDockTransferDelete);
+    if (deletes && (loaded != LoadedFile::Whole || !Remove(file, *look))) ++outcome.left;
     return End::Done;
 }
 
@@ -180,8 +183,8 @@ std::string DockTransferText(const DockTransfer::Outcome& outcome, const LPath& 
     if (outcome.left > 0) {
         text += text.empty() ? "" : "\n\n";
         text += LFormat(
-            "Files that were transferred but not deleted: %lu.\n\nThey may be write-protected or in use by "
-            "another program.",
+            "Files that were transferred but not deleted: %lu.\n\nThey may be write-protected, in use by "
+            "another program, or not read to their end.",
             static_cast<unsigned long>(outcome.left));
     }
     return text;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/LPath.h"
+#include "store/StagedDictation.h"
 
 // Transfers the files that a portable recorder has left in a folder: each becomes a new dictation, and is
 // deleted when the settings say so and its sound is safe. The time of the newest file is stored before that
@@ -24,9 +25,8 @@ public:
         virtual bool RunApart(const std::function<void()>& look) = 0;
         // Before each file; false ends the transfer.
         virtual bool Next(const LPath& file, size_t done, size_t count) = 0;
-        // Makes a dictation of a file and sends it if asked to. True when the file was read to its end and
-        // its sound is on disk in the dictation, and not empty; false after the user was told.
-        virtual bool Load(const LPath& file, bool sends) = 0;
+        // Makes a dictation of a file and sends it if asked to. What is not Whole was told to the user.
+        virtual LoadedFile Load(const LPath& file, bool sends) = 0;
     };
 
     enum class End {
@@ -41,7 +41,7 @@ public:
         End end = End::Done;
         LPath file;  // of BeingWritten
         size_t loaded = 0;
-        size_t left = 0;  // loaded, and not deleted although they should be
+        size_t left = 0;  // loaded, perhaps not to their end, and not deleted although they should be
     };
 
     // dataFolder: that of the dictations.

@@ -215,6 +215,7 @@ ProcessResult LoadDCTProcess::Decode(const LPath& copy, ProcessContext& context)
             return ProcessResult::Done;
         case LDecoded::Stopped:
             return ProcessResult::Stopped;
+        case LDecoded::Cut:
         case LDecoded::NotRead:
             return Refuse(context, Corrupt("audio"));
         case LDecoded::NotWritten:

@@ -48,9 +48,9 @@ void FileImport::Tell(const LPath& source, std::string_view text) {
     m_runner.Box(text, LShownText(LFileNameOf(source.View())), MB_OK | MB_ICONEXCLAMATION);
 }
 
-std::optional<DictationFiles> FileImport::LoadOne(const LPath& source) {
+FileImport::Loaded FileImport::LoadOne(const LPath& source) {
     const ImportRow* const row = FindImportRow(source.View());
-    if (row == nullptr) return Tell(source, kUnknownKind), std::nullopt;
+    if (row == nullptr) return Tell(source, kUnknownKind), Loaded();
     const auto work = std::make_shared<ImportProcess>(m_state.user, source, *row, MakeForeignDecoders());
     LProcessApart process(work);
     std::string error;
@@ -58,20 +58,21 @@ std::optional<DictationFiles> FileImport::LoadOne(const LPath& source) {
     if (result != ProcessResult::Done) {
         if (result == ProcessResult::Failed && error.empty()) error = kNotRun;
         if (!error.empty()) Tell(source, error);
-        return std::nullopt;
+        return {};
     }
     StagedDictation& dictation = work->Dictation();
     bool isReady = true;
     while (isReady && m_owner.IsNumberListed(dictation.Number())) isReady = dictation.TakeOtherNumber();
-    if (!isReady || !dictation.Publish()) return Tell(source, kNotPublished), std::nullopt;
+    if (!isReady || !dictation.Publish()) return Tell(source, kNotPublished), Loaded();
     m_owner.ListLoaded(dictation.Files());
-    return dictation.Files();
+    if (!error.empty()) Tell(source, error);
+    return {work->IsWhole() ? LoadedFile::Whole : LoadedFile::Partly, dictation.Files()};
 }
 
-bool FileImport::Load(const LPath& source, bool send) {
-    const std::optional<DictationFiles> loaded = LoadOne(source);
-    if (loaded && send && m_runner.MayGoOn()) m_owner.SendLoaded(*loaded);
-    return loaded.has_value();
+LoadedFile FileImport::Load(const LPath& source, bool send) {
+    const Loaded loaded = LoadOne(source);
+    if (loaded.what != LoadedFile::No && send && m_runner.MayGoOn()) m_owner.SendLoaded(loaded.files);
+    return loaded.what;
 }
 
 std::optional<std::vector<LPath>> FileImport::LoadChosen(bool send) {
@@ -87,12 +88,12 @@ std::optional<std::vector<LPath>> FileImport::LoadChosen(bool send) {
     const ImportSelection chosen = ImportSelection::Parse(buffer);
     std::vector<LPath> records;
     for (const LPath& file : chosen.files) {
-        const std::optional<DictationFiles> loaded = LoadOne(file);
-        if (!loaded) break;
-        records.push_back(loaded->record);
+        const Loaded loaded = LoadOne(file);
+        if (loaded.what == LoadedFile::No) break;
+        records.push_back(loaded.files.record);
         if (!m_runner.MayGoOn()) break;
         // The user was told once.
-        if (send) send = m_owner.SendLoaded(*loaded);
+        if (send) send = m_owner.SendLoaded(loaded.files);
     }
     Settings::Write(settings, SettingsKeys::kLoadFolder, std::string(chosen.folder.View()));
     return records;

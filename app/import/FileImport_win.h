@@ -6,6 +6,7 @@
 #include "app/AppState.h"
 #include "base/LPath.h"
 #include "store/DictationFiles.h"
+#include "store/StagedDictation.h"
 #include "ui/LModalRunner.h"
 
 // Loads audio files as dictations of the current user. The window answers meanwhile: the work runs under the
@@ -29,17 +30,20 @@ public:
     FileImport(const AppState& state, LModalRunner& runner, Owner& owner)
         : m_state(state), m_runner(runner), m_owner(owner) {}
 
-    // Loads one file, and sends it where wanted. True when it has become a dictation, also where sending it
-    // failed: the file was then read to its end, and the new audio is on the disk and not empty. (Only a DCT
+    // Loads one file, and sends it where wanted; what becomes of the sending is not in the result. (Only a DCT
     // file can say that it holds nothing.)
-    bool Load(const LPath& source, bool send);
+    LoadedFile Load(const LPath& source, bool send);
 
     // Lets the user choose files and loads them in the order given, up to the first that fails. Nothing when
     // he chose none; else the records of those that were loaded.
     std::optional<std::vector<LPath>> LoadChosen(bool send);
 
 private:
-    std::optional<DictationFiles> LoadOne(const LPath& source);
+    struct Loaded {
+        LoadedFile what = LoadedFile::No;
+        DictationFiles files;
+    };
+    Loaded LoadOne(const LPath& source);
     void Tell(const LPath& source, std::string_view text);
 
     const AppState& m_state;

@@ -1,8 +1,10 @@
 #include "app/import/ImportProcess.h"
 
 #include "audio/mp3/LMP3Source.h"
+#include "audio/stream/LSoundTime.h"
 #include "audio/wave/LDecodeWave.h"
 #include "audio/wave/LWaveFile.h"
+#include "base/LArith.h"
 #include "base/LCopyFile.h"
 #include "base/LFile.h"
 #include "base/LText.h"
@@ -35,6 +37,9 @@ constexpr char kDamaged[] =
     "The file could not be read to its end.\n\nIt may be damaged, or its drive may have gone away. Please "
     "load "
     "it again, or ask for it again.";
+constexpr char kBeginning[] =
+    "Only the first %s of the file could be loaded.\n\nWhat follows is damaged, or in another format. Please "
+    "listen to the end of the dictation, and ask for the file again if something is missing.";
 constexpr char kNoSound[] = "The file holds no sound.\n\nPlease choose another file, or ask for it again.";
 
 ProcessResult Refuse(ProcessContext& context, std::string_view text) {
@@ -97,6 +102,7 @@ ProcessResult ImportProcess::Judge(LDecoded decoded, std::string_view damaged,
             return TestSound(context);
         case LDecoded::Stopped:
             return ProcessResult::Stopped;
+        case LDecoded::Cut:
         case LDecoded::NotRead:
             return Refuse(context, damaged);
         case LDecoded::NotWritten:
@@ -154,11 +160,25 @@ ProcessResult ImportProcess::LoadWave(ProcessContext& context) {
     return Judge(Decode(source, context), kDamaged, context);
 }
 
-// What our decoder cannot read another one may.
+// Whether there is sound before the place where a file cannot be read on; the user is told how much.
+bool ImportProcess::KeepBeginning(ProcessContext& context) {
+    LWaveInfo info;
+    LSoundTime length;
+    if (!LWaveFile::ReadInfo(m_dictation->Files().audio, info) || info.Frames() == 0 ||
+        !length.SetSamples(Saturate(info.Frames()), static_cast<int32_t>(info.format.SampleRate())))
+        return false;
+    m_isWhole = false;
+    context.SetError(LFormat(kBeginning, length.Print(LSoundTime::Form::Seconds).c_str()));
+    return true;
+}
+
+// What our decoder cannot read another one may. A stream of frames that breaks off is worth having up to
+// there: so are recordings that were joined from several.
 ProcessResult ImportProcess::LoadMp3(ProcessContext& context) {
     context.SetStatus(kDecoding);
     const LDecoded decoded = Decode(LSoundSource::Make<LMP3Source>(m_source), context);
-    if (decoded != LDecoded::NotRead) return Judge(decoded, kDamaged, context);
+    if (decoded == LDecoded::Cut && KeepBeginning(context)) return ProcessResult::Done;
+    if (decoded != LDecoded::NotRead && decoded != LDecoded::Cut) return Judge(decoded, kDamaged, context);
     context.SetTitle("Uncompress Using Real Audio Player");
     return LoadRealAudio(context);
 }

@@ -13,9 +13,10 @@
 #include "store/StagedDictation.h"
 
 // Makes a dictation of an audio file: takes a number, writes the record with name and date of the file, and
-// brings the sound in by the file's route. Done: the file was read to its end, and the dictation is whole and
-// holds sound; it is still staged, and the caller publishes it. (A DCT file that says it holds nothing is
-// Done too.) Everything else leaves nothing but a used number.
+// brings the sound in by the file's route. Done: the dictation is whole and holds sound; it is still staged,
+// and the caller publishes it. (A DCT file that says it holds nothing is Done too.) An MP3 file that is
+// damaged in the middle, or goes on in another format, is Done with what stands before, and with a text for
+// the user. Everything else leaves nothing but a used number.
 // The file is foreign input (docs/hostile-input.md). The process owns all that it uses, so it may be left
 // behind (LProcessApart).
 // Errors: Failed with a text for the user. Stopped when cancelled; with a text where the notes of a DCT file
@@ -29,6 +30,8 @@ public:
     ProcessResult Process(ProcessContext& context) override;
 
     StagedDictation& Dictation() { return *m_dictation; }
+    // Whether the file was read to its end.
+    bool IsWhole() const { return m_isWhole; }
 
 private:
     using Route = ProcessResult (ImportProcess::*)(ProcessContext& context);
@@ -42,6 +45,7 @@ private:
     ProcessResult LoadDct(ProcessContext& context);
     LDecoded Decode(const LSoundSource& source, ProcessContext& context) const;
     ProcessResult Judge(LDecoded decoded, std::string_view damaged, ProcessContext& context) const;
+    bool KeepBeginning(ProcessContext& context);
     ProcessResult TestSound(ProcessContext& context) const;
     std::string SourceName() const;
 
@@ -50,4 +54,5 @@ private:
     ImportRow m_row;
     std::unique_ptr<ForeignDecoders> m_decoders;
     std::unique_ptr<StagedDictation> m_dictation;
+    bool m_isWhole = true;
 };

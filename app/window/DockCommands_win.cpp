@@ -56,7 +56,7 @@ private:
         m_context->SetProgress(static_cast<double>(done) / static_cast<double>(count));
         return m_runner.MayGoOn() && !m_context->CancelRequested();
     }
-    bool Load(const LPath& file, bool sends) override { return m_load(file, sends); }
+    LoadedFile Load(const LPath& file, bool sends) override { return m_load(file, sends); }
 
     const DockCommands::LoadFile& m_load;
     const LModalRunner& m_runner;

@@ -28,17 +28,17 @@ protected:
 
     bool RunApart(const std::function<void()>& look) override { return look(), true; }
     bool Next(const LPath&, size_t, size_t) override { return true; }
-    bool Load(const LPath& file, bool sends) override {
+    LoadedFile Load(const LPath& file, bool sends) override {
         const std::string name(LFileNameOf(file.View()));
         m_loaded += name + (sends ? "! " : " ");
         if (m_whileLoading) m_whileLoading();
-        return name != m_broken;
+        return name == m_broken ? LoadedFile::No : name == m_cut ? LoadedFile::Partly : LoadedFile::Whole;
     }
 
     TempFolder m_temp;
     const LPath m_data = m_temp.Folder("data"), m_folder = m_temp.Folder("recorder");
     const LPath m_settings = LPath::Join(m_data.View(), "settings.ini");
-    std::string m_loaded, m_broken;
+    std::string m_loaded, m_broken, m_cut;
     std::function<void()> m_whileLoading;
 };
 
@@ -72,17 +72,19 @@ TEST_F(DockTransferTest, AFileThatCannotBeLoadedEndsTheTransferAndIsNotNewAgain)
 TEST_F(DockTransferTest, DeletesOnlyWhatIsSafeElsewhere) {
     static const struct {
         const char* what;
-        bool deletes, grows, isGoneAfter;
+        bool deletes, grows, isCut, isGoneAfter;
     } kCases[] = {
-        {"loaded", true, false, true},
-        {"not to be deleted", false, false, false},
-        {"still being written", true, true, false},
+        {"loaded", true, false, false, true},
+        {"not to be deleted", false, false, false, false},
+        {"still being written", true, true, false, false},
+        {"not read to its end", true, false, true, false},
     };
     for (const auto& c : kCases) {
         Settings::Write(m_settings, SettingsKeys::kDockTransferDelete, c.deletes);
         m_whileLoading = [&] {
             if (c.grows) Put("a.wav", 1000, "more sound");
         };
+        m_cut = c.isCut ? "a.wav" : "";
         Put("a.wav", 1000);
         const DockTransfer::Outcome outcome = Run();
         EXPECT_EQ(LFile::IsAbsent(FileOf("a.wav")), c.isGoneAfter) << c.what;

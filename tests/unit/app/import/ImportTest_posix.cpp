@@ -17,10 +17,10 @@ struct NoDecoders final : ForeignDecoders {
     bool ConvertVoiceIt(const LPath&, const LPath&, std::string&) override { return false; }
 };
 
-// Half a second of silence, 128 kbit/s and 44,100 Hz.
-Bytes SilentMp3() {
+// Frames of silence, of 128 kbit/s and 44,100 Hz; with other headers of 48,000 Hz.
+Bytes SilentMp3(const char* header = "FF FB 90 64", size_t bytes = 413) {
     Bytes file;
-    for (int i = 0; i < 20; ++i) file = file + Hex("FF FB 90 64") + Bytes(413);
+    for (int i = 0; i < 20; ++i) file = file + Hex(header) + Bytes(bytes);
     return file;
 }
 
@@ -55,6 +55,8 @@ TEST_F(ImportTest, AFileIsLoadedAsWhatItHoldsOrRefusedWithTheReason) {
         {"a.wav", SilentMp3(), 0, "no WAV file"},
         {"a.wav", WaveFile(noCodec), 0, "codec"},
         {"a.mp3", SilentMp3(), 46 + 20 * 1152 * 4, ""},
+        {"a.mp3", SilentMp3() + SilentMp3("FF FB 94 64", 380), 46 + 20 * 1152 * 4,
+         "Only the first 0:00:00 of"},
         {"a.mp3", Recording(100), 0, "No player"},
         {"a.dct", WriteDct("", Text("note"), Recording(100)), 246, ""},
     };
