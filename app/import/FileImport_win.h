@@ -30,8 +30,8 @@ public:
     FileImport(const AppState& state, LModalRunner& runner, Owner& owner)
         : m_state(state), m_runner(runner), m_owner(owner) {}
 
-    // Loads one file, and sends it where wanted; what becomes of the sending is not in the result. (Only a DCT
-    // file can say that it holds nothing.)
+    // Loads one file, and sends it where wanted; what becomes of the sending is not in the result. (Only a
+    // DCT file can say that it holds nothing.)
     LoadedFile Load(const LPath& source, bool send);
 
     // Lets the user choose files and loads them in the order given, up to the first that fails. Nothing when

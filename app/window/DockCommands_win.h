@@ -7,6 +7,7 @@
 #include "app/dialogs/DockDialog_win.h"
 #include "app/transport/Listening_win.h"
 #include "app/window/DictationCommands_win.h"
+#include "store/StagedDictation.h"
 
 // The two ways in which dictations come from a portable recorder: recording it (DockDialog), and the transfer
 // of its files (DockTransfer).
