@@ -7,6 +7,7 @@
 #include "app/StartUpPlan.h"
 #include "app/window/MainDialog_win.h"
 #include "audio/device/LDBDisplay_win.h"
+#include "audio/mp3/MP3Kernels.h"
 #include "audio/stream/LKernels.h"
 #include "base/LFile.h"
 #include "base/LProfileText.h"
@@ -98,6 +99,7 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
 // statics does not work on Windows 95.
 void MakeShared() {
     Kernels();
+    GetMP3Kernels();
     LProfileLock();
 }
 

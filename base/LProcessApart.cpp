@@ -80,5 +80,7 @@ ProcessResult LProcessApart::Process(ProcessContext& context) {
         }
     }
     shared->PassOn(context);
-    return shared->result;
+    // The work may not have asked any more: what was cancelled is not done.
+    const bool isCancelled = shared->cancel.IsSignalled() && shared->result == ProcessResult::Done;
+    return isCancelled ? ProcessResult::Stopped : shared->result;
 }

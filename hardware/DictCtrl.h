@@ -10,11 +10,11 @@ namespace DictCtrl {
 
 inline constexpr char kDeviceType[] = "DictCtrl";
 
-// Device-specific commands, beyond the platform's own (MCI_USER_MESSAGES is 0x400). Each takes a Parameters.
+// Device-specific commands, beyond the platform's own (MCI_USER_MESSAGES is 0xC00). Each takes a Parameters.
 enum Command : uint32_t {
-    MCICTRL_ACTIVATE = 0x401,         // buttons are told from now on: window and message
-    MCICTRL_DEACTIVATE = 0x402,       // not any more
-    MCICTRL_SETDISPLAYSTATE = 0x403,  // state: one of Display
+    MCICTRL_ACTIVATE = 0xC01,         // buttons are told from now on: window and message
+    MCICTRL_DEACTIVATE = 0xC02,       // not any more
+    MCICTRL_SETDISPLAYSTATE = 0xC03,  // state: one of Display
 };
 
 struct Parameters {

@@ -8,6 +8,9 @@
 #include "res/Ids.h"
 
 constexpr uint32_t kMicCloseMs = 1000;
+// The platform passes a driver only numbers of this range.
+static_assert(DictCtrl::MCICTRL_ACTIVATE > MCI_USER_MESSAGES &&
+              DictCtrl::MCICTRL_SETDISPLAYSTATE <= DRV_MCI_LAST);
 
 class DictationMicrophone::Device {
 public:
@@ -25,6 +28,16 @@ public:
         m_display = display;
         if (m_device != 0 && !Send(DictCtrl::MCICTRL_SETDISPLAYSTATE))
             LTrace("SpeechMike Set DisplayState FAILED");
+    }
+
+    void Renew() {
+        Close();
+        Open();
+    }
+
+    // The same, unless the microphone still answers.
+    void RenewIfLost() {
+        if (m_device == 0 || !Send(DictCtrl::MCICTRL_SETDISPLAYSTATE)) Renew();
     }
 
     void Close() {
@@ -81,12 +94,11 @@ void DictationMicrophone::Retry() {
     if (m_thread && m_thread->Wait(0)) m_thread->Give([device = m_device] { device->Open(); });
 }
 
-void DictationMicrophone::Renew() {
-    if (!m_thread || !m_thread->Wait(0)) return;
-    m_thread->Give([device = m_device] {
-        device->Close();
-        device->Open();
-    });
+bool DictationMicrophone::Renew(bool isHeld) {
+    if (!m_thread) return true;
+    if (!m_thread->Wait(0)) return false;
+    m_thread->Give([device = m_device, isHeld] { isHeld ? device->RenewIfLost() : device->Renew(); });
+    return !isHeld;
 }
 
 void DictationMicrophone::Show(DictCtrl::Display display) {

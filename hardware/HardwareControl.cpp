@@ -16,7 +16,7 @@ bool HardwareControl::Open(int32_t port) {
     Close();
     m_number = port;
     m_bits = 0;
-    m_isStale = false;
+    m_isStale = m_isRenewalDue = false;
     m_state = State::CannotOpen;
     m_port = port < 1 ? nullptr : m_makePort(port);
     if (!m_port) return false;
@@ -37,9 +37,10 @@ uint32_t HardwareControl::Scan() {
 }
 
 PedalReading HardwareControl::Poll() {
-    if (!m_port || m_isStale) Open(m_number);
+    const bool wasStale = m_isStale || !m_port;
+    if (wasStale || (m_isRenewalDue && m_bits == 0)) Open(m_number);
     const uint32_t bits = Scan();
-    return {m_state, bits, !m_port || m_isStale};
+    return {m_state, bits, !m_port || (m_isStale && wasStale)};
 }
 
 std::string PedalTestText(int32_t port, const PedalReading& reading) {

@@ -13,7 +13,7 @@ struct PedalReading {
 
     State state = State::Opening;
     uint32_t bits = 0;     // the pressed controls, 0 while the port cannot be read
-    bool isQuiet = false;  // nothing can be read at present: to be asked again after a longer pause
+    bool isQuiet = false;  // nothing could be read, twice: to be asked again after a longer pause
 };
 
 // Reads the pedals at the chosen port. A port that cannot be opened or read has all controls released.
@@ -33,8 +33,9 @@ public:
 
     // Scans, after a new attempt to open a port that is closed or could not be read.
     PedalReading Poll();
-    // A device was plugged in or out: the next Poll opens the port anew, unless a control is pressed.
-    void Renew() { m_isStale = m_isStale || m_bits == 0; }
+    // A device was plugged in or out: the next Poll opens the port anew, while a control is pressed the first
+    // one after it was let go.
+    void Renew() { m_isRenewalDue = true; }
 
 private:
     MakePort m_makePort;
@@ -42,7 +43,8 @@ private:
     std::unique_ptr<PedalPort> m_port;
     PedalReading::State m_state = PedalReading::State::CannotOpen;
     uint32_t m_bits = 0;
-    bool m_isStale = false;  // could not be read, or is to be opened anew
+    bool m_isStale = false;  // could not be read
+    bool m_isRenewalDue = false;
 };
 
 // The line of the settings page that shows what is pressed.

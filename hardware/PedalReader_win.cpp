@@ -8,6 +8,7 @@
 #include "base/LOwned.h"
 #include "base/LText.h"
 #include "base/LThread.h"
+#include "base/LTime.h"
 #include "base/LTrace.h"
 #include "hardware/VECUSBPort_win.h"
 
@@ -92,6 +93,7 @@ void PedalReader::Open(int32_t port) {
     Close();
     if (port < 1) return;
     m_shared = std::make_shared<Shared>();
+    m_askedMs = LTickMs();
     m_thread = std::make_unique<DriverThread>();
     m_thread->Give([shared = m_shared, port] { shared->control.Open(port); });
 }
@@ -107,6 +109,7 @@ void PedalReader::Close() {
 PedalReading PedalReader::Poll() {
     if (!m_thread) return {};
     if (m_thread->Wait(0)) {
+        m_askedMs = LTickMs();
         m_thread->Give([shared = m_shared] {
             const PedalReading reading = shared->control.Poll();
             const LLock locked(shared->lock);
@@ -114,7 +117,9 @@ PedalReading PedalReader::Poll() {
         });
         m_thread->Wait(kAnswerMs);
     }
+    const bool isHung = LTickMs() - m_askedMs > kHungMs && !m_thread->Wait(0);
     const LLock locked(m_shared->lock);
+    if (isHung) m_shared->reading = {PedalReading::State::CannotOpen, 0, false};
     return m_shared->reading;
 }
 

@@ -14,6 +14,7 @@ public:
     static constexpr uint32_t kFirstPollMs = 500;  // after Open
     static constexpr uint32_t kPollMs = 50;
     static constexpr uint32_t kQuietMs = 2000;  // while the port cannot be read
+    static constexpr uint32_t kHungMs = 3000;   // without an answer: nobody knows what is pressed
 
     ~PedalReader() { Close(); }
 
@@ -32,4 +33,5 @@ private:
 
     std::unique_ptr<DriverThread> m_thread;
     std::shared_ptr<Shared> m_shared;
+    uint32_t m_askedMs = 0;
 };

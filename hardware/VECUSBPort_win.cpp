@@ -1,10 +1,22 @@
 #include "hardware/VECUSBPort_win.h"
 
+#include <atomic>
 #include <utility>
 
 #include "base/LTrace.h"
 
+// The library has one watch for the whole program: a port that was left behind on its thread would stop that
+// of the next one.
+static std::atomic<bool> s_isTaken{false};
+
+VECUSBPort::~VECUSBPort() {
+    Close();
+    if (m_isOwner) s_isTaken = false;
+}
+
 PedalPort::Opened VECUSBPort::Open() {
+    m_isOwner = m_isOwner || !s_isTaken.exchange(true);
+    if (!m_isOwner) return Opened::No;
     m_library = LLoadAddOn("HidProbe.dll");
     if (!m_library) {
         LTrace("VECUSBPort::Open() LoadLibrary HidProbe FAILED!");

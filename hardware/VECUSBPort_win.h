@@ -7,7 +7,7 @@
 // unloaded: it may have threads of its own.
 class VECUSBPort final : public PedalPort {
 public:
-    ~VECUSBPort() override { Close(); }
+    ~VECUSBPort() override;
     Opened Open() override;
     std::optional<uint32_t> Read() override { return GetData(); }
     uint32_t GetData() const;
@@ -21,4 +21,5 @@ private:
     LLibrary m_library;
     Function m_startWatch = nullptr, m_stopWatch = nullptr, m_getData = nullptr;
     bool m_isStarted = false;
+    bool m_isOwner = false;
 };

@@ -118,13 +118,12 @@ bool PublishDictation(const DictationFiles& files, const DictationFiles& target)
                        {&DictationFiles::audio, &DictationFiles::notes, &DictationFiles::record});
 }
 
-bool RenumberDictation(const CurrentUser& user, const DictationFiles& files, DictationFiles* renumbered) {
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {
     const std::optional<int32_t> number = NextDictationNumber(user);
     if (!number) return false;
     const DictationFiles target = DictationFiles::OfNumber(LPath(LFolderOf(files.record.View())), *number);
     if (!MoveDictationFiles(files, target)) return false;
     if (LFile::Exists(target.record)) Settings::Write(target.record, RecordKeys::kNumber, *number);
-    if (renumbered != nullptr) *renumbered = target;
     return true;
 }
 

@@ -46,9 +46,8 @@ bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& targe
 bool PublishDictation(const DictationFiles& files, const DictationFiles& target);
 
 // Gives a dictation the next number within its folder, in its file names and in its record. False, with
-// everything as it was, when a file cannot be renamed. renumbered: receives the files of the new number.
-bool RenumberDictation(const CurrentUser& user, const DictationFiles& files,
-                       DictationFiles* renumbered = nullptr);
+// everything as it was, when a file cannot be renamed.
+bool RenumberDictation(const CurrentUser& user, const DictationFiles& files);
 
 // Renames a file of a dictation that does not hold what its name says, as the audio's that holds no audio, to
 // make way for a new one ("00000012.bad1"): it may be all that is left of a recording. Returns the new path,

@@ -69,6 +69,7 @@ std::map<int32_t, Found> ListDictations(const LPath& folder) {
 // one, with the name of the record in Sent when another program holds that.
 void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64_t now) {
     LTrace("RecoverDictations audio without a record", current.audio.View());
+    if (StagedDictation::HoldsRecordOf(current)) return;  // left to the next start
     DictationRecord values;
     if (LFile::Exists(sent.record) && LFile::IsAbsent(sent.audio)) {
         values = DictationRecord::Read(sent.record);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
+#include "base/LFileLock.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
 #include "store/DictationRecord.h"
@@ -29,8 +31,9 @@ public:
     bool Begin(const CurrentUser& user, std::string_view name, int64_t date);
     // Another number, in place of one that a record of Current claims in another file.
     bool TakeOtherNumber();
-    // Puts the audio on the disk itself and moves the dictation to Current. On failure nothing of it is
-    // there.
+    // Puts the audio on the disk itself, which may take seconds.
+    void Flush() const;
+    // Moves the dictation to Current. On failure nothing of it is there.
     bool Publish();
 
     int32_t Number() const { return NumberOfFileName(m_files.record).value_or(0); }
@@ -41,9 +44,17 @@ public:
     // is in Current already is whole, and is completed; all else is deleted, but for what another session is
     // still writing.
     static void Recover(const CurrentUser& user);
+    // Whether the record of a dictation whose audio is in Current still stands in Import.
+    static bool HoldsRecordOf(const DictationFiles& current);
 
 private:
+    std::optional<int32_t> TakeNumber();
+    void ReleaseNumber();
+
     CurrentUser m_user;
     DictationFiles m_files;
+    // Of the number in Import, held from Begin to the end of the object: another session neither clears the
+    // files away nor loads under the same number.
+    LFileLock m_own;
     bool m_isStaged = false;
 };

@@ -22,13 +22,34 @@ void LProgressDialog::CancelRunning() {
     s_cancelAll = s_running > 0;
 }
 
+// Keys and buttons that go down. The owner is disabled only once the dialog is there: a window manager that
+// gives it the keyboard at that moment, since another dialog has closed, would leave the keyboard nowhere.
+// What is released belongs to a press from before.
+static bool IsInput(UINT message) {
+    switch (message) {
+        case WM_KEYDOWN:
+        case WM_SYSKEYDOWN:
+        case WM_CHAR:
+        case WM_SYSCHAR:
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_NCLBUTTONDOWN:
+        case WM_NCLBUTTONDBLCLK:
+        case WM_NCRBUTTONDOWN:
+            return true;
+        default:
+            return false;
+    }
+}
+
 LProgressDialog::LProgressDialog(HWND owner, std::string_view title)
     : m_owner(owner),
       m_ownerWasEnabled(owner != nullptr && IsWindowEnabled(owner)),
       m_title(title),
       m_startTick(GetTickCount()) {
     ++s_running;
-    if (m_ownerWasEnabled) EnableWindow(m_owner, FALSE);
 }
 
 LProgressDialog::~LProgressDialog() {
@@ -101,6 +122,7 @@ void LProgressDialog::ShowStatus() {
 void LProgressDialog::Pump() {
     if (!m_isShown && GetTickCount() - m_startTick >= kShowAfterMs) {
         m_isShown = true;  // tried once; if the window cannot be created the operation goes on without it
+        if (m_ownerWasEnabled) EnableWindow(m_owner, FALSE);
         if (Create(IDD_PROGRESS, IsWindow(m_owner) ? m_owner : nullptr)) ShowWindow(Window(), SW_SHOW);
     }
     if (IsOpen())
@@ -115,6 +137,7 @@ void LProgressDialog::Pump() {
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
+        if (!m_isShown && IsInput(message.message)) continue;
         if (IsOpen() && IsDialogMessageA(Window(), &message)) continue;
         TranslateMessage(&message);
         DispatchMessageA(&message);

@@ -22,6 +22,7 @@ constexpr char kNotPublished[] =
     "The dictation could not be stored.\n\nA file of its number may be open in another program, or the disk "
     "may be write-protected. Please load the file again.";
 constexpr char kNotRun[] = "The file could not be loaded. Please try again.";
+constexpr char kLeftOut[] = "\n\nFiles that were not loaded: %lu. Please load them again without this one.";
 constexpr char kTooMany[] = "Too many files were chosen at once. Please choose fewer of them.";
 
 // Shows the platform's dialog; the buffer receives what it says. False when nothing was chosen.
@@ -48,30 +49,39 @@ void FileImport::Tell(const LPath& source, std::string_view text) {
     m_runner.Box(text, LShownText(LFileNameOf(source.View())), MB_OK | MB_ICONEXCLAMATION);
 }
 
-FileImport::Loaded FileImport::LoadOne(const LPath& source) {
+FileImport::Loaded FileImport::LoadOne(const LPath& source, size_t behind) {
+    const auto fail = [&](std::string text) {
+        if (behind > 0) text += LFormat(kLeftOut, static_cast<unsigned long>(behind));
+        Tell(source, text);
+        return Loaded();
+    };
     const ImportRow* const row = FindImportRow(source.View());
-    if (row == nullptr) return Tell(source, kUnknownKind), Loaded();
+    if (row == nullptr) return fail(kUnknownKind);
     const auto work = std::make_shared<ImportProcess>(m_state.user, source, *row, MakeForeignDecoders());
     LProcessApart process(work);
     std::string error;
     const ProcessResult result = m_runner.Run(process, row->title, error);
     if (result != ProcessResult::Done) {
         if (result == ProcessResult::Failed && error.empty()) error = kNotRun;
-        if (!error.empty()) Tell(source, error);
-        return {};
+        return error.empty() ? Loaded() : fail(error);
     }
     StagedDictation& dictation = work->Dictation();
     bool isReady = true;
     while (isReady && m_owner.IsNumberListed(dictation.Number())) isReady = dictation.TakeOtherNumber();
-    if (!isReady || !dictation.Publish()) return Tell(source, kNotPublished), Loaded();
+    if (!isReady || !dictation.Publish()) return fail(kNotPublished);
     m_owner.ListLoaded(dictation.Files());
     if (!error.empty()) Tell(source, error);
     return {work->IsWhole() ? LoadedFile::Whole : LoadedFile::Partly, dictation.Files()};
 }
 
-LoadedFile FileImport::Load(const LPath& source, bool send) {
-    const Loaded loaded = LoadOne(source);
-    if (loaded.what != LoadedFile::No && send && m_runner.MayGoOn()) m_owner.SendLoaded(loaded.files);
+// What the user is to listen to first stays.
+void FileImport::SendWhole(const Loaded& loaded, bool& send) {
+    if (send && loaded.what == LoadedFile::Whole) send = m_owner.SendLoaded(loaded.files);
+}
+
+LoadedFile FileImport::Load(const LPath& source, bool& send) {
+    const Loaded loaded = LoadOne(source, 0);
+    if (m_runner.MayGoOn()) SendWhole(loaded, send);
     return loaded.what;
 }
 
@@ -87,13 +97,12 @@ std::optional<std::vector<LPath>> FileImport::LoadChosen(bool send) {
     if (isChosen != 1 || !m_runner.MayGoOn()) return std::nullopt;
     const ImportSelection chosen = ImportSelection::Parse(buffer);
     std::vector<LPath> records;
-    for (const LPath& file : chosen.files) {
-        const Loaded loaded = LoadOne(file);
+    for (size_t i = 0; i < chosen.files.size(); ++i) {
+        const Loaded loaded = LoadOne(chosen.files[i], chosen.files.size() - 1 - i);
         if (loaded.what == LoadedFile::No) break;
         records.push_back(loaded.files.record);
         if (!m_runner.MayGoOn()) break;
-        // The user was told once.
-        if (send) send = m_owner.SendLoaded(loaded.files);
+        SendWhole(loaded, send);
     }
     Settings::Write(settings, SettingsKeys::kLoadFolder, std::string(chosen.folder.View()));
     return records;

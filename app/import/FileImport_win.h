@@ -22,17 +22,17 @@ public:
         virtual bool IsNumberListed(int32_t number) const = 0;
         // A dictation was loaded: it gets a row.
         virtual void ListLoaded(const DictationFiles& files) = 0;
-        // Sends it to the default recipient, or tells the user why it stays in the list. False when there is
-        // no such recipient.
+        // Sends it to the default recipient, or tells the user why it stays in the list. False when the next
+        // one would stay for the same reason.
         virtual bool SendLoaded(const DictationFiles& files) = 0;
     };
 
     FileImport(const AppState& state, LModalRunner& runner, Owner& owner)
         : m_state(state), m_runner(runner), m_owner(owner) {}
 
-    // Loads one file, and sends it where wanted; what becomes of the sending is not in the result. (Only a
-    // DCT file can say that it holds nothing.)
-    LoadedFile Load(const LPath& source, bool send);
+    // Loads one file. A whole one is sent where wanted; send becomes false when the next could not be sent
+    // either. (Only a DCT file can say that it holds nothing.)
+    LoadedFile Load(const LPath& source, bool& send);
 
     // Lets the user choose files and loads them in the order given, up to the first that fails. Nothing when
     // he chose none; else the records of those that were loaded.
@@ -43,7 +43,9 @@ private:
         LoadedFile what = LoadedFile::No;
         DictationFiles files;
     };
-    Loaded LoadOne(const LPath& source);
+    // behind: the files that are left out when this one cannot be loaded.
+    Loaded LoadOne(const LPath& source, size_t behind);
+    void SendWhole(const Loaded& loaded, bool& send);
     void Tell(const LPath& source, std::string_view text);
 
     const AppState& m_state;

@@ -7,6 +7,7 @@
 #include "base/LArith.h"
 #include "base/LCopyFile.h"
 #include "base/LFile.h"
+#include "base/LProfileText.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
@@ -40,6 +41,8 @@ constexpr char kDamaged[] =
 constexpr char kBeginning[] =
     "Only the first %s of the file could be loaded.\n\nWhat follows is damaged, or in another format. Please "
     "listen to the end of the dictation, and ask for the file again if something is missing.";
+constexpr char kNoMp3[] =
+    "The file is no MP3 file that Corvane can read, or it is damaged. Please ask for it again.\n\n";
 constexpr char kNoSound[] = "The file holds no sound.\n\nPlease choose another file, or ask for it again.";
 
 ProcessResult Refuse(ProcessContext& context, std::string_view text) {
@@ -60,6 +63,7 @@ public:
 
 ProcessResult ImportProcess::Process(ProcessContext& context) {
     const ProcessResult result = Load(context);
+    if (result == ProcessResult::Done) m_dictation->Flush();
     if (result != ProcessResult::Done) m_dictation.reset();
     return result;
 }
@@ -119,10 +123,15 @@ ProcessResult ImportProcess::TestSound(ProcessContext& context) const {
 }
 
 ProcessResult ImportProcess::LoadRealAudio(ProcessContext& context) {
+    return DecodeRealAudio("", context);
+}
+
+// before: what is said before the reason of a failure.
+ProcessResult ImportProcess::DecodeRealAudio(const std::string& before, ProcessContext& context) {
     context.SetStatus("Decoding Real Audio");
     std::string error = kDamaged;
     const LSoundSource source = m_decoders->OpenRealAudio(m_source, error);
-    return Judge(Decode(source, context), error, context);
+    return Judge(Decode(source, context), before + error, context);
 }
 
 ProcessResult ImportProcess::LoadDss(ProcessContext& context) {
@@ -179,15 +188,17 @@ ProcessResult ImportProcess::LoadMp3(ProcessContext& context) {
     const LDecoded decoded = Decode(LSoundSource::Make<LMP3Source>(m_source), context);
     if (decoded == LDecoded::Cut && KeepBeginning(context)) return ProcessResult::Done;
     if (decoded != LDecoded::NotRead && decoded != LDecoded::Cut) return Judge(decoded, kDamaged, context);
+    // Its drive may have gone away, which another decoder would only say in other words.
+    if (!LFile(m_source, LFile::Open::Read).IsOpen()) return Refuse(context, kCannotOpen);
     context.SetTitle("Uncompress Using Real Audio Player");
-    return LoadRealAudio(context);
+    return DecodeRealAudio(kNoMp3, context);
 }
 
 ProcessResult ImportProcess::LoadDct(ProcessContext& context) {
     const DictationFiles& files = m_dictation->Files();
     const ProcessResult result = LoadDCTProcess(m_source, files).Process(context);
     // A row without a name could not be told from others.
-    if (result == ProcessResult::Done && DictationRecord::Read(files.record).name.empty())
+    if (result == ProcessResult::Done && LTrimBlanks(DictationRecord::Read(files.record).name).empty())
         StoreName(files.record, SourceName());
     return result;
 }

@@ -38,6 +38,7 @@ private:
 
     ProcessResult Load(ProcessContext& context);
     ProcessResult LoadRealAudio(ProcessContext& context);
+    ProcessResult DecodeRealAudio(const std::string& before, ProcessContext& context);
     ProcessResult LoadVoiceIt(ProcessContext& context);
     ProcessResult LoadDss(ProcessContext& context);
     ProcessResult LoadWave(ProcessContext& context);

@@ -89,10 +89,12 @@ bool DeviceCommands::PressHeld(InputControl control, const Index& entry) {
     held = {Press::Starting, entry.index, m_clock(), std::nullopt, 0};
     const bool accepted = Carry(entry);
     const std::optional<uint32_t> releasedMs = held.releasedMs;
-    held.press = releasedMs                    ? Press::Up
-                 : accepted                    ? Press::Began
-                 : m_target.IsProcessRunning() ? Press::Waits
-                                               : Press::Joined;
+    const bool runs = m_target.IsRecording() || m_target.IsPlaying();
+    held.press = releasedMs                             ? Press::Up
+                 : accepted                             ? Press::Began
+                 : m_target.IsProcessRunning() && !runs ? Press::Waits
+                                                        : Press::Joined;
+    if (held.press == Press::Waits) m_target.TellWaiting();
     if (!accepted) return false;
     m_beginner = control;
     if (!releasedMs)
@@ -103,8 +105,9 @@ bool DeviceCommands::PressHeld(InputControl control, const Index& entry) {
 }
 
 bool DeviceCommands::PressWinding(InputControl control, const Index& entry) {
+    Of(control) = {Press::Winds, entry.index, 0, std::nullopt, 0};  // its release may come meanwhile
     const bool accepted = m_target.HoldWinding(entry.direction, true);
-    Of(control) = {accepted ? Press::Winds : Press::Up, entry.index, 0, std::nullopt, 0};
+    if (!accepted) Of(control).press = Press::Up;
     return accepted;
 }
 
@@ -228,6 +231,13 @@ void DeviceCommands::MicButton(int code) {
             CommandRelease(button->control, button->index, kHoldLimitMs);
             break;
     }
+}
+
+bool DeviceCommands::IsMicHeld() const {
+    constexpr InputControl kButtons[] = {MicRecord, MicPlay, MicInsert, MicRewind, MicForward};
+    return m_micRecordHeld || std::ranges::any_of(kButtons, [this](InputControl control) {
+               return m_held[static_cast<size_t>(control)].press != Press::Up;
+           });
 }
 
 void DeviceCommands::ReleaseMic() {

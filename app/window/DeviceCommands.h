@@ -49,6 +49,8 @@ public:
         virtual bool IsProcessRunning() const = 0;
         // Presses or releases the winding button in the window; false when it cannot be pressed.
         virtual bool HoldWinding(WindDirection direction, bool isDown) = 0;
+        // A press has to wait for the process: who does not look at the window must hear it.
+        virtual void TellWaiting() = 0;
         virtual void OpenWindow() = 0;
         virtual void MinimizeWindow() = 0;
     };
@@ -66,6 +68,8 @@ public:
     void MicButton(int code);
     // The dictation microphone is gone: its buttons are released.
     void ReleaseMic();
+    // A button of the dictation microphone is held.
+    bool IsMicHeld() const;
 
 private:
     // Starting: the command of the press still runs. That may take long: compressed audio is decoded before

@@ -55,12 +55,9 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
-    // The same for one that was just made of an audio file. False when there is no default recipient.
-    bool SendLoaded(const DictationFiles& files) {
-        if (!m_send.DefaultRecipient()) return false;
-        Send({files}, To::Default);
-        return true;
-    }
+    // The same for one that was just made of an audio file. False, after the user was told, when the next one
+    // could not be sent either.
+    bool SendLoaded(const DictationFiles& files);
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
@@ -88,7 +85,8 @@ private:
 
     std::vector<DictationFiles> CurrentAlone() const;
     bool Delete(const std::vector<DictationFiles>& dictations);
-    bool Send(const std::vector<DictationFiles>& dictations, To to);
+    // nothingSends: why one was not sent concerns all.
+    bool Send(const std::vector<DictationFiles>& dictations, To to, bool* nothingSends = nullptr);
     void AskFields(const DictationFiles& files);
     bool StopAndSave();
     void ForEach(const std::vector<DictationFiles>& dictations, std::string_view title,

@@ -56,13 +56,19 @@ private:
         m_context->SetProgress(static_cast<double>(done) / static_cast<double>(count));
         return m_runner.MayGoOn() && !m_context->CancelRequested();
     }
-    LoadedFile Load(const LPath& file, bool sends) override { return m_load(file, sends); }
+    LoadedFile Load(const LPath& file, bool sends) override {
+        bool canSend = sends && m_canSend;
+        const LoadedFile loaded = m_load(file, canSend);
+        if (sends) m_canSend = canSend;
+        return loaded;
+    }
 
     const DockCommands::LoadFile& m_load;
     const LModalRunner& m_runner;
     DockTransfer m_transfer;
     DockTransfer::Outcome m_outcome;
     ProcessContext* m_context = nullptr;
+    bool m_canSend = true;  // nobody is to be told twice that there is no typist
 };
 
 }  // namespace

@@ -16,7 +16,7 @@
 class DockCommands final : private DockDialog::Owner {
 public:
     // One audio file becomes a dictation, and is sent if asked to; see DockTransfer::Host::Load.
-    using LoadFile = std::function<LoadedFile(const LPath& file, bool sends)>;
+    using LoadFile = std::function<LoadedFile(const LPath& file, bool& sends)>;
 
     DockCommands(const AppState& state, LModalRunner& runner, DictationCommands& dictations,
                  DictationList& list, Transport& transport, Listening& listening, LoadFile load)

@@ -101,7 +101,7 @@ MainDialog::MainDialog(AppState& state)
       m_import(state, m_runner, *this),
       m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
       m_dock(state, m_runner, m_dictations, m_list, m_transport, m_listening,
-             [this](const LPath& file, bool sends) { return m_import.Load(file, sends); }),
+             [this](const LPath& file, bool& sends) { return m_import.Load(file, sends); }),
       m_devices(*this),
       m_hotKeys(state, m_devices),
       m_pedals(state, m_devices, m_runner),
@@ -324,7 +324,7 @@ bool MainDialog::EvDeviceChange(WPARAM, LPARAM, LRESULT&) {
 
 void MainDialog::EvTimerDevices() {
     m_pedals.Renew();
-    m_microphone.Renew();
+    if (!m_microphone.Renew(m_devices.IsMicHeld())) SetTimer(Window(), TIMER_DEVICES, kDevicesMs, nullptr);
 }
 
 bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {

@@ -217,6 +217,7 @@ private:
     bool IsProcessRunning() const override { return m_runner.OpenModal() == LModalRunner::Modal::Process; }
     bool HoldWinding(WindDirection direction, bool isDown) override;
     void OpenWindow() override;
+    void TellWaiting() override { MessageBeep(MB_ICONEXCLAMATION); }
     void MinimizeWindow() override { ShowWindow(Window(), SW_MINIMIZE); }
     // ApiCommands::Target
     void CloseLater() override { PostMessageA(Window(), WM_CLOSE, 0, 0); }

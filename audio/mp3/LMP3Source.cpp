@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "audio/mp3/MP3LT.h"
 #include "base/LArith.h"
@@ -34,6 +35,11 @@ public:
         return done;
     }
     bool Seek(int64_t position) override {
+        const int64_t begin = m_blockEnd - static_cast<int64_t>(m_filled);
+        if (position >= begin && position <= m_blockEnd) {
+            m_used = static_cast<size_t>(position - begin);
+            return true;
+        }
         m_used = m_filled = 0;
         m_blockEnd = position;
         return m_stream->Seek(position);
@@ -99,7 +105,7 @@ bool LMP3Source::Open() {
     if (!m_decoder.SetStream(m_first)) return Refuse("LMP3Source::LMP3Source ReorderMap i >= 576");
     m_pcm.resize(static_cast<size_t>(m_first.Frames()) * GetChannels());
     ReadInformation();
-    m_dataEnd = m_stream->Size();
+    m_fileSize = m_dataEnd = m_stream->Size();
     uint8_t tag[3];
     if (ReadAt(*m_stream, m_dataEnd - kTagBytes, tag) && StartsWith(tag, "TAG")) m_dataEnd -= kTagBytes;
     m_bitRate = m_first.bitRate;
@@ -130,22 +136,19 @@ bool LMP3Source::FindFrame(int64_t from, MP3Header& header, int64_t& start) {
 // A first frame whose place of main data names an encoder's information is not heard. It may tell how many
 // frames follow.
 void LMP3Source::ReadInformation() {
-    const int64_t end = m_firstFrame + static_cast<int64_t>(m_first.FrameBytes());
-    if (!ReadAt(*m_stream, m_firstFrame + static_cast<int64_t>(m_first.HeaderBytes()),
-                std::span(m_body).first(m_first.FrameBytes() - m_first.HeaderBytes())))
-        return;
-    const std::span<const uint8_t> body =
-        std::span(m_body).first(m_first.FrameBytes() - m_first.HeaderBytes());
-    const auto data = body.subspan(std::min(m_first.SideInfoBytes(), body.size()));
+    const std::span<uint8_t> frame = std::span(m_body).first(m_first.FrameBytes());
+    if (!ReadAt(*m_stream, m_firstFrame, frame)) return;
+    // It lies where it would without a check sum, also where there is one.
+    const std::span<const uint8_t> data = frame.subspan(4 + m_first.SideInfoBytes());
     int64_t frames = -1;
     if (StartsWith(data, "Xing") || StartsWith(data, "Info")) {
         if (data.size() >= 12 && (data[7] & 1) != 0) frames = BigEndian(&data[8]);
-    } else if (body.size() >= 50 && StartsWith(body.subspan(32), "VBRI")) {
-        frames = BigEndian(&body[32 + 14]);
+    } else if (frame.size() >= 54 && StartsWith(std::span<const uint8_t>(frame).subspan(36), "VBRI")) {
+        frames = BigEndian(&frame[36 + 14]);
     } else {
         return;
     }
-    m_firstFrame = end;
+    m_firstFrame += static_cast<int64_t>(m_first.FrameBytes());
     // No frame has less than 20 bytes; who claims more frames than fit is not believed.
     if (frames > 0 && frames <= m_stream->Size() / 20) m_toldFrames = frames * m_first.Frames();
 }
@@ -175,8 +178,8 @@ bool LMP3Source::DecodeFrame() {
     m_frameStart = m_stream->Position();
     if (!DecodeHeader()) return Refuse("LMP3Source::DecodeFrame DecodeHeader FAILED so this function fails");
     const size_t bytes = m_header.SideInfoBytes() + m_header.MainDataBytes();
-    if (!m_stream->ReadExact(std::span(m_body).first(bytes)))
-        return Refuse("LMP3Source::DecodeFrame unable to read the whole frame");
+    m_endsInFrame = !m_stream->ReadExact(std::span(m_body).first(bytes));
+    if (m_endsInFrame) return Refuse("LMP3Source::DecodeFrame unable to read the whole frame");
     if (!m_decoder.Decode(m_header, m_body.data(), m_pcm.data())) return false;
     if (m_decoded == 0) m_bitRate = m_header.bitRate;
     m_isConstant = m_isConstant && m_header.bitRate == m_bitRate;
@@ -194,15 +197,54 @@ bool LMP3Source::Advance() {
     m_hasEnded = true;
     m_pcmFrames = m_pcmUsed = 0;
     m_end = Saturate(m_decoded);
-    m_isWhole = m_stream->Position() >= m_stream->Size() || IsTag(m_frameStart) || IsFollowedByJunk();
+    uint8_t next;
+    const bool isAtEnd = m_stream->Position() >= m_fileSize;
+    if (!isAtEnd && m_stream->Read({&next, 1}) == 0) SetError();  // the drive has gone away
+    // A download that broke off is cut in a frame, and shorter than its first one tells.
+    const bool isCut = m_endsInFrame && m_toldFrames > m_decoded;
+    m_isWhole = !IsError() && !isCut && (isAtEnd || IsFollowedByJunk() || IsFollowedByPadding());
     return false;
+}
+
+// Recorders fill their clusters, and downloads are made in full length before they begin.
+bool LMP3Source::IsFollowedByPadding() {
+    std::vector<uint8_t> block(16384);
+    std::optional<uint8_t> filler;
+    m_stream->Seek(m_frameStart);
+    for (int64_t left = m_fileSize - m_frameStart; left > 0;) {
+        const auto bytes = std::span(block).first(static_cast<size_t>(std::min<int64_t>(left, 16384)));
+        if (!m_stream->ReadExact(bytes)) return false;
+        if (!filler) filler = bytes[0];
+        if (!std::ranges::all_of(bytes, [&](uint8_t byte) { return byte == *filler; })) return false;
+        left -= static_cast<int64_t>(bytes.size());
+    }
+    return true;
 }
 
 // Whether what was rejected was no frame of another format, but only looked like one.
 bool LMP3Source::IsFollowedByJunk() {
     MP3Header header;
     int64_t start = 0;
-    return !HasFormatOf(m_header, m_first) && !FindFrame(m_frameStart, header, start);
+    const int64_t behind = BehindTags(m_frameStart);
+    return (behind > m_frameStart || IsTag(m_frameStart) || !HasFormatOf(m_header, m_first)) &&
+           !FindFrame(behind, header, start);
+}
+
+// Tags that tell their size are passed over.
+int64_t LMP3Source::BehindTags(int64_t offset) {
+    uint8_t head[16];
+    while (ReadAt(*m_stream, offset, head)) {
+        if (StartsWith(head, "ID3"))
+            offset += 10 + (int64_t{head[6] & 127} << 21 | (head[7] & 127) << 14 | (head[8] & 127) << 7 |
+                            (head[9] & 127));
+        else if (StartsWith(head, "APETAGEX"))
+            offset += 32 + (int64_t{head[15]} << 24 | head[14] << 16 | head[13] << 8 | head[12]);
+        else if (StartsWith(head, "TAG"))
+            offset += kTagBytes;
+        else
+            break;
+    }
+    return offset;
 }
 
 bool LMP3Source::IsTag(int64_t offset) {

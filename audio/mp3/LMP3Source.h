@@ -17,8 +17,8 @@
 // Seek decodes from the start or from where it is. It keeps a position below 0 as it is: the frames before
 // frame 0 read as silence (a filter's pre-roll).
 // Units:  frames; offsets are bytes of the file.
-// Errors: a file without a first frame sets the error bit. One that cannot be read further on ends there, and
-//         IsWhole() tells.
+// Errors: a file without a first frame sets the error bit, and so does a drive that goes away. A file that
+//         cannot be decoded further on ends there, and IsWhole() tells.
 // Thread: one at a time.
 class LMP3Source final : public LSoundSourceBase {
 public:
@@ -30,8 +30,9 @@ public:
     int32_t GetPosition() const override { return m_position; }
     int32_t GetLength() const override;
     void Seek(int32_t frame) override;
-    // Once the end was met: false when it was not that of the file, and what followed is neither a tag nor
-    // something that only looked like a frame.
+    // Once the end was met: false when it was not that of the file, and what follows is more than tags,
+    // padding, or something that only looks like a frame; and when the file ends in the middle of a frame,
+    // before as many as its information tells.
     bool IsWhole() const override { return m_isWhole; }
 
 private:
@@ -46,7 +47,9 @@ private:
     bool Advance();
     bool FindFrame(int64_t from, MP3Header& header, int64_t& start);
     bool IsTag(int64_t offset);
+    int64_t BehindTags(int64_t offset);
     bool IsFollowedByJunk();
+    bool IsFollowedByPadding();
     int32_t Buffered() const { return m_pcmFrames - m_pcmUsed; }
     int64_t Estimate() const;
 
@@ -60,6 +63,7 @@ private:
     int32_t m_pcmUsed = 0;      // were delivered
     int64_t m_firstFrame = 0;   // offset of the first frame that is heard
     int64_t m_frameStart = 0;   // offset behind the last frame
+    int64_t m_fileSize = 0;     // when it was opened
     int64_t m_dataEnd = 0;      // offset
     int64_t m_toldFrames = -1;  // by the frame of information
     int32_t m_bitRate = 0;      // of the first frame
@@ -69,4 +73,5 @@ private:
     int32_t m_end = -1;  // -1: unknown
     bool m_hasEnded = false;
     bool m_isWhole = false;
+    bool m_endsInFrame = false;
 };

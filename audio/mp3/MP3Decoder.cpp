@@ -65,7 +65,7 @@ bool MP3Decoder::ReadGranule(const MP3Header& header, size_t g, int32_t& positio
     }
     if (channels == 1) return true;
     MP3StereoLines lines = {m_lines[0], m_lines[1], m_ends[0], m_ends[1]};
-    MP3JoinStereo(header, m_side.granules[g][1], m_factors[1], m_layout, lines);
+    MP3JoinStereo(header, m_side.granules[g][1], m_factors[1], m_layout, m_kernels, lines);
     m_ends[0] = lines.leftEnd, m_ends[1] = lines.rightEnd;
     return true;
 }

@@ -6,10 +6,12 @@
 #include <numbers>
 
 #include "audio/mp3/MP3Data.h"
+#include "base/LThread.h"
 
 namespace {
 
-bool s_isBuilt = false;
+LCriticalSection s_lock;
+bool s_isBuilt = false;  // under the lock
 
 uint32_t Length(uint32_t code) {
     return 31 - static_cast<uint32_t>(std::countl_zero(code | 1));
@@ -120,6 +122,7 @@ void FillQuads(uint16_t* table, std::span<const uint32_t> set) {
 MP3LT MP3LT::s_tables;
 
 bool MP3LT::InitTables() {
+    const LLock lock(s_lock);
     if (s_isBuilt) return true;
     FillPowers(s_tables);
     for (size_t i = 0; i < std::size(kMP3CodeSets); ++i)

@@ -4,7 +4,7 @@
 #include <vector>
 
 // The tables that all decoders share. InitTables builds them, once; before that they are empty.
-// Thread: the first InitTables() before any other thread decodes; afterwards any.
+// Thread: any, after its own InitTables().
 struct MP3LT {
     static bool InitTables();
     static const MP3LT& Tables() { return s_tables; }

@@ -4,6 +4,7 @@
 
 #include "audio/mp3/MP3Data.h"
 #include "audio/mp3/MP3Kernels.h"
+#include "base/LThread.h"
 
 // The loops of MP3Kernels, written once for vectors of lanes. One file for each instruction set includes this
 // header and is compiled for it; what is said in audio/stream/LVectorKernels.h of functions of the library
@@ -87,8 +88,10 @@ class MP3Loops {
         }
     }
 
-    static inline bool s_isPrepared = false;
+    static inline LCriticalSection s_lock;
+    static inline bool s_isPrepared = false;  // under the lock
     static void Prepare() {
+        const LLock lock(s_lock);
         if (s_isPrepared) return;
         s_isPrepared = true;
         PrepareWindows();

@@ -92,12 +92,12 @@ void Intensity(const MP3Header& header, const MP3Granule& right, const MP3ScaleF
 }  // namespace
 
 void MP3JoinStereo(const MP3Header& header, const MP3Granule& right, const MP3ScaleFactors& rightFactors,
-                   const MP3Layout& layout, MP3StereoLines& lines) {
+                   const MP3Layout& layout, const MP3Kernels& kernels, MP3StereoLines& lines) {
     if (!header.IsMidSide() && !header.IsIntensity()) return;
     const size_t end = std::max(lines.leftEnd, lines.rightEnd);
     if (header.IsIntensity())
         Intensity(header, right, rightFactors, layout, lines);
     else
-        GetMP3Kernels().midSide(lines.left, lines.right, end);
+        kernels.midSide(lines.left, lines.right, end);
     lines.leftEnd = lines.rightEnd = end;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/mp3/MP3Kernels.h"
 #include "audio/mp3/MP3Layout.h"
 
 // The lines of both channels of a granule, in the order of transmission, with the number from which on all
@@ -15,4 +16,4 @@ struct MP3StereoLines {
 // empty at the top and the frame says so, both come from the left one by the positions in the right channel's
 // scale factors.
 void MP3JoinStereo(const MP3Header& header, const MP3Granule& right, const MP3ScaleFactors& rightFactors,
-                   const MP3Layout& layout, MP3StereoLines& lines);
+                   const MP3Layout& layout, const MP3Kernels& kernels, MP3StereoLines& lines);

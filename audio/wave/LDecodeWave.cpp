@@ -17,7 +17,7 @@ LDecoded LDecodeWave(const LSoundSource& source, const LPath& path, ProcessConte
     sink.Reset();
     if (result == ProcessResult::Stopped) return LDecoded::Stopped;
     if (isFull) return LDecoded::NotWritten;
-    if (result != ProcessResult::Done) return LDecoded::NotRead;
+    if (result != ProcessResult::Done || source->IsError()) return LDecoded::NotRead;
     // A full disk may show only after closing.
     if (!LWaveFile::IsComplete(path, frames)) return LDecoded::NotWritten;
     return source->IsWhole() ? LDecoded::Whole : LDecoded::Cut;

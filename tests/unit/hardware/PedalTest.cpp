@@ -59,7 +59,7 @@ TEST(HardwareControl, APortThatVanishesHasNothingPressedAndWorksAgainWhenItIsBac
         {{Opened::No, 0, 2}, false, State::CannotOpen, true, "Unable to open port"},
         {{Opened::Yes, 2, 3}, false, State::Open, false, "Button/Pedal 2"},
         {{Opened::Yes, 9, 3}, true, State::Open, false, "Button/Pedal 1, 4"},
-        {{Opened::Yes, std::nullopt, 3}, false, State::Open, true, "Nothing pressed"},
+        {{Opened::Yes, std::nullopt, 3}, false, State::Open, false, "Nothing pressed"},
         {{Opened::No, 1, 4}, false, State::CannotOpen, true, "Unable to open port"},
         {{Opened::Yes, 0, 5}, false, State::Open, false, "Nothing pressed"},
         {{Opened::NoLibrary, 1, 6}, true, State::NoLibrary, true, "Unable to open port"},

@@ -29,6 +29,7 @@ public:
     // The command that runs, 0 for none.
     int Runs() const { return m_runs; }
     bool isProcessRunning = false;
+    int told = 0;  // that a press has to wait
     std::function<void()> whileItStarts;  // what happens before the recording runs
 
 private:
@@ -45,6 +46,7 @@ private:
     bool IsProcessRunning() const override { return isProcessRunning; }
     bool HoldWinding(WindDirection, bool) override { return false; }
     void OpenWindow() override {}
+    void TellWaiting() override { ++told; }
     void MinimizeWindow() override {}
     static uint32_t Now() { return s_nowMs; }
 
@@ -86,9 +88,17 @@ TEST(DeviceCommands, APedalThatIsHeldWhenAProcessEndsRecordsFromThenOn) {
         if (isReleased) pedal.Release(1200);
         pedal.EndProcess();
         EXPECT_EQ(pedal.IsRunning(), !isReleased);
+        EXPECT_EQ(pedal.told, 1) << "he does not look at the window";
         pedal.Release(3000);
         EXPECT_FALSE(pedal.IsRunning());
     }
+    Pedal pedal;
+    pedal.Press(1000);
+    pedal.Release(1100);
+    pedal.isProcessRunning = true;
+    pedal.Press(5000);
+    pedal.Release(5100);
+    EXPECT_FALSE(pedal.IsRunning()) << "tapped off while a file is loaded";
 }
 
 TEST(DeviceCommands, WhatThePedalDoesWhileTheRecordingIsBeingPreparedCounts) {
