@@ -161,13 +161,13 @@ void RecipientsPage::CmEdit() {
     SendToSettings recipient;
     if (!recipient.Load(RecordOf(index)) && !LFile::IsAbsent(RecordOf(index))) return Tell(kNotRead);
     const auto store = [&](const SendToSettings& edited, bool) -> std::string {
-        if (const std::string change = ChangeOf(index); !change.empty()) return change;
+        if (std::string change = ChangeOf(index); !change.empty()) return change;
         if (!SaveRecipient(m_state.data, m_state.user, index, edited)) return kNotStored;
         StoreRateOfDefault(m_state.user.userFile, index, edited);
         return {};
     };
     const auto makeDefault = [&]() -> std::string {
-        if (const std::string change = ChangeOf(index); !change.empty()) return change;
+        if (std::string change = ChangeOf(index); !change.empty()) return change;
         return StoreDefault(index) ? "" : kDefaultNotStored;
     };
     EditRecipient(GetParent(Window()), m_state, index, recipient, {store, makeDefault});

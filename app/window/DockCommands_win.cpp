@@ -50,7 +50,7 @@ private:
         return true;
     }
     bool Next(const LPath& file, size_t done, size_t count) override {
-        m_context->SetStatus(LFormat("File %lu of %lu: %.80s", static_cast<unsigned long>(done + 1),
+        m_context->SetStatus(LFormat("File %lu of %lu: %.80s", static_cast<unsigned long>(done) + 1,
                                      static_cast<unsigned long>(count),
                                      LShownText(LFileNameOf(file.View())).c_str()));
         m_context->SetProgress(static_cast<double>(done) / static_cast<double>(count));
