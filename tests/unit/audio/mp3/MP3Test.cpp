@@ -3,6 +3,7 @@
 
 #include "audio/mp3/MP3Data.h"
 #include "audio/mp3/MP3LT.h"
+#include "tests/unit/BorrowedStream.h"
 #include "tests/unit/audio/mp3/Mp3Kit.h"
 
 namespace {
@@ -88,6 +89,7 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
     tooBig[6 * kFrameBytes + 8] = 0x90, tooBig[6 * kFrameBytes + 9] |= 0x80;
     Bytes tag = Text("TAG") + Bytes(125, 0);
     tag[10] = 0xFF, tag[11] = 0xFA, tag[12] = 0x94, tag[20] = 0xFF;
+    const Bytes picturesTag = Hex("49 44 33 03 00 00 00 01 6A 30") + Bytes(30000, 7);  // ID3, 30,000 bytes
     static const struct {
         const char* what;
         Bytes file;
@@ -106,6 +108,9 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
         {"what looks like a header behind", Blocks() + behind, kSound, true,
          "Header rejected because sampling frequency does not match"},
         {"sound behind a few bytes", Blocks() + Bytes(100, 7) + Blocks(), 2 * kSound, true, ended},
+        {"sound behind a tag with a picture", Blocks() + picturesTag + Blocks(), kSound, false, ended},
+        {"a tag with a picture behind", Blocks() + picturesTag, kSound, true, ended},
+        {"padding behind", Blocks() + Bytes(40000, 0), kSound, true, ended},
         {"cut off", WithoutFirst(Blocks(), 300), 11 * 1152, true, ended},
         {"no known version", Changed(0, 1, 0xE7, 0x08), -1, false,
          "MP3Header::ReadHeader version 4???? so skip"},
@@ -145,6 +150,10 @@ TEST(MP3, EndsWhereItCannotBeDecoded) {
 TEST(MP3, TellsItsLengthAndEndsWithTheSound) {
     const Bytes stereo = Mp3File("stereo-44100-128.mp3");
     constexpr int32_t kStereo = 78 * 1152, kFirstFrame = 418;
+    Bytes checked = stereo;
+    checked[21] &= 0xFE;  // a check sum follows the header
+    Bytes wrong = stereo;
+    wrong[64] = wrong[65] = wrong[66] = 0, wrong[67] = 1;  // the number of frames
     static const struct {
         const char* what;
         Bytes file;
@@ -152,6 +161,8 @@ TEST(MP3, TellsItsLengthAndEndsWithTheSound) {
         bool isExact;
     } kCases[] = {
         {"frame of information", stereo, kStereo, true},
+        {"the same with a check sum", checked, kStereo, true},
+        {"a frame of wrong information", wrong, kStereo, false},
         {"none", WithoutFirst(stereo, kFirstFrame), kStereo, true},
         {"a constant bit rate and a tag", Blocks() + Text("TAG") + Bytes(125, 0), kSound, true},
         {"bit rates that fall", Blocks() + stereo, kSound + kStereo + 1152, false},
@@ -173,6 +184,19 @@ TEST(MP3, TellsItsLengthAndEndsWithTheSound) {
             }
         }
     }
+}
+
+TEST(MP3, AFileThatBreaksOffIsNotWhole) {
+    const Bytes stereo = Mp3File("stereo-44100-128.mp3");
+    EXPECT_FALSE(Mp3Sound(Bytes(stereo.begin(), stereo.begin() + 20000)).source.IsWhole()) << "a download";
+    LMemoryFile file(stereo);
+    auto stream = std::make_unique<BorrowedStream>(file);
+    stream->readable = 20000;  // then its drive goes away
+    LMP3Source source(std::move(stream));
+    Samples block(size_t{2} * 1152);
+    while (source.GetPosition() < source.GetLength()) source.Read(block.data(), 1152);
+    EXPECT_TRUE(source.IsError());
+    EXPECT_FALSE(source.IsWhole());
 }
 
 TEST(MP3, IsSilentWhereTheStartIsMissing) {
