@@ -91,6 +91,19 @@ TEST_F(ImportTest, AnEndInBetweenLeavesNothingOrAWholeDictation) {
     }
 }
 
+TEST_F(ImportTest, AnotherSessionLeavesAloneWhatIsBeingLoaded) {
+    ASSERT_EQ(Load("Knee.wav", Recording(100)), ProcessResult::Done);
+    StagedDictation& dictation = work->Dictation();
+    Settings::Write(m_user.userFile, UserKeys::kNumber, dictation.Number());  // read before it was taken
+    StagedDictation other;
+    ASSERT_TRUE(other.Begin(m_user, "Other", 1));
+    EXPECT_NE(other.Number(), dictation.Number());
+    StagedDictation::Recover(m_user);  // its next start
+    ASSERT_TRUE(dictation.Publish());
+    EXPECT_EQ(DictationRecord::Read(dictation.Files().record).name, "Knee");
+    EXPECT_EQ(ReadFileText(dictation.Files().audio).size(), 246u);
+}
+
 TEST_F(ImportTest, DamagedFilesLeaveNothingBehind) {
     const std::pair<const char*, Bytes> seeds[] = {
         {"a.wav", Recording(2000)},
