@@ -158,7 +158,8 @@ ProcessResult ImportProcess::LoadVoiceIt(ProcessContext& context) {
 ProcessResult ImportProcess::LoadWave(ProcessContext& context) {
     if (LWaveFile::TestPCM(m_source)) {
         context.SetTitle("Copy File");
-        const ProcessResult result = LProcessCopyFile(m_source, m_dictation->Files().audio).Process(context);
+        LProcessCopyFile copy(m_source, m_dictation->Files().audio, LProcessCopyFile::Into::OwnFolder);
+        const ProcessResult result = copy.Process(context);
         if (result == ProcessResult::Failed) return Refuse(context, kNotCopied);
         return result == ProcessResult::Done ? TestSound(context) : result;
     }
