@@ -28,17 +28,20 @@ LPath FileIn(const LPath& folder, const char* fileName) {
 
 }  // namespace
 
-// What the library needs in turn is looked for beside it, not beside the program.
-LLibrary LLoadAddOn(const char* fileName) {
+LLibrary LLoadLibraryAt(const LPath& path) {
+    const std::string_view text = path.View();
+    const bool isFull = text.starts_with("\\\\") || (text.size() > 2 && text[1] == ':' && text[2] == '\\');
+    if (!isFull) return {};
     const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-    LLibrary library;
-    for (const LPath& folder : {ProgramFolder(), SystemFolder()}) {
-        const LPath path = FileIn(folder, fileName);
-        if (!library && !path.Empty())
-            library.Reset(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-    }
+    LLibrary library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     SetErrorMode(mode);
     return library;
+}
+
+LLibrary LLoadAddOn(const char* fileName) {
+    for (const LPath& folder : {ProgramFolder(), SystemFolder()})
+        if (LLibrary library = LLoadLibraryAt(FileIn(folder, fileName))) return library;
+    return {};
 }
 
 LPath LPlatformProgram(const char* fileName) {

@@ -12,9 +12,14 @@ struct LibraryTraits {
 };
 using LLibrary = LOwned<LibraryTraits>;
 
-// Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder; by
-// its full path, so that nothing is ever loaded from a folder that happens to be the current one. Empty when
-// neither folder has one that can be loaded; the platform shows no box about it.
+// Loads a library by its full path; any other path would name a file of whichever folder is current. What the
+// library needs in turn is looked for beside it. Empty when it cannot be loaded; the platform shows no box
+// about it.
+// Thread: any.
+LLibrary LLoadLibraryAt(const LPath& path);
+
+// Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder. Empty
+// when neither folder has one that can be loaded.
 // Thread: any.
 LLibrary LLoadAddOn(const char* fileName);
 

@@ -1,11 +1,11 @@
 #include "app/import/ForeignDecoders_win.h"
 
 #include <atomic>
+#include <utility>
 
 #include "app/import/ForeignLibraries_win.h"
 #include "app/import/ForeignSource.h"
-#include "base/LFile.h"
-#include "base/LOwned.h"
+#include "base/LLibrary_win.h"
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"
 
@@ -34,12 +34,6 @@ constexpr char kBusy[] =
 
 constexpr char kRealAudioKey[] = "Software\\RealNetworks\\Preferences\\DT_Common";
 
-struct ModuleTraits {
-    using Type = HMODULE;
-    static Type None() { return nullptr; }
-    static void Close(Type h) { FreeLibrary(h); }
-};
-
 // A library, and the right to call it. A call that was left behind may still be inside, and the libraries are
 // not made for two at once.
 class Library {
@@ -58,31 +52,20 @@ public:
         m_busy = &busy;
         return true;
     }
-    // Only a full path names one file; what it uses in turn is looked for beside it.
-    bool Load(const LPath& path) {
-        const bool isFull = !LSplitPath(path.View()).drive.empty() || path.View().starts_with("\\\\");
-        if (!isFull || !LFile::Exists(path)) return false;
-        m_module.Reset(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
-        if (!m_module) LTrace("ForeignDecoders unable to load library", path.View());
+    bool Load(LLibrary library, const char* name) {
+        m_module = std::move(library);
+        if (!m_module) LTrace("ForeignDecoders unable to load library", name);
         return static_cast<bool>(m_module);
-    }
-    bool LoadFromOwnFolders(const char* name) {
-        char program[kPathSize] = {}, system[kPathSize] = {};
-        const DWORD length = GetModuleFileNameA(nullptr, program, sizeof program);
-        const DWORD systemLength = GetSystemDirectoryA(system, sizeof system);
-        return (length < sizeof program && Load(LPath::Join(LFolderOf(program), name))) ||
-               (systemLength < sizeof system && Load(LPath::Join(system, name)));
     }
     template <class Function>
     bool Find(const char* name, Function& function) const {
-        // Cast through void*, since the compiler rightly doubts casts between function types.
-        function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_module.Get(), name)));
+        function = LFunctionOf<Function>(m_module, name);
         if (function == nullptr) LTrace("ForeignDecoders library lacks", name);
         return function != nullptr;
     }
 
 private:
-    LOwned<ModuleTraits> m_module;
+    LLibrary m_module;
     std::atomic<bool>* m_busy = nullptr;
 };
 
@@ -102,7 +85,9 @@ public:
         // The player's set-up writes the first; others have been seen to write the others.
         for (const HKEY hive : {HKEY_CLASSES_ROOT, HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
             const std::string folder = LReadRegistryText(hive, kRealAudioKey, "");
-            if (!folder.empty() && m_library.Load(LPath::Join(folder, "pnen3260.dll"))) return Create();
+            if (!folder.empty() &&
+                m_library.Load(LLoadLibraryAt(LPath::Join(folder, "pnen3260.dll")), "pnen3260.dll"))
+                return Create();
         }
         return false;
     }
@@ -134,7 +119,7 @@ public:
         error = kBusy;
         if (!m_library.Take(s_dssBusy)) return false;
         error = kNoDss;
-        return m_library.LoadFromOwnFolders("dsscore.dll") && m_library.Find(kDssInit, m_init) &&
+        return m_library.Load(LLoadAddOn("dsscore.dll"), "dsscore.dll") && m_library.Find(kDssInit, m_init) &&
                m_library.Find(kDssStart, m_start) && m_library.Find(kDssDecode, m_decode);
     }
     bool Open(const LPath& file, ForeignFormat& format, std::string& error) {
@@ -176,7 +161,8 @@ public:
         if (!library.Take(s_voiceItBusy)) return false;
         error = kNoVoiceIt;
         ConvertSriFunction convert = nullptr;
-        if (!library.LoadFromOwnFolders("SrPump.dll") || !library.Find(kConvertSri, convert)) return false;
+        if (!library.Load(LLoadAddOn("SrPump.dll"), "SrPump.dll") || !library.Find(kConvertSri, convert))
+            return false;
         convert(file.c_str(), wave.c_str());
         return true;
     }
