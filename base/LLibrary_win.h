@@ -18,8 +18,8 @@ using LLibrary = LOwned<LibraryTraits>;
 // Thread: any.
 LLibrary LLoadLibraryAt(const LPath& path);
 
-// Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder. Empty
-// when neither folder has one that can be loaded.
+// Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder.
+// Empty when neither folder has one that can be loaded.
 // Thread: any.
 LLibrary LLoadAddOn(const char* fileName);
 

@@ -20,8 +20,8 @@ public:
     void Open(HWND window, UINT lostMessage);
     // Tries again to open a device that is not open; called at quiet intervals.
     void Retry();
-    // A device was plugged in or out: opens it anew, since a driver may have lost its microphone. While one of
-    // its buttons is held (isHeld) only if it is lost, as the release would be. False: to be called again.
+    // A device was plugged in or out: opens it anew, since a driver may have lost its microphone. While one
+    // of its buttons is held (isHeld) only if it is lost, as the release would be. False: to be called again.
     bool Renew(bool isHeld);
     void Show(DictCtrl::Display display);
     // Ends the notifications and closes the device; waits for a second at most.

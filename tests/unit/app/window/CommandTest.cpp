@@ -29,7 +29,7 @@ public:
     // The command that runs, 0 for none.
     int Runs() const { return m_runs; }
     bool isProcessRunning = false;
-    int told = 0;  // that a press has to wait
+    int told = 0;                         // that a press has to wait
     std::function<void()> whileItStarts;  // what happens before the recording runs
 
 private:
