@@ -32,13 +32,15 @@ protected:
         const std::string name(LFileNameOf(file.View()));
         m_loaded += name + (sends ? "! " : " ");
         if (m_whileLoading) m_whileLoading();
-        return name == m_broken ? LoadedFile::No : name == m_cut ? LoadedFile::Partly : LoadedFile::Whole;
+        if (name == m_broken) return LoadedFile::No;
+        if (name == m_cancelled) return LoadedFile::Cancelled;
+        return name == m_cut ? LoadedFile::Partly : LoadedFile::Whole;
     }
 
     TempFolder m_temp;
     const LPath m_data = m_temp.Folder("data"), m_folder = m_temp.Folder("recorder");
     const LPath m_settings = LPath::Join(m_data.View(), "settings.ini");
-    std::string m_loaded, m_broken, m_cut;
+    std::string m_loaded, m_broken, m_cancelled, m_cut;
     std::function<void()> m_whileLoading;
 };
 
@@ -62,10 +64,39 @@ TEST_F(DockTransferTest, AFileThatCannotBeLoadedEndsTheTransferAndIsNotNewAgain)
     Settings::Write(m_settings, SettingsKeys::kDockTransferNew, true);
     Put("a.wav", 1000), Put("b.mp3", 5000), Put("c.dss", 2000);
     m_broken = "b.mp3";
-    EXPECT_EQ(Run().end, End::Stopped);
+    EXPECT_EQ(Run().end, End::NotLoaded);
     EXPECT_EQ(m_loaded, "a.wav b.mp3 ");
     EXPECT_EQ(TempFolder::Names(m_folder), (std::vector<std::string>{"b.mp3", "c.dss"}));
     EXPECT_EQ(Run().loaded, 0u) << "the time of the broken one is stored";
+}
+
+TEST_F(DockTransferTest, SaysWhatWasNotReachedAndHowToGetIt) {
+    static const struct {
+        const char *broken, *cancelled;
+        bool isNewOnly;
+        std::vector<const char*> says;
+    } kCases[] = {
+        {"b.mp3",
+         "",
+         false,
+         {"Further files that were not transferred: 2.", "move the damaged file away, and"}},
+        {"", "b.mp3", false, {"Files that were not transferred: 3.", "them, start the transfer again."}},
+        {"b.mp3", "", true, {"Further files that were not transferred: 2.", "damaged file away, turn off"}},
+        {"d.dss", "", true, {}},
+        {"", "b.mp3", true, {"Files that were not transferred: 3.", "To transfer them, turn off"}},
+    };
+    Settings::Write(m_settings, SettingsKeys::kDockTransferDelete, false);
+    Put("a.wav", 1000), Put("b.mp3", 5000), Put("c.sri", 2000), Put("d.dss", 3000);
+    for (const auto& c : kCases) {
+        Settings::Write(m_settings, SettingsKeys::kDockTransferNew, c.isNewOnly);
+        Settings::Write(m_settings, SettingsKeys::kDockTransferDate, 0);
+        m_broken = c.broken, m_cancelled = c.cancelled;
+        const std::string text = DockTransferText(Run(), m_folder);
+        EXPECT_EQ(text.empty(), c.says.empty()) << text;
+        for (const char* const words : c.says) EXPECT_NE(text.find(words), text.npos) << text;
+    }
+    const std::string text = DockTransferText(Run(), m_folder);
+    EXPECT_NE(text.find("passed over: 4. To transfer them, turn off"), text.npos) << text;
 }
 
 // The recorder's file is often the only one.
