@@ -49,6 +49,21 @@ bool IsWithin(const LPath& folder, const LPath& outer) {
 
 constexpr Settings::IntKey kDate = SettingsKeys::kDockTransferDate;
 
+constexpr char kNewOnly[] = "turn off \"Transfer only files that are newer than the last transfer\"";
+
+// How to get at what was not reached. The damaged file would end the next transfer too.
+std::string RestText(const DockTransfer::Outcome& outcome) {
+    std::string steps;
+    if (outcome.end == DockTransfer::End::NotLoaded) steps += "move the damaged file away, ";
+    if (outcome.isRestOld) steps += std::string(kNewOnly) + ", ";
+    if (!steps.empty()) steps += "and ";
+    return LFormat(
+        "%s that were not transferred: %lu.\n\nThey are still in the folder. To transfer them, %sstart the "
+        "transfer again.",
+        outcome.end == DockTransfer::End::Stopped ? "Files" : "Further files",
+        static_cast<unsigned long>(outcome.notReached), steps.c_str());
+}
+
 }  // namespace
 
 template <class T>
@@ -110,32 +125,52 @@ DockTransfer::Outcome DockTransfer::Run() {
     const auto listing = Ask<Listing>([folder] { return List(folder); });
     if (!listing) return ended(End::Stopped);
     if (listing->end != End::Done) return ended(listing->end);
-    const int64_t newest = Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue);
     const bool isNewOnly = Settings::Read(m_settings, SettingsKeys::kDockTransferNew);
-    const int64_t bound = isNewOnly ? std::min(newest, std::numeric_limits<int64_t>::max() - 1) + 1 : 0;
-    size_t done = 0;
-    for (const File& file : listing->files) {
-        if (!m_host.Next(file.path, done++, listing->files.size())) return ended(End::Stopped);
-        if (const End end = Transfer(file, bound, outcome); end != End::Done) return ended(end);
+    const int64_t bound = isNewOnly ? std::min(Newest(), std::numeric_limits<int64_t>::max() - 1) + 1 : 0;
+    const std::span<const File> files = listing->files;
+    for (size_t i = 0; i < files.size(); ++i) {
+        const bool goesOn = m_host.Next(files[i].path, i, files.size());
+        const End end = goesOn ? Transfer(files[i], bound, outcome) : End::Stopped;
+        if (end == End::Done) continue;
+        CountRest(files.subspan(end == End::Stopped ? i : i + 1), bound, outcome);
+        return ended(end);
     }
     return outcome;
+}
+
+int64_t DockTransfer::Newest() const {
+    return Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue);
+}
+
+// By the times that were listed: the user waits no longer for a look at the files.
+void DockTransfer::CountRest(std::span<const File> rest, int64_t bound, Outcome& outcome) const {
+    const int64_t newest = Newest();
+    for (const File& file : rest) {
+        if (file.time < bound) continue;
+        ++outcome.notReached;
+        if (bound > 0 && file.time <= newest) outcome.isRestOld = true;
+    }
 }
 
 // Done also for a file that is passed over.
 DockTransfer::End DockTransfer::Transfer(const File& file, int64_t bound, Outcome& outcome) {
     const auto look = Ask<Look>([file] { return LookAt(file); });
     if (!look) return End::Stopped;
-    if (look->state == Look::State::Gone || look->time < bound) return End::Done;
+    if (look->state == Look::State::Gone) return End::Done;
+    const bool isOld = look->time < bound, isEmpty = look->state == Look::State::There && look->size == 0;
+    if (isOld || isEmpty) {
+        if (bound > 0) ++outcome.passedOver;
+        return End::Done;
+    }
     if (look->state == Look::State::Held) {
         outcome.file = file.path;
         return End::BeingWritten;
     }
-    if (look->size == 0) return End::Done;
-    if (look->time > Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue))
-        Settings::WriteNumber(m_settings, kDate.section, kDate.key, look->time);
+    if (look->time > Newest()) Settings::WriteNumber(m_settings, kDate.section, kDate.key, look->time);
     const bool sends = Settings::Read(m_settings, SettingsKeys::kDockAutoSend);
     const LoadedFile loaded = m_host.Load(file.path, sends);
-    if (loaded == LoadedFile::No) return End::Stopped;
+    if (loaded == LoadedFile::Cancelled) return End::Stopped;
+    if (loaded == LoadedFile::No) return End::NotLoaded;
     ++outcome.loaded;
     const bool deletes = Settings::Read(m_settings, SettingsKeys::kDockTransferDelete);
     if (deletes && (loaded != LoadedFile::Whole || !Remove(file, *look))) ++outcome.left;
@@ -178,14 +213,20 @@ std::string DockTransferText(const DockTransfer::Outcome& outcome, const LPath& 
             "The transfer ended at this file, which is still being written or open in another "
             "program:\n\n%.259s\n\nPlease try again when it is complete.",
             outcome.file);
+    else if (outcome.end == End::Done && outcome.loaded == 0 && outcome.passedOver > 0)
+        text = LFormat(
+            "No file in this folder is newer than the last transfer.\n\nOlder or empty files that were "
+            "passed "
+            "over: %lu. To transfer them, %s.",
+            static_cast<unsigned long>(outcome.passedOver), kNewOnly);
     else if (outcome.end == End::Done && outcome.loaded == 0)
         text = withName("There is nothing to transfer in this folder:\n\n%.259s", folder);
-    if (outcome.left > 0) {
-        text += text.empty() ? "" : "\n\n";
-        text += LFormat(
-            "Files that were transferred but not deleted: %lu.\n\nThey may be write-protected, in use by "
-            "another program, or not read to their end.",
-            static_cast<unsigned long>(outcome.left));
-    }
+    const auto add = [&text](const std::string& more) { text += (text.empty() ? "" : "\n\n") + more; };
+    if (outcome.notReached > 0) add(RestText(outcome));
+    if (outcome.left > 0)
+        add(LFormat(
+            "Files that were transferred but not deleted: %lu.\n\nThey may be write-protected, in use "
+            "by another program, or not read to their end.",
+            static_cast<unsigned long>(outcome.left)));
     return text;
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,8 @@ public:
 
     enum class End {
         Done,
-        Stopped,       // cancelled, or a file could not be loaded
+        Stopped,       // cancelled
+        NotLoaded,     // a file could not be loaded, which the user was told
         NoFolder,      // no folder is set, or it is not there
         OwnFolder,     // it is Corvane's own
         Unreadable,    // it cannot be listed
@@ -42,6 +44,12 @@ public:
         LPath file;  // of BeingWritten
         size_t loaded = 0;
         size_t left = 0;  // loaded, perhaps not to their end, and not deleted although they should be
+        // Where only newer files are wanted: those that are older or empty.
+        size_t passedOver = 0;
+        // Where the transfer ended before its end: what it would still have taken, with the file at which it
+        // was cancelled, but not one that ended it.
+        size_t notReached = 0;
+        bool isRestOld = false;  // some of notReached, for the next transfer of newer files
     };
 
     // dataFolder: that of the dictations.
@@ -72,7 +80,9 @@ private:
     std::optional<T> Ask(std::function<T()> ask);
     static Listing List(const LPath& folder);
     static Look LookAt(const File& file);
+    int64_t Newest() const;
     End Transfer(const File& file, int64_t bound, Outcome& outcome);
+    void CountRest(std::span<const File> rest, int64_t bound, Outcome& outcome) const;
     bool Remove(const File& file, const Look& before);
 
     LPath m_settings;

@@ -9,9 +9,9 @@
 #include "store/DictationFiles.h"
 #include "store/DictationRecord.h"
 
-// What became of a file that was to be made a dictation. Partly: its beginning is one; the rest cannot be
-// read. Whole: it was read to its end. Either is on the disk, and not empty.
-enum class LoadedFile { No, Partly, Whole };
+// What became of a file that was to be made a dictation. Cancelled: by the user. Partly: its beginning is
+// one; the rest cannot be read. Whole: it was read to its end. Either is on the disk, and not empty.
+enum class LoadedFile { Cancelled, No, Partly, Whole };
 
 // A dictation that is being made out of a file of others. Its files stand in the folder "Import" of the user
 // until they are whole, so that no listing of Current shows half of it, also not that of another session on

@@ -18,11 +18,19 @@
 namespace {
 
 constexpr UINT_PTR kTimer = 1;
-constexpr UINT kTickMs = 250;
 // From the lowest to the highest volume that a mixer knows; and the levels that the meter shows.
 constexpr int32_t kLeastVolumeDb = -36, kMostVolumeDb = 11;
-constexpr int32_t kLeastStartDb = -48, kMostStartDb = 0;
+constexpr int32_t kLeastStartDb = kLeastDockDb, kMostStartDb = 0;
 constexpr int32_t kMostPercent = 10000;
+
+constexpr char kTitle[] = "Portable Recorder";
+constexpr char kSilence[] =
+    "Nothing was recorded, since no sound has reached the activation level.\n\n"
+    "Please set Activation to where the meter comes while the tape plays, and play it again. To close this "
+    "window without a recording press Esc.";
+constexpr char kOtherSpeed[] =
+    "The tape was recorded at %d percent; a change counts when you click Restart and play the tape again."
+    "\n\nDo you want to keep it as it is?";
 
 constexpr SettingsRow kRows[] = {
     {LControlRow::Slider(IDC_DOCK_VOLUME, kLeastVolumeDb, kMostVolumeDb), SettingsKeys::kDockRecordVolume},
@@ -44,6 +52,7 @@ DockDialog::DockDialog(const AppState& state, Owner& owner)
 bool DockDialog::Open(HWND owner, const DictationFiles& files) {
     m_files = files;
     m_sends = false;
+    m_heardPercent.reset();
     if (!Create(IDD_DOCK, owner)) return false;
     ShowWindow(Window(), SW_SHOW);
     return true;
@@ -53,10 +62,12 @@ bool DockDialog::InitDialog() {
     m_table.Load(Window());
     ShowInput();
     ShowValues();
-    SetTimer(Window(), kTimer, kTickMs, nullptr);
+    SetTimer(Window(), kTimer, QuietTape::kTickMs, nullptr);
     Request(DOCK_SHOWBUTTON, {});
     Record();
-    return true;
+    // Not the list of devices: a key that was meant for the main window would choose another one.
+    if (IsOpen()) SetFocus(Item(IDOK));
+    return false;
 }
 
 // The line that the program chooses is shown as the line that it has chosen.
@@ -71,6 +82,12 @@ void DockDialog::ShowValues() const {
     LSetWindowText(Item(IDC_DOCK_VOLUMETEXT), LFormatLevel(Level(IDC_DOCK_VOLUME)));
     LSetWindowText(Item(IDC_DOCK_STARTTEXT), LFormatLevel(Level(IDC_DOCK_START)));
     LSetWindowText(Item(IDC_DOCK_LENGTH), m_recording.LengthText());
+}
+
+void DockDialog::ShowState() const {
+    const bool isChanged = m_recording.HoldsDevice() && Shown() != m_recorded;
+    const DockState state = isChanged ? DockState::Changed : m_recording.State();
+    LSetWindowText(Item(IDC_DOCK_STATUS), DockStateText(state));
 }
 
 DockRecording::Choice DockDialog::Shown() const {
@@ -101,7 +118,9 @@ void DockDialog::YieldInput() {
 }
 
 void DockDialog::EvTimer() {
+    m_recording.Tick();
     ShowValues();
+    ShowState();
     const bool isStale = m_hasYielded || Shown() != m_recorded;
     if (isStale && !m_recording.HasHeard() && !m_owner.IsInputTaken()) Record();
 }
@@ -112,8 +131,9 @@ void DockDialog::DockLevel(int8_t levelDb) {
 
 void DockDialog::DockChanged() {
     if (!IsOpen()) return;
+    if (m_recording.HoldsDevice()) m_heardPercent = m_recorded.percent;
     EnableWindow(Item(IDC_DOCK_METER), m_recording.IsRunning());
-    LSetWindowText(Item(IDC_DOCK_STATUS), DockStateText(m_recording.State()));
+    ShowState();
     ShowValues();
 }
 
@@ -178,8 +198,21 @@ void DockDialog::CmRestart() {
     if (!Refuse()) Record();
 }
 
+// Whether there is no recording to be accepted yet; the user is told. After Restart the earlier one stands.
+bool DockDialog::RefuseSilence() {
+    if (m_heardPercent || !m_recording.IsRunning()) return false;
+    LMessageBox(Window(), kSilence, kTitle, MB_OK | MB_ICONEXCLAMATION);
+    return true;
+}
+
+bool DockDialog::IsSpeedMeant() {
+    if (!m_heardPercent || Shown().percent == m_heardPercent) return true;
+    const std::string text = LFormat(kOtherSpeed, static_cast<int>(*m_heardPercent));
+    return LMessageBox(Window(), text, kTitle, MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION) == IDYES;
+}
+
 void DockDialog::CmOk() {
-    if (Refuse() || !IsOpen()) return;
+    if (Refuse() || RefuseSilence() || !IsSpeedMeant() || !IsOpen()) return;
     m_table.Store(LControlTable::Which::All);
     StoreInput();
     m_sends = IsChecked(IDC_DOCK_AUTOSEND);

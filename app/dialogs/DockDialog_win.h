@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "app/AppState.h"
 #include "app/dialogs/SettingsRows_win.h"
 #include "app/dialogs/SoundLists_win.h"
@@ -53,9 +55,12 @@ private:
     void CmRestart();
     void ShowInput();
     void ShowValues() const;
+    void ShowState() const;
     DockRecording::Choice Shown() const;
     int8_t Level(int control) const { return static_cast<int8_t>(m_table.NumberOf(control).value_or(0)); }
     bool Refuse();
+    bool RefuseSilence();
+    bool IsSpeedMeant();
     void Record();
     void StoreInput() const;
     void Request(int request, const LPath& text);
@@ -73,7 +78,8 @@ private:
     DictationFiles m_files;
     SoundInput m_input;  // as shown first
     InputLineList m_lines{InputLineList::Lines::ForPortable};
-    DockRecording::Choice m_recorded;  // with which the recording was begun
+    DockRecording::Choice m_recorded;       // with which the recording was begun
+    std::optional<int32_t> m_heardPercent;  // the speed of what is in the file; nothing: the file is empty
     bool m_hasYielded = false;
     bool m_sends = false;  // Done was pressed, and the dictation is to be sent
     const char* m_request = nullptr;

@@ -14,11 +14,18 @@ constexpr char kNoMixer[] =
     "The program for the recording volume, sndvol32.exe, is missing on this computer or could not be "
     "started.\n\nThe recording volume can be set in Corvane itself, under User Settings..., page Recording.";
 constexpr char kPress[] = "Press a pedal or button to see its number. No command is given meanwhile.";
+constexpr char kCannotOpen[] =
+    "Nothing is connected there, or another program uses this port. Corvane goes on trying.";
 constexpr char kNoLibrary[] =
     "To use these pedals, the add-on \"HidProbe.dll\" must be downloaded from the vendor's web site.";
 
 constexpr int kControlLists[] = {IDC_HARDWARE_CONTROL1, IDC_HARDWARE_CONTROL2, IDC_HARDWARE_CONTROL3,
                                  IDC_HARDWARE_CONTROL4};
+
+const char* HintOf(PedalReading::State state) {
+    if (state == PedalReading::State::NoLibrary) return kNoLibrary;
+    return state == PedalReading::State::CannotOpen ? kCannotOpen : kPress;
+}
 
 }  // namespace
 
@@ -76,8 +83,7 @@ void HardwarePage::ShowTest() {
     const PedalReading reading = m_reader.Poll();
     SetTimer(Window(), kTimer, PedalReader::NextPollMs(reading), nullptr);
     LSetWindowText(Item(IDC_HARDWARE_TEST), PedalTestText(m_port, reading));
-    const bool lacksLibrary = reading.state == PedalReading::State::NoLibrary;
-    LSetWindowText(Item(IDC_HARDWARE_HINT), m_port == kNoPort ? "" : lacksLibrary ? kNoLibrary : kPress);
+    LSetWindowText(Item(IDC_HARDWARE_HINT), m_port == kNoPort ? "" : HintOf(reading.state));
 }
 
 void HardwarePage::StartMixer() {

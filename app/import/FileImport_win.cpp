@@ -63,7 +63,7 @@ FileImport::Loaded FileImport::LoadOne(const LPath& source, size_t behind) {
     const ProcessResult result = m_runner.Run(process, row->title, error);
     if (result != ProcessResult::Done) {
         if (result == ProcessResult::Failed && error.empty()) error = kNotRun;
-        return error.empty() ? Loaded() : fail(error);
+        return error.empty() ? Loaded{LoadedFile::Cancelled, {}} : fail(error);
     }
     StagedDictation& dictation = work->Dictation();
     bool isReady = true;
@@ -99,7 +99,7 @@ std::optional<std::vector<LPath>> FileImport::LoadChosen(bool send) {
     std::vector<LPath> records;
     for (size_t i = 0; i < chosen.files.size(); ++i) {
         const Loaded loaded = LoadOne(chosen.files[i], chosen.files.size() - 1 - i);
-        if (loaded.what == LoadedFile::No) break;
+        if (loaded.what == LoadedFile::Cancelled || loaded.what == LoadedFile::No) break;
         records.push_back(loaded.files.record);
         if (!m_runner.MayGoOn()) break;
         SendWhole(loaded, send);

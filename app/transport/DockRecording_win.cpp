@@ -16,6 +16,7 @@ void DockRecording::Start(const LPath& audio, int32_t sampleRate, const Choice& 
     m_choice = choice;
     m_hasHeard = false;
     m_playedMs = 0;
+    m_quiet = {};
     m_state = Begin(sampleRate, volumeDb);
     if (!IsRunning()) m_file.Reset();
     m_owner.DockChanged();
@@ -36,6 +37,17 @@ DockState DockRecording::Begin(int32_t sampleRate, int8_t volumeDb) {
 void DockRecording::GiveUp() {
     Stop();
     m_state = DockState::NoDevice;
+    m_owner.DockChanged();
+}
+
+void DockRecording::OnLevel() {
+    m_quiet.Level(m_recorder.LevelDb(0));
+    m_owner.DockLevel(m_recorder.LevelDb(0));
+}
+
+void DockRecording::Tick() {
+    if (!m_quiet.Tick() || !IsRunning() || m_state != DockState::Waits) return;
+    m_state = DockState::TooQuiet;
     m_owner.DockChanged();
 }
 

@@ -37,6 +37,8 @@ public:
     void SetVolume(int8_t volumeDb) const;
     // Everything up to now is in the file afterwards, and the device is closed.
     void Stop() { m_recorder.Stop(); }
+    // Every QuietTape::kTickMs.
+    void Tick();
     // Stops because somebody else takes the input.
     void GiveUp();
 
@@ -54,13 +56,14 @@ private:
     void OnWaiting() override {}
     void OnStopped(int32_t value) override;
     void OnTime(int32_t timeMs) override { m_playedMs = timeMs; }
-    void OnLevel() override { m_owner.DockLevel(m_recorder.LevelDb(0)); }
+    void OnLevel() override;
 
     Owner& m_owner;
     LSoundRecorder m_recorder;
     LPath m_audio;
     Choice m_choice;
     LSoundSink m_file;  // inside the sink that changes the speed
+    QuietTape m_quiet;
     DockState m_state = DockState::NoDevice;
     int32_t m_playedMs = 0;
     bool m_hasHeard = false;

@@ -1,5 +1,8 @@
 #include "app/transport/DockState.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "base/LArith.h"
 #include "base/LText.h"
 
@@ -8,8 +11,12 @@ const char* DockStateText(DockState state) {
         case DockState::Waits:
             return "Please connect your portable recorder to your computer and press the play button on your "
                    "portable.";
+        case DockState::TooQuiet:
+            return "The sound is too quiet to start.\nMove Activation to the left.";
         case DockState::Records:
             return "Recording dictation.\nWhen complete please click Done.";
+        case DockState::Changed:
+            return "Recording dictation.\nYour change counts when you click Restart and play the tape again.";
         case DockState::NoDevice:
             return "Unable to start transfer.\nThis may be because the sound card is being used.";
         case DockState::NoFile:
@@ -24,6 +31,11 @@ const char* DockStateText(DockState state) {
             return "The recording has ended. What was recorded is kept.\nPlease click Done.";
     }
     return "";
+}
+
+bool QuietTape::Tick() {
+    m_ticks = std::max(m_ticks + (std::exchange(m_isHeard, false) ? 1 : -1), 0);
+    return m_ticks >= kTicks;
 }
 
 std::string DockLengthText(int32_t playedMs, int32_t percent) {

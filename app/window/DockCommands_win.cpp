@@ -33,7 +33,9 @@ public:
         m_context = &context;
         context.SetStatus("Looking for files...");
         m_outcome = m_transfer.Run();
-        return m_outcome.end == DockTransfer::End::Stopped ? ProcessResult::Stopped : ProcessResult::Done;
+        using End = DockTransfer::End;
+        const bool isStopped = m_outcome.end == End::Stopped || m_outcome.end == End::NotLoaded;
+        return isStopped ? ProcessResult::Stopped : ProcessResult::Done;
     }
     const DockTransfer::Outcome& Outcome() const { return m_outcome; }
 

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <utility>
+
 #include "app/dialogs/HardwareSettings_win.h"
 #include "app/dialogs/RecipientSettings_win.h"
 #include "app/window/HoldButton_win.h"
@@ -75,7 +77,7 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          d.m_splash.Close();
          return d.m_dock.Cable();
      }},
-    {CM_DOCK_TRANSFER, CM_DOCK_TRANSFER, [](MainDialog& d, int) { return d.m_dock.Transfer(); }},
+    {CM_DOCK_TRANSFER, CM_DOCK_TRANSFER, [](MainDialog& d, int) { return d.TransferFiles(); }},
     {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_sent.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
     {CM_LOGON, CM_LOGON, [](MainDialog& d, int) { return d.LogOnAsOther(); }},
@@ -250,17 +252,28 @@ bool MainDialog::RecoverSent() {
     return true;
 }
 
+bool MainDialog::LoadFiles(bool send) {
+    const std::optional<std::vector<LPath>> loaded = m_import.LoadChosen(send);
+    if (!loaded || !m_runner.MayGoOn()) return false;
+    SelectLoaded(*loaded);
+    return true;
+}
+
+bool MainDialog::TransferFiles() {
+    m_loaded.clear();
+    const bool isDone = m_dock.Transfer();
+    if (m_runner.MayGoOn()) SelectLoaded(std::exchange(m_loaded, {}));
+    return isDone;
+}
+
 // What was loaded and is still here becomes the selection, unless a device records or plays: what it works on
 // stays the current dictation.
-bool MainDialog::LoadFiles(bool send) {
-    std::optional<std::vector<LPath>> loaded = m_import.LoadChosen(send);
-    if (!loaded || !m_runner.MayGoOn()) return false;
-    std::erase_if(*loaded, [this](const LPath& record) { return !m_list.NumberOf(record); });
-    if (loaded->empty() || m_transport.IsBusy()) return true;
+void MainDialog::SelectLoaded(std::vector<LPath> loaded) {
+    std::erase_if(loaded, [this](const LPath& record) { return !m_list.NumberOf(record); });
+    if (loaded.empty() || m_transport.IsBusy()) return;
     m_notes.Save();
     const bool isOneShown = m_layout.View() == ViewMode::Compact;
-    isOneShown ? m_list.SelectFile(loaded->back()) : m_list.SelectFiles(*loaded);
-    return true;
+    isOneShown ? m_list.SelectFile(loaded.back()) : m_list.SelectFiles(loaded);
 }
 
 bool MainDialog::ShowAbout() {

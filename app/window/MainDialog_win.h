@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <functional>
+#include <vector>
 
 #include "app/AppState.h"
 #include "app/import/FileImport_win.h"
@@ -158,6 +159,8 @@ private:
     bool ShowHardwareSettings();
     bool RecoverSent();
     bool LoadFiles(bool send);
+    bool TransferFiles();
+    void SelectLoaded(std::vector<LPath> loaded);
     bool ShowAbout();
     bool OpenWebPage(int command);
     bool CmHelp() { return m_help.Show(); }
@@ -234,7 +237,10 @@ private:
     void PlayRow() override { PlayFromStart(); }
     // FileImport::Owner
     bool IsNumberListed(int32_t number) const override { return m_list.HoldsNumber(number); }
-    void ListLoaded(const DictationFiles& files) override { m_list.AddFile(files.record); }
+    void ListLoaded(const DictationFiles& files) override {
+        m_list.AddFile(files.record);
+        m_loaded.push_back(files.record);
+    }
     bool SendLoaded(const DictationFiles& files) override { return m_dictations.SendLoaded(files); }
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
@@ -255,6 +261,7 @@ private:
     Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
     FileImport m_import;
+    std::vector<LPath> m_loaded;  // what it has listed since the last transfer began
     SentCommands m_sent;
     DockCommands m_dock;
     DeviceCommands m_devices;

@@ -4,11 +4,11 @@ import subprocess
 
 import pytest
 import sound
-from corvane import WM_CLOSE, Dialog, read_ini, sizes_known, wait_for
+from corvane import WM_CLOSE, Dialog, pcm_wav, read_ini, sizes_known, wait_for, windows_path
 
 pytestmark = [pytest.mark.alone, pytest.mark.recording]
 
-OK = 1
+OK, NO = 1, 7
 TITLE = "Record from Portable Recorder"
 
 
@@ -41,6 +41,9 @@ def test_a_tape_is_recorded_at_normal_and_at_high_speed(corvane, data, speech, m
     says(dialog, "Unable to start transfer")
     program.stop()
     says(dialog, "press the play button on your portable")
+    dialog.press(OK)
+    assert "no sound has reached the activation level" in program.wait_box("Portable Recorder")
+    program.answer_box("Portable Recorder", OK)
     close(program, dialog)
     assert not data.record(1) and not data.audio(1).exists(), "nothing was heard"
     assert settings(data)["dockmethod"] == "0" and "dockactivate" not in settings(data)
@@ -52,6 +55,12 @@ def test_a_tape_is_recorded_at_normal_and_at_high_speed(corvane, data, speech, m
     program.command("CM_RECORD")
     assert "recording your portable recorder" in program.wait_box("Portable Recorder")
     program.answer_box("Portable Recorder", OK)
+    dialog.press("IDC_DOCK_HIGHSPEED")
+    says(dialog, "counts when you click Restart")
+    dialog.press(OK)
+    assert "was recorded at 100 percent" in program.wait_box("Portable Recorder")
+    program.answer_box("Portable Recorder", NO)
+    dialog.press("IDC_DOCK_HIGHSPEED")
     dialog.press("IDC_DOCK_RESTART")
     says(dialog, "press the play button")
     assert data.audio(3).stat().st_size > 40000, "kept until something new is heard"
@@ -83,3 +92,18 @@ def test_a_tape_is_recorded_at_normal_and_at_high_speed(corvane, data, speech, m
     says(dialog, "When complete")
     assert program.close() == 0
     assert sizes_known(data.audio(5)) and sound.read_wav(data.audio(5)).duration > 5
+
+
+def test_files_that_were_transferred_are_selected_and_the_rest_is_told(corvane, data, tmp_path):
+    for name, wav in (("a", pcm_wav(8000)), ("b", pcm_wav(8000)), ("c", b"bad"), ("d", pcm_wav(8000))):
+        (tmp_path / f"{name}.wav").write_bytes(wav)
+    data.add_dictation(1, pcm_wav(8000))
+    program = corvane()
+    program.select(1)
+    dialog = Dialog(program, "Transfer Files from Portable Recorder", "CM_DOCK_TRANSFER")
+    dialog.type("IDC_DOCKTRANSFER_FOLDER", windows_path(tmp_path))
+    dialog.end(OK)
+    program.answer_box("c.wav", OK)
+    assert "were not transferred: 1." in program.wait_box("Transfer from Portable Recorder")
+    program.answer_box("Transfer from Portable Recorder", OK)
+    wait_for(lambda: [r["number"] for r in program.rows() if r["selected"]] == [2, 3], "the selection")

@@ -32,13 +32,15 @@ protected:
         const std::string name(LFileNameOf(file.View()));
         m_loaded += name + (sends ? "! " : " ");
         if (m_whileLoading) m_whileLoading();
-        return name == m_broken ? LoadedFile::No : name == m_cut ? LoadedFile::Partly : LoadedFile::Whole;
+        if (name == m_broken) return LoadedFile::No;
+        if (name == m_cancelled) return LoadedFile::Cancelled;
+        return name == m_cut ? LoadedFile::Partly : LoadedFile::Whole;
     }
 
     TempFolder m_temp;
     const LPath m_data = m_temp.Folder("data"), m_folder = m_temp.Folder("recorder");
     const LPath m_settings = LPath::Join(m_data.View(), "settings.ini");
-    std::string m_loaded, m_broken, m_cut;
+    std::string m_loaded, m_broken, m_cancelled, m_cut;
     std::function<void()> m_whileLoading;
 };
 
@@ -62,10 +64,27 @@ TEST_F(DockTransferTest, AFileThatCannotBeLoadedEndsTheTransferAndIsNotNewAgain)
     Settings::Write(m_settings, SettingsKeys::kDockTransferNew, true);
     Put("a.wav", 1000), Put("b.mp3", 5000), Put("c.dss", 2000);
     m_broken = "b.mp3";
-    EXPECT_EQ(Run().end, End::Stopped);
+    EXPECT_EQ(Run().end, End::NotLoaded);
     EXPECT_EQ(m_loaded, "a.wav b.mp3 ");
     EXPECT_EQ(TempFolder::Names(m_folder), (std::vector<std::string>{"b.mp3", "c.dss"}));
     EXPECT_EQ(Run().loaded, 0u) << "the time of the broken one is stored";
+}
+
+TEST_F(DockTransferTest, SaysWhatWasNotReachedAndHowToGetIt) {
+    Put("a.wav", 1000), Put("b.mp3", 5000), Put("c.sri", 2000), Put("d.dss", 3000);
+    m_broken = "b.mp3";
+    const auto says = [this](const char* words) {
+        const std::string text = DockTransferText(Run(), m_folder);
+        EXPECT_NE(text.find(words), text.npos) << text;
+    };
+    says(
+        "Further files that were not transferred: 2.\n\nThey are still in the folder. To transfer them, "
+        "move");
+    Settings::Write(m_settings, SettingsKeys::kDockTransferNew, true);
+    says("passed over: 3. To transfer them, turn off");
+    Settings::Write(m_settings, SettingsKeys::kDockTransferDate, 0);
+    m_broken = "", m_cancelled = "b.mp3";
+    says("Files that were not transferred: 3.\n\nThey are still in the folder. To transfer them, turn off");
 }
 
 // The recorder's file is often the only one.
