@@ -32,6 +32,7 @@ public:
 
     // Opens the window and begins to record into a dictation of the current user that has no audio yet.
     bool Open(HWND owner, const DictationFiles& files);
+    const DictationFiles& Files() const { return m_files; }
     // True only while the request is made whose text this is: the message carries a pointer, which any
     // program could send.
     bool IsMaking(int request, LPARAM text) const;

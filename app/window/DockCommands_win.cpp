@@ -120,7 +120,7 @@ void DockCommands::TakeInput() {
     m_listening.Stop();
 }
 
-// Notes may have been typed where the dictation was listed by then.
+// Notes may have been typed in another session, which lists the dictation.
 bool DockCommands::KeepRecorded(const DictationFiles& files) {
     if (SendCommands::HasRecording(files) || !LFile::IsAbsent(files.notes)) return true;
     if (!DeleteDictationFiles(files)) return true;
@@ -147,7 +147,7 @@ void DockCommands::EvRequest(int request, LPARAM text) {
     Settle();
 }
 
-// A row that is listed already, because the list was filled anew meanwhile, gets its length now.
+// A row that is listed already, because the list was filled anew while it waited, gets its length now.
 void DockCommands::Settle() {
     if (m_requests.empty() || m_runner.OpenModal() != LModalRunner::Modal::Nothing || m_list.IsRenaming())
         return;

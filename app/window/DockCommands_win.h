@@ -46,6 +46,10 @@ public:
     bool KeepsInput();
     // The sound card's input is open.
     bool IsListening() const { return m_dialog.IsListening(); }
+    // Takes the row of a recording that is not ended out of a list that was filled anew.
+    void HideRow() {
+        if (m_dialog.IsOpen()) m_list.RemoveFiles({m_dialog.Files()});
+    }
     // Ends a recording as closing its dialog does.
     void Finish();
     bool PreTranslateMessage(MSG& message) { return m_dialog.PreTranslateMessage(message); }
