@@ -21,7 +21,7 @@ public:
         virtual ~Owner() = default;
         // Before the input is opened: whoever else has it lets go of it.
         virtual void TakeInput() = 0;
-        // The main window is recording.
+        // The main window is recording, or about to.
         virtual bool IsInputTaken() const = 0;
         virtual void TellTrouble(const char* text) = 0;
         // The recording has ended and its file is closed. False when it is empty, and the dictation deleted.

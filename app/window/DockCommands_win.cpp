@@ -116,7 +116,7 @@ bool DockCommands::KeepsInput() {
 }
 
 void DockCommands::TakeInput() {
-    if (m_transport.IsRecording()) m_transport.Stop();
+    if (m_transport.TakesInput()) m_transport.Stop();
     m_listening.Stop();
 }
 

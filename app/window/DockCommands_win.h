@@ -64,7 +64,7 @@ private:
 
     // DockDialog::Owner
     void TakeInput() override;
-    bool IsInputTaken() const override { return m_transport.IsRecording(); }
+    bool IsInputTaken() const override { return m_transport.TakesInput(); }
     void TellTrouble(const char* text) override { m_runner.TellAtRest(text); }
     bool KeepRecorded(const DictationFiles& files) override;
 
