@@ -37,7 +37,8 @@ public:
     bool Transfer();
     // WM_DOCKREQUEST. Requests that change the list wait while something modal stands.
     void EvRequest(int request, LPARAM text);
-    // Carries out requests that wait, unless they have to go on waiting.
+    // Carries out requests that wait, unless they have to go on waiting: sending stops the transport, so it
+    // waits for the transport's own end.
     void Settle();
     void ShowButton() const;
 
@@ -50,7 +51,7 @@ public:
     void HideRow() {
         if (m_dialog.IsOpen()) m_list.RemoveFiles({m_dialog.Files()});
     }
-    // Ends a recording as closing its dialog does.
+    // Ends a recording as closing its dialog does, and the transport; what waits is carried out now.
     void Finish();
     bool PreTranslateMessage(MSG& message) { return m_dialog.PreTranslateMessage(message); }
 
@@ -60,6 +61,9 @@ private:
         bool sends = false;
     };
 
+    // Now: even while a recording is about to start, which cannot be stopped yet.
+    enum class Sends { AtRest, Now };
+    void CarryOut(Sends sends);
     void SelectAdded();
 
     // DockDialog::Owner
