@@ -63,7 +63,7 @@ private:
     bool RefuseSilence();
     bool IsSpeedMeant();
     void Record();
-    void StoreInput() const;
+    bool StoreInput() const;
     void Request(int request, const LPath& text);
     bool IsChecked(int control) const { return IsDlgButtonChecked(Window(), control) == BST_CHECKED; }
 
