@@ -111,9 +111,10 @@ void DockCommands::ShowButton() const {
 }
 
 bool DockCommands::KeepsInput() {
-    if (m_dialog.HoldsInput()) return m_runner.TellLater(kKeepsInput, "Portable Recorder"), true;
-    m_dialog.YieldInput();
-    return false;
+    if (!m_dialog.HoldsInput()) return m_dialog.YieldInput(), false;
+    if (m_runner.OpenModal() == LModalRunner::Modal::Nothing)
+        m_runner.TellLater(kKeepsInput, "Portable Recorder");
+    return true;
 }
 
 void DockCommands::TakeInput() {
