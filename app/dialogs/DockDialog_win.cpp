@@ -213,18 +213,21 @@ bool DockDialog::IsSpeedMeant() {
 
 void DockDialog::CmOk() {
     if (Refuse() || RefuseSilence() || !IsSpeedMeant() || !IsOpen()) return;
+    m_rows.Retry();
     m_table.Store(LControlTable::Which::All);
-    StoreInput();
+    if (!StoreInput() || !m_rows.IsStored()) m_owner.TellTrouble(kSettingsNotStored);
     m_sends = IsChecked(IDC_DOCK_AUTOSEND);
     Close();
 }
 
 // Where the user has chosen none, the program goes on choosing the line.
-void DockDialog::StoreInput() const {
+bool DockDialog::StoreInput() const {
     const SoundInput shown = Shown().input;
-    if (shown == m_input) return;
+    if (shown == m_input) return true;
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kDockSoundIn, shown.device);
     Settings::Write(m_state.data.settingsFile, SettingsKeys::kDockSoundInChan, shown.line);
+    return Settings::Read(m_state.data.settingsFile, SettingsKeys::kDockSoundIn) == shown.device &&
+           Settings::Read(m_state.data.settingsFile, SettingsKeys::kDockSoundInChan) == shown.line;
 }
 
 // ---- End -------------------------------------------------------------------------------------------------

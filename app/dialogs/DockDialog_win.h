@@ -21,7 +21,7 @@ public:
         virtual ~Owner() = default;
         // Before the input is opened: whoever else has it lets go of it.
         virtual void TakeInput() = 0;
-        // The main window is recording.
+        // The main window is recording, or about to.
         virtual bool IsInputTaken() const = 0;
         virtual void TellTrouble(const char* text) = 0;
         // The recording has ended and its file is closed. False when it is empty, and the dictation deleted.
@@ -32,6 +32,7 @@ public:
 
     // Opens the window and begins to record into a dictation of the current user that has no audio yet.
     bool Open(HWND owner, const DictationFiles& files);
+    const DictationFiles& Files() const { return m_files; }
     // True only while the request is made whose text this is: the message carries a pointer, which any
     // program could send.
     bool IsMaking(int request, LPARAM text) const;
@@ -62,7 +63,7 @@ private:
     bool RefuseSilence();
     bool IsSpeedMeant();
     void Record();
-    void StoreInput() const;
+    bool StoreInput() const;
     void Request(int request, const LPath& text);
     bool IsChecked(int control) const { return IsDlgButtonChecked(Window(), control) == BST_CHECKED; }
 

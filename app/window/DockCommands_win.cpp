@@ -1,5 +1,6 @@
 #include "app/window/DockCommands_win.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -110,17 +111,18 @@ void DockCommands::ShowButton() const {
 }
 
 bool DockCommands::KeepsInput() {
-    if (m_dialog.HoldsInput()) return m_runner.TellLater(kKeepsInput, "Portable Recorder"), true;
-    m_dialog.YieldInput();
-    return false;
+    if (!m_dialog.HoldsInput()) return m_dialog.YieldInput(), false;
+    if (m_runner.OpenModal() == LModalRunner::Modal::Nothing)
+        m_runner.TellLater(kKeepsInput, "Portable Recorder");
+    return true;
 }
 
 void DockCommands::TakeInput() {
-    if (m_transport.IsRecording()) m_transport.Stop();
+    if (m_transport.TakesInput()) m_transport.Stop();
     m_listening.Stop();
 }
 
-// Notes may have been typed where the dictation was listed by then.
+// Notes may have been typed in another session, which lists the dictation.
 bool DockCommands::KeepRecorded(const DictationFiles& files) {
     if (SendCommands::HasRecording(files) || !LFile::IsAbsent(files.notes)) return true;
     if (!DeleteDictationFiles(files)) return true;
@@ -130,7 +132,9 @@ bool DockCommands::KeepRecorded(const DictationFiles& files) {
 
 void DockCommands::Finish() {
     m_dialog.Close();
-    Settle();
+    m_transport.Stop();
+    if (!m_requests.empty() && m_list.IsRenaming()) SetFocus(GetDlgItem(m_window, IDC_LIST));  // ends it
+    CarryOut(Sends::Now);
 }
 
 void DockCommands::EvRequest(int request, LPARAM text) {
@@ -147,14 +151,25 @@ void DockCommands::EvRequest(int request, LPARAM text) {
     Settle();
 }
 
-// A row that is listed already, because the list was filled anew meanwhile, gets its length now.
 void DockCommands::Settle() {
-    if (m_requests.empty() || m_runner.OpenModal() != LModalRunner::Modal::Nothing || m_list.IsRenaming())
-        return;
-    for (const Request& request : std::exchange(m_requests, {})) {
-        if (request.sends)
+    if (m_runner.OpenModal() == LModalRunner::Modal::Nothing && !m_list.IsRenaming()) CarryOut(Sends::AtRest);
+}
+
+// One after the other, since sending may ask, and the window be closed meanwhile: that carries out the rest.
+// A row that is listed already, because the list was filled anew while it waited, gets its length now.
+void DockCommands::CarryOut(Sends sends) {
+    while (m_runner.MayGoOn()) {
+        const bool maySend = sends == Sends::Now || !m_transport.IsBusy();
+        const auto next = std::ranges::find_if(
+            m_requests, [&](const Request& request) { return !request.sends || maySend; });
+        if (next == m_requests.end()) return;
+        const Request request = *next;
+        m_requests.erase(next);
+        if (request.sends) {
             m_dictations.SendLoaded(DictationFiles::OfPath(request.record));
-        else if (m_list.NumberOf(request.record))
+            continue;
+        }
+        if (m_list.NumberOf(request.record))
             m_list.UpdateFile(request.record);
         else
             m_list.AddFile(request.record);

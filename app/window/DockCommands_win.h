@@ -37,7 +37,8 @@ public:
     bool Transfer();
     // WM_DOCKREQUEST. Requests that change the list wait while something modal stands.
     void EvRequest(int request, LPARAM text);
-    // Carries out requests that wait, unless they have to go on waiting.
+    // Carries out requests that wait, unless they have to go on waiting: sending stops the transport, so it
+    // waits for the transport's own end.
     void Settle();
     void ShowButton() const;
 
@@ -46,7 +47,11 @@ public:
     bool KeepsInput();
     // The sound card's input is open.
     bool IsListening() const { return m_dialog.IsListening(); }
-    // Ends a recording as closing its dialog does.
+    // Takes the row of a recording that is not ended out of a list that was filled anew.
+    void HideRow() {
+        if (m_dialog.IsOpen()) m_list.RemoveFiles({m_dialog.Files()});
+    }
+    // Ends a recording as closing its dialog does, and the transport; what waits is carried out now.
     void Finish();
     bool PreTranslateMessage(MSG& message) { return m_dialog.PreTranslateMessage(message); }
 
@@ -56,11 +61,14 @@ private:
         bool sends = false;
     };
 
+    // Now: even while a recording is about to start, which cannot be stopped yet.
+    enum class Sends { AtRest, Now };
+    void CarryOut(Sends sends);
     void SelectAdded();
 
     // DockDialog::Owner
     void TakeInput() override;
-    bool IsInputTaken() const override { return m_transport.IsRecording(); }
+    bool IsInputTaken() const override { return m_transport.TakesInput(); }
     void TellTrouble(const char* text) override { m_runner.TellAtRest(text); }
     bool KeepRecorded(const DictationFiles& files) override;
 

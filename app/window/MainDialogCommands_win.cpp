@@ -220,9 +220,11 @@ bool MainDialog::SetView(ViewMode view) {
 // Runs the method of transfer that was used last.
 bool MainDialog::Dock() {
     const int32_t method = Settings::Read(m_state.data.settingsFile, SettingsKeys::kDockMethod);
-    if (method == 0 || method == 1) return Give(CM_DOCK_CABLE + method);
-    m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
-    return false;
+    const bool isKnown = method == 0 || method == 1;
+    const bool isDone = isKnown && Give(CM_DOCK_CABLE + method);
+    if (!isKnown) m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
+    m_dock.ShowButton();  // the click has released it
+    return isDone;
 }
 
 // A hot key of ours would not reach the box in which keys are chosen, and the pedals are tested there.

@@ -164,6 +164,7 @@ bool MainDialog::InitDialog() {
 bool MainDialog::FillList() {
     LoadDictations process(m_list, m_state.user.currentFolder);
     const ProcessResult result = m_runner.RunProcess(process, "Loading Dictations");
+    m_dock.HideRow();
     if (result == ProcessResult::Stopped)
         m_runner.Box(kNotAllListed, "Loading Dictations", MB_OK | MB_ICONINFORMATION);
     if (m_runner.MayGoOn()) FollowSelection();  // again: commands are permitted now

@@ -90,8 +90,22 @@ def test_a_tape_is_recorded_at_normal_and_at_high_speed(corvane, data, speech, m
     dialog = Dialog(program, TITLE, "CM_DOCK_CABLE")
     sound.play(fast)
     says(dialog, "When complete")
+    dialog.press("IDC_DOCK_RESTART")
+    says(dialog, "press the play button")
+    program.command("CM_RECORD")
+    wait_for(lambda: program.api(7) == 2, "a recording by the microphone")
+    dialog.end(OK)
+    assert program.row(5) and program.api(7) == 2, "sending waits for the microphone"
+    program.command("CM_ABOUT")
     assert program.close() == 0
-    assert sizes_known(data.audio(5)) and sound.read_wav(data.audio(5)).duration > 5
+    assert data.record(5, data.sent)["name"] == "Tape 5", "sent before the program ends"
+
+    program = corvane()
+    dialog = Dialog(program, TITLE, "CM_DOCK_CABLE")
+    sound.play(fast)
+    says(dialog, "When complete")
+    assert program.close() == 0
+    assert sizes_known(data.audio(6)) and sound.read_wav(data.audio(6)).duration > 5
 
 
 def test_files_that_were_transferred_are_selected_and_the_rest_is_told(corvane, data, tmp_path):
