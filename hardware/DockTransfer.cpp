@@ -5,18 +5,18 @@
 #include <memory>
 
 #include "base/LFile.h"
+#include "base/LProfile.h"
 #include "base/LText.h"
 #include "base/LTime.h"
 #include "base/LTrace.h"
 #include "store/SettingsKeys.h"
 
 // The folder is listed once, before the first file is loaded: what comes later belongs to the next transfer.
-// When a file's turn has come it is looked at again, since a card reader may still be filling the folder. One
-// that somebody writes ends the transfer with a word to the user, before its time is stored: half of it would
-// become a dictation, and a newer file's time could hide the rest. Passing it over was rejected for the same
-// reason.
-// After loading, the file is deleted only if size and time are still the same and nobody has it open for
-// writing.
+// A card reader may still be filling the folder. So all files are looked at first, and each once more when
+// its turn has come. One that somebody writes ends the transfer with a word to the user, before its time is
+// stored: half of it would become a dictation, and the time of a newer file could hide it from the next
+// transfer. Passing it over was rejected for the same reason. After loading, the file is deleted only if size
+// and time are still the same and nobody has it open for writing.
 
 namespace {
 
@@ -119,36 +119,77 @@ DockTransfer::Outcome DockTransfer::Run() {
         outcome.end = end;
         return outcome;
     };
-    const LPath folder(Settings::Read(m_settings, SettingsKeys::kDockTransferFolder));
+    const std::optional<Options> options = ReadOptions();
+    if (!options) return ended(End::SettingsHeld);
+    m_options = *options;
+    const LPath folder = m_options.folder;
     if (folder.Empty()) return ended(End::NoFolder);
     if (IsWithin(folder, m_dataFolder)) return ended(End::OwnFolder);
     const auto listing = Ask<Listing>([folder] { return List(folder); });
     if (!listing) return ended(End::Stopped);
     if (listing->end != End::Done) return ended(listing->end);
-    const bool isNewOnly = Settings::Read(m_settings, SettingsKeys::kDockTransferNew);
-    const int64_t bound = isNewOnly ? std::min(Newest(), std::numeric_limits<int64_t>::max() - 1) + 1 : 0;
+    constexpr int64_t kLatest = std::numeric_limits<int64_t>::max() - 1;
+    const int64_t bound = m_options.isNewOnly ? std::min(m_options.newest, kLatest) + 1 : 0;
+    const auto held = Ask<LPath>([all = listing->files, bound] { return FindHeld(all, bound); });
+    if (!held) return ended(End::Stopped);
+    if (!held->Empty()) {
+        outcome.file = *held;
+        return ended(End::BeingWritten);
+    }
     const std::span<const File> files = listing->files;
     for (size_t i = 0; i < files.size(); ++i) {
         const bool goesOn = m_host.Next(files[i].path, i, files.size());
         const End end = goesOn ? Transfer(files[i], bound, outcome) : End::Stopped;
         if (end == End::Done) continue;
-        CountRest(files.subspan(end == End::Stopped ? i : i + 1), bound, outcome);
+        CountRest(files.subspan(end == End::Stopped || end == End::SettingsHeld ? i : i + 1), bound, outcome);
         return ended(end);
     }
     return outcome;
 }
 
-int64_t DockTransfer::Newest() const {
-    return Settings::ReadNumber(m_settings, kDate.section, kDate.key, kDate.defaultValue);
+std::optional<DockTransfer::Options> DockTransfer::ReadOptions() const {
+    using namespace SettingsKeys;
+    const LProfileSection section(m_settings, kDate.section, kReadWaitMs);
+    if (section.Result() == LReadResult::Unreadable) return std::nullopt;
+    const auto isSet = [&section](const Settings::BoolKey& key) {
+        return Settings::ParseBool(section.Read(key.key, key.defaultValue ? "true" : ""));
+    };
+    Options options;
+    options.folder.Set(section.Read(kDockTransferFolder.key, kDockTransferFolder.defaultValue));
+    options.deletes = isSet(kDockTransferDelete);
+    options.sends = isSet(kDockAutoSend);
+    options.isNewOnly = isSet(kDockTransferNew);
+    options.newest = LParseInt64(section.Read(kDate.key, "0"));
+    return options;
+}
+
+// False when it is not in the file afterwards: the next transfer would load and send the same once more.
+bool DockTransfer::StoreNewest(int64_t time) {
+    if (time <= m_options.newest) return true;
+    Settings::WriteNumber(m_settings, kDate.section, kDate.key, time);
+    const std::optional<Options> stored = ReadOptions();
+    if (!stored || stored->newest != time) return false;
+    m_options.newest = time;
+    return true;
+}
+
+// The first file to be transferred that somebody writes or holds. It ends the transfer before the first is
+// loaded: the time of a newer one would hide it from the next transfer of newer files.
+LPath DockTransfer::FindHeld(const std::vector<File>& files, int64_t bound) {
+    for (const File& file : files) {
+        if (file.time < bound) continue;
+        const Look look = LookAt(file);
+        if (look.state == Look::State::Held && look.time >= bound) return file.path;
+    }
+    return {};
 }
 
 // By the times that were listed: the user waits no longer for a look at the files.
 void DockTransfer::CountRest(std::span<const File> rest, int64_t bound, Outcome& outcome) const {
-    const int64_t newest = Newest();
     for (const File& file : rest) {
         if (file.time < bound) continue;
         ++outcome.notReached;
-        if (bound > 0 && file.time <= newest) outcome.isRestOld = true;
+        if (bound > 0 && file.time <= m_options.newest) outcome.isRestOld = true;
     }
 }
 
@@ -166,14 +207,12 @@ DockTransfer::End DockTransfer::Transfer(const File& file, int64_t bound, Outcom
         outcome.file = file.path;
         return End::BeingWritten;
     }
-    if (look->time > Newest()) Settings::WriteNumber(m_settings, kDate.section, kDate.key, look->time);
-    const bool sends = Settings::Read(m_settings, SettingsKeys::kDockAutoSend);
-    const LoadedFile loaded = m_host.Load(file.path, sends);
+    if (!StoreNewest(look->time)) return End::SettingsHeld;
+    const LoadedFile loaded = m_host.Load(file.path, m_options.sends);
     if (loaded == LoadedFile::Cancelled) return End::Stopped;
     if (loaded == LoadedFile::No) return End::NotLoaded;
     ++outcome.loaded;
-    const bool deletes = Settings::Read(m_settings, SettingsKeys::kDockTransferDelete);
-    if (deletes && (loaded != LoadedFile::Whole || !Remove(file, *look))) ++outcome.left;
+    if (m_options.deletes && (loaded != LoadedFile::Whole || !Remove(file, *look))) ++outcome.left;
     return End::Done;
 }
 
@@ -213,11 +252,14 @@ std::string DockTransferText(const DockTransfer::Outcome& outcome, const LPath& 
             "The transfer ended at this file, which is still being written or open in another "
             "program:\n\n%.259s\n\nPlease try again when it is complete.",
             outcome.file);
+    else if (outcome.end == End::SettingsHeld)
+        text =
+            "The transfer ended, since your settings file is open in another program or write-protected.\n\n"
+            "Please try again.";
     else if (outcome.end == End::Done && outcome.loaded == 0 && outcome.passedOver > 0)
         text = LFormat(
-            "No file in this folder is newer than the last transfer.\n\nOlder or empty files that were "
-            "passed "
-            "over: %lu. To transfer them, %s.",
+            "No file in this folder is newer than the last transfer.\n\n"
+            "Older or empty files that were passed over: %lu. To transfer them, %s.",
             static_cast<unsigned long>(outcome.passedOver), kNewOnly);
     else if (outcome.end == End::Done && outcome.loaded == 0)
         text = withName("There is nothing to transfer in this folder:\n\n%.259s", folder);

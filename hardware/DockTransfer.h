@@ -38,6 +38,7 @@ public:
         OwnFolder,     // it is Corvane's own
         Unreadable,    // it cannot be listed
         BeingWritten,  // somebody still writes the file
+        SettingsHeld,  // the settings file cannot be read, or the newest time not be stored there
     };
     struct Outcome {
         End end = End::Done;
@@ -59,6 +60,14 @@ public:
     Outcome Run();
 
 private:
+    // As read at once; what a file that cannot be read would give are the defaults.
+    struct Options {
+        LPath folder;
+        bool deletes = false;
+        bool sends = false;
+        bool isNewOnly = false;
+        int64_t newest = 0;  // the time of the newest file that was ever transferred
+    };
     struct File {
         LPath path;
         int64_t time = 0;  // as listed
@@ -80,7 +89,9 @@ private:
     std::optional<T> Ask(std::function<T()> ask);
     static Listing List(const LPath& folder);
     static Look LookAt(const File& file);
-    int64_t Newest() const;
+    std::optional<Options> ReadOptions() const;
+    bool StoreNewest(int64_t time);
+    static LPath FindHeld(const std::vector<File>& files, int64_t bound);
     End Transfer(const File& file, int64_t bound, Outcome& outcome);
     void CountRest(std::span<const File> rest, int64_t bound, Outcome& outcome) const;
     bool Remove(const File& file, const Look& before);
@@ -88,6 +99,7 @@ private:
     LPath m_settings;
     LPath m_dataFolder;
     Host& m_host;
+    Options m_options;
 };
 
 // What the user is told of an outcome; empty where nothing is to be said.

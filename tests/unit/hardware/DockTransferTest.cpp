@@ -112,6 +112,13 @@ TEST_F(DockTransferTest, DeletesOnlyWhatIsSafeElsewhere) {
     }
 }
 
+TEST_F(DockTransferTest, TakesNothingOnTheStrengthOfSettingsThatCannotBeRead) {
+    Put("a.wav", 1000);
+    LFile::MakeFolder(m_settings);  // is there, and cannot be read
+    EXPECT_EQ(DockTransfer(m_settings, m_data, *this).Run().end, End::SettingsHeld);
+    EXPECT_EQ(m_loaded, "");
+}
+
 TEST_F(DockTransferTest, SaysWhyNothingCouldBeTransferred) {
     const std::pair<LPath, End> kCases[] = {
         {LPath(), End::NoFolder}, {FileOf("nowhere"), End::NoFolder},
