@@ -10,8 +10,8 @@ inline Bytes Mp3File(const char* name) {
     return bytes;
 }
 inline constexpr const char* kMp3Files[] = {
-    "blocks-44100.mp3",    "blocks-8000.mp3",      "intensity-22050.mp3", "intensity-32000.mp3",
-    "speech-16000-24.mp3", "stereo-44100-128.mp3", "stereo-48000-320.mp3"};
+    "mono-44100-48.mp3",   "blocks-44100.mp3",    "blocks-8000.mp3",      "intensity-22050.mp3",
+    "intensity-32000.mp3", "speech-16000-24.mp3", "stereo-44100-128.mp3", "stereo-48000-320.mp3"};
 
 struct Mp3Sound {
     explicit Mp3Sound(const Bytes& file, const MP3Kernels& kernels = GetMP3Kernels())
