@@ -19,7 +19,7 @@ enum class DockState {
 // The longest recording from a portable recorder: one hour of its playing.
 constexpr int32_t kMostDockMs = 3600000;
 // The lowest level that can start one, where the meter begins.
-constexpr int8_t kLeastDockDb = -48;
+constexpr int32_t kLeastDockDb = -48;
 
 const char* DockStateText(DockState state);
 

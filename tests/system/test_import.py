@@ -7,9 +7,11 @@ import subprocess
 
 import pytest
 import sound
-from corvane import TOOLS, Dialog, pcm_wav, read_ini, wait_active, wait_for, windows_path, write_ini, xdotool
+from corvane import TOOLS, Dialog, pcm_wav, read_ini, wait_for, windows_path, write_ini
 
 OK, CANCEL = 1, 2
+FILE_NAME = 1148  # in the platform's dialog
+WM_CHAR = 0x102
 PLAYER_KEY = r"Software\RealNetworks\Preferences\DT_Common"
 WHEN = 1100000000
 
@@ -33,10 +35,16 @@ def dct_file(notes, audio):
 
 def choose(program, command, title, *names):
     """Types names into the dialog, as one does who chooses several at once."""
-    program.command(command)
-    wait_active(title)
-    xdotool("type", "--delay", "5", " ".join(f'"{name}"' for name in names))
-    xdotool("key", "Return")
+    dialog = Dialog(program, title, command)
+    ask = program.winctl.ask
+
+    def find(kind, control):
+        return next((c for c in ask("window", dialog.window)["children"] if (c["class"], c["id"]) == (kind, control)), None)
+
+    box = wait_for(lambda: find("Edit", FILE_NAME), "the file name's box")["hwnd"]
+    for character in " ".join(f'"{name}"' for name in names):
+        ask("send", box, WM_CHAR, ord(character), 1)
+    ask("click", find("Button", OK)["hwnd"])
 
 
 def load(program, *names):
