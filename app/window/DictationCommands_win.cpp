@@ -278,10 +278,9 @@ bool DictationCommands::SendLoaded(const DictationFiles& files) {
 
 bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to, bool* nothingSends) {
     // A recording goes on that has nothing to do with them, as while files are loaded.
-    const bool stops =
-        std::ranges::any_of(dictations, [&](const auto& files) { return m_current.Is(files); });
     const auto settle = [&] {
-        if (stops) return StopAndSave();
+        const auto isCurrent = [&](const DictationFiles& files) { return m_current.Is(files); };
+        if (std::ranges::any_of(dictations, isCurrent)) return StopAndSave();
         m_notes.Save();
         return m_runner.MayGoOn();
     };

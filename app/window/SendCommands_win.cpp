@@ -28,9 +28,8 @@ constexpr char kNoFolder[] =
 constexpr char kChanged[] =
     "The recipients were changed in another window. It stays in the list; please send it again.";
 constexpr char kNoDefault[] =
-    "You have no default recipient. Please choose one with the Recipient Settings item on the Settings menu, "
-    "or "
-    "send with Select Recipient.";
+    "You have no default recipient. Please choose one with the Recipient Settings item on the Settings "
+    "menu, or send with Select Recipient.";
 constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
 // Whether the recipient is to be sent to by a folder that nobody has entered. The send thread would count
@@ -57,22 +56,24 @@ void SendCommands::TellNoRecipients() const {
     m_runner.Box(kNoRecipients, kNoRecipientsCaption, MB_OK | MB_ICONEXCLAMATION);
 }
 
-std::optional<ShownRecipient> SendCommands::DefaultRecipient() {
-    const CurrentUser& user = m_state.user;
-    if (!m_queue.SettleDeletion(user.number)) return m_runner.Tell(kRecipientUnsettled), std::nullopt;
-    const auto numbers = RecipientNumbers::Read(user.userFile);
-    if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
-    if (numbers->count == 0) return TellNoRecipients(), std::nullopt;
-    if (!numbers->defaultIndex) return m_runner.Tell(kNoDefault), std::nullopt;
-    return ShownRecipient::Read(m_state.data, user, *numbers->defaultIndex);
-}
-
-std::optional<ShownRecipient> SendCommands::ChooseRecipient() {
+// Nothing after the user was told why nobody can be chosen now.
+std::optional<RecipientNumbers> SendCommands::Recipients() {
     if (!m_queue.SettleDeletion(m_state.user.number)) return m_runner.Tell(kRecipientUnsettled), std::nullopt;
     const auto numbers = RecipientNumbers::Read(m_state.user.userFile);
     if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
     if (numbers->count == 0) return TellNoRecipients(), std::nullopt;
-    return AskForRecipient(m_state, m_runner);
+    return numbers;
+}
+
+std::optional<ShownRecipient> SendCommands::DefaultRecipient() {
+    const auto numbers = Recipients();
+    if (!numbers) return std::nullopt;
+    if (!numbers->defaultIndex) return m_runner.Tell(kNoDefault), std::nullopt;
+    return ShownRecipient::Read(m_state.data, m_state.user, *numbers->defaultIndex);
+}
+
+std::optional<ShownRecipient> SendCommands::ChooseRecipient() {
+    return Recipients() ? AskForRecipient(m_state, m_runner) : std::nullopt;
 }
 
 SendCommands::Result SendCommands::Send(const DictationFiles& files, const ShownRecipient& recipient,

@@ -42,6 +42,7 @@ public:
 
 private:
     void TellNoRecipients() const;
+    std::optional<RecipientNumbers> Recipients();
 
     const AppState& m_state;
     BGSend& m_queue;
