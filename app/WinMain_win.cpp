@@ -7,6 +7,7 @@
 #include "app/StartUpPlan.h"
 #include "app/window/MainDialog_win.h"
 #include "audio/device/LDBDisplay_win.h"
+#include "audio/mp3/MP3Kernels.h"
 #include "audio/stream/LKernels.h"
 #include "base/LFile.h"
 #include "base/LProfileText.h"
@@ -98,11 +99,13 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
 // statics does not work on Windows 95.
 void MakeShared() {
     Kernels();
+    GetMP3Kernels();
     LProfileLock();
 }
 
 void Run(StartingGate& gate) {
     MakeShared();
+    SetErrorMode(SEM_FAILCRITICALERRORS);  // a card reader without a card is told by us
     AppState state;
     state.data = FindDataFolder();
     if (!state.data.HasRoom()) {

@@ -196,9 +196,21 @@ ProcessResult LProcessCopyFile::Process(ProcessContext& context) {
         LTrace("LProcessCopyFile::Process unable to open file", m_from.View());
         return ProcessResult::Failed;
     }
+    if (m_into == Into::OwnFolder) return CopyAlone(context);
     if (Compare(m_to, m_from, &context) == Standing::Same) return ProcessResult::Done;
     const ProcessResult result = CopyBeside(context);
     return result == ProcessResult::Failed ? CopyDirectly(context) : result;
+}
+
+ProcessResult LProcessCopyFile::CopyAlone(ProcessContext& context) const {
+    LFile target(m_to, LFile::Open::CreateAbsent);
+    if (!target.IsOpen()) return ProcessResult::Failed;
+    ProcessResult result = CopyBytes(m_from, target, context);
+    const bool isSame = LFile(m_from, LFile::Open::Read).Size() == target.Size();
+    if (result == ProcessResult::Done && !isSame) result = ProcessResult::Failed;
+    target.Close();
+    if (result != ProcessResult::Done) LFile::Delete(m_to);
+    return result;
 }
 
 ProcessResult LProcessCopyFile::CopyBeside(ProcessContext& context) {

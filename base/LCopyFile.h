@@ -18,10 +18,15 @@
 // Thread: the one that runs the process.
 class LProcessCopyFile final : public LProcess {
 public:
-    LProcessCopyFile(const LPath& from, const LPath& to) : m_from(from), m_to(to) {}
+    // OwnFolder: nobody else writes there. The copy is then made under the target's name, which must be free,
+    // and read but once. Failed also when the source has changed its length meanwhile.
+    enum class Into { SharedFolder, OwnFolder };
+    LProcessCopyFile(const LPath& from, const LPath& to, Into into = Into::SharedFolder)
+        : m_from(from), m_to(to), m_into(into) {}
     ProcessResult Process(ProcessContext& context) override;
 
 private:
+    ProcessResult CopyAlone(ProcessContext& context) const;
     ProcessResult CopyBeside(ProcessContext& context);
     ProcessResult NameCopy(const LPath& copy, ProcessContext& context);
     ProcessResult CopyDirectly(ProcessContext& context);
@@ -30,4 +35,5 @@ private:
 
     LPath m_from;
     LPath m_to;
+    Into m_into;
 };

@@ -14,6 +14,7 @@ inline constexpr char kRecipient[] = ".re~";         // of a recipient that is b
 inline constexpr char kJournal[] = ".mo~";           // of the journal of a move that is being written
 inline constexpr char kMove[] = "moving.txt";        // in a user's folder, the journal of a move to Sent
 inline constexpr char kDeletion[] = "deleting.txt";  // in a user's folder, the journal of a deletion
+inline constexpr char kImport[] = "Import";          // in a user's folder, the folder of what is being loaded
 inline constexpr char kUntold[] = ".un~";            // of the errors of sending that wait to be told
 inline constexpr char kLock[] = ".lck";              // of a lock between programs; stays
 inline constexpr char kInUseLock[] = "inuse.lck";    // in a user's folder, while a program runs for that user

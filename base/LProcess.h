@@ -16,6 +16,8 @@ public:
     // Fraction done, 0 to 1.
     virtual void SetProgress(double fraction) = 0;
     virtual void SetStatus(std::string_view text) = 0;
+    // The title of the window that shows all this, where there is one and the operation has several.
+    virtual void SetTitle(std::string_view) {}
     // The text that tells the user about a failure.
     virtual void SetError(std::string_view text) = 0;
 };

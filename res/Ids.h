@@ -172,6 +172,38 @@
 #define IDC_EMAIL_HOST            863
 #define IDC_ADDRESSES_LIST        871
 
+// The page of pedals and sound devices
+#define IDC_HARDWARE_PORT     881
+#define IDC_HARDWARE_CONTROL1 882
+#define IDC_HARDWARE_CONTROL2 883
+#define IDC_HARDWARE_CONTROL3 884
+#define IDC_HARDWARE_CONTROL4 885
+#define IDC_HARDWARE_TEST     886
+#define IDC_HARDWARE_HINT     887
+#define IDC_HARDWARE_INPUT    891
+#define IDC_HARDWARE_LINE     892
+#define IDC_HARDWARE_OUTPUT   893
+#define IDC_HARDWARE_MIXER    894
+
+// Recording from a portable recorder, and the transfer of its files
+#define IDC_DOCK_STATUS         951
+#define IDC_DOCK_LENGTH         952
+#define IDC_DOCK_DEVICE         953
+#define IDC_DOCK_LINE           954
+#define IDC_DOCK_VOLUME         955
+#define IDC_DOCK_VOLUMETEXT     956
+#define IDC_DOCK_START          957
+#define IDC_DOCK_STARTTEXT      958
+#define IDC_DOCK_METER          959
+#define IDC_DOCK_HIGHSPEED      960
+#define IDC_DOCK_PERCENT        961
+#define IDC_DOCK_AUTOSEND       962
+#define IDC_DOCK_RESTART        963
+#define IDC_DOCKTRANSFER_FOLDER 971
+#define IDC_DOCKTRANSFER_BROWSE 972
+#define IDC_DOCKTRANSFER_DELETE 973
+#define IDC_DOCKTRANSFER_NEW    974
+
 // Timers of the main window
 #define TIMER_INFOLINE    1
 #define TIMER_SAVENOTES   2
@@ -180,6 +212,7 @@
 #define TIMER_STOPPEDTONE 5
 #define TIMER_SHOWLATER   6
 #define TIMER_SENDSHOWN   7
+#define TIMER_DEVICES     8
 
 // The timer of each dialog on sent dictations
 #define TIMER_REFRESH 1
@@ -190,6 +223,11 @@
 #define WM_MICBUTTON    1792
 #define WM_APICOMMAND   32767
 
+// Requests of WM_DOCKREQUEST
+#define DOCK_SHOWBUTTON 0
+#define DOCK_SEND       1
+#define DOCK_ADD        2
+
 // Messages that the main window sends itself
 #define WM_SHOWLATER      0x8001
 #define WM_ROWCHANGED     0x8002
@@ -197,6 +235,7 @@
 #define WM_HOLDBUTTON     0x8004
 #define WM_INSERTKEPT     0x8005
 #define WM_HELPNOTSHOWN   0x8010
+#define WM_MICLOST        0x8012
 
 // Message into the dialog on sent work: the typists' reports are collected
 #define WM_STATUSCOLLECTED 0x8011
@@ -249,6 +288,9 @@
 #define IDD_RECIPIENT     121
 #define IDD_EMAIL         122
 #define IDD_ADDRESSES     123
+#define IDD_HARDWARE      130
+#define IDD_DOCK          150
+#define IDD_DOCKTRANSFER  151
 #define IDM_MAIN          200
 #define IDM_DICTATION     201
 #define IDM_INFO          202

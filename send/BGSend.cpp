@@ -179,18 +179,26 @@ BGSend::Outcome BGSend::WhileNobodySends(uint32_t waitMs, Change change) {
     return result;
 }
 
-BGSend::Outcome BGSend::DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs) {
+BGSend::Outcome BGSend::DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs,
+                                        const std::function<bool()>& isStill) {
     return WhileNobodySends(waitMs, [&] {
         RecipientDeletion deletion(m_data, user, m_queue);
+        // Here, where no other session can delete one: its deletion may have been what was waited for.
+        if (!deletion.IsPending() && !isStill()) return Outcome::Changed;
         if (deletion.Begin(index)) return Outcome::Done;
         return deletion.IsPending() ? Outcome::Unfinished : Outcome::Failed;
     });
 }
 
 bool BGSend::SettleDeletion(uint32_t user) {
-    LLock lock(m_queueLock);
-    LFileLock sending;
-    return FinishDeletion(user, sending);
+    {
+        LLock lock(m_queueLock);
+        LFileLock sending;
+        if (!RecipientDeletion(m_data, user, m_queue).IsPending()) return true;
+        if (!FinishDeletion(user, sending)) return false;
+    }
+    StartSending();  // what waited for it need not wait out its pause
+    return true;
 }
 
 BGSend::Outcome BGSend::TakeOut(const LPath& dictation, uint32_t waitMs, const std::function<bool()>& move) {

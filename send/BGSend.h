@@ -95,9 +95,11 @@ public:
 
     // Deletes a recipient of a user. Sending pauses for it, for at most waitMs; Busy when it does not end in
     // that time, or another program sends.
-    // Failed: nothing has changed. Unfinished: SettleDeletion goes on with it.
-    enum class Outcome { Done, Busy, Failed, Unfinished };
-    Outcome DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs);
+    // Failed: nothing has changed. Unfinished: SettleDeletion goes on with it. Changed: by then the number
+    // meant somebody else, as isStill says, and nothing was done.
+    enum class Outcome { Done, Busy, Failed, Unfinished, Changed };
+    Outcome DeleteRecipient(uint32_t user, int32_t index, uint32_t waitMs,
+                            const std::function<bool()>& isStill);
     // Finishes a deletion that was cut off; until then numbers of recipients may mean others. False when it
     // cannot be finished now. To be called before a recipient is shown or chosen.
     bool SettleDeletion(uint32_t user);

@@ -7,19 +7,13 @@
 #include <cstring>
 #include <string>
 
-#include "base/LOwned.h"
+#include "base/LLibrary_win.h"
 #include "base/LTrace.h"
 
 // Simple MAPI, whose library belongs to the mail program that the user has chosen, and is loaded for each
 // mail. The structures take pointers to text that is not const; the library only reads it.
 
 namespace {
-
-struct LibraryTraits {
-    using Type = HMODULE;
-    static Type None() { return nullptr; }
-    static void Close(Type h) { FreeLibrary(h); }
-};
 
 // Installed mail programs declare themselves there; loading a library that is not one's own would ask the
 // user to choose a program.
@@ -37,13 +31,12 @@ bool Email::SendMAPI(std::string_view address, std::string_view subject, std::st
         LTrace("Email::SendMAPI no mail program is declared");
         return false;
     }
-    const LOwned<LibraryTraits> library(LoadLibraryA("MAPI32.DLL"));
+    const LLibrary library(LoadLibraryA("MAPI32.DLL"));
     if (!library) {
         LTrace("Email::SendMAPI Unable to load MAPI32.DLL");
         return false;
     }
-    const auto sendMail = reinterpret_cast<LPMAPISENDMAIL>(
-        reinterpret_cast<void*>(GetProcAddress(library.Get(), "MAPISendMail")));
+    const auto sendMail = LFunctionOf<LPMAPISENDMAIL>(library, "MAPISendMail");
     if (sendMail == nullptr) {
         LTrace("Email::SendMAPI Unable to load MAPISendMail from MAPI32.DLL");
         return false;

@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "audio/convert/LPRSourceToSink.h"
+#include "audio/wave/LDecodeWave.h"
 #include "audio/wave/LWaveFile.h"
 #include "base/LArith.h"
 #include "base/LProfile.h"
@@ -209,18 +209,18 @@ ProcessResult LoadDCTProcess::Decode(const LPath& copy, ProcessContext& context)
     }
     m_hasAudio = !LFile::Exists(m_files.audio);
     if (!m_hasAudio) return Refuse(context, kUnwritable);
-    LSoundSink sink =
-        LWaveFile::OpenSinkPCM(m_files.audio, 16, source->GetChannels(), source->GetSampleRate());
-    if (!sink || sink->IsError()) {
-        LTrace("Process(LoadDCTProcess) OpenSink ERROR");
-        return Refuse(context, kUnwritable);
-    }
     DecodeStage stage(context);
-    const ProcessResult result = LPRSourceToSink(source, sink).Process(stage);
-    const int32_t frames = sink->GetFrames();
-    sink.Reset();
-    if (result != ProcessResult::Done) return result;
-    if (!source->IsWhole()) return Refuse(context, Corrupt("audio"));
-    // A full disk may show only after closing.
-    return LWaveFile::IsComplete(m_files.audio, frames) ? result : Refuse(context, kUnwritable);
+    switch (LDecodeWave(source, m_files.audio, stage)) {
+        case LDecoded::Whole:
+            return ProcessResult::Done;
+        case LDecoded::Stopped:
+            return ProcessResult::Stopped;
+        case LDecoded::Cut:
+        case LDecoded::NotRead:
+            return Refuse(context, Corrupt("audio"));
+        case LDecoded::NotWritten:
+            LTrace("Process(LoadDCTProcess) OpenSink ERROR");
+            return Refuse(context, kUnwritable);
+    }
+    return ProcessResult::Failed;
 }

@@ -38,6 +38,10 @@ std::string DefaultDictationName(int32_t number) {
     return LFormat("Dictation %.3ld", static_cast<long>(number % 1000));
 }
 
+std::string TapeName(int32_t number) {
+    return LFormat("Tape %.ld", static_cast<long>(number));
+}
+
 std::optional<int32_t> NumberOfFileName(const LPath& path) {
     const std::string_view name = LSplitPath(path.View()).name;
     if (name.size() != kNumberDigits) return std::nullopt;

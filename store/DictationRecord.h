@@ -26,6 +26,8 @@ struct DictationRecord {
 
 // The name of a new dictation, "Dictation 234" for number 1234.
 std::string DefaultDictationName(int32_t number);
+// The name of one that is recorded from a portable recorder, "Tape 1234".
+std::string TapeName(int32_t number);
 
 // The number in a dictation's file name ("00001234.dat"); nothing for a name that is not of eight digits.
 std::optional<int32_t> NumberOfFileName(const LPath& path);

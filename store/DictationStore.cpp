@@ -1,6 +1,7 @@
 #include "store/DictationStore.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <string>
 
@@ -66,47 +67,55 @@ std::optional<int32_t> NextDictationNumber(const CurrentUser& user) {
 }
 
 // As a whole: key by key the disk would have to be waited for three times.
-static bool WriteNewRecord(const LPath& record, int32_t number, int64_t now) {
+static bool WriteNewRecord(const LPath& record, int32_t number, int64_t now, const std::string& name) {
     const auto line = [](const char* key, const std::string& value) {
         return LFormat("%s=%s\r\n", key, value.c_str());
     };
-    const std::string text = LFormat("[%s]\r\n", RecordKeys::kSection) +
-                             line(RecordKeys::kName.key, DefaultDictationName(number)) +
+    const std::string text = LFormat("[%s]\r\n", RecordKeys::kSection) + line(RecordKeys::kName.key, name) +
                              line(RecordKeys::kNumber.key, std::to_string(number)) +
                              line(RecordKeys::kDate, std::to_string(now));
     return LFile::WriteWhole(record, LProfile::CopyOf(record),
                              {reinterpret_cast<const uint8_t*>(text.data()), text.size()});
 }
 
-std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now) {
+std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now, DictationName name) {
     const std::optional<int32_t> number = NextDictationNumber(user);
     if (!number) return std::nullopt;
     NewDictation created;
     created.number = *number;
     created.files = DictationFiles::OfNumber(user.currentFolder, created.number);
     const LPath& record = created.files.record;
-    if (!WriteNewRecord(record, created.number, now)) {
+    if (!WriteNewRecord(record, created.number, now, name(created.number))) {
         LTrace("MakeDictation unable to write record", record.View());
         return std::nullopt;
     }
     return created;
 }
 
-bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target) {
-    using Step = std::pair<const LPath*, const LPath*>;
-    std::vector<Step> done;
+static bool MoveInOrder(const DictationFiles& files, const DictationFiles& target,
+                        std::initializer_list<LPath DictationFiles::*> order) {
+    std::vector<LPath DictationFiles::*> done;
     LProfile::Flush(files.record);
-    for (const Step& step : {Step(&files.audio, &target.audio), Step(&files.record, &target.record),
-                             Step(&files.notes, &target.notes)}) {
-        if (LFile::IsAbsent(*step.first)) continue;
-        if (!LFile::Move(*step.first, *step.second, kMoveWaitMs)) {
-            LTrace("MoveDictationFiles unable to move file", step.first->View());
-            for (const Step& back : done) LFile::Move(*back.second, *back.first, kMoveWaitMs);
+    for (const auto file : order) {
+        if (LFile::IsAbsent(files.*file)) continue;
+        if (!LFile::Move(files.*file, target.*file, kMoveWaitMs)) {
+            LTrace("MoveDictationFiles unable to move file", (files.*file).View());
+            for (const auto back : done) LFile::Move(target.*back, files.*back, kMoveWaitMs);
             return false;
         }
-        done.push_back(step);
+        done.push_back(file);
     }
     return true;
+}
+
+bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target) {
+    return MoveInOrder(files, target,
+                       {&DictationFiles::audio, &DictationFiles::record, &DictationFiles::notes});
+}
+
+bool PublishDictation(const DictationFiles& files, const DictationFiles& target) {
+    return MoveInOrder(files, target,
+                       {&DictationFiles::audio, &DictationFiles::notes, &DictationFiles::record});
 }
 
 bool RenumberDictation(const CurrentUser& user, const DictationFiles& files) {

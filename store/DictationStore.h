@@ -6,12 +6,14 @@
 #include "base/LPath.h"
 #include "store/CurrentUser.h"
 #include "store/DictationFiles.h"
+#include "store/DictationRecord.h"
 #include "store/FolderListing.h"
 #include "store/QueueAnswer.h"
 
 // The dictations of a user: files in his Current folder, and in his Sent folder once they are sent.
 // Errors: empty results and false are traced; the caller tells the user.
-// Thread: the window thread.
+// Thread: the window thread; numbers are also taken by the one that loads an audio file, while the window
+//         thread waits for it and takes none.
 
 // Dictation numbers run from 0 to 99,999,999, the eight digits of a file name, and then start again.
 constexpr int32_t kDictationNumbers = 100000000;
@@ -27,13 +29,21 @@ struct NewDictation {
     DictationFiles files;
 };
 
+// The name of a dictation by its number.
+using DictationName = std::string (*)(int32_t number);
+
 // Takes a number and writes the record with name, number and date (now, seconds since 1970). Nothing when the
 // user file cannot be read or the record cannot be written.
-std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now);
+std::optional<NewDictation> MakeDictation(const CurrentUser& user, int64_t now,
+                                          DictationName name = DefaultDictationName);
 
 // Moves audio, record and notes, in this order, to names that nothing has. Waits two seconds for each file
 // that another program holds. False when one cannot be moved; those before it are then put back.
 bool MoveDictationFiles(const DictationFiles& files, const DictationFiles& target);
+
+// The same for a dictation that becomes visible at its new place: the record, by which it is listed, goes
+// last.
+bool PublishDictation(const DictationFiles& files, const DictationFiles& target);
 
 // Gives a dictation the next number within its folder, in its file names and in its record. False, with
 // everything as it was, when a file cannot be renamed.

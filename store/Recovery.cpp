@@ -14,11 +14,13 @@
 #include "store/MoveToSent.h"
 #include "store/NotesFile.h"
 #include "store/SendToSettings.h"
+#include "store/StagedDictation.h"
 #include "store/TakeBack.h"
 
-// Four steps: finish or delete files that were being written; settle the move named by the journal; give each
-// audio in Current a record; bring audio and notes without a record back from Sent. There is no log of
-// operations besides the journal: the names of the files tell (base/LLeftOver.h).
+// Five steps: finish or delete files that were being written; settle dictations that were being loaded
+// (StagedDictation) and the move named by the journal; give each audio in Current a record; bring audio and
+// notes without a record back from Sent. There is no log of operations besides the journal: the names of the
+// files tell (base/LLeftOver.h).
 // Listings serve only to find candidates. Before something is deleted or moved the file itself is asked,
 // since a listed size may be that of a moment before, and a drive that does not answer makes files look
 // absent; a listing that broke off gives no candidates at all. Files are judged by IsAbsent, which is true
@@ -67,6 +69,7 @@ std::map<int32_t, Found> ListDictations(const LPath& folder) {
 // one, with the name of the record in Sent when another program holds that.
 void GiveRecord(const DictationFiles& sent, const DictationFiles& current, int64_t now) {
     LTrace("RecoverDictations audio without a record", current.audio.View());
+    if (StagedDictation::HoldsRecordOf(current)) return;  // left to the next start
     DictationRecord values;
     if (LFile::Exists(sent.record) && LFile::IsAbsent(sent.audio)) {
         values = DictationRecord::Read(sent.record);
@@ -172,6 +175,7 @@ void FinishWhatWasBeingWritten(const CurrentUser& user) {
 
 void RecoverDictations(const CurrentUser& user, const AskQueue& isQueued, int64_t now) {
     FinishWhatWasBeingWritten(user);
+    StagedDictation::Recover(user);
     MoveToSent::TakeUp(user, isQueued);
     for (const auto& [number, found] : ListDictations(user.currentFolder)) {
         const DictationFiles current = DictationFiles::OfNumber(user.currentFolder, number);

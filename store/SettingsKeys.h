@@ -81,6 +81,8 @@ inline constexpr IntKey kControls[] = {{"control", "control1", 0},
                                        {"control", "control2", 0},
                                        {"control", "control3", 0},
                                        {"control", "control4", 0}};
+// The user was told that the library of these pedals is missing.
+inline constexpr BoolKey kNoLibraryTold{"control", "nolibrarytold", false};
 
 // Hot keys: the items "key%d" (a virtual-key code), "key%dmod" (modifier bits) and "command%d" (CI_...).
 inline constexpr char kKeysSection[] = "keys";

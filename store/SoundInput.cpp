@@ -23,8 +23,12 @@ SoundInput GetSoundIn(const LPath& settingsFile, InputLines& lines) {
                           lines);
 }
 
+SoundInput ResolveDockSoundIn(SoundInput chosen, InputLines& lines) {
+    return Resolve(chosen, "LINE", lines);
+}
+
 SoundInput GetDockSoundIn(const LPath& settingsFile, InputLines& lines) {
-    return Resolve({Settings::Read(settingsFile, SettingsKeys::kDockSoundIn),
-                    Settings::Read(settingsFile, SettingsKeys::kDockSoundInChan)},
-                   "LINE", lines);
+    return ResolveDockSoundIn({Settings::Read(settingsFile, SettingsKeys::kDockSoundIn),
+                               Settings::Read(settingsFile, SettingsKeys::kDockSoundInChan)},
+                              lines);
 }

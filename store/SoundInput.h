@@ -31,3 +31,4 @@ SoundInput ResolveSoundIn(SoundInput chosen, InputLines& lines);
 // The line that the portable recorder is connected to. If the program chooses: the last line whose name
 // contains "LINE".
 SoundInput GetDockSoundIn(const LPath& settingsFile, InputLines& lines);
+SoundInput ResolveDockSoundIn(SoundInput chosen, InputLines& lines);

@@ -3,9 +3,9 @@
 
 A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
 records; the dictation is played back and wound back; a correction is spoken and inserted there, and played;
-it gets a note and is sent to a typist's folder; it is recovered and mailed, encrypted, to another one. The
-sound that is heard and the file that arrives are compared
-with the samples. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
+it gets a note and is sent to a typist's folder; it is recovered and mailed, encrypted, to another one. At last
+an MP3 and the delivered container are loaded as dictations. The sound that is heard and the files that arrive
+are compared with the samples. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
 pass."""
 
 import email
@@ -24,7 +24,7 @@ import dct  # noqa: E402
 import mail  # noqa: E402
 import sound  # noqa: E402
 from ftp import ADDRESS  # noqa: E402
-from corvane import Corvane, Data, Dialog, WinCtl, wait_for, write_ini  # noqa: E402
+from corvane import Corvane, Data, Dialog, WinCtl, read_ini, wait_active, wait_for, windows_path, write_ini  # noqa: E402
 
 OUT = ROOT / "out"
 WORDS = (
@@ -214,6 +214,32 @@ def mail_it(corvane, data, steps, spoken, number):
     measure(steps, "mailed", spoken, sound.read_wav(container.audio))
 
 
+def load_files(corvane, data, steps, corrected):
+    """Loads an MP3 and the container that the first typist got, as a colleague's, through the platform's dialog."""
+    folder = data.folder / "from elsewhere"
+    folder.mkdir()
+    convert = ["ffmpeg", "-loglevel", "error", "-i", str(OUT / "spoken.wav"), "-b:a", "64k"]
+    subprocess.run([*convert, str(folder / "spoken.mp3")], check=True)
+    shutil.copy(data.delivered()[0], folder / "colleague.dct")
+    settings = read_ini(data.settings)
+    settings["settings"]["loadfolder"] = windows_path(folder)
+    write_ini(data.settings, settings)
+    corvane.command("CM_LOADFILE")
+    wait_active("Load File(s)")
+    subprocess.run(["xdotool", "type", '"spoken.mp3" "colleague.dct"'], check=True)
+    subprocess.run(["xdotool", "key", "Return"], check=True)
+    wait_for(lambda: len(corvane.rows()) == 2, "two loaded dictations", 30)
+    screenshot(corvane, "loaded.png")
+    first, second = (row["number"] for row in corvane.rows())
+    measure(steps, "loaded from an MP3", sound.read_wav(OUT / "spoken.wav"), sound.read_wav(data.audio(first)))
+    measure(steps, "loaded from a colleague's DCT", corrected, sound.read_wav(data.audio(second)))
+    record, notes = data.record(second), data.audio(second).with_suffix(".txt").read_bytes()
+    steps.check(
+        record["sendername"] == "Dr. Ada Blake" and notes == f"{ELEMENT}\r\n{NOTE}\0".encode(),
+        f'with its notes: "{record["name"]}" from {record["sendername"]}, priority {record["priority"]}',
+    )
+
+
 def main():
     shutil.rmtree(OUT, ignore_errors=True)
     OUT.mkdir()
@@ -242,6 +268,7 @@ def main():
         receive(data, steps, corrected, number)
         mail_it(corvane, data, steps, corrected, number)
         screenshot(corvane, "sent.png")
+        load_files(corvane, data, steps, corrected)
         steps.check(corvane.close() == 0, "corvane.exe closed when asked to")
     finally:
         corvane.kill()

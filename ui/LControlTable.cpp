@@ -1,5 +1,7 @@
 #include "ui/LControlTable.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <charconv>
 
@@ -97,6 +99,12 @@ void LControlTable::Show(size_t row, const LControlValue& value) {
         case Kind::Level:
             m_levels[row].Attach(Item(r.control), static_cast<int8_t>(value.number));
             break;
+        case Kind::Slider:
+            SendMessageA(Item(r.control), TBM_SETRANGEMIN, FALSE, r.least);
+            SendMessageA(Item(r.control), TBM_SETRANGEMAX, TRUE, r.most);
+            SendMessageA(Item(r.control), TBM_SETPOS, TRUE, r.least);  // or a position of 0 is drawn there
+            SendMessageA(Item(r.control), TBM_SETPOS, TRUE, value.number);
+            break;
         case Kind::Number:
             SendMessageA(Item(r.control), EM_SETLIMITTEXT, kMostNumberCharacters, 0);
             LSetWindowText(Item(r.control), LFormat("%d", static_cast<int>(value.number)));
@@ -121,6 +129,8 @@ std::optional<LControlValue> LControlTable::Shown(size_t row) const {
             return std::nullopt;
         case Kind::Level:
             return LControlValue{m_levels[row].Level(), {}};
+        case Kind::Slider:
+            return LControlValue{SendMessageA(Item(r.control), TBM_GETPOS, 0, 0), {}};
         case Kind::Number:
             return ParseNumber(LWindowText(Item(r.control)));
         case Kind::List:
@@ -166,11 +176,20 @@ std::optional<LControlTable::Problem> LControlTable::FindProblem() const {
     return std::nullopt;
 }
 
-void LControlTable::Store() {
+void LControlTable::Store(Which which) {
     for (size_t row = 0; row < m_binding.Count(); ++row) {
-        const std::optional<LControlValue> value = Changed(row);
-        if (!value) continue;
+        std::optional<LControlValue> value = which == Which::All ? Shown(row) : Changed(row);
+        if (!value || !IsInRange(row, *value)) continue;
         m_binding.Write(row, *value);
         m_loaded[row] = value;
     }
+}
+
+std::optional<int32_t> LControlTable::NumberOf(int control) const {
+    for (size_t row = 0; row < m_binding.Count(); ++row) {
+        if (m_binding.Row(row).control != control) continue;
+        const std::optional<LControlValue> shown = Shown(row);
+        if (shown && IsInRange(row, *shown)) return shown->number;
+    }
+    return std::nullopt;
 }

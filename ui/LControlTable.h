@@ -29,12 +29,12 @@ struct LRadioButton {
 
 // One row of a page: a control, or a group of radio buttons, and its kind of value.
 struct LControlRow {
-    enum class Kind { Text, Check, Radio, Level, Number, List };
+    enum class Kind { Text, Check, Radio, Level, Slider, Number, List };
 
     Kind kind;
     int control;
-    int32_t least = 0;  // Number: the smallest allowed value
-    int32_t most = 0;   // Number: the largest allowed value; Text: the length in bytes
+    int32_t least = 0;  // Number, Slider: the smallest allowed value
+    int32_t most = 0;   // Number, Slider: the largest allowed value; Text: the length in bytes
     std::span<const LRadioButton> buttons;
 
     static constexpr LControlRow Text(int control, int32_t mostBytes = kMostSettingBytes) {
@@ -45,6 +45,10 @@ struct LControlRow {
         return {Kind::Radio, buttons.front().control, 0, 0, buttons};
     }
     static constexpr LControlRow Level(int control) { return {Kind::Level, control, 0, 0, {}}; }
+    // Shows a value beyond its ends at the nearer one.
+    static constexpr LControlRow Slider(int control, int32_t least, int32_t most) {
+        return {Kind::Slider, control, least, most, {}};
+    }
     static constexpr LControlRow Number(int control, int32_t least, int32_t most) {
         return {Kind::Number, control, least, most, {}};
     }
@@ -99,8 +103,11 @@ public:
     // The first changed value that cannot be accepted. Disabled controls are not checked; an invalid value in
     // one of them is not written.
     std::optional<Problem> FindProblem() const;
-    // Writes the changed values.
-    void Store();
+    // Writes the changed values; All: also those that were not changed, as far as they can be accepted.
+    enum class Which { Changed, All };
+    void Store(Which which = Which::Changed);
+    // The value that the row of a control shows now; nothing when it cannot be accepted.
+    std::optional<int32_t> NumberOf(int control) const;
 
 private:
     bool IsInRange(size_t row, const LControlValue& value) const;

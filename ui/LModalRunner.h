@@ -44,8 +44,10 @@ public:
     INT_PTR RunModal(Activity activity, const std::function<INT_PTR(HWND owner)>& show);
     // Runs a process under the progress dialog and shows its error text. Stopped when it was not started.
     ProcessResult RunProcess(LProcess& process, std::string_view title);
-    // The same for a process that no command of the user names, such as what follows a Stop: like an unasked
-    // box it is deaf to keys in its first second.
+    // The same, but for the text, which is returned: empty when there is none.
+    ProcessResult Run(LProcess& process, std::string_view title, std::string& error);
+    // The same as RunProcess for a process that no command of the user names, such as what follows a Stop:
+    // like an unasked box it is deaf to keys in its first second.
     ProcessResult RunUnaskedProcess(LProcess& process, std::string_view title);
 
     // Brings the window to the front, where another program is: a hot key may lead to a question.
@@ -81,7 +83,6 @@ private:
 
     class Stay;
 
-    ProcessResult Run(LProcess& process, std::string_view title, std::string& error);
     struct Later {
         std::string text;
         std::string caption;

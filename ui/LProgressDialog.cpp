@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "res/Ids.h"
 
 // The operation stays on the window thread, so it may use everything that belongs to this thread without
@@ -20,13 +22,34 @@ void LProgressDialog::CancelRunning() {
     s_cancelAll = s_running > 0;
 }
 
+// Keys and buttons that go down. The owner is disabled only once the dialog is there: a window manager that
+// gives it the keyboard at that moment, since another dialog has closed, would leave the keyboard nowhere.
+// What is released belongs to a press from before.
+static bool IsInput(UINT message) {
+    switch (message) {
+        case WM_KEYDOWN:
+        case WM_SYSKEYDOWN:
+        case WM_CHAR:
+        case WM_SYSCHAR:
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_NCLBUTTONDOWN:
+        case WM_NCLBUTTONDBLCLK:
+        case WM_NCRBUTTONDOWN:
+            return true;
+        default:
+            return false;
+    }
+}
+
 LProgressDialog::LProgressDialog(HWND owner, std::string_view title)
     : m_owner(owner),
       m_ownerWasEnabled(owner != nullptr && IsWindowEnabled(owner)),
       m_title(title),
       m_startTick(GetTickCount()) {
     ++s_running;
-    if (m_ownerWasEnabled) EnableWindow(m_owner, FALSE);
 }
 
 LProgressDialog::~LProgressDialog() {
@@ -48,7 +71,7 @@ ProcessResult LProgressDialog::Run(LProcess& process, HWND owner, std::string_vi
 bool LProgressDialog::InitDialog() {
     SetWindowTextA(Window(), m_title.c_str());
     SendMessageA(Item(IDC_PROGRESS_BAR), PBM_SETRANGE, 0, MAKELPARAM(0, kBarSteps));
-    LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    ShowStatus();
     return true;
 }
 
@@ -73,13 +96,33 @@ void LProgressDialog::SetProgress(double fraction) {
 
 void LProgressDialog::SetStatus(std::string_view text) {
     m_status = text;
-    if (IsOpen()) LSetWindowText(Item(IDC_PROGRESS_STATUS), m_status);
+    if (IsOpen()) ShowStatus();
     Pump();
+}
+
+void LProgressDialog::SetTitle(std::string_view text) {
+    m_title = text;
+    if (IsOpen()) LSetWindowText(Window(), m_title);
+    Pump();
+}
+
+void LProgressDialog::ShowStatus() {
+    const HWND place = Item(IDC_PROGRESS_STATUS);
+    RECT box = {};
+    GetClientRect(place, &box);
+    const LTextMeasure measure(place);
+    const int width = static_cast<int>(box.right);
+    const std::string_view status = m_status;
+    const size_t end = std::min(status.find('\n'), status.size());
+    std::string shown = measure.Fit(status.substr(0, end), width);
+    if (end < status.size()) shown += "\n" + measure.Fit(status.substr(end + 1), width);
+    LSetWindowText(place, shown);
 }
 
 void LProgressDialog::Pump() {
     if (!m_isShown && GetTickCount() - m_startTick >= kShowAfterMs) {
         m_isShown = true;  // tried once; if the window cannot be created the operation goes on without it
+        if (m_ownerWasEnabled) EnableWindow(m_owner, FALSE);
         if (Create(IDD_PROGRESS, IsWindow(m_owner) ? m_owner : nullptr)) ShowWindow(Window(), SW_SHOW);
     }
     if (IsOpen())
@@ -94,6 +137,7 @@ void LProgressDialog::Pump() {
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
+        if (!m_isShown && IsInput(message.message)) continue;
         if (IsOpen() && IsDialogMessageA(Window(), &message)) continue;
         TranslateMessage(&message);
         DispatchMessageA(&message);

@@ -20,7 +20,9 @@ public:
 
     bool CancelRequested() override;
     void SetProgress(double fraction) override;
+    // Up to two lines; a path that is too long for its line is shown without its middle.
     void SetStatus(std::string_view text) override;
+    void SetTitle(std::string_view text) override;
     void SetError(std::string_view text) override { m_error = text; }
 
 private:
@@ -28,6 +30,7 @@ private:
     ~LProgressDialog() override;
     bool InitDialog() override;
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    void ShowStatus();
     void Pump();
 
     HWND m_owner;

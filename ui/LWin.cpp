@@ -2,6 +2,7 @@
 
 #include "base/LScreen.h"
 #include "base/LSystemFunction_win.h"
+#include "base/LText.h"
 #include "ui/LCentre.h"
 
 static HINSTANCE s_instance = nullptr;
@@ -36,6 +37,16 @@ LTextMeasure::LTextMeasure(HWND control)
 LTextMeasure::~LTextMeasure() {
     SelectObject(m_context, m_before);
     ReleaseDC(m_control, m_context);
+}
+
+std::string LTextMeasure::Fit(std::string_view text, int width) const {
+    constexpr size_t kDots = 4;  // that the platform may put in place of the middle
+    std::string fitting(text);
+    fitting.resize(text.size() + kDots + 1);
+    RECT box = {0, 0, width, 0};
+    DrawTextA(m_context, fitting.data(), static_cast<int>(text.size()), &box,
+              DT_PATH_ELLIPSIS | DT_MODIFYSTRING | DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+    return std::string(LBeforeZero(fitting));
 }
 
 void LSetWindowText(HWND window, std::string_view text) {

@@ -36,6 +36,8 @@ public:
     LTextMeasure(const LTextMeasure&) = delete;
     LTextMeasure& operator=(const LTextMeasure&) = delete;
     int WidthOf(std::string_view text) const { return LTextWidth(m_context, text); }  // pixels
+    // A text without the middle of a path in it, where it is wider than that.
+    std::string Fit(std::string_view text, int width) const;
 
 private:
     HWND m_control;

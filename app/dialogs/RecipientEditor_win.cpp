@@ -55,7 +55,7 @@ constexpr Radio kExtras[] = {{IDC_RECIPIENT_ADDRESSES, Method::Email},
 class RecipientEditor final : public LDialog {
 public:
     RecipientEditor(const AppState& state, std::optional<int32_t> index, const SendToSettings& recipient,
-                    const StoreRecipient& store)
+                    const RecipientStore& store)
         : m_state(state),
           m_index(index),
           m_recipient(recipient),
@@ -85,7 +85,7 @@ private:
     const AppState& m_state;
     std::optional<int32_t> m_index;
     SendToSettings m_recipient;
-    const StoreRecipient& m_store;
+    const RecipientStore& m_store;
     bool m_isWave;  // WAV files are chosen, and were confirmed
     bool m_wantsDefault = false;
 };
@@ -187,14 +187,9 @@ void RecipientEditor::CmFormat() {
 }
 
 void RecipientEditor::CmMakeDefault() {
-    m_wantsDefault = true;
-    if (m_index) {
-        Settings::Write(m_state.user.userFile, UserKeys::kSendDefault, *m_index);
-        m_wantsDefault = false;
-        if (!IsDefault())
-            LMessageBox(Window(), "The default could not be stored. Your user file may be write-protected.",
-                        "Error", MB_OK | MB_ICONEXCLAMATION);
-    }
+    if (!m_index) m_wantsDefault = true;
+    if (const std::string problem = m_index ? m_store.makeDefault() : std::string(); !problem.empty())
+        LMessageBox(Window(), problem, "Error", MB_OK | MB_ICONEXCLAMATION);
     // A button that is disabled must not keep the keyboard.
     SendMessageA(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(IDOK)), TRUE);
     UpdateControls();
@@ -214,7 +209,7 @@ bool RecipientEditor::CmOk() {
             "Please enter the password with which the dictations are encrypted. Without one they would "
             "be sent unencrypted.");
     Take();
-    const std::string problem = m_store(m_recipient, m_wantsDefault);
+    const std::string problem = m_store.store(m_recipient, m_wantsDefault);
     return problem.empty() || Refuse(IDC_RECIPIENT_NAME, problem);
 }
 
@@ -238,7 +233,7 @@ bool RecipientEditor::Refuse(int control, std::string_view text) {
 }  // namespace
 
 bool EditRecipient(HWND owner, const AppState& state, std::optional<int32_t> index,
-                   const SendToSettings& recipient, const StoreRecipient& store) {
+                   const SendToSettings& recipient, const RecipientStore& store) {
     RecipientEditor editor(state, index, recipient, store);
     return editor.RunModal(IDD_RECIPIENT, owner) == IDOK;
 }

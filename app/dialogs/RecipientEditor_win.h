@@ -9,9 +9,14 @@
 #include "app/AppState.h"
 #include "store/SendToSettings.h"
 
-// Stores a recipient; makesDefault is for a new one, of which the user wants it. Returns a sentence for the
-// user when it could not be, else an empty text.
-using StoreRecipient = std::function<std::string(const SendToSettings& recipient, bool makesDefault)>;
+// What the editor changes. Each returns a sentence for the user when it could not be done, else an empty
+// text.
+struct RecipientStore {
+    // makesDefault is for a new recipient, of which the user wants it.
+    std::function<std::string(const SendToSettings& recipient, bool makesDefault)> store;
+    // Makes a recipient that exists the default one.
+    std::function<std::string()> makeDefault;
+};
 
 // Edits one recipient: name, way of delivery, file format. index: its number; "Make Default" stores that as
 // the default, at once for a recipient that exists, and after it is stored (nothing: a new one) otherwise. A
@@ -19,4 +24,4 @@ using StoreRecipient = std::function<std::string(const SendToSettings& recipient
 // cancelled.
 // Thread: the window thread. Runs messages.
 bool EditRecipient(HWND owner, const AppState& state, std::optional<int32_t> index,
-                   const SendToSettings& recipient, const StoreRecipient& store);
+                   const SendToSettings& recipient, const RecipientStore& store);

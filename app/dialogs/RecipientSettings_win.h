@@ -8,6 +8,7 @@
 inline constexpr char kRecipientUnsettled[] =
     "A recipient is still being deleted, because one of the files of your recipients is open in another "
     "program or write-protected. Please try again.";
+inline constexpr char kUserFileHeld[] = "Your user file is open in another program. Please try again.";
 
 // Shows the sheet "Recipient Send Settings": the user's recipients, and how e-mail is sent.
 // Thread: the window thread. Runs messages.

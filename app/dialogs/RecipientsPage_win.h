@@ -27,6 +27,9 @@ private:
     void CmDelete();
     void CmMakeDefault();
     bool IsStill(int index);
+    std::string ChangeOf(int index);
+    bool StoreDefault(int index);
+    std::string DefaultAfter(int index) const;
     bool IsSureToDelete(int index);
     void Changed(int selected);
     // Tells the user, with the keyboard in the list.

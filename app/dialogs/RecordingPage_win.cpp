@@ -5,7 +5,7 @@
 
 #include "app/transport/MixerLines_win.h"
 #include "audio/device/LDBDisplay_win.h"
-#include "audio/device/LWaveIn_win.h"
+#include "audio/device/LMixer_win.h"
 #include "base/LText.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
@@ -33,10 +33,9 @@ RecordingPage::RecordingPage(const AppState& state, LControlBinding& binding, Li
 
 void RecordingPage::InitPage() {
     const LPath& settings = m_state.data.settingsFile;
-    const int32_t device = Settings::Read(settings, SettingsKeys::kSoundIn);
-    LAddNumberedItems(Item(IDC_RECORDING_DEVICE), LWaveIn::DeviceNames(), device,
-                      "Device %d (not connected)");
-    FillLines(device, Settings::Read(settings, SettingsKeys::kSoundInChan));
+    m_lines.Fill(Item(IDC_RECORDING_DEVICE), Item(IDC_RECORDING_LINE),
+                 Settings::Read(settings, SettingsKeys::kSoundIn),
+                 Settings::Read(settings, SettingsKeys::kSoundInChan));
     FillRates(Settings::Read(m_state.user.userFile, UserKeys::kSampleRate));
     AttachArrows(IDC_RECORDING_VOLUMEUP);
     AttachArrows(IDC_RECORDING_STARTUP);
@@ -51,27 +50,15 @@ void RecordingPage::FillRates(int32_t stored) {
         LAddListItem(Item(IDC_RECORDING_RATE), LFormat("%d Hz", static_cast<int>(rate)).c_str(), rate);
 }
 
-void RecordingPage::FillLines(int32_t device, int32_t selected) {
-    const HWND list = Item(IDC_RECORDING_LINE);
-    SendMessageA(list, CB_RESETCONTENT, 0, 0);
-    LAddListItem(list, "Automatic", kChooseLine);
-    LAddListItem(list, LMixer::GetInputChannelName(device, LMixer::kRecordMixerChannel).c_str(),
-                 LMixer::kRecordMixerChannel);
-    LAddNumberedItems(list, MixerLines().LineNames(device), selected, "Line %d (not there)");
-    m_linesOf = device;
-}
-
 void RecordingPage::UpdateControls() {
-    const int32_t device = LSelectedListItem(Item(IDC_RECORDING_DEVICE)).value_or(m_linesOf);
-    if (device == m_linesOf) return;
-    FillLines(device, kChooseLine);  // lines of different devices have nothing in common
-    LSelectListItem(Item(IDC_RECORDING_LINE), kChooseLine);
+    m_lines.Follow();
 }
 
-// The mixer is left as the stored settings have it.
+// The mixer is left as the stored settings have it; who records has set it himself.
 void RecordingPage::DestroyDialog() {
     KillTimer(Window(), kTimer);
     m_listening.Stop();
+    if (m_isBusy()) return;
     MixerLines lines;
     const LPath& settings = m_state.data.settingsFile;
     const SoundInput input = GetSoundIn(settings, lines);
@@ -93,7 +80,7 @@ int8_t RecordingPage::ShownLevel(int control, int8_t otherwise) const {
 }
 
 RecordingPage::Choice RecordingPage::Shown() const {
-    return {{LSelectedListItem(Item(IDC_RECORDING_DEVICE)).value_or(m_linesOf),
+    return {{LSelectedListItem(Item(IDC_RECORDING_DEVICE)).value_or(m_lines.Device()),
              LSelectedListItem(Item(IDC_RECORDING_LINE)).value_or(kChooseLine)},
             ShownLevel(IDC_RECORDING_VOLUME, m_choice.volumeDb)};
 }

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "app/AppState.h"
+#include "app/dialogs/SoundLists_win.h"
 #include "app/transport/Listening_win.h"
 #include "ui/LPropertySheet.h"
 
@@ -30,7 +31,6 @@ private:
     bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
     void FillRates(int32_t stored);
-    void FillLines(int32_t device, int32_t selected);
     int8_t ShownLevel(int control, int8_t otherwise) const;
     Choice Shown() const;
     void EvTimer();
@@ -39,7 +39,7 @@ private:
     const AppState& m_state;
     Listening& m_listening;
     std::function<bool()> m_isBusy;
-    int32_t m_linesOf = 0;  // the device whose lines are listed
+    InputLineList m_lines;
     Choice m_choice;
     bool m_hasFailed = false;  // the device of this choice does not open
 };

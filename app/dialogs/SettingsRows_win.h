@@ -7,6 +7,12 @@
 #include "store/Settings.h"
 #include "ui/LControlTable.h"
 
+// Told after a sheet whose rows are not all stored.
+inline constexpr char kSettingsNotStored[] =
+    "Not all settings could be stored.\n\n"
+    "The settings file or your user file may be open in another program or be write-protected, or the disk "
+    "may be full. What could not be stored stays as it was.";
+
 // One row of a settings page: a control, and the settings key whose value it edits, of the machine's settings
 // or of the user's.
 struct SettingsRow {
@@ -24,8 +30,9 @@ public:
     SettingsRows(const LPath& file, std::span<const SettingsRow> rows, const LPath& userFile = {})
         : m_file(file), m_userFile(userFile), m_rows(rows) {}
 
-    // False after a value could not be stored.
+    // False after a value could not be stored, since the last Retry.
     bool IsStored() const { return m_isStored; }
+    void Retry() { m_isStored = true; }
 
     size_t Count() const override { return m_rows.size(); }
     const LControlRow& Row(size_t row) const override { return m_rows[row].control; }

@@ -3,7 +3,7 @@
 #include "app/dialogs/PromptTag.h"
 #include "app/dialogs/RecordingPage_win.h"
 #include "app/dialogs/SettingsRows_win.h"
-#include "audio/device/LWaveOut_win.h"
+#include "app/dialogs/SoundLists_win.h"
 #include "base/LText.h"
 #include "res/Ids.h"
 #include "store/SettingsKeys.h"
@@ -11,10 +11,6 @@
 
 namespace {
 
-constexpr char kNotStored[] =
-    "Not all settings could be stored.\n\n"
-    "The settings file or your user file may be open in another program or be write-protected, or the disk "
-    "may be full. What could not be stored stays as it was.";
 constexpr char kNoQuestion[] = "Please enter the question, or do not ask for this field.";
 constexpr char kBadTag[] =
     "Please enter a tag of one word: a letter first, then letters, digits, \"-\", \"_\" or \".\".";
@@ -114,9 +110,8 @@ public:
 
 private:
     void InitPage() override {
-        LAddNumberedItems(Item(IDC_PLAYBACK_DEVICE), LWaveOut::DeviceNames(),
-                          Settings::Read(m_settingsFile, SettingsKeys::kSoundOutDevice),
-                          "Device %d (not connected)");
+        FillOutputDevices(Item(IDC_PLAYBACK_DEVICE),
+                          Settings::Read(m_settingsFile, SettingsKeys::kSoundOutDevice));
         AttachArrows(IDC_PLAYBACK_VOLUMEUP);
     }
     void UpdateControls() override { Enable(IDC_PLAYBACK_TONEREPEAT, IsChecked(IDC_PLAYBACK_TONE)); }
@@ -176,5 +171,5 @@ void ShowUserSettings(const AppState& state, LModalRunner& runner, Listening& li
     runner.RunModal(LModalRunner::Activity::Stops,
                     [&](HWND owner) -> INT_PTR { return sheet.RunModal(owner) ? IDOK : IDCANCEL; });
     for (const SettingsRows* rows : {&details, &recording, &playback, &options})
-        if (!rows->IsStored()) return runner.Tell(kNotStored);
+        if (!rows->IsStored()) return runner.Tell(kSettingsNotStored);
 }

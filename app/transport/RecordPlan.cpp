@@ -2,6 +2,18 @@
 
 #include "audio/stream/LSoundTime.h"
 #include "base/LArith.h"
+#include "store/SettingsKeys.h"
+
+// The range of sampling rates in Hz that is accepted from the settings.
+static constexpr int32_t kLowestRate = 1000;
+static constexpr int32_t kHighestRate = 192000;
+
+LWaveFileFormat NewRecordingFormat(const LPath& userFile) {
+    const int32_t rate = Settings::Read(userFile, UserKeys::kSampleRate);
+    const bool isUsable = rate >= kLowestRate && rate <= kHighestRate;
+    return LWaveFileFormat::Pcm(16, 1,
+                                static_cast<uint32_t>(isUsable ? rate : UserKeys::kSampleRate.defaultValue));
+}
 
 RecordStart PlanRecording(RecordMode mode, int32_t positionMs, const LWaveInfo& existing) {
     const int32_t lengthMs = Saturate(existing.LengthMs());

@@ -4,6 +4,10 @@
 
 #include "audio/wave/LWaveFile.h"
 
+// The format of a new dictation: 16 bits, mono, at the user's rate. The default rate where the stored one is
+// none that a sound card knows.
+LWaveFileFormat NewRecordingFormat(const LPath& userFile);
+
 // The stored values of the setting "recordmode".
 enum class RecordMode : int32_t { Overwrite = 0, Insert = 1, Append = 2 };
 

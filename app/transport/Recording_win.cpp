@@ -55,18 +55,6 @@ constexpr char kDeviceLost[] =
     "Everything recorded until then is kept. Please check that the microphone or sound card is connected "
     "before you go on.";
 
-// The range of sampling rates in Hz that is accepted from the settings.
-constexpr int32_t kLowestRate = 1000;
-constexpr int32_t kHighestRate = 192000;
-
-// The format of a new dictation: 16 bits, mono, at the user's rate.
-LWaveFileFormat NewFormat(const LPath& userFile) {
-    const int32_t rate = Settings::Read(userFile, UserKeys::kSampleRate);
-    const bool usable = rate >= kLowestRate && rate <= kHighestRate;
-    return LWaveFileFormat::Pcm(16, 1,
-                                static_cast<uint32_t>(usable ? rate : UserKeys::kSampleRate.defaultValue));
-}
-
 }  // namespace
 
 Recording::Recording(const AppState& state, LModalRunner& runner, Owner& owner)
@@ -125,7 +113,7 @@ void Recording::DropInsert() {
 bool Recording::ReadExisting(Target& target) {
     const LPath& audio = target.files.audio;
     LWaveInfo& info = target.info;
-    info.format = NewFormat(m_state.user.userFile);
+    info.format = NewRecordingFormat(m_state.user.userFile);
     info.isOurLayout = true;
     {
         LFile file(audio, LFile::Open::Read);
@@ -234,6 +222,16 @@ void Recording::OnLevel() {
     m_owner.RecordingLevel(left, m_recorder.GetLevelChannels() > 1 ? m_recorder.LevelDb(1) : left);
 }
 
+const char* CloseRecording(LSoundSink& sink, LSoundRecorder::Ending ending, bool recordedAnything,
+                           const LPath& file) {
+    const bool isError = sink->IsError();
+    const int32_t frames = sink->GetFrames();
+    sink.Reset();  // closes the file
+    if (isError) return kWriteFailed;
+    if (ending == LSoundRecorder::Ending::DeviceLost) return kDeviceLost;
+    return recordedAnything && !LWaveFile::IsComplete(file, frames) ? kWriteFailed : nullptr;
+}
+
 void Recording::OnStopped(int32_t) {
     if (!m_isRunning) return;
     m_isRunning = false;
@@ -241,16 +239,10 @@ void Recording::OnStopped(int32_t) {
     Outcome outcome{.files = m_target.files};
     const bool isInsert = m_target.start.isInsert;
     const bool recordedAnything = m_sink->GetFrames() > (isInsert ? 0 : m_target.start.frames);
-    if (m_sink->IsError())
-        outcome.trouble = kWriteFailed;
-    else if (m_recorder.GetEnding() == LSoundRecorder::Ending::DeviceLost)
-        outcome.trouble = kDeviceLost;
     const int32_t frames = m_sink->GetFrames();
     const int32_t rate = m_sink->GetSampleRate();
-    m_sink.Reset();  // closes the file
     const LPath& recorded = isInsert ? m_target.insert.recording : outcome.files.audio;
-    if (!outcome.trouble && recordedAnything && !LWaveFile::IsComplete(recorded, frames))
-        outcome.trouble = kWriteFailed;
+    outcome.trouble = CloseRecording(m_sink, m_recorder.GetEnding(), recordedAnything, recorded);
     PutBackSetAside();
     if (isInsert && !recordedAnything) DropInsert();
     const bool isInPlace = !isInsert || (recordedAnything && MergeInsert(outcome));

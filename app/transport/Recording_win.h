@@ -11,6 +11,11 @@
 #include "store/PendingInsert.h"
 #include "ui/LModalRunner.h"
 
+// Closes the sink of a recording that has ended: drops its last handle, and looks whether the file is whole.
+// Returns the text for the user when the recording ended with a fault; nullptr: it did not.
+const char* CloseRecording(LSoundSink& sink, LSoundRecorder::Ending ending, bool recordedAnything,
+                           const LPath& file);
+
 // Records into one dictation: prepares its file, opens the input, runs the recorder.
 // Units:  milliseconds of the dictation; levels in dB.
 // Errors: reported to the user, those at the start by a box, those during a recording as Outcome::trouble.

@@ -69,8 +69,9 @@ public:
     bool IsRecording() const { return m_recording.IsRunning(); }
     // Also true while a recording is being prepared, because that can be stopped.
     bool IsRunning() const { return m_isPreparing || IsRecording() || IsPlaying() || IsWinding(); }
-    // Also true from the first moment of a command that records.
+    // These are also true from the first moment of a command that records.
     bool IsBusy() const { return m_isStarting || IsRunning(); }
+    bool TakesInput() const { return m_isStarting || IsRecording(); }
     bool IsInserting() const { return m_recording.IsInserting(); }
     bool IsWaiting() const { return m_recording.IsWaiting(); }
     bool HearsNothing() const { return m_recording.HearsNothing(); }

@@ -15,8 +15,7 @@ constexpr Mask kAudio = 1 << 3;  // there is audio, or there will be when the re
 constexpr Mask kRunning = 1 << 4;
 constexpr Mask kNoProcess = 1 << 5;
 constexpr Mask kNoQuestion = 1 << 6;
-constexpr Mask kNotBuilt = 1 << 7;  // a condition that is never met
-constexpr Mask kNotRecording = 1 << 8;
+constexpr Mask kNotRecording = 1 << 7;
 
 // The transport works while a box is open, since a user with a pedal may not look at the window: a box that
 // opens meanwhile must not cost him his words. All other commands need that nothing is open.
@@ -48,9 +47,7 @@ constexpr CommandNeeds kNeeds[] = {
     {CM_SENDFILE, CM_SENDFILE_TO, kIdle | kRows},
     {CM_RENAMEFILE, CM_RENAMEFILE, kIdle | kOneRow | kList},
     {CM_DELETEFILE, CM_DELETEFILE, kIdle | kRows},
-    {CM_DOCK_CABLE, CM_DOCK_TRANSFER, kNotBuilt},
     {CM_PRIORITY_HIGH, CM_PRIORITY_LOW, kIdle | kRows},
-    {CM_LOADFILE, CM_LOADSENDFILE, kNotBuilt},
     {CM_EXIT, CM_EXIT, 0},
     {CM_RECORD, CM_RECORD, kTransport},
     {CM_PLAY, CM_PLAY, kTransport | kAudio},

@@ -1,16 +1,17 @@
 #include "app/window/DeviceCommands.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/LTrace.h"
+#include "hardware/DictCtrl.h"
 #include "res/Ids.h"
 
 // One table row for each command index: its command, and the meaning of its release. Recording and playing
-// follow the hold rule (HoldRule): a tap starts and the next tap stops, a hold lasts until the release.
-// Winding lasts while the index is held. All others ignore the release.
-// A press can outlast its own release, because opening a device or decoding a dictation runs messages.
-// m_pressing on the stack of PressHeld notes such a release; it is judged when the command has started.
-// Without this a pedal that is released during a slow start would go on recording.
+// follow the hold rule. Winding lasts while any control holds the index. All others ignore the release.
+// A press can outlast its own release, because opening a device or decoding a dictation runs messages. Such
+// a release is noted and judged when the command has started. Without this a pedal that is released during a
+// slow start would go on recording.
 
 namespace {
 
@@ -54,14 +55,14 @@ const DeviceCommands::Index* DeviceCommands::Find(int index) {
     return nullptr;
 }
 
-bool DeviceCommands::CommandPress(int index) {
+bool DeviceCommands::CommandPress(InputControl control, int index) {
     const Index* entry = Find(index);
     if (entry == nullptr) return false;
-    return entry->release == Release::HoldRule ? PressHeld(*entry) : Press(*entry);
+    if (entry->release == Release::HoldRule) return PressHeld(control, *entry);
+    return entry->release == Release::Wind ? PressWinding(control, *entry) : Carry(*entry);
 }
 
-bool DeviceCommands::Press(const Index& entry) {
-    if (entry.release == Release::Wind) return m_target.HoldWinding(entry.direction, true);
+bool DeviceCommands::Carry(const Index& entry) {
     if (entry.before != kNone && !m_target.Give(entry.before)) return false;
     switch (entry.command) {
         case kNone:
@@ -77,45 +78,76 @@ bool DeviceCommands::Press(const Index& entry) {
     }
 }
 
-// Presses an index under the hold rule. The time of the press counts from the start of the recording, so a
-// slow device does not turn a tap into a hold. A release that came during the start is judged by the times of
-// the hand alone.
-bool DeviceCommands::PressHeld(const Index& entry) {
-    if (m_pressing != nullptr && m_pressing->index == entry.index) {
-        m_pressing->releasedMs.reset();  // pressed again: the earlier release no longer counts
+// The time of the press counts from the start of the recording, so a slow device does not turn a tap into a
+// hold. A release that came during the start is judged by the times of the hand alone.
+bool DeviceCommands::PressHeld(InputControl control, const Index& entry) {
+    Held& held = Of(control);
+    if (held.press == Press::Starting) {
+        held.releasedMs.reset();  // pressed again: the earlier release no longer counts
         return false;
     }
-    Pressing pressing{entry.index, m_clock(), std::nullopt};
-    Pressing* const outer = std::exchange(m_pressing, &pressing);
-    const bool accepted = Press(entry);
-    m_pressing = outer;
-    if (!accepted && !pressing.releasedMs && m_target.IsProcessRunning()) m_refused = entry.index;
+    held = {Press::Starting, entry.index, m_clock(), std::nullopt, 0};
+    const bool accepted = Carry(entry);
+    const std::optional<uint32_t> releasedMs = held.releasedMs;
+    const bool runs = m_target.IsRecording() || m_target.IsPlaying();
+    held.press = releasedMs                             ? Press::Up
+                 : accepted                             ? Press::Began
+                 : m_target.IsProcessRunning() && !runs ? Press::Waits
+                                                        : Press::Joined;
+    if (held.press == Press::Waits) m_target.TellWaiting();
     if (!accepted) return false;
-    m_hold.Press(pressing.releasedMs ? pressing.sinceMs : m_clock());
-    if (pressing.releasedMs && m_hold.ReleaseStops(*pressing.releasedMs, pressing.holdLimitMs))
+    m_beginner = control;
+    if (!releasedMs)
+        held.sinceMs = m_clock();
+    else if (*releasedMs - held.sinceMs > held.holdLimitMs)
         m_target.Give(CM_STOP);
     return true;
 }
 
-void DeviceCommands::PressAgain() {
-    if (const std::optional<int> held = std::exchange(m_refused, std::nullopt)) CommandPress(*held);
+bool DeviceCommands::PressWinding(InputControl control, const Index& entry) {
+    Of(control) = {Press::Winds, entry.index, 0, std::nullopt, 0};  // its release may come meanwhile
+    const bool accepted = m_target.HoldWinding(entry.direction, true);
+    if (!accepted) Of(control).press = Press::Up;
+    return accepted;
 }
 
-void DeviceCommands::CommandRelease(int index, uint32_t holdLimitMs) {
-    if (m_refused == index) {
-        m_refused.reset();
-        return;
-    }
+void DeviceCommands::PressAgain() {
+    for (size_t control = 0; control < m_held.size(); ++control)
+        if (m_held[control].press == Press::Waits)
+            CommandPress(static_cast<InputControl>(control), m_held[control].index);
+}
+
+void DeviceCommands::CommandRelease(InputControl control, int index, uint32_t holdLimitMs) {
     const Index* entry = Find(index);
     if (entry == nullptr) return;
-    if (entry->release == Release::Wind) m_target.HoldWinding(entry->direction, false);
-    if (entry->release != Release::HoldRule) return;
-    if (m_pressing != nullptr && m_pressing->index == index) {
-        m_pressing->releasedMs = m_clock();
-        m_pressing->holdLimitMs = holdLimitMs;
-    } else if (m_hold.ReleaseStops(m_clock(), holdLimitMs)) {
-        m_target.Give(CM_STOP);
+    if (entry->release == Release::HoldRule) ReleaseHeld(control, holdLimitMs);
+    if (entry->release == Release::Wind) ReleaseWinding(control, *entry);
+}
+
+bool DeviceCommands::IsBeginnerHeld() {
+    const auto starts = [](const Held& held) { return held.press == Press::Starting; };
+    return std::ranges::any_of(m_held, starts) || (m_beginner && Of(*m_beginner).press == Press::Began);
+}
+
+void DeviceCommands::ReleaseHeld(InputControl control, uint32_t holdLimitMs) {
+    Held& held = Of(control);
+    if (held.press == Press::Starting) {
+        held.releasedMs = m_clock();
+        held.holdLimitMs = holdLimitMs;
+        return;
     }
+    const Press before = std::exchange(held.press, Press::Up);
+    const bool ends = before == Press::Began ? m_beginner == control && m_clock() - held.sinceMs > holdLimitMs
+                                             : before == Press::Joined && !IsBeginnerHeld();
+    if (ends) m_target.Give(CM_STOP);
+}
+
+void DeviceCommands::ReleaseWinding(InputControl control, const Index& entry) {
+    Of(control).press = Press::Up;
+    const auto winds = [&](const Held& held) {
+        return held.press == Press::Winds && held.index == entry.index;
+    };
+    if (std::ranges::none_of(m_held, winds)) m_target.HoldWinding(entry.direction, false);
 }
 
 // ---- Dictation microphone --------------------------------------------------------------------------------
@@ -135,25 +167,29 @@ enum class MicAction {
 };
 
 struct MicCode {
-    int code;
+    DictCtrl::Button code;
     MicAction action;
+    InputControl control;
     int index;
 };
 
-// The button codes that the microphone's control device sends.
+using enum DictCtrl::Button;
+using enum InputControl;
 constexpr MicCode kMicCodes[] = {
-    {2, MicAction::Stop, CI_NONE},
-    {4, MicAction::PressUnlessRecording, CI_PLAY},
-    {5, MicAction::ReleaseWhilePlaying, CI_PLAY},
-    {6, MicAction::RecordPress, CI_RECORD},
-    {7, MicAction::RecordRelease, CI_RECORD},
-    {10, MicAction::Press, CI_SEND},
-    {12, MicAction::Press, CI_REWIND},
-    {13, MicAction::Release, CI_REWIND},
-    {14, MicAction::Press, CI_FASTFORWARD},
-    {15, MicAction::Release, CI_FASTFORWARD},
-    {20, MicAction::PressUnlessRecording, CI_PLAY},
-    {21, MicAction::ReleaseWhilePlaying, CI_PLAY},
+    {MCICTRL_CMD_STOP_PRESSED, MicAction::Stop, MicRecord, CI_NONE},
+    {MCICTRL_CMD_PLAY_PRESSED, MicAction::PressUnlessRecording, MicPlay, CI_PLAY},
+    {MCICTRL_CMD_PLAY_RELEASED, MicAction::ReleaseWhilePlaying, MicPlay, CI_PLAY},
+    {MCICTRL_CMD_RECORD_PRESSED, MicAction::RecordPress, MicRecord, CI_RECORD},
+    {MCICTRL_CMD_RECORD_RELEASED, MicAction::RecordRelease, MicRecord, CI_RECORD},
+    {MCICTRL_CMD_INSERT_PRESSED, MicAction::Press, MicInsert, CI_RECORD_INSERT},
+    {MCICTRL_CMD_INSERT_RELEASED, MicAction::Release, MicInsert, CI_RECORD_INSERT},
+    {MCICTRL_CMD_LETTEREND_PRESSED, MicAction::Press, MicSend, CI_SEND},
+    {MCICTRL_CMD_FRWD_PRESSED, MicAction::Press, MicRewind, CI_REWIND},
+    {MCICTRL_CMD_FRWD_RELEASED, MicAction::Release, MicRewind, CI_REWIND},
+    {MCICTRL_CMD_FFWD_PRESSED, MicAction::Press, MicForward, CI_FASTFORWARD},
+    {MCICTRL_CMD_FFWD_RELEASED, MicAction::Release, MicForward, CI_FASTFORWARD},
+    {MCICTRL_CMD_PLAYSTOP_TOGGLE_PRESSED, MicAction::PressUnlessRecording, MicPlay, CI_PLAY},
+    {MCICTRL_CMD_PLAYSTOP_TOGGLE_RELEASED, MicAction::ReleaseWhilePlaying, MicPlay, CI_PLAY},
 };
 
 const MicCode* FindMicCode(int code) {
@@ -172,24 +208,40 @@ void DeviceCommands::MicButton(int code) {
             if (!m_micRecordHeld) m_target.Give(CM_STOP);
             break;
         case MicAction::PressUnlessRecording:
-            if (!m_target.IsRecording()) CommandPress(button->index);
+            if (!m_target.IsRecording()) CommandPress(button->control, button->index);
             break;
         case MicAction::ReleaseWhilePlaying:
-            if (m_target.IsPlaying()) CommandRelease(button->index, kHoldLimitMs);
+            if (m_target.IsPlaying() || Of(button->control).press == Press::Starting)
+                CommandRelease(button->control, button->index, kHoldLimitMs);
+            else
+                Of(button->control).press = Press::Up;
             break;
         case MicAction::RecordPress:
             m_micRecordHeld = true;
-            CommandPress(button->index);
+            CommandPress(button->control, button->index);
             break;
         case MicAction::RecordRelease:
             m_micRecordHeld = false;
-            CommandRelease(button->index, kHoldLimitMs);
+            CommandRelease(button->control, button->index, kHoldLimitMs);
             break;
         case MicAction::Press:
-            CommandPress(button->index);
+            CommandPress(button->control, button->index);
             break;
         case MicAction::Release:
-            CommandRelease(button->index, kHoldLimitMs);
+            CommandRelease(button->control, button->index, kHoldLimitMs);
             break;
     }
+}
+
+bool DeviceCommands::IsMicHeld() const {
+    constexpr InputControl kButtons[] = {MicRecord, MicPlay, MicInsert, MicRewind, MicForward};
+    return m_micRecordHeld || std::ranges::any_of(kButtons, [this](InputControl control) {
+               return m_held[static_cast<size_t>(control)].press != Press::Up;
+           });
+}
+
+void DeviceCommands::ReleaseMic() {
+    m_micRecordHeld = false;
+    for (const InputControl control : {MicRecord, MicPlay, MicInsert, MicRewind, MicForward})
+        if (Of(control).press != Press::Up) CommandRelease(control, Of(control).index, kHoldLimitMs);
 }

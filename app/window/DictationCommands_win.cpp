@@ -62,21 +62,24 @@ std::vector<DictationFiles> DictationCommands::CurrentAlone() const {
     return m_current ? std::vector{*m_current.Files()} : std::vector<DictationFiles>();
 }
 
-bool DictationCommands::Create() {
+std::optional<NewDictation> DictationCommands::Make(DictationName name) {
     // Told afterwards: a dictation that a recording asks for must not wait for a box, perhaps unseen.
     if (FreeLowDisk()) m_runner.TellLater(kDiskLow, "Warning");
-    if (!StopAndSave()) return false;
-    std::optional<NewDictation> created = MakeDictation(m_state.user, LNowSeconds());
+    std::optional<NewDictation> made = MakeDictation(m_state.user, LNowSeconds(), name);
     // A record in another file may claim this number: then take the next, so that the new dictation has a row
     // of its own.
-    while (created && m_list.HoldsNumber(created->number)) {
-        DeleteDictationFiles(created->files);
-        created = MakeDictation(m_state.user, LNowSeconds());
+    while (made && m_list.HoldsNumber(made->number)) {
+        DeleteDictationFiles(made->files);
+        made = MakeDictation(m_state.user, LNowSeconds(), name);
     }
-    if (!created) {
-        m_runner.Tell(kCannotCreate);
-        return false;
-    }
+    if (!made) m_runner.Tell(kCannotCreate);
+    return made;
+}
+
+bool DictationCommands::Create() {
+    if (!StopAndSave()) return false;
+    const std::optional<NewDictation> created = Make();
+    if (!created) return false;
     m_list.AddFile(created->files.record);
     m_list.SelectFile(created->files.record);
     AskFields(created->files);
@@ -267,8 +270,22 @@ void DictationCommands::SettleInserts(const std::vector<DictationFiles>& dictati
     }
 }
 
-bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to) {
-    if (dictations.empty() || !StopAndSave()) return false;
+bool DictationCommands::SendLoaded(const DictationFiles& files) {
+    bool nothingSends = true;
+    Send({files}, To::Default, &nothingSends);
+    return !nothingSends;
+}
+
+bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To to, bool* nothingSends) {
+    // A recording goes on that has nothing to do with them, as while files are loaded.
+    const bool stops =
+        std::ranges::any_of(dictations, [&](const auto& files) { return m_current.Is(files); });
+    const auto settle = [&] {
+        if (stops) return StopAndSave();
+        m_notes.Save();
+        return m_runner.MayGoOn();
+    };
+    if (dictations.empty() || !settle()) return false;
     // Nobody chooses a typist for nothing; sending then only tells why.
     const bool isAnyWhole = std::ranges::any_of(dictations, SendCommands::HasRecording);
     const bool isChosen = to == To::Chosen && isAnyWhole;
@@ -280,11 +297,12 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
     std::vector<DictationFiles> queued;
     std::vector<DictationFiles> gone;
     size_t tried = left.size();
+    bool isForAll = false;
     uint32_t lostMs = 0;
     ForEach(ready, "Sending Dictations", [&](const DictationFiles& files) {
         // In each pass: stopping can run messages, and with them notes of another program, a recording of a
         // device, or the end of the dictation.
-        if (!StopAndSave()) return false;
+        if (!settle()) return false;
         ++tried;
         if (!m_list.NumberOf(files.record)) return true;
         const uint32_t begun = LTickMs();
@@ -294,9 +312,11 @@ bool DictationCommands::Send(const std::vector<DictationFiles>& dictations, To t
         if (result.outcome == SendCommands::Outcome::Queued) queued.push_back(files);
         if (result.reason.empty()) return true;
         left.push_back({m_list.NameOf(files.record), result.reason});
+        isForAll = result.outcome == SendCommands::Outcome::NothingSends;
         lostMs += LTickMs() - begun;
-        return result.outcome != SendCommands::Outcome::NothingSends && lostMs < kPatienceMs;
+        return !isForAll && lostMs < kPatienceMs;
     });
+    if (nothingSends != nullptr) *nothingSends = isForAll;
     m_list.RemoveFiles(queued);
     if (!gone.empty()) DropGone(gone);
     if (!left.empty()) m_runner.Tell(NotSentText(left, dictations.size() - tried));

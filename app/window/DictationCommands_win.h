@@ -15,6 +15,7 @@
 #include "app/window/NotesBox_win.h"
 #include "app/window/SendCommands_win.h"
 #include "send/BGSend.h"
+#include "store/DictationStore.h"
 #include "ui/LModalRunner.h"
 
 // Commands on whole dictations: create, rename, set the priority, delete and send. Before a dictation is
@@ -39,6 +40,8 @@ public:
 
     // Creates a dictation, which becomes the current one. False when there is none afterwards.
     bool Create();
+    // Makes a dictation that is not listed yet; nothing after the user was told why.
+    std::optional<NewDictation> Make(DictationName name = DefaultDictationName);
     // Opens the name editor of the current row.
     bool BeginRename();
     // Renames the current dictation. Blanks around the name are dropped; an empty name changes nothing.
@@ -52,6 +55,9 @@ public:
     enum class To { Default, Chosen };
     bool SendSelected(To to) { return Send(m_list.Selected(), to); }
     bool SendCurrent() { return Send(CurrentAlone(), To::Default); }
+    // The same for one that was just made of an audio file. False, after the user was told, when the next one
+    // could not be sent either.
+    bool SendLoaded(const DictationFiles& files);
 
     // Takes those out of the list whose records are gone, because another session on the same folder has sent
     // or deleted them, and tells the user. False when all are there, or may be. Called before a command acts
@@ -79,7 +85,8 @@ private:
 
     std::vector<DictationFiles> CurrentAlone() const;
     bool Delete(const std::vector<DictationFiles>& dictations);
-    bool Send(const std::vector<DictationFiles>& dictations, To to);
+    // nothingSends: why one was not sent concerns all.
+    bool Send(const std::vector<DictationFiles>& dictations, To to, bool* nothingSends = nullptr);
     void AskFields(const DictationFiles& files);
     bool StopAndSave();
     void ForEach(const std::vector<DictationFiles>& dictations, std::string_view title,

@@ -27,8 +27,10 @@ public:
 private:
     // HotKeyHold::Target
     int32_t CommandOf(int32_t hotKey) override;
-    void CommandPress(int32_t command) override { m_devices.CommandPress(command); }
-    void CommandRelease(int32_t command) override { m_devices.CommandRelease(command, kHotKeyHoldLimitMs); }
+    void CommandPress(int32_t command) override { m_devices.CommandPress(InputControl::HotKey, command); }
+    void CommandRelease(int32_t command) override {
+        m_devices.CommandRelease(InputControl::HotKey, command, kHotKeyHoldLimitMs);
+    }
     void SetTimer(uint32_t ms) override;
 
     const AppState& m_state;

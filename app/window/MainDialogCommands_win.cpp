@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <utility>
+
 #include "app/dialogs/HardwareSettings_win.h"
 #include "app/dialogs/RecipientSettings_win.h"
 #include "app/window/HoldButton_win.h"
@@ -70,6 +72,12 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
          return d.m_dictations.BeginRename();
      }},
     {CM_DELETEFILE, CM_DELETEFILE, [](MainDialog& d, int) { return d.m_dictations.DeleteSelected(); }},
+    {CM_DOCK_CABLE, CM_DOCK_CABLE,
+     [](MainDialog& d, int) {
+         d.m_splash.Close();
+         return d.m_dock.Cable();
+     }},
+    {CM_DOCK_TRANSFER, CM_DOCK_TRANSFER, [](MainDialog& d, int) { return d.TransferFiles(); }},
     {CM_VIEWSENT, CM_VIEWSENT, [](MainDialog& d, int) { return d.m_sent.ViewSent(); }},
     {CM_RECOVER, CM_RECOVER, [](MainDialog& d, int) { return d.RecoverSent(); }},
     {CM_LOGON, CM_LOGON, [](MainDialog& d, int) { return d.LogOnAsOther(); }},
@@ -77,6 +85,8 @@ const MainDialog::CommandEntry MainDialog::kCommands[] = {
      [](MainDialog& d, int command) {
          return d.m_dictations.SetPriority(kPriorities[command - CM_PRIORITY_HIGH]);
      }},
+    {CM_LOADFILE, CM_LOADSENDFILE,
+     [](MainDialog& d, int command) { return d.LoadFiles(command == CM_LOADSENDFILE); }},
     {CM_EXIT, CM_EXIT, [](MainDialog& d, int) { return d.CloseLater(), true; }},
     {CM_RECORD, CM_RECORD, [](MainDialog& d, int) { return d.m_transport.Record(d.DefaultRecordMode()); }},
     {CM_PLAY, CM_PLAY, [](MainDialog& d, int) { return d.m_transport.Play(); }},
@@ -210,16 +220,21 @@ bool MainDialog::SetView(ViewMode view) {
 // Runs the method of transfer that was used last.
 bool MainDialog::Dock() {
     const int32_t method = Settings::Read(m_state.data.settingsFile, SettingsKeys::kDockMethod);
-    if (method == 0 || method == 1) return Give(CM_DOCK_CABLE + method);
-    m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
-    return false;
+    const bool isKnown = method == 0 || method == 1;
+    const bool isDone = isKnown && Give(CM_DOCK_CABLE + method);
+    if (!isKnown) m_runner.Box(kNoDockMethod, "Dock Method Not Known", MB_OK | MB_ICONEXCLAMATION);
+    m_dock.ShowButton();  // the click has released it
+    return isDone;
 }
 
-// A hot key of ours would not reach the box in which keys are chosen.
+// A hot key of ours would not reach the box in which keys are chosen, and the pedals are tested there.
 bool MainDialog::ShowHardwareSettings() {
     m_hotKeys.UnregisterHotKeys();
+    m_pedals.Stop();
     ::ShowHardwareSettings(m_state.data.settingsFile, m_runner);
-    if (IsOpen()) m_hotKeys.RegisterHotKeys(Window());
+    if (!IsOpen()) return true;
+    m_pedals.Start(Window());
+    m_hotKeys.RegisterHotKeys(Window());
     return true;
 }
 
@@ -237,6 +252,30 @@ bool MainDialog::RecoverSent() {
     const bool isOneShown = m_layout.View() == ViewMode::Compact;
     isOneShown ? m_list.SelectFile(recovered->back()) : m_list.SelectFiles(*recovered);
     return true;
+}
+
+bool MainDialog::LoadFiles(bool send) {
+    const std::optional<std::vector<LPath>> loaded = m_import.LoadChosen(send);
+    if (!loaded || !m_runner.MayGoOn()) return false;
+    SelectLoaded(*loaded);
+    return true;
+}
+
+bool MainDialog::TransferFiles() {
+    m_loaded.clear();
+    const bool isDone = m_dock.Transfer();
+    if (m_runner.MayGoOn()) SelectLoaded(std::exchange(m_loaded, {}));
+    return isDone;
+}
+
+// What was loaded and is still here becomes the selection, unless a device records or plays: what it works on
+// stays the current dictation.
+void MainDialog::SelectLoaded(std::vector<LPath> loaded) {
+    std::erase_if(loaded, [this](const LPath& record) { return !m_list.NumberOf(record); });
+    if (loaded.empty() || m_transport.IsBusy()) return;
+    m_notes.Save();
+    const bool isOneShown = m_layout.View() == ViewMode::Compact;
+    isOneShown ? m_list.SelectFile(loaded.back()) : m_list.SelectFiles(loaded);
 }
 
 bool MainDialog::ShowAbout() {
@@ -285,8 +324,8 @@ void MainDialog::EvHoldButton(WPARAM wParam, LPARAM lParam) {
     if (wParam != IDC_RECORD)
         Wind(DirectionOf(static_cast<int>(wParam)), lParam != 0);
     else if (lParam != 0)
-        m_devices.CommandPress(CI_RECORD);
+        m_devices.CommandPress(InputControl::RecordButton, CI_RECORD);
     else
-        m_devices.CommandRelease(CI_RECORD, kHoldLimitMs);
+        m_devices.CommandRelease(InputControl::RecordButton, CI_RECORD, kHoldLimitMs);
     if (lParam == 0) LeaveButton();
 }

@@ -70,6 +70,7 @@ bool MainDialog::MayLeaveUser() {
 }
 
 void MainDialog::ChangeUser(uint32_t user) {
+    m_dock.Finish();
     m_list.Clear();
     FollowSelection();  // no dictation is the current one
     m_inserts.ForgetThoseLater();
@@ -87,7 +88,8 @@ void MainDialog::ChangeUser(uint32_t user) {
 }
 
 bool MainDialog::EditUserSettings() {
-    ShowUserSettings(m_state, m_runner, m_listening, [this] { return m_transport.IsBusy(); });
+    ShowUserSettings(m_state, m_runner, m_listening,
+                     [this] { return m_transport.IsBusy() || m_dock.IsListening(); });
     if (!IsOpen()) return true;
     RepeatStoppedTone();
     const UserDetails details = UserDetails::Read(m_state.user.userFile);

@@ -36,7 +36,9 @@ constexpr UINT kRestLookMs = 250;
 constexpr UINT kSendShownMs = 100;
 constexpr UINT kToneFirstMs = 150;  // after a stop
 constexpr UINT kTonePeriodMs = 7000;
-constexpr UINT kAppCommand = 0x0319;  // WM_APPCOMMAND, of media keys
+constexpr UINT kAppCommand = 0x0319;    // WM_APPCOMMAND, of media keys
+constexpr UINT kDeviceChange = 0x0219;  // WM_DEVICECHANGE
+constexpr UINT kDevicesMs = 1000;  // a device that is plugged in is told several times, and starts slowly
 constexpr uint32_t kSendStopMs = 5000;
 constexpr char kQueueFile[] = "bgsend.dat";
 constexpr char kNotAllListed[] =
@@ -53,7 +55,8 @@ const MainDialog::AskedEntry MainDialog::kAsked[] = {
     {WM_DRAWITEM, &MainDialog::EvDrawItem},       {WM_NOTIFY, &MainDialog::EvNotify},
     {WM_CONTEXTMENU, &MainDialog::EvContextMenu}, {WM_INITMENUPOPUP, &MainDialog::EvInitMenuPopup},
     {WM_ENTERMENULOOP, &MainDialog::EvMenuLoop},  {WM_EXITMENULOOP, &MainDialog::EvMenuLoopEnd},
-    {kAppCommand, &MainDialog::EvAppCommand},     {WM_APICOMMAND, &MainDialog::EvAPICommand},
+    {kDeviceChange, &MainDialog::EvDeviceChange}, {kAppCommand, &MainDialog::EvAppCommand},
+    {WM_APICOMMAND, &MainDialog::EvAPICommand},
 };
 
 // The same for messages that are answered with 0.
@@ -71,19 +74,22 @@ const MainDialog::MessageEntry MainDialog::kMessages[] = {
     {WM_EXITSIZEMOVE, &MainDialog::EvDragEnd},
     {WM_HOTKEY, &MainDialog::EvHotKey},
     {WM_SENDPROGRESS, &MainDialog::EvSendProgress},
-    {WM_MICBUTTON, &MainDialog::EvMicButton},
+    {WM_DOCKREQUEST, &MainDialog::EvDockRequest},
+    {WM_MICBUTTON, &MainDialog::EvSpeechMikeControl},
     {WM_SHOWLATER, &MainDialog::EvShowLater},
     {WM_ROWCHANGED, &MainDialog::EvRowChanged},
     {WM_SELECTIONMOVED, &MainDialog::EvSelectionMoved},
     {WM_INSERTKEPT, &MainDialog::EvInsertKept},
     {WM_HELPNOTSHOWN, &MainDialog::EvHelpNotShown},
+    {WM_MICLOST, &MainDialog::EvMicLost},
     {WM_HOLDBUTTON, &MainDialog::EvHoldButton},
 };
 
 const MainDialog::TimerEntry MainDialog::kTimers[] = {
-    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},   {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
-    {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},       {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone},
-    {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater}, {TIMER_SENDSHOWN, &MainDialog::EvTimerSendShown},
+    {TIMER_INFOLINE, &MainDialog::EvTimerInfoLine},       {TIMER_SAVENOTES, &MainDialog::EvTimerSaveNotes},
+    {TIMER_HARDWARE, &MainDialog::EvTimerHardware},       {TIMER_HOTKEY, &MainDialog::EvTimerHotKey},
+    {TIMER_STOPPEDTONE, &MainDialog::EvTimerStoppedTone}, {TIMER_SHOWLATER, &MainDialog::EvTimerShowLater},
+    {TIMER_SENDSHOWN, &MainDialog::EvTimerSendShown},     {TIMER_DEVICES, &MainDialog::EvTimerDevices},
 };
 
 MainDialog::MainDialog(AppState& state)
@@ -92,9 +98,13 @@ MainDialog::MainDialog(AppState& state)
       m_transport(state, m_current, m_runner, *this),
       m_inserts(state, m_runner, m_list, m_transport),
       m_dictations(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current, m_inserts),
+      m_import(state, m_runner, *this),
       m_sent(state, m_runner, m_queue, m_list, m_notes, m_transport, m_current),
+      m_dock(state, m_runner, m_dictations, m_list, m_transport, m_listening,
+             [this](const LPath& file, bool& sends) { return m_import.Load(file, sends); }),
       m_devices(*this),
       m_hotKeys(state, m_devices),
+      m_pedals(state, m_devices, m_runner),
       m_api(*this),
       m_keyboard(*this),
       m_layout(state),
@@ -117,6 +127,7 @@ bool MainDialog::InitDialog() {
     for (int control : {IDC_REWIND, IDC_FASTFORWARD, IDC_RECORD}) AttachHoldButton(Item(control));
     m_keyboard.Attach(Window());
     m_help.Attach(Window());
+    m_dock.Attach(Window());
     m_layout.Attach(Window());
     m_layout.LayoutNormalSizeAndPosition();
     m_display.Attach(Window(), ShownUserName(m_state.user.details, m_state.user.number));
@@ -133,7 +144,9 @@ bool MainDialog::InitDialog() {
     if (!FillList()) return false;
     m_queue.SetOwner(this);
     m_queue.StartSending();
+    m_pedals.Start(Window());
     m_hotKeys.RegisterHotKeys(Window());
+    m_microphone.Open(Window(), WM_MICLOST);
     if (m_state.showIntroduction)
         m_introduction.Show(Window());
     else
@@ -151,6 +164,7 @@ bool MainDialog::InitDialog() {
 bool MainDialog::FillList() {
     LoadDictations process(m_list, m_state.user.currentFolder);
     const ProcessResult result = m_runner.RunProcess(process, "Loading Dictations");
+    m_dock.HideRow();
     if (result == ProcessResult::Stopped)
         m_runner.Box(kNotAllListed, "Loading Dictations", MB_OK | MB_ICONINFORMATION);
     if (m_runner.MayGoOn()) FollowSelection();  // again: commands are permitted now
@@ -161,6 +175,7 @@ void MainDialog::CloseWindow() {
     if (m_isClosing) return;
     m_isClosing = true;
     m_transport.LeaveInserts(true);
+    m_dock.Finish();
     m_transport.Stop();
     m_notes.Save();  // at once: a session that ends does not wait for the send thread
     DestroyWindow(Window());
@@ -170,7 +185,9 @@ void MainDialog::CloseWindow() {
 void MainDialog::DestroyDialog() {
     KillTimer(Window(), TIMER_INFOLINE);
     m_isClosing = true;
+    m_microphone.Close();
     m_hotKeys.UnregisterHotKeys();
+    m_pedals.Stop();
     m_transport.LeaveInserts(true);
     m_display.Detach();
     m_sent.RequestStopCollecting();
@@ -191,7 +208,8 @@ bool MainDialog::PreTranslateMessage(MSG& message) {
     if (isKey || message.message == WM_LBUTTONDOWN) m_runner.NoteInput();
     m_display.Watch(message);
     if (IsBesideRows(message)) return true;
-    return m_keyboard.PreTranslateMessage(message) || m_introduction.PreTranslateMessage(message);
+    return m_keyboard.PreTranslateMessage(message) || m_dock.PreTranslateMessage(message) ||
+           m_introduction.PreTranslateMessage(message);
 }
 
 // ---- Messages --------------------------------------------------------------------------------------------
@@ -211,7 +229,10 @@ bool MainDialog::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 void MainDialog::EvClose(WPARAM, LPARAM) {
     if (m_isClosing || !m_runner.TakeClose()) return;
     m_transport.LeaveInserts(true);
-    if (MayClose() && m_dictations.TellSendErrorAtClose()) CloseWindow();
+    if (MayClose()) {
+        m_dock.Finish();
+        if (m_dictations.TellSendErrorAtClose()) CloseWindow();
+    }
     m_transport.LeaveInserts(m_isClosing);
 }
 
@@ -293,8 +314,18 @@ bool MainDialog::EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&) {
     return false;
 }
 
-void MainDialog::EvMicButton(WPARAM wParam, LPARAM) {
+void MainDialog::EvSpeechMikeControl(WPARAM wParam, LPARAM) {
     m_devices.MicButton(LOWORD(wParam));
+}
+
+bool MainDialog::EvDeviceChange(WPARAM, LPARAM, LRESULT&) {
+    SetTimer(Window(), TIMER_DEVICES, kDevicesMs, nullptr);
+    return false;
+}
+
+void MainDialog::EvTimerDevices() {
+    m_pedals.Renew();
+    if (!m_microphone.Renew(m_devices.IsMicHeld())) SetTimer(Window(), TIMER_DEVICES, kDevicesMs, nullptr);
 }
 
 bool MainDialog::EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -426,6 +457,7 @@ void MainDialog::EvInsertKept(WPARAM, LPARAM) {
 // after by a timer.
 void MainDialog::EvShowLater(WPARAM, LPARAM) {
     if (!IsProcessRunning()) m_devices.PressAgain();
+    if (!IsHandBusy()) m_dock.Settle();
     if (!IsHandBusy() && m_runner.ShowLater()) SetTimer(Window(), TIMER_SHOWLATER, kRestLookMs, nullptr);
 }
 
@@ -440,16 +472,18 @@ void MainDialog::EvTimerInfoLine() {
     if (!m_notes.Unsaved().Empty()) m_notes.Save();  // retry: the disk may have room again
     if (!IsHandBusy() && m_runner.OpenModal() != LModalRunner::Modal::Process) m_list.ReloadUnreadable();
     m_sent.CollectReports();
+    m_microphone.Retry();
     // Escape closes the introduction; in the box it would empty the queue.
     if (!IsHandBusy() && !m_introduction.IsOpen()) m_dictations.ShowSendError();
     if (IsOpen() && m_runner.IsHandAtRest()) EvInsertKept(0, 0);
+    if (IsOpen() && !IsHandBusy()) m_dock.Settle();
     if (IsOpen()) SetTimer(Window(), TIMER_INFOLINE, kInfoPeriodMs, nullptr);
 }
 
 // Tells a user who does not look that nothing runs any more.
 void MainDialog::EvTimerStoppedTone() {
     const LPath& settings = m_state.data.settingsFile;
-    if (!IsRunning() && Settings::Read(settings, SettingsKeys::kStoppedTone))
+    if (!IsRunning() && !m_dock.IsListening() && Settings::Read(settings, SettingsKeys::kStoppedTone))
         PlaySoundA(MAKEINTRESOURCEA(IDW_STOPPEDTONE), LInstance(), SND_RESOURCE | SND_ASYNC | SND_NODEFAULT);
     RepeatStoppedTone();
 }
@@ -518,6 +552,9 @@ void MainDialog::ActivityChanged() {
     m_list.ShowRecorded(m_transport.IsRecording() ? m_current.Files() : std::nullopt);
     m_display.ShowActivity();
     m_display.ShowSituation(Situation());
+    m_microphone.Show(m_transport.IsRecording() ? DictCtrl::Display::Recording
+                      : m_transport.IsPlaying() ? DictCtrl::Display::Playing
+                                                : DictCtrl::Display::Stopped);
     if (!m_transport.IsRunning()) SetTimer(Window(), TIMER_STOPPEDTONE, kToneFirstMs, nullptr);
 }
 

@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <functional>
+#include <vector>
 
 #include "app/AppState.h"
+#include "app/import/FileImport_win.h"
 #include "app/transport/CurrentDictation.h"
 #include "app/transport/Listening_win.h"
 #include "app/transport/Transport_win.h"
@@ -12,15 +14,18 @@
 #include "app/window/DeviceCommands.h"
 #include "app/window/DictationCommands_win.h"
 #include "app/window/DictationList_win.h"
+#include "app/window/DockCommands_win.h"
 #include "app/window/Help_win.h"
 #include "app/window/HotKeys_win.h"
 #include "app/window/InsertOffers_win.h"
 #include "app/window/Keyboard_win.h"
 #include "app/window/NotesBox_win.h"
+#include "app/window/Pedals_win.h"
 #include "app/window/SentCommands_win.h"
 #include "app/window/WindowDisplay_win.h"
 #include "app/window/WindowLayout_win.h"
 #include "base/LFileLock.h"
+#include "hardware/DictationMicrophone_win.h"
 #include "send/BGSend.h"
 #include "store/DictationFiles.h"
 #include "ui/LDialog.h"
@@ -40,6 +45,7 @@ class MainDialog final : public LModelessDialog,
                          private DeviceCommands::Target,
                          private ApiCommands::Target,
                          private Keyboard::Target,
+                         private FileImport::Owner,
                          private BGSendOwner {
 public:
     explicit MainDialog(AppState& state);
@@ -100,6 +106,8 @@ private:
     bool EvInitMenuPopup(WPARAM wParam, LPARAM, LRESULT&);
     bool IsBesideRows(const MSG& message);
     bool AskTip(const NMHDR& header, LRESULT& result);
+    bool EvDeviceChange(WPARAM wParam, LPARAM, LRESULT& result);
+    void EvDockRequest(WPARAM wParam, LPARAM lParam) { m_dock.EvRequest(static_cast<int>(wParam), lParam); }
     void EvDrag(WPARAM, LPARAM);
     void EvDragEnd(WPARAM, LPARAM);
     bool EvDrawItem(WPARAM, LPARAM lParam, LRESULT& result);
@@ -112,7 +120,7 @@ private:
     void EvHotKey(WPARAM wParam, LPARAM) { m_hotKeys.EvHotKey(static_cast<int>(wParam)); }
     bool EvMenuLoop(WPARAM, LPARAM, LRESULT&);
     bool EvMenuLoopEnd(WPARAM, LPARAM, LRESULT&);
-    void EvMicButton(WPARAM wParam, LPARAM);
+    void EvMicLost(WPARAM, LPARAM) { m_devices.ReleaseMic(); }
     void EvMove(WPARAM, LPARAM);
     bool EvNotify(WPARAM, LPARAM lParam, LRESULT& result);
     bool EvQueryEndSession(WPARAM, LPARAM, LRESULT& result);
@@ -121,6 +129,7 @@ private:
     void EvSendProgress(WPARAM, LPARAM);
     void EvShowLater(WPARAM, LPARAM);
     void EvSize(WPARAM wParam, LPARAM);
+    void EvSpeechMikeControl(WPARAM wParam, LPARAM);
     void EvTimer(WPARAM wParam, LPARAM);
     bool EvAPICommand(WPARAM wParam, LPARAM lParam, LRESULT& result);
 
@@ -130,6 +139,8 @@ private:
     void EvTimerStoppedTone();
     void RepeatStoppedTone();
     void EvTimerHotKey() { m_hotKeys.EvTimer(); }
+    void EvTimerHardware() { m_pedals.EvTimer(); }
+    void EvTimerDevices();
     void EvTimerShowLater() { EvShowLater(0, 0); }
     void EvTimerSendShown();
     // Something is recorded, played or wound, also a sent dictation.
@@ -147,6 +158,9 @@ private:
     bool Dock();
     bool ShowHardwareSettings();
     bool RecoverSent();
+    bool LoadFiles(bool send);
+    bool TransferFiles();
+    void SelectLoaded(std::vector<LPath> loaded);
     bool ShowAbout();
     bool OpenWebPage(int command);
     bool CmHelp() { return m_help.Show(); }
@@ -184,6 +198,7 @@ private:
     }
     // Transport::Owner
     bool HaveDictation() override {
+        if (m_dock.KeepsInput()) return false;
         StopOtherSound();
         return m_current ? IsDictationThere() : m_dictations.Create();
     }
@@ -205,6 +220,7 @@ private:
     bool IsProcessRunning() const override { return m_runner.OpenModal() == LModalRunner::Modal::Process; }
     bool HoldWinding(WindDirection direction, bool isDown) override;
     void OpenWindow() override;
+    void TellWaiting() override { MessageBeep(MB_ICONEXCLAMATION); }
     void MinimizeWindow() override { ShowWindow(Window(), SW_MINIMIZE); }
     // ApiCommands::Target
     void CloseLater() override { PostMessageA(Window(), WM_CLOSE, 0, 0); }
@@ -219,6 +235,13 @@ private:
     void WindByKey(WindDirection direction, bool isDown) override { Wind(direction, isDown); }
     void SelectAllRows() override;
     void PlayRow() override { PlayFromStart(); }
+    // FileImport::Owner
+    bool IsNumberListed(int32_t number) const override { return m_list.HoldsNumber(number); }
+    void ListLoaded(const DictationFiles& files) override {
+        m_list.AddFile(files.record);
+        m_loaded.push_back(files.record);
+    }
+    bool SendLoaded(const DictationFiles& files) override { return m_dictations.SendLoaded(files); }
     // BGSendOwner, called on the send thread
     void PostSendProgress() override;
 
@@ -237,9 +260,14 @@ private:
     InsertOffers m_inserts;
     Listening m_listening;  // for the level meter of the settings
     DictationCommands m_dictations;
+    FileImport m_import;
+    std::vector<LPath> m_loaded;  // what it has listed since the last transfer began
     SentCommands m_sent;
+    DockCommands m_dock;
     DeviceCommands m_devices;
     HotKeys m_hotKeys;
+    Pedals m_pedals;
+    DictationMicrophone m_microphone;
     ApiCommands m_api;
     Keyboard m_keyboard;
     Help m_help;

@@ -27,7 +27,10 @@ constexpr char kNoFolder[] =
     "The recipient has no folder to send to. It stays in the list; please check the recipient's settings.";
 constexpr char kChanged[] =
     "The recipients were changed in another window. It stays in the list; please send it again.";
-constexpr char kUserFileHeld[] = "Your user file is open in another program. Please try again.";
+constexpr char kNoDefault[] =
+    "You have no default recipient. Please choose one with the Recipient Settings item on the Settings menu, "
+    "or "
+    "send with Select Recipient.";
 constexpr char kNotQueued[] = "Corvane internal files are read only or corrupt. It stays in the list.";
 
 // Whether the recipient is to be sent to by a folder that nobody has entered. The send thread would count
@@ -59,13 +62,17 @@ std::optional<ShownRecipient> SendCommands::DefaultRecipient() {
     if (!m_queue.SettleDeletion(user.number)) return m_runner.Tell(kRecipientUnsettled), std::nullopt;
     const auto numbers = RecipientNumbers::Read(user.userFile);
     if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
-    if (!numbers->defaultIndex) return TellNoRecipients(), std::nullopt;
+    if (numbers->count == 0) return TellNoRecipients(), std::nullopt;
+    if (!numbers->defaultIndex) return m_runner.Tell(kNoDefault), std::nullopt;
     return ShownRecipient::Read(m_state.data, user, *numbers->defaultIndex);
 }
 
 std::optional<ShownRecipient> SendCommands::ChooseRecipient() {
-    // Without a usable default recipient the settings need attention first.
-    return DefaultRecipient() ? AskForRecipient(m_state, m_runner) : std::nullopt;
+    if (!m_queue.SettleDeletion(m_state.user.number)) return m_runner.Tell(kRecipientUnsettled), std::nullopt;
+    const auto numbers = RecipientNumbers::Read(m_state.user.userFile);
+    if (!numbers) return m_runner.Tell(kUserFileHeld), std::nullopt;
+    if (numbers->count == 0) return TellNoRecipients(), std::nullopt;
+    return AskForRecipient(m_state, m_runner);
 }
 
 SendCommands::Result SendCommands::Send(const DictationFiles& files, const ShownRecipient& recipient,
@@ -79,6 +86,7 @@ SendCommands::Result SendCommands::Send(const DictationFiles& files, const Shown
     const auto isStill = [&] {
         return ShownRecipient::Read(m_state.data, m_state.user, recipient.index) == recipient;
     };
+    if (!m_queue.SettleDeletion(m_state.user.number)) return {Outcome::NothingSends, kRecipientUnsettled};
     if (!isStill()) return {Outcome::NothingSends, kChanged};
     if (LacksFolder(recipientPath)) return {Outcome::NothingSends, kNoFolder};
     const std::string description = DescribeRecipient(m_state.data, m_state.user, recipient.index);
@@ -87,7 +95,7 @@ SendCommands::Result SendCommands::Send(const DictationFiles& files, const Shown
         return {move.ConcernsAll() ? Outcome::NothingSends : Outcome::NotSent, move.Reason()};
     // A refusal leaves an error text of the queue, too; the destructor undoes the move.
     if (!m_queue.Add(move.Sent().audio, recipientPath, m_state.user.number, isStill))
-        return {Outcome::NothingSends, kNotQueued};
+        return {Outcome::NothingSends, isStill() ? kNotQueued : kChanged};
     move.Commit();
     return {Outcome::Queued, {}};
 }

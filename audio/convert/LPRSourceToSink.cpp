@@ -60,7 +60,8 @@ ProcessResult LPRSourceToSink::Pump(ProcessContext& context) {
             return written ? ProcessResult::Done : ProcessResult::Failed;
         }
         if (!Write(context, block.data(), kBlockFrames)) return ProcessResult::Failed;
-        context.SetProgress(std::min(m_source->GetPosition() / total, 1.0));
+        // Beyond the first length, which may have been unknown, nothing is told.
+        if (m_source->GetPosition() < total) context.SetProgress(m_source->GetPosition() / total);
     }
     return ProcessResult::Stopped;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "base/LArith.h"
 #include "base/LTrace.h"
@@ -17,6 +18,10 @@
 static constexpr int32_t kTaps = 15;
 static constexpr int32_t kReach = kTaps / 2;
 static constexpr int32_t kCapacity = kBlockFrames + kTaps;
+// What 16 bits hold: the filter overshoots where the input is cut off at full scale, and a file that wraps
+// would crack.
+static constexpr int32_t kLowest = -0x80000, kHighest = 0x7FFF7;
+static_assert(ToPcm16(kLowest) == INT16_MIN && ToPcm16(kHighest) == INT16_MAX);
 // Silence that follows the last input frame, so that the output frames at its end can be made.
 static constexpr std::array<int32_t, kReach + 1> kSilence{};
 
@@ -64,6 +69,9 @@ void LSinkConvertRateBase::Take(const int32_t* samples, int32_t frames) {
         frames -= taken;
         while (const int32_t made =
                    m_history->Convert(m_output.data() + m_pending, kBlockFrames - m_pending)) {
+            for (int32_t& sample :
+                 std::span(m_output).subspan(static_cast<size_t>(m_pending), static_cast<size_t>(made)))
+                sample = Clamp(sample, kLowest, kHighest);
             m_pending += made;
             if (m_pending == kBlockFrames) PassOn();
         }

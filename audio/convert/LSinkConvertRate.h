@@ -8,8 +8,8 @@
 #include "audio/stream/LFilterSink.h"
 
 // A sink that converts to the sampling rate of another sink by windowed-sinc interpolation with 15 taps;
-// mono. The output is not delayed and as long as the input. The last frames reach the other sink when this
-// one is destroyed.
+// mono. The output is not delayed, as long as the input, and held at full scale. The last frames reach the
+// other sink when this one is destroyed.
 // Units:  frames are those of the input rate. GetFrames() starts with the frames that the other sink holds,
 //         converted.
 // Errors: the error bit (traced) for another number of channels and for rates that LSincFilter does not

@@ -3,7 +3,7 @@
 import subprocess
 import time
 
-from corvane import DIALOG_CLASS, IDS, read_ini, wait_active, wait_for, write_ini, xdotool
+from corvane import DIALOG_CLASS, IDS, Dialog, read_ini, wait_active, wait_for, write_ini, xdotool
 
 F5, F6, F8, CTRL, SHIFT = 0x74, 0x75, 0x77, 2, 4
 RECORD, PLAY = 3, 4  # command indexes
@@ -16,7 +16,7 @@ def test_a_hot_key_is_chosen_by_keys_and_records_behind_another_program(corvane,
     program = corvane()
     wait_active()
     program.record()
-    program.command("CM_SETTINGS_HARDWARE")
+    Dialog(program, "Hardware Settings", "CM_SETTINGS_HARDWARE").show(1)
     wait_active("Hardware Settings")
     assert program.api(7) == 0, "stopped"
     # F5, which is a hot key, can be chosen again; Enter cannot, and Escape leaves all as it was.
@@ -66,7 +66,7 @@ def test_a_hot_key_that_would_do_nothing_is_refused_or_told(corvane, data, winct
     wait_active("Corvane")
     assert winctl.ask("takekey", CTRL, F8)
     request.addfinalizer(lambda: winctl.ask("takekey", 0, 0))
-    program.command("CM_SETTINGS_HARDWARE")
+    Dialog(program, "Hardware Settings", "CM_SETTINGS_HARDWARE").show(1)
     wait_active("Hardware Settings")
     xdotool("key", "alt+a")
     wait_active("Hot Key")

@@ -87,7 +87,7 @@ def test_send_sends_what_was_selected_and_has_a_recording(corvane, data):
     assert program.wait_sent(1) == "Sent"
     assert data.record(1, data.sent)["recipient"].startswith("Other (")
     assert program.row(2) is not None
-    write_ini(data.user_file, {"settings": {"sendcount": 1, "senddefault": 1}})  # nobody is the default one
+    write_ini(data.user_file, {"settings": {"sendcount": 0}})
     program.select(2, 3)
     program.command("CM_SENDFILE")
     box = wait_for(lambda: next(iter(program.boxes()), None), "a message")

@@ -58,7 +58,8 @@ def test_recipients_are_added_edited_deleted_and_chosen(corvane, winctl, data):
     winctl.ask("release")
     assert program.wait_sent(7) == "Sent"
     sheet.press("IDC_RECIPIENTS_DELETE")
-    assert program.wait_box("Confirm Delete") == "Are you sure you want to delete this recipient?"
+    question = program.wait_box("Confirm Delete")
+    assert question.startswith("Are you sure you want to delete this recipient?") and "will then be Bo" in question
     program.answer_box("Confirm Delete", YES)
     wait_for(lambda: shown() == [f"Bo DEFAULT ({folder})", "Cy (hostA)"], "the others")
     assert not (data.user / "rec2.dat").exists() and read_ini(data.user_file)["settings"]["sendcount"] == "2"

@@ -107,4 +107,7 @@ TEST(RecipientDeletion, NothingIsQueuedByAnOldNumber) {
     EXPECT_FALSE(
         sender.Add(world.FilesOf(7).audio, RecipientPath(world.data, 0, 0), 0, [] { return false; }));
     sender.Stop(kWaitForever);
+    EXPECT_EQ(sender.DeleteRecipient(0, 0, 1000, [] { return false; }), BGSend::Outcome::Changed);
+    EXPECT_EQ(Recipients::Letter(RecipientPath(world.data, 0, 0)), 'B');
+    sender.Stop(kWaitForever);
 }

@@ -12,39 +12,46 @@
 class Pedal final : private DeviceCommands::Target {
 public:
     Pedal() { s_nowMs = 0; }
-    void Press(uint32_t at) {
+    void Press(uint32_t at, InputControl control = InputControl::Pedal1, int index = CI_RECORD) {
         s_nowMs = at;
-        m_devices.CommandPress(CI_RECORD);
+        m_devices.CommandPress(control, index);
     }
-    void Release(uint32_t at, uint32_t holdLimitMs = kHoldLimitMs) {
+    void Release(uint32_t at, uint32_t holdLimitMs = kHoldLimitMs,
+                 InputControl control = InputControl::Pedal1, int index = CI_RECORD) {
         s_nowMs = at;
-        m_devices.CommandRelease(CI_RECORD, holdLimitMs);
+        m_devices.CommandRelease(control, index, holdLimitMs);
     }
     void EndProcess() {
         isProcessRunning = false;
         m_devices.PressAgain();
     }
-    bool IsRunning() const { return m_isRunning; }
+    bool IsRunning() const { return m_runs != 0; }
+    // The command that runs, 0 for none.
+    int Runs() const { return m_runs; }
     bool isProcessRunning = false;
+    int told = 0;                         // that a press has to wait
     std::function<void()> whileItStarts;  // what happens before the recording runs
 
 private:
     bool Give(int command) override {
-        if (command == CM_STOP) m_isRunning = false;
-        if (command != CM_RECORD || m_isRunning || isProcessRunning) return false;
+        if (command == CM_STOP) m_runs = 0;
+        const bool isRefused = m_runs == command;
+        if (command == CM_STOP || isRefused || isProcessRunning) return false;
         if (whileItStarts) whileItStarts();
-        return m_isRunning = true;
+        m_runs = command;
+        return true;
     }
-    bool IsRecording() const override { return m_isRunning; }
-    bool IsPlaying() const override { return false; }
+    bool IsRecording() const override { return m_runs == CM_RECORD; }
+    bool IsPlaying() const override { return m_runs == CM_PLAY; }
     bool IsProcessRunning() const override { return isProcessRunning; }
     bool HoldWinding(WindDirection, bool) override { return false; }
     void OpenWindow() override {}
+    void TellWaiting() override { ++told; }
     void MinimizeWindow() override {}
     static uint32_t Now() { return s_nowMs; }
 
     static inline uint32_t s_nowMs = 0;
-    bool m_isRunning = false;
+    int m_runs = 0;
     DeviceCommands m_devices{*this, Now};
 };
 
@@ -81,9 +88,17 @@ TEST(DeviceCommands, APedalThatIsHeldWhenAProcessEndsRecordsFromThenOn) {
         if (isReleased) pedal.Release(1200);
         pedal.EndProcess();
         EXPECT_EQ(pedal.IsRunning(), !isReleased);
+        EXPECT_EQ(pedal.told, 1) << "he does not look at the window";
         pedal.Release(3000);
         EXPECT_FALSE(pedal.IsRunning());
     }
+    Pedal pedal;
+    pedal.Press(1000);
+    pedal.Release(1100);
+    pedal.isProcessRunning = true;
+    pedal.Press(5000);
+    pedal.Release(5100);
+    EXPECT_FALSE(pedal.IsRunning()) << "tapped off while a file is loaded";
 }
 
 TEST(DeviceCommands, WhatThePedalDoesWhileTheRecordingIsBeingPreparedCounts) {
@@ -106,6 +121,34 @@ TEST(DeviceCommands, WhatThePedalDoesWhileTheRecordingIsBeingPreparedCounts) {
     EXPECT_TRUE(pedal.IsRunning()) << "pressed again";
     pedal.Release(4000);
     EXPECT_FALSE(pedal.IsRunning());
+}
+
+// Steps a second apart: R and X are two controls for recording, P is one for playing, small letters are their
+// releases. A dot makes the next step come at once.
+TEST(DeviceCommands, AHoldBelongsToTheControlThatBeganIt) {
+    static const std::pair<const char*, const char*> kCases[] = {
+        {"RPrp", "rpp-"},  {"PRpr", "prr-"},  {"RXxr", "rrr-"},  {"RXrx", "rr--"},
+        {"R.rXx", "rrr-"}, {"R.rPp", "rrp-"}, {"RP.pr", "rppp"}, {"R.rp", "rrr"},
+    };
+    for (const auto& [steps, expected] : kCases) {
+        Pedal pedal;
+        std::string runs;
+        uint32_t nowMs = 0;
+        for (const char* step = steps; *step != 0; ++step) {
+            nowMs += *step == '.' ? 100 : 1000;
+            if (*step == '.') ++step;
+            const bool isPlay = (*step | 32) == 'p';
+            const auto control = isPlay                ? InputControl::Pedal2
+                                 : (*step | 32) == 'x' ? InputControl::RecordButton
+                                                       : InputControl::Pedal1;
+            if (*step < 'a')
+                pedal.Press(nowMs, control, isPlay ? CI_PLAY : CI_RECORD);
+            else
+                pedal.Release(nowMs, kHoldLimitMs, control, isPlay ? CI_PLAY : CI_RECORD);
+            runs += pedal.Runs() == CM_RECORD ? 'r' : pedal.Runs() == CM_PLAY ? 'p' : '-';
+        }
+        EXPECT_EQ(runs, expected) << steps;
+    }
 }
 
 // A hot key for Record, on a keyboard that repeats a held key.

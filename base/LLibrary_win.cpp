@@ -1,0 +1,51 @@
+#include "base/LLibrary_win.h"
+
+#include "base/LFile.h"
+
+namespace {
+
+LPath SystemFolder() {
+    char path[kPathSize] = {};
+    const UINT length = GetSystemDirectoryA(path, sizeof path);
+    return length < sizeof path ? LPath({path, length}) : LPath();
+}
+
+LPath WindowsFolder() {
+    char path[kPathSize] = {};
+    const UINT length = GetWindowsDirectoryA(path, sizeof path);
+    return length < sizeof path ? LPath({path, length}) : LPath();
+}
+
+LPath ProgramFolder() {
+    char path[kPathSize] = {};
+    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
+    return length < sizeof path ? LPath(LFolderOf({path, length})) : LPath();
+}
+
+LPath FileIn(const LPath& folder, const char* fileName) {
+    return folder.Empty() ? LPath() : LPath::Join(folder.View(), fileName);
+}
+
+}  // namespace
+
+LLibrary LLoadLibraryAt(const LPath& path) {
+    const std::string_view text = path.View();
+    const bool isFull = text.starts_with("\\\\") || (text.size() > 2 && text[1] == ':' && text[2] == '\\');
+    if (!isFull) return {};
+    const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    LLibrary library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    SetErrorMode(mode);
+    return library;
+}
+
+LLibrary LLoadAddOn(const char* fileName) {
+    for (const LPath& folder : {ProgramFolder(), SystemFolder()})
+        if (LLibrary library = LLoadLibraryAt(FileIn(folder, fileName))) return library;
+    return {};
+}
+
+LPath LPlatformProgram(const char* fileName) {
+    for (const LPath& folder : {SystemFolder(), WindowsFolder()})
+        if (const LPath path = FileIn(folder, fileName); !path.Empty() && LFile::Exists(path)) return path;
+    return {};
+}

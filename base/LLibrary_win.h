@@ -1,0 +1,35 @@
+#pragma once
+
+#include <windows.h>
+
+#include "base/LOwned.h"
+#include "base/LPath.h"
+
+struct LibraryTraits {
+    using Type = HMODULE;
+    static Type None() { return nullptr; }
+    static void Close(Type h) { FreeLibrary(h); }
+};
+using LLibrary = LOwned<LibraryTraits>;
+
+// Loads a library by its full path; any other path would name a file of whichever folder is current. What the
+// library needs in turn is looked for beside it. Empty when it cannot be loaded; the platform shows no box
+// about it.
+// Thread: any.
+LLibrary LLoadLibraryAt(const LPath& path);
+
+// Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder.
+// Empty when neither folder has one that can be loaded.
+// Thread: any.
+LLibrary LLoadAddOn(const char* fileName);
+
+// A function that a library exports; nullptr when it does not.
+template <class Function>
+Function LFunctionOf(const LLibrary& library, const char* name) {
+    // Cast through void*, since the compiler rightly doubts casts between function types.
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library.Get(), name)));
+}
+
+// The full path of a program that belongs to the platform, which lies in the system folder or, in Windows 95
+// to Me, in that of Windows. Empty when it is missing.
+LPath LPlatformProgram(const char* fileName);
