@@ -15,7 +15,7 @@ uint32_t ReadInstallMarker(LReadStream& executable) {
 StartUpAction DecideStartUp(std::string_view exeName, uint32_t marker, bool firstIsRunning) {
     const bool isNamedSetup = LUpper(exeName).find("SETUP") != std::string::npos;
     if (isNamedSetup && marker != kMarkerSetup) return StartUpAction::RefuseCorruptInstaller;
-    if (marker == kMarkerSetup || marker == kMarkerPackage) return StartUpAction::Install;
+    if (marker == kMarkerSetup || marker == kMarkerUpdate) return StartUpAction::Install;
     return firstIsRunning ? StartUpAction::ActivateFirst : StartUpAction::Run;
 }
 

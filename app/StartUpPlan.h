@@ -4,11 +4,7 @@
 #include <string_view>
 
 #include "base/LStream.h"
-
-// Install markers: an executable that ends in one of these four bytes is an installer, any other is the
-// program.
-constexpr uint32_t kMarkerSetup = 0x0F0FF0F0;
-constexpr uint32_t kMarkerPackage = 0xF0F00F0F;
+#include "install/SetupPackage.h"
 
 // The purpose of this run, decided before anything is touched.
 enum class StartUpAction { RefuseCorruptInstaller, Install, ActivateFirst, Run };
@@ -23,7 +19,7 @@ StartUpAction DecideStartUp(std::string_view exeName, uint32_t marker, bool firs
 // How long the installer waits for a running instance that it asked to close, in milliseconds. The two kinds
 // of package differ on purpose.
 constexpr uint32_t CloseWaitMs(uint32_t marker) {
-    return marker == kMarkerPackage ? 1500 : 2000;
+    return marker == kMarkerUpdate ? 1500 : 2000;
 }
 
 // The introduction is shown exactly when the first argument is "/install", byte for byte.

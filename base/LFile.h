@@ -55,6 +55,8 @@ public:
 
     // Last write time in seconds since 1970-01-01 00:00 UTC; 0 when it cannot be told.
     int64_t WriteTime() const;
+    // Sets it; kept when the file is closed without another write.
+    bool SetWriteTime(int64_t secondsSince1970);
 
     static bool Exists(const LPath& path);
     // True only when the platform says that nothing has this name. A drive that does not answer proves

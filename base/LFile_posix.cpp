@@ -136,6 +136,11 @@ int64_t LFile::WriteTime() const {
     return m_impl && fstat(m_impl->file.Get(), &info) == 0 ? info.st_mtim.tv_sec : 0;
 }
 
+bool LFile::SetWriteTime(int64_t secondsSince1970) {
+    const timespec times[] = {{0, UTIME_OMIT}, {secondsSince1970, 0}};
+    return m_impl && futimens(m_impl->file.Get(), times) == 0;
+}
+
 bool LFile::Exists(const LPath& path) {
     struct stat info;
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && !S_ISDIR(info.st_mode);

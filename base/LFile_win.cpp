@@ -187,6 +187,12 @@ int64_t LFile::WriteTime() const {
     return time < kFileTimeOf1970 ? 0 : static_cast<int64_t>((time - kFileTimeOf1970) / kFileTimeSecond);
 }
 
+bool LFile::SetWriteTime(int64_t secondsSince1970) {
+    const uint64_t time = kFileTimeOf1970 + static_cast<uint64_t>(secondsSince1970) * kFileTimeSecond;
+    const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
+    return m_impl && SetFileTime(m_impl->file.Get(), nullptr, nullptr, &written);
+}
+
 bool LFile::Exists(const LPath& path) {
     if (path.Empty()) return false;
     const DWORD attributes = GetFileAttributesA(path.c_str());

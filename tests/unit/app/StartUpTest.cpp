@@ -23,7 +23,7 @@ TEST(StartUp, TellsSetupPackagesPackagesAndTheProgramApart) {
     };
     for (const auto& c : kCases)
         EXPECT_EQ(DecideStartUp(c.name, c.marker, c.firstRuns), c.expected) << c.name;
-    EXPECT_EQ(CloseWaitMs(kMarkerPackage), 1500u);
+    EXPECT_EQ(CloseWaitMs(kMarkerUpdate), 1500u);
     EXPECT_EQ(CloseWaitMs(kMarkerSetup), 2000u);
 }
 

@@ -1,0 +1,79 @@
+#include "install/InstallFiles.h"
+
+#include "tests/unit/install/PackageKit.h"
+
+namespace {
+
+const std::vector<GivenFile> kNew = {
+    {"corvane.exe", "the newer program"}, {"corvane.htm", "new manual"}, {"readme.txt", "new"}};
+
+// A folder with an older program, its manual, and a file of somebody else's.
+class InstallFilesTest : public testing::Test {
+protected:
+    InstallFilesTest() {
+        Put("corvane.exe", "older");
+        Put("corvane.htm", "manual");
+        Put("mine.doc", "mine");
+    }
+    void Put(std::string_view name, std::string_view text) {
+        LFile(m_folder.File(name), LFile::Open::CreateNew).WriteAll(Text(text));
+    }
+    // Names and contents of the folder's files.
+    std::map<std::string, std::string> Found() const {
+        std::map<std::string, std::string> found;
+        for (const std::string& name : TempFolder::Names(m_folder.Path())) {
+            Bytes bytes;
+            if (LFile::ReadWhole(m_folder.File(name), 1000, bytes))
+                found[name] = std::string(bytes.begin(), bytes.end());
+        }
+        return found;
+    }
+
+    TempFolder m_folder;
+    const std::map<std::string, std::string> m_before = {
+        {"corvane.exe", "older"}, {"corvane.htm", "manual"}, {"mine.doc", "mine"}};
+    LMemoryFile m_stream{PackageParts(kNew).Join()};
+    SetupPackage m_package = *SetupPackage::Open(m_stream);
+    NotingContext m_context;
+};
+
+}  // namespace
+
+TEST_F(InstallFilesTest, PutsAllFilesInTheirPlacesOrBack) {
+    InstallFiles files(m_package, m_folder.Path());
+    EXPECT_EQ(files.WriteBeside(m_context), ProcessResult::Done);
+    EXPECT_EQ(files.SwapIn(), InstallFiles::Outcome::Done);
+    files.PutBack();
+    EXPECT_EQ(Found(), m_before);
+    EXPECT_EQ(files.WriteBeside(m_context), ProcessResult::Done);
+    EXPECT_EQ(files.SwapIn(), InstallFiles::Outcome::Done);
+    files.Finish();
+    const std::map<std::string, std::string> after = {{"corvane.exe", "the newer program"},
+                                                      {"corvane.htm", "new manual"},
+                                                      {"mine.doc", "mine"},
+                                                      {"readme.txt", "new"}};
+    EXPECT_EQ(Found(), after);
+    EXPECT_EQ(LFile(m_folder.File("readme.txt"), LFile::Open::Read).WriteTime(), 1172657045);
+}
+
+TEST_F(InstallFilesTest, ChangesNothingWhenItCannotDoAll) {
+    LFile::MakeFolder(m_folder.File("readme.txt"));  // the last of the swaps but the program's
+    {
+        InstallFiles files(m_package, m_folder.Path());
+        EXPECT_EQ(files.WriteBeside(m_context), ProcessResult::Done);
+        EXPECT_EQ(files.SwapIn(), InstallFiles::Outcome::Failed);
+    }
+    EXPECT_EQ(Found(), m_before);
+    m_context.cancelAfter = 1;
+    EXPECT_EQ(InstallFiles(m_package, m_folder.Path()).WriteBeside(m_context), ProcessResult::Stopped);
+    EXPECT_EQ(Found(), m_before);
+}
+
+TEST_F(InstallFilesTest, TheNextRunPutsBackWhatACutOffRunSetAside) {
+    // Cut off with the manual in its place and the program still aside.
+    LFile::Move(m_folder.File("corvane.exe"), m_folder.File("corvane.exe.old~"));
+    Put("corvane.exe.new~", "the newer pro");
+    Put("corvane.htm.old~", "manual");
+    InstallFiles(m_package, m_folder.Path()).Recover();
+    EXPECT_EQ(Found(), m_before);
+}
