@@ -10,6 +10,7 @@
 #include "audio/mp3/MP3Kernels.h"
 #include "audio/stream/LKernels.h"
 #include "base/LFile.h"
+#include "base/LLibrary_win.h"
 #include "base/LProfileText.h"
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"
@@ -130,6 +131,7 @@ void Run(StartingGate& gate) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+    LIgnoreLibrariesOfCurrentFolder();
     LSetInstance(instance);
     // The recorder must not starve while other programs run.
     SetPriorityClass(GetCurrentProcess(), HIGH_PRIORITY_CLASS);
@@ -145,10 +147,12 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
 
     switch (DecideStartUp(LSplitPath(executable.View()).name, marker, running != nullptr)) {
         case StartUpAction::RefuseCorruptInstaller:
+            LKeepToSystemLibraries();
             gate.Open();
             MessageBoxA(nullptr, kCorruptInstaller, "Install Error", MB_OK | MB_ICONEXCLAMATION);
             break;
         case StartUpAction::Install:
+            LKeepToSystemLibraries();
             Install(marker, running, executable, desktops);
             break;
         case StartUpAction::ActivateFirst:
