@@ -7,10 +7,8 @@
 #include "app/StartUpPlan.h"
 #include "app/window/MainDialog_win.h"
 #include "audio/device/LDBDisplay_win.h"
-#include "audio/mp3/MP3Kernels.h"
-#include "audio/stream/LKernels.h"
 #include "base/LFile.h"
-#include "base/LProfileText.h"
+#include "base/LLibrary_win.h"
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"
 #include "install/Installer_win.h"
@@ -95,16 +93,7 @@ void Install(uint32_t marker, HWND running, const LPath& executable, const Insta
     LWriteRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles", request.folder.View());
 }
 
-// Creates the objects that two threads share before there are two: the run-time library's guard of local
-// statics does not work on Windows 95.
-void MakeShared() {
-    Kernels();
-    GetMP3Kernels();
-    LProfileLock();
-}
-
 void Run(StartingGate& gate) {
-    MakeShared();
     SetErrorMode(SEM_FAILCRITICALERRORS);  // a card reader without a card is told by us
     AppState state;
     state.data = FindDataFolder();
@@ -130,6 +119,7 @@ void Run(StartingGate& gate) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+    LIgnoreLibrariesOfCurrentFolder();
     LSetInstance(instance);
     // The recorder must not starve while other programs run.
     SetPriorityClass(GetCurrentProcess(), HIGH_PRIORITY_CLASS);
@@ -145,10 +135,12 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
 
     switch (DecideStartUp(LSplitPath(executable.View()).name, marker, running != nullptr)) {
         case StartUpAction::RefuseCorruptInstaller:
+            LKeepToSystemLibraries();
             gate.Open();
             MessageBoxA(nullptr, kCorruptInstaller, "Install Error", MB_OK | MB_ICONEXCLAMATION);
             break;
         case StartUpAction::Install:
+            LKeepToSystemLibraries();
             Install(marker, running, executable, desktops);
             break;
         case StartUpAction::ActivateFirst:

@@ -1,6 +1,7 @@
 #include "base/LLibrary_win.h"
 
 #include "base/LFile.h"
+#include "base/LSystemFunction_win.h"
 
 namespace {
 
@@ -36,6 +37,20 @@ LLibrary LLoadLibraryAt(const LPath& path) {
     LLibrary library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     SetErrorMode(mode);
     return library;
+}
+
+LLibrary LLoadSystemLibrary(const char* fileName) {
+    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
+}
+
+void LIgnoreLibrariesOfCurrentFolder() {
+    if (const auto set = LSystemFunction<BOOL(WINAPI*)(LPCSTR)>("SetDllDirectoryA")) set("");
+}
+
+void LKeepToSystemLibraries() {
+    constexpr DWORD kSystemFolder = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
+    if (const auto set = LSystemFunction<BOOL(WINAPI*)(DWORD)>("SetDefaultDllDirectories"))
+        set(kSystemFolder);
 }
 
 LLibrary LLoadAddOn(const char* fileName) {

@@ -18,6 +18,19 @@ using LLibrary = LOwned<LibraryTraits>;
 // Thread: any.
 LLibrary LLoadLibraryAt(const LPath& path);
 
+// Loads a library of the platform, such as "wininet.dll", from the system folder, whatever lies in the
+// program's folder or the current one. Empty when it cannot be loaded.
+// Thread: any.
+LLibrary LLoadSystemLibrary(const char* fileName);
+
+// What the platform loads by its name alone is no longer looked for in the current folder, which may be any
+// that the user chose a file in. To be called first; without effect before Windows XP.
+void LIgnoreLibrariesOfCurrentFolder();
+
+// For a run as set-up program or remover: what the platform loads by its name alone comes from the system
+// folder, not from the program's either. Without effect before Windows Vista.
+void LKeepToSystemLibraries();
+
 // Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder.
 // Empty when neither folder has one that can be loaded.
 // Thread: any.

@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "base/LLibrary_win.h"
+
 // The library is loaded with the first use and stays for the rest of the run: a lookup that was left behind
 // (LHostLookup) may be inside it. Its functions are looked up by name, as a machine without the network
 // components has no such library, and the program must start there.
@@ -30,7 +32,7 @@ struct Functions {
     bool areThere = false;
 
     Functions() {
-        const HMODULE library = LoadLibraryA("wsock32.dll");
+        const HMODULE library = LLoadSystemLibrary("wsock32.dll").Release();
         areThere = library != nullptr && Find(library, "WSAStartup", startUp) &&
                    Find(library, "WSACleanup", cleanUp) && Find(library, "WSAGetLastError", lastError) &&
                    Find(library, "socket", socket) && Find(library, "closesocket", close) &&

@@ -10,7 +10,7 @@ if(WIN32)
     target_compile_definitions(corvane_options INTERFACE
         WINVER=0x0400 _WIN32_WINNT=0x0400 _WIN32_IE=0x0300 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
     # Without exceptions nothing unwinds the stack.
-    target_compile_options(corvane_options INTERFACE -march=i586 -mtune=generic -ffunction-sections -fdata-sections
+    target_compile_options(corvane_options INTERFACE -march=i586 -mtune=generic -ffunction-sections
         -fno-asynchronous-unwind-tables)
     target_link_options(corvane_options INTERFACE -Wl,--gc-sections)
 endif()

@@ -31,7 +31,7 @@ bool Email::SendMAPI(std::string_view address, std::string_view subject, std::st
         LTrace("Email::SendMAPI no mail program is declared");
         return false;
     }
-    const LLibrary library(LoadLibraryA("MAPI32.DLL"));
+    const LLibrary library = LLoadSystemLibrary("MAPI32.DLL");
     if (!library) {
         LTrace("Email::SendMAPI Unable to load MAPI32.DLL");
         return false;

@@ -2,6 +2,7 @@
 
 #include <wininet.h>
 
+#include "base/LLibrary_win.h"
 #include "base/LSystemFunction_win.h"
 #include "base/LTrace.h"
 #include "send/LFileTransferProtocol_win.h"
@@ -24,7 +25,7 @@ constexpr struct {
 HMODULE s_library = nullptr;  // never freed
 
 bool Load() {
-    if (s_library == nullptr) s_library = LoadLibraryA(kLibrary);
+    if (s_library == nullptr) s_library = LLoadSystemLibrary(kLibrary).Release();
     return s_library != nullptr;
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/window/Contrast.h"
-
+#include "base/LLibrary_win.h"
 #include "res/Ids.h"
 #include "ui/LWin.h"
 
@@ -54,11 +54,10 @@ public:
 private:
     template <class Function>
     Function Find(const char* name) const {
-        return reinterpret_cast<Function>(
-            reinterpret_cast<void*>(m_module != nullptr ? GetProcAddress(m_module, name) : nullptr));
+        return m_library ? LFunctionOf<Function>(m_library, name) : nullptr;
     }
 
-    HMODULE m_module = LoadLibraryA("uxtheme.dll");
+    LLibrary m_library = LLoadSystemLibrary("uxtheme.dll");
     BOOL(WINAPI* m_isActive)() = Find<BOOL(WINAPI*)()>("IsAppThemed");
     HANDLE(WINAPI* m_open)(HWND, LPCWSTR) = Find<HANDLE(WINAPI*)(HWND, LPCWSTR)>("OpenThemeData");
     HRESULT(WINAPI* m_close)(HANDLE) = Find<HRESULT(WINAPI*)(HANDLE)>("CloseThemeData");

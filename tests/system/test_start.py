@@ -1,10 +1,12 @@
 """Starting: the second instance, and files that are not as they should be."""
 
+import os
+import re
 import shutil
 import subprocess
 
 import pytest
-from corvane import DIALOG_CLASS, EXE, FOLDERS_KEY, TITLE, pcm_wav, wait_for, write_ini
+from corvane import DIALOG_CLASS, EXE, FOLDERS_KEY, ROOT, TITLE, TOOLS, pcm_wav, wait_for, write_ini
 
 
 def test_a_second_start_brings_the_first_forward_and_ends(corvane, winctl):
@@ -28,6 +30,25 @@ def test_a_damaged_setup_package_refuses_to_run(winctl, drive_c):
     finally:
         process.kill()
     assert not winctl.ask("find", DIALOG_CLASS, TITLE)["hwnd"]
+
+
+def test_a_set_up_loads_no_library_that_lies_among_its_downloads(tmp_path):
+    package = tmp_path / "corvanesetup.exe"
+    subprocess.run([ROOT / "tools/make-setup", "--program", EXE, "--output", package], check=True)
+    # What Corvane asks for; others are asked for by Windows itself, before any program's first line.
+    for name in "hidprobe mapi32 msacm32 ole32 setupapi shfolder wininet winmm ws2_32 wsock32".split():
+        shutil.copy(TOOLS.parent / "win/decoders/decoders.dll", tmp_path / f"{name}.dll")
+    log = tmp_path / "log"
+    with log.open("wb") as out:
+        process = subprocess.Popen(["wine", package], env={**os.environ, "WINEDEBUG": "+loaddll"}, stderr=out)
+    try:
+        shown = ["xdotool", "search", "--onlyvisible", "--name", TITLE]
+        wait_for(lambda: process.poll() is not None or subprocess.run(shown).returncode == 0, "a window, or the end", 20)
+    finally:
+        process.kill()
+    loaded = re.findall(rb'Loaded L"([^"]*)"', log.read_bytes())
+    beside = [path for path in loaded if tmp_path.name.encode() in path]
+    assert len(beside) == 1 and beside[0].endswith(b"corvanesetup.exe"), beside
 
 
 RUBBISH = bytes(range(256)) * 40
