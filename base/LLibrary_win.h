@@ -36,6 +36,11 @@ void LKeepToSystemLibraries();
 // Thread: any.
 LLibrary LLoadAddOn(const char* fileName);
 
+// Loads a library of the platform, such as "ole32.dll", from the system folder alone: one of its name beside
+// the program may be anybody's. Empty when it cannot be loaded.
+// Thread: any.
+LLibrary LLoadSystemLibrary(const char* fileName);
+
 // A function that a library exports; nullptr when it does not.
 template <class Function>
 Function LFunctionOf(const LLibrary& library, const char* name) {
@@ -46,3 +51,6 @@ Function LFunctionOf(const LLibrary& library, const char* name) {
 // The full path of a program that belongs to the platform, which lies in the system folder or, in Windows 95
 // to Me, in that of Windows. Empty when it is missing.
 LPath LPlatformProgram(const char* fileName);
+
+// The folder of Windows; empty when its name is too long.
+LPath LWindowsFolder();
