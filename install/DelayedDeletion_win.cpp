@@ -74,12 +74,7 @@ bool DeleteAtNextStart(std::span<const DeletedPath> paths) {
             IsWindows95() ? !path.isFolder && AddToWininit(path.path) : MoveToNothing(path.path);
         if (!isDone) left.push_back({ShortPathOf(path.path), path.isFolder});
     }
-    // The interpreter of Windows 95 and 98 knows no way to put two commands into a line.
-    const size_t atOnce = IsWindows95() ? 1 : left.size();
-    for (size_t i = 0; i < left.size(); i += atOnce) {
-        if (AddCommand(DeletionCommand(Interpreter(), std::span(left).subspan(i, atOnce)))) continue;
-        LTrace("DeleteAtNextStart unable to delete", left[i].path.View());
-        return false;
-    }
-    return true;
+    if (left.empty() || AddCommand(DeletionCommand(Interpreter(), left))) return true;
+    LTrace("DeleteAtNextStart unable to delete", left.front().path.View());
+    return false;
 }

@@ -27,13 +27,31 @@ std::string WithDeletion(std::string_view wininit, std::string_view shortPath) {
     return text.insert(end == 0 ? text.size() : end, added);
 }
 
-std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPath> paths) {
-    if (interpreter.Empty()) return {};
-    std::string command = '"' + std::string(interpreter.View()) + "\" /c";
+// A line holds one command there, and a loop is one.
+static std::string FolderLoop(std::span<const DeletedPath> paths) {
+    std::string list;
     for (const DeletedPath& path : paths) {
-        if (path.path.View().find('%') != std::string_view::npos) return {};
-        command += LFormat("%s %s \"%s\"", &path == paths.data() ? "" : " &", path.isFolder ? "rd" : "del",
-                           path.path.c_str());
+        if (!path.isFolder || path.path.View().find_first_of(" ()") != std::string_view::npos) return {};
+        list += (list.empty() ? "" : " ") + std::string(path.path.View());
     }
-    return command.size() <= kLongestCommand ? command : std::string();
+    return " for %d in (" + list + ") do rd %d";
+}
+
+static std::string Commands(std::span<const DeletedPath> paths) {
+    std::string commands;
+    for (const DeletedPath& path : paths)
+        commands += LFormat("%s %s \"%s\"", commands.empty() ? "" : " &", path.isFolder ? "rd" : "del",
+                            path.path.c_str());
+    return commands;
+}
+
+std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPath> paths) {
+    const auto isVariable = [](const DeletedPath& path) {
+        return path.path.View().find('%') != std::string_view::npos;
+    };
+    const bool isOld = LEqualNoCase(LFileNameOf(interpreter.View()), "command.com");
+    const std::string commands = isOld ? FolderLoop(paths) : Commands(paths);
+    const std::string line = '"' + std::string(interpreter.View()) + "\" /c" + commands;
+    const bool isRefused = interpreter.Empty() || commands.empty() || std::ranges::any_of(paths, isVariable);
+    return isRefused || line.size() > kLongestCommand ? std::string() : line;
 }

@@ -19,6 +19,6 @@ struct DeletedPath {
     bool isFolder = false;  // which is deleted if it is empty by then
 };
 // The command line that deletes all of them in this order, with the command interpreter given by its full
-// path; that of Windows 95 and 98 takes one path only. Empty without an interpreter, when the platform would
-// cut the line, and when a part of a path would be taken for a variable.
+// path. Empty without an interpreter, when the platform would cut the line, and when a part of a path would
+// be taken for a variable. "command.com", of Windows 95 and 98, deletes only folders, by their short paths.
 std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPath> paths);

@@ -23,6 +23,10 @@ TEST(DeletionPlan, CommandsNameNothingElse) {
     const DeletedPath both[] = {{LPath("C:\\a b\\c.exe")}, {LPath("C:\\a b"), true}};
     EXPECT_EQ(DeletionCommand(interpreter, both),
               "\"C:\\W\\cmd.exe\" /c del \"C:\\a b\\c.exe\" & rd \"C:\\a b\"");
+    const DeletedPath folders[] = {{LPath("C:\\A\\B"), true}, {LPath("C:\\A"), true}};
+    EXPECT_EQ(DeletionCommand(LPath("C:\\W\\COMMAND.COM"), folders),
+              "\"C:\\W\\COMMAND.COM\" /c for %d in (C:\\A\\B C:\\A) do rd %d");
+    EXPECT_EQ(DeletionCommand(LPath("C:\\W\\COMMAND.COM"), both), "");
     for (const std::string& path : {std::string("C:\\%TEMP%"), "C:\\" + std::string(240, 'x')}) {
         const DeletedPath refused[] = {{LPath(path)}};
         EXPECT_EQ(DeletionCommand(interpreter, refused), "") << path;
