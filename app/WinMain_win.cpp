@@ -12,6 +12,7 @@
 #include "base/LRegistry_win.h"
 #include "base/LTrace.h"
 #include "install/Installer_win.h"
+#include "install/ShellFolders_win.h"
 #include "res/Ids.h"
 #include "store/DataFolder_win.h"
 #include "ui/LProgressDialog.h"
@@ -27,7 +28,6 @@ namespace {
 
 constexpr char kMainTitle[] = "Corvane";
 constexpr char kDialogClass[] = "#32770";
-constexpr char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 constexpr char kCorruptInstaller[] =
     "Installation file corrupt.\n\nA checksum error was detected in your install file, please redownload "
     "file and install again.";
@@ -124,8 +124,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     // The recorder must not starve while other programs run.
     SetPriorityClass(GetCurrentProcess(), HIGH_PRIORITY_CLASS);
     InstallRequest desktops;
-    desktops.desktop.Set(LReadRegistryText(HKEY_CURRENT_USER, kShellFolders, "Desktop"));
-    desktops.commonDesktop.Set(LReadRegistryText(HKEY_LOCAL_MACHINE, kShellFolders, "Common Desktop"));
+    const ShellFolders folders = ShellFolders::Read();
+    desktops.desktop = folders.desktop;
+    desktops.commonDesktop = folders.commonDesktop;
 
     StartingGate gate;
     const HWND running = FindWindowA(kDialogClass, kMainTitle);

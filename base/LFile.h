@@ -65,6 +65,8 @@ public:
     static bool IsFolder(const LPath& path);
     // Whether the file has the read-only attribute.
     static bool IsReadOnly(const LPath& path);
+    // Takes the read-only attribute away; false when there is no such file or it stays.
+    static bool MakeWritable(const LPath& path);
     // waitMs: the longest wait for another program that keeps the file open.
     static bool Delete(const LPath& path, uint32_t waitMs = 0);
     // Fails when the target exists. Also moves between drives (copies, then deletes the source).
@@ -113,6 +115,7 @@ private:
 struct LFolderEntry {
     std::string name;
     bool isFolder = false;
+    bool isLink = false;  // a junction, a symbolic link
     int64_t size = 0;
     uint64_t created = 0;
     uint64_t written = 0;

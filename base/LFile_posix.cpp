@@ -161,6 +161,12 @@ bool LFile::IsReadOnly(const LPath& path) {
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && (info.st_mode & S_IWUSR) == 0;
 }
 
+bool LFile::MakeWritable(const LPath& path) {
+    struct stat info;
+    return !path.Empty() && stat(Native(path).c_str(), &info) == 0 &&
+           chmod(Native(path).c_str(), info.st_mode | S_IWUSR) == 0;
+}
+
 // No program can keep another one from a file on this platform, so there is no Held.
 LFile::Attempt LFile::TryDelete(const LPath& path) {
     return unlink(Native(path).c_str()) == 0 ? Attempt::Done : Attempt::Failed;
@@ -206,8 +212,10 @@ bool LListFolder(const LPath& folder, std::string_view pattern,
         entry.name = found->d_name;
         if (entry.name == "." || entry.name == "..") continue;
         if (fnmatch(wanted.c_str(), LUpper(entry.name).c_str(), 0) != 0) continue;
+        const std::string path = Native(folder) + "/" + entry.name;
         struct stat info;
-        if (stat((Native(folder) + "/" + entry.name).c_str(), &info) != 0) continue;
+        entry.isLink = lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+        if (stat(path.c_str(), &info) != 0) continue;
         entry.isFolder = S_ISDIR(info.st_mode);
         entry.size = info.st_size;
         entry.written = ToFileTime(info.st_mtim);

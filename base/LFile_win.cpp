@@ -217,6 +217,12 @@ bool LFile::IsReadOnly(const LPath& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
+bool LFile::MakeWritable(const LPath& path) {
+    const DWORD attributes = path.Empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+}
+
 LFile::Attempt LFile::TryDelete(const LPath& path) {
     if (DeleteFileA(path.c_str())) return Attempt::Done;
     return IsHeldByOthers(path, GetLastError()) ? Attempt::Held : Attempt::Failed;
@@ -284,6 +290,7 @@ bool LListFolder(const LPath& folder, std::string_view pattern,
         entry.name = found.cFileName;
         if (entry.name == "." || entry.name == "..") continue;
         entry.isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        entry.isLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
         entry.size = static_cast<int64_t>(Join(found.nFileSizeHigh, found.nFileSizeLow));
         entry.created = ToFileTime(found.ftCreationTime);
         entry.written = ToFileTime(found.ftLastWriteTime);

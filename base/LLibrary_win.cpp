@@ -11,12 +11,6 @@ LPath SystemFolder() {
     return length < sizeof path ? LPath({path, length}) : LPath();
 }
 
-LPath WindowsFolder() {
-    char path[kPathSize] = {};
-    const UINT length = GetWindowsDirectoryA(path, sizeof path);
-    return length < sizeof path ? LPath({path, length}) : LPath();
-}
-
 LPath ProgramFolder() {
     char path[kPathSize] = {};
     const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
@@ -29,18 +23,18 @@ LPath FileIn(const LPath& folder, const char* fileName) {
 
 }  // namespace
 
+LPath LWindowsFolder() {
+    char path[kPathSize] = {};
+    const UINT length = GetWindowsDirectoryA(path, sizeof path);
+    return length < sizeof path ? LPath({path, length}) : LPath();
+}
+
 LLibrary LLoadLibraryAt(const LPath& path) {
-    const std::string_view text = path.View();
-    const bool isFull = text.starts_with("\\\\") || (text.size() > 2 && text[1] == ':' && text[2] == '\\');
-    if (!isFull) return {};
+    if (!LIsFullPath(path.View())) return {};
     const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     LLibrary library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
     SetErrorMode(mode);
     return library;
-}
-
-LLibrary LLoadSystemLibrary(const char* fileName) {
-    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
 }
 
 void LIgnoreLibrariesOfCurrentFolder() {
@@ -59,8 +53,12 @@ LLibrary LLoadAddOn(const char* fileName) {
     return {};
 }
 
+LLibrary LLoadSystemLibrary(const char* fileName) {
+    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
+}
+
 LPath LPlatformProgram(const char* fileName) {
-    for (const LPath& folder : {SystemFolder(), WindowsFolder()})
+    for (const LPath& folder : {SystemFolder(), LWindowsFolder()})
         if (const LPath path = FileIn(folder, fileName); !path.Empty() && LFile::Exists(path)) return path;
     return {};
 }

@@ -24,6 +24,10 @@ bool LEndsInSeparator(std::string_view path) {
     return !path.empty() && FindLastSeparator(path) == path.size() - 1;
 }
 
+bool LIsFullPath(std::string_view path) {
+    return path.starts_with("\\\\") || (path.size() > 2 && path[1] == ':' && path[2] == '\\');
+}
+
 bool LPath::Set(std::string_view text) {
     return Place(0, text);
 }

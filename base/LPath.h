@@ -62,6 +62,9 @@ std::string_view LFileNameOf(std::string_view path);
 // Whether a path ends in a separator.
 bool LEndsInSeparator(std::string_view path);
 
+// Whether a path names its drive or its share from the root on: "C:\..." or "\\...".
+bool LIsFullPath(std::string_view path);
+
 // Whether this byte begins a character of two bytes in the user's code page. The second byte may be 0x5C,
 // which alone is a backslash, so separators are searched for character by character.
 bool LIsLeadByte(char c);

@@ -1,6 +1,6 @@
 # Compile options of all our code, and the one way to declare a module.
 add_library(corvane_options INTERFACE)
-target_include_directories(corvane_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_include_directories(corvane_options INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
 target_compile_options(corvane_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Werror
     -fno-exceptions -fno-rtti)

@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-"""The main job, from microphone to typist, with the real program on the rig: tools/rig tools/demo.py
+"""The main job, from set-up to typist, with the real program on the rig: tools/rig tools/demo.py
 
-A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
+The set-up program installs Corvane, which shows its introduction. A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
 records; the dictation is played back and wound back; a correction is spoken and inserted there, and played;
 it gets a note and is sent to a typist's folder; it is recovered and mailed, encrypted, to another one. At last
-an MP3 and the delivered container are loaded as dictations. The sound that is heard and the files that arrive
-are compared with the samples. Leaves its files in out/, prints each step with its figure, and exits 0 only when all steps
-pass."""
+an MP3 and the delivered container are loaded as dictations, and Corvane is removed, without the recordings. The
+sound that is heard and the files that arrive are compared with the samples. Leaves its files in out/, prints each
+step with its figure, and exits 0 only when all steps pass."""
 
 import email
 import email.policy
@@ -24,9 +24,12 @@ import dct  # noqa: E402
 import mail  # noqa: E402
 import sound  # noqa: E402
 from ftp import ADDRESS  # noqa: E402
-from corvane import Corvane, Data, Dialog, WinCtl, read_ini, wait_active, wait_for, windows_path, write_ini  # noqa: E402
+from corvane import EXE, SETUP, SETUP_TITLE, Corvane, Data, Dialog, WinCtl, read_ini, wait_active  # noqa: E402
+from corvane import wait_for, windows_path, write_ini  # noqa: E402
 
 OUT = ROOT / "out"
+DRIVE_C = Path(os.environ["WINEPREFIX"]) / "drive_c"
+WELCOME, REMOVAL = "Welcome to Corvane", "Removing Corvane"
 WORDS = (
     "Patient Harris, seen on Monday. The blood pressure is one hundred and thirty over eighty. "
     "The cough has gone. Please see him again in two weeks."
@@ -54,11 +57,60 @@ class Steps:
         self.failed += not holds
 
 
-def screenshot(corvane, name):
-    """A picture of the main window with its frame, as it stands on the screen."""
-    left, top, right, bottom = corvane.describe()["rect"]
+def screenshot(corvane, name, window=None):
+    """A picture of a window (the main one) with its frame, as it stands on the screen."""
+    left, top, right, bottom = corvane.winctl.ask("window", window or corvane.window)["rect"]
     area = f"{right - left + 8}x{bottom - top + 8}+{max(0, left - 4)}+{max(0, top - 4)}"
     subprocess.run(["import", "-window", "root", "-crop", area, "-trim", "+repage", str(OUT / name)], check=True)
+
+
+def shortcuts():
+    return [path for path in DRIVE_C.rglob("*.lnk") if path.name.startswith("Corvane")]
+
+
+def install(helper, steps):
+    """Installs Corvane as its user does; returns its folder once it has shown itself and was closed."""
+    begun = time.monotonic()
+    setup = Corvane(helper, None, exe=SETUP)
+    setup.launch(title=SETUP_TITLE)
+    question = Dialog(setup, SETUP_TITLE, button=1)
+    asked = time.monotonic() - begun
+    place = question.item("IDC_INSTALL_FOLDER")["text"]
+    screenshot(setup, "install.png", question.window)
+    begun = time.monotonic()
+    question.end(1)
+    folder = DRIVE_C / place.removeprefix("C:\\").replace("\\", "/")
+    installed = Corvane(helper, None, exe=folder / "corvane.exe")
+    installed.window = installed.take()
+    installed.wait_box(WELCOME)
+    steps.check(
+        setup.process.wait(20) == 0 and installed.exe.read_bytes() == EXE.read_bytes() and len(shortcuts()) >= 2,
+        f"{SETUP.name} asked after {asked:.1f} s; {time.monotonic() - begun:.1f} s later Corvane is in {place}, with "
+        f"{len(shortcuts())} shortcuts, and shows its introduction",
+    )
+    screenshot(installed, "introduction.png", Dialog(installed, WELCOME).window)
+    installed.answer_box(WELCOME, 2)
+    installed.close()
+    return folder
+
+
+def remove(helper, data, steps):
+    """Removes it, as the platform's list of programs does."""
+    recordings = lambda: {path: path.read_bytes() for path in data.user.rglob("*") if path.is_file()}
+    before = recordings()
+    remover = Corvane(helper, None, exe=data.folder / "corvane.exe")
+    remover.launch("/uninstall", title=REMOVAL)
+    question = Dialog(remover, REMOVAL, button=1)
+    screenshot(remover, "remove.png", question.window)
+    question.end(1)
+    outcome = Dialog(remover, REMOVAL, button=1)
+    screenshot(remover, "removed.png", outcome.window)
+    outcome.end(1)
+    left = sorted(path.name for path in data.folder.iterdir() if path.is_file())
+    steps.check(
+        recordings() == before and not remover.exe.exists() and not shortcuts(),
+        f"removed; {len(before)} files of recordings, notes and settings are as they were, and {', '.join(left)}",
+    )
 
 
 def answer_field(corvane, steps):
@@ -216,7 +268,7 @@ def mail_it(corvane, data, steps, spoken, number):
 
 def load_files(corvane, data, steps, corrected):
     """Loads an MP3 and the container that the first typist got, as a colleague's, through the platform's dialog."""
-    folder = data.folder / "from elsewhere"
+    folder = DRIVE_C / "from elsewhere"
     folder.mkdir()
     convert = ["ffmpeg", "-loglevel", "error", "-i", str(OUT / "spoken.wav"), "-b:a", "64k"]
     subprocess.run([*convert, str(folder / "spoken.mp3")], check=True)
@@ -241,19 +293,19 @@ def load_files(corvane, data, steps, corrected):
 
 
 def main():
-    shutil.rmtree(OUT, ignore_errors=True)
-    OUT.mkdir()
+    OUT.mkdir(exist_ok=True)
+    for file in filter(Path.is_file, OUT.iterdir()):
+        file.unlink()
     steps = Steps()
     spoken = sound.speak(OUT / "spoken.wav", WORDS)
     steps.say(f'a voice is to speak {spoken.duration:.2f} s: "{WORDS}"')
-    drive_c = Path(os.environ["WINEPREFIX"]) / "drive_c"
-    data = Data(drive_c / "dictations", drive_c / "typist")
+    helper = WinCtl()
+    data = Data(install(helper, steps), DRIVE_C / "typist")
     by_mail = {"usemapi": "false", "mailhost": ADDRESS}
     write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "prompt1": {"prompt": "true"}, "email": by_mail})
     data.add_recipient("Typist")
     mail.add_recipient(data, "typist@example.org", PASSWORD, 1)
-    helper = WinCtl()
-    corvane = Corvane(helper, data)
+    corvane = Corvane(helper, data, exe=data.folder / "corvane.exe")
     try:
         corvane.start()
         steps.say(f"corvane.exe runs on {os.environ['RIG_WINDOWS']}, its window up after {corvane.start_seconds:.1f} s")
@@ -270,6 +322,7 @@ def main():
         screenshot(corvane, "sent.png")
         load_files(corvane, data, steps, corrected)
         steps.check(corvane.close() == 0, "corvane.exe closed when asked to")
+        remove(helper, data, steps)
     finally:
         corvane.kill()
         helper.close()

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "res/Ids.h"
+#include "res/Version.h"
 
 // The tool tip of a control.
 struct ControlTip {
@@ -29,7 +30,7 @@ constexpr ControlTip kControlTips[] = {
 
 // The texts of the information line, shown in turn.
 constexpr const char* kInfoTexts[] = {
-    "Corvane 3.06: record, correct and send dictations.",
+    "Corvane " CORVANE_VERSION ": record, correct and send dictations.",
     "Press F5 to record and Escape to stop; everything is on disk at once.",
     "Typed notes are saved by themselves and travel with the dictation.",
     "Quennet: the transcription program for your typist.",

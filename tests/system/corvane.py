@@ -16,6 +16,9 @@ ROOT = Path(__file__).resolve().parents[2]
 BUILD = Path(os.environ.get("CORVANE_BUILD", ROOT / "build" / "win32"))
 EXE = BUILD / "corvane.exe"
 TOOLS = BUILD / "tests" / "system"
+VERSION = re.search(r"^project\(Corvane VERSION ([\d.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
+SETUP = BUILD / "corvanesetup.exe"
+SETUP_TITLE = f"Installing Corvane v {VERSION}"
 TITLE = "Corvane"
 DIALOG_CLASS = "#32770"
 FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
@@ -167,10 +170,10 @@ def pcm_wav(frames, rate=8000, sizes_known=True, value=1000):
 
 
 class Corvane:
-    """One running corvane.exe."""
+    """One running corvane.exe: that of the build, or an installed one or a set-up program elsewhere."""
 
-    def __init__(self, winctl, data, environment=None):
-        self.winctl, self.data = winctl, data
+    def __init__(self, winctl, data, environment=None, exe=EXE):
+        self.winctl, self.data, self.exe = winctl, data, exe
         self.environment = {**os.environ, **(environment or {})}
         self.process = None
         self.window = self.pid = 0
@@ -178,11 +181,10 @@ class Corvane:
     # --- Its life -------------------------------------------------------------------------------------
 
     def start(self):
-        self.winctl.ask("setreg", FOLDERS_KEY, "DataFiles", windows_path(self.data.folder))
+        if self.exe == EXE:
+            self.winctl.ask("setreg", FOLDERS_KEY, "DataFiles", windows_path(self.data.folder))
         started = time.monotonic()
-        self.process = subprocess.Popen(["wine", str(EXE)], env=self.environment, stdin=subprocess.DEVNULL)
-        found = wait_for(self._find, "the main window", 20)
-        self.window, self.pid = found["hwnd"], found["pid"]
+        self.window = self.launch()
         wait_for(lambda: self.api(0) == 1, "an answering main window")
         self.start_seconds = time.monotonic() - started
         # Whoever is answered while the list is filled sees this, since no message is worked off before it stands.
@@ -190,16 +192,32 @@ class Corvane:
         self.fill_seconds = time.monotonic() - started
         return self
 
-    def _find(self):
-        assert self.process.poll() is None, f"corvane.exe ended with {self.process.returncode} while starting"
-        found = self.winctl.ask("find", DIALOG_CLASS, TITLE)
-        return found if found["hwnd"] else None
+    def launch(self, *words, title=TITLE):
+        """Starts it and returns its first window."""
+        command = ["wine", str(self.exe), *words]
+        self.process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL)
+        return self.take(title)
+
+    def take(self, title=TITLE):
+        """Waits for a window of this title, whoever started its program, which is then the one to be asked."""
+
+        def find():
+            code = self.process and self.process.poll()
+            assert not code, f"{self.exe.name} ended with {code} while starting"
+            found = self.winctl.ask("find", DIALOG_CLASS, title)
+            return found if found["hwnd"] else None
+
+        found = wait_for(find, f'the window "{title}"', 20)
+        self.pid = found["pid"]
+        return found["hwnd"]
 
     def close(self):
         """Asks the program to close and waits for its end."""
-        if self.process.poll() is None:
+        if not self.process or self.process.poll() is None:
             self.winctl.ask("post", self.window, WM_CLOSE, 0, 0)
-        return self.process.wait(15)
+        if self.process:
+            return self.process.wait(15)
+        wait_for(lambda: not self.winctl.ask("resources", self.pid)["handles"], "the end of the program", 15)
 
     def kill(self):
         """Ends it as a power failure would."""
@@ -251,8 +269,10 @@ class Corvane:
         windows = self.winctl.ask("windows", self.pid)["windows"]
         return [w for w in windows if w["class"] == DIALOG_CLASS and w["hwnd"] != self.window and has_button(w)]
 
-    def _box(self, title, seconds=10):
-        return wait_for(lambda: next((b for b in self.boxes() if b["text"] == title), None), f'a box "{title}"', seconds)
+    def _box(self, title, seconds=10, button=None):
+        ids = lambda box: [None, *(c["id"] for c in box["children"])]
+        fits = lambda box: box["text"] == title and button in ids(box)
+        return wait_for(lambda: next((b for b in self.boxes() if fits(b)), None), f'a box "{title}"', seconds)
 
     def wait_box(self, title, seconds=10):
         """Waits for a message box and returns its text."""
@@ -338,10 +358,11 @@ class Corvane:
 class Dialog:
     """A dialog or sheet of the program, which a command opens or which stands already."""
 
-    def __init__(self, program, title, command=None):
+    def __init__(self, program, title, command=None, button=None):
+        """button: of several with this title, the one that has it."""
         if command:
             program.command(command)
-        self.winctl, self.title, self.window = program.winctl, title, program._box(title)["hwnd"]
+        self.winctl, self.title, self.window = program.winctl, title, program._box(title, 10, button)["hwnd"]
 
     def item(self, name):
         children = self.winctl.ask("window", self.window)["children"]

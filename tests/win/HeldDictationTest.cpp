@@ -1,4 +1,5 @@
 #include "base/LProfile.h"
+#include "store/DataRemoval.h"
 #include "store/DictationRecord.h"
 #include "store/MoveToSent.h"
 #include "store/Settings.h"
@@ -83,4 +84,11 @@ TEST_F(HeldDictationTest, AnItemOfAListMovesOnceItCanBeRead) {
         EXPECT_FALSE(Settings::MoveListItem(file, "s", "a", 1, 0));
     }
     EXPECT_EQ(value("a0"), "y");
+}
+
+TEST_F(HeldDictationTest, ARemovalKeepsADictationWithItsAudio) {
+    const HeldFile held(Current(12).audio);
+    NotingContext context;
+    EXPECT_EQ(DataRemoval(m_temp.Path()).Process(context), ProcessResult::Failed);
+    EXPECT_EQ(CountFiles(m_user.currentFolder), 3u);
 }
