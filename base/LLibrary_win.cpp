@@ -37,10 +37,6 @@ LLibrary LLoadLibraryAt(const LPath& path) {
     return library;
 }
 
-LLibrary LLoadSystemLibrary(const char* fileName) {
-    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
-}
-
 void LIgnoreLibrariesOfCurrentFolder() {
     if (const auto set = LSystemFunction<BOOL(WINAPI*)(LPCSTR)>("SetDllDirectoryA")) set("");
 }

@@ -18,11 +18,6 @@ using LLibrary = LOwned<LibraryTraits>;
 // Thread: any.
 LLibrary LLoadLibraryAt(const LPath& path);
 
-// Loads a library of the platform, such as "wininet.dll", from the system folder, whatever lies in the
-// program's folder or the current one. Empty when it cannot be loaded.
-// Thread: any.
-LLibrary LLoadSystemLibrary(const char* fileName);
-
 // What the platform loads by its name alone is no longer looked for in the current folder, which may be any
 // that the user chose a file in. To be called first; without effect before Windows XP.
 void LIgnoreLibrariesOfCurrentFolder();

@@ -39,6 +39,15 @@ def test_a_set_up_loads_no_library_that_lies_among_its_downloads(tmp_path):
     assert len(beside) == 1 and beside[0].endswith(b"corvanesetup.exe"), beside
 
 
+def test_without_the_libraries_for_sound_it_starts_and_tells_of_no_device(corvane, data):
+    data.add_dictation(1, pcm_wav(800))
+    program = corvane(environment={"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";winmm,msacm32=d"})
+    program.select(1)
+    for command in ("CM_PLAY", "CM_RECORD"):
+        program.command(command)
+        assert "you do not have a sound card installed" in program.wait_box("Sound Device Error")
+
+
 RUBBISH = bytes(range(256)) * 40
 HUGE = b"[settings]\r\n" + b"x" * (10 * 1024 * 1024)
 
