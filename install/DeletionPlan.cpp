@@ -22,36 +22,21 @@ std::string WithDeletion(std::string_view wininit, std::string_view shortPath) {
         begin = next;
     }
     const bool isCut = (end == 0 || end == text.size()) && !text.empty() && text.back() != '\n';
-    const std::string added =
-        (isCut ? "\r\n" : "") + std::string(end == 0 ? "[rename]\r\n" : "") + line + "\r\n";
-    return text.insert(end == 0 ? text.size() : end, added);
-}
-
-// A line holds one command there, and a loop is one.
-static std::string FolderLoop(std::span<const DeletedPath> paths) {
-    std::string list;
-    for (const DeletedPath& path : paths) {
-        if (!path.isFolder || path.path.View().find_first_of(" ()") != std::string_view::npos) return {};
-        list += (list.empty() ? "" : " ") + std::string(path.path.View());
-    }
-    return " for %d in (" + list + ") do rd %d";
-}
-
-static std::string Commands(std::span<const DeletedPath> paths) {
-    std::string commands;
-    for (const DeletedPath& path : paths)
-        commands += LFormat("%s %s \"%s\"", commands.empty() ? "" : " &", path.isFolder ? "rd" : "del",
-                            path.path.c_str());
-    return commands;
+    return text.insert(end == 0 ? text.size() : end, LFormat("%s%s%s\r\n", isCut ? "\r\n" : "",
+                                                             end == 0 ? "[rename]\r\n" : "", line.c_str()));
 }
 
 std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPath> paths) {
-    const auto isVariable = [](const DeletedPath& path) {
-        return path.path.View().find('%') != std::string_view::npos;
-    };
+    // Its lines hold one command, and a loop is one.
     const bool isOld = LEqualNoCase(LFileNameOf(interpreter.View()), "command.com");
-    const std::string commands = isOld ? FolderLoop(paths) : Commands(paths);
-    const std::string line = '"' + std::string(interpreter.View()) + "\" /c" + commands;
-    const bool isRefused = interpreter.Empty() || commands.empty() || std::ranges::any_of(paths, isVariable);
-    return isRefused || line.size() > kLongestCommand ? std::string() : line;
+    std::string line = LFormat("\"%s\" /c%s", interpreter.c_str(), isOld ? " for %d in (" : "");
+    for (const DeletedPath& path : paths) {
+        const bool isName = path.path.View().find_first_of(isOld ? "% ()" : "%") == std::string_view::npos;
+        if (!isName || (isOld && !path.isFolder)) return {};
+        line += isOld ? LFormat(" %s", path.path.c_str())
+                      : LFormat("%s %s \"%s\"", &path == paths.data() ? "" : " &",
+                                path.isFolder ? "rd" : "del", path.path.c_str());
+    }
+    if (isOld) line += ") do rd %d";
+    return interpreter.Empty() || line.size() > kLongestCommand ? std::string() : line;
 }

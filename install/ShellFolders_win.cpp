@@ -7,12 +7,13 @@ ShellFolders ShellFolders::Read() {
         return LPath(LReadRegistryText(
             hive, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", name));
     };
-    ShellFolders folders;
-    folders.desktop = folder(HKEY_CURRENT_USER, "Desktop");
-    folders.commonDesktop = folder(HKEY_LOCAL_MACHINE, "Common Desktop");
-    folders.programs = folder(HKEY_CURRENT_USER, "Programs");
-    folders.commonPrograms = folder(HKEY_LOCAL_MACHINE, "Common Programs");
-    folders.localData = folder(HKEY_CURRENT_USER, "Local AppData");
+    ShellFolders folders = {
+        .desktop = folder(HKEY_CURRENT_USER, "Desktop"),
+        .commonDesktop = folder(HKEY_LOCAL_MACHINE, "Common Desktop"),
+        .programs = folder(HKEY_CURRENT_USER, "Programs"),
+        .commonPrograms = folder(HKEY_LOCAL_MACHINE, "Common Programs"),
+        .localData = folder(HKEY_CURRENT_USER, "Local AppData"),
+    };
     if (folders.localData.Empty()) folders.localData = folder(HKEY_CURRENT_USER, "AppData");
     return folders;
 }

@@ -1,8 +1,6 @@
 #include "store/DataRemoval.h"
 
 #include <algorithm>
-#include <set>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -12,76 +10,61 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 
-// One table names every file by the folder that it lies in. A folder is listed as a whole before anything in
-// it is deleted, and its own folders come before it, so that the settings go last: a removal that was cut off
-// leaves a data folder that works.
+// One table names every file by the folder that it lies in. The settings go last: a removal that was cut off,
+// or could not delete all, leaves a data folder that works.
 
 namespace {
 
+using Kind = DataWalk::Kind;
+
 constexpr uint32_t kHeldWaitMs = 100;  // for each file: the window waits
 
-// In both parts # stands for a digit, and * for one or more digits or hyphens.
+// In name and extension # stands for a digit, and * for one or more digits or hyphens.
 struct Mask {
+    Kind kind;  // Current: all folders of dictations
     const char* name;
     const char* extension = "";
 };
+constexpr Mask kFiles[] = {
+    {Kind::Data, "settings", ".ini"},
+    {Kind::Data, "settings.ini", LLeftOver::kProfile},
+    {Kind::Data, "bgsend", ".dat"},
+    {Kind::Data, "bgsend", LLeftOver::kQueue},
+    {Kind::Data, "bgsend", LLeftOver::kLock},
+    {Kind::Data, LLeftOver::kSendingLock},
+    {Kind::Data, LLeftOver::kUsersLock},
+    {Kind::Data, LLeftOver::kKeysLock},
+    {Kind::Data, LLeftOver::kReport},
+    {Kind::Data, "s#######", ".sta"},
+    {Kind::User, "user", ".dat"},
+    {Kind::User, "user.dat", LLeftOver::kProfile},
+    {Kind::User, "rec*", ".dat"},
+    {Kind::User, "rec*", LLeftOver::kRecipient},
+    {Kind::User, LLeftOver::kInUseLock},
+    {Kind::User, LLeftOver::kMove},
+    {Kind::User, "moving", LLeftOver::kLock},
+    {Kind::User, "moving", LLeftOver::kJournal},
+    {Kind::User, LLeftOver::kDeletion},
+    {Kind::User, "deleting", LLeftOver::kJournal},
+    {Kind::User, "untold", ".txt"},
+    {Kind::User, "untold", LLeftOver::kUntold},
+    {Kind::Current, "########", ".dat"},
+    {Kind::Current, "########", ".wav"},
+    {Kind::Current, "########", ".txt"},
+    {Kind::Current, "########.dat", LLeftOver::kProfile},
+    {Kind::Current, "########", LLeftOver::kNotes},
+    {Kind::Current, "########", LLeftOver::kAudio},
+    {Kind::Current, "########", LLeftOver::kInsert},
+    {Kind::Current, "########", LLeftOver::kInsertBeside},
+    {Kind::Current, "########", LLeftOver::kSetAsidePattern},
+    {Kind::Current, "########", LLeftOver::kLock},
+    {Kind::Current, "wav*", ".wav"},  // what is sent
+    {Kind::Current, "dct*", ".dct"},
+};
 
-constexpr Mask kDataFiles[] = {
-    {"settings", ".ini"},         {"settings.ini", LLeftOver::kProfile},
-    {"bgsend", ".dat"},           {"bgsend", LLeftOver::kQueue},
-    {"bgsend", LLeftOver::kLock}, {"bgsend.dat", LLeftOver::kProfile},
-    {LLeftOver::kSendingLock},    {LLeftOver::kUsersLock},
-    {LLeftOver::kKeysLock},       {LLeftOver::kReport},
-    {"s#######", ".sta"},
-};
-constexpr Mask kUserFiles[] = {
-    {"user", ".dat"},
-    {"user.dat", LLeftOver::kProfile},
-    {"rec*", ".dat"},
-    {"rec*", LLeftOver::kRecipient},
-    {LLeftOver::kInUseLock},
-    {LLeftOver::kMove},
-    {"moving", LLeftOver::kLock},
-    {"moving", LLeftOver::kJournal},
-    {LLeftOver::kDeletion},
-    {"deleting", LLeftOver::kJournal},
-    {"untold", ".txt"},
-    {"untold", LLeftOver::kUntold},
-};
-constexpr Mask kDictationFiles[] = {
-    {"########", ".dat"},
-    {"########", ".wav"},
-    {"########", ".txt"},
-    {"########.dat", LLeftOver::kProfile},
-    {"########", LLeftOver::kNotes},
-    {"########", LLeftOver::kAudio},
-    {"########", LLeftOver::kInsert},
-    {"########", LLeftOver::kInsertBeside},
-    {"########", LLeftOver::kSetAsidePattern},
-    {"########", LLeftOver::kLock},
-    {"wav*", ".wav"},  // what is sent
-    {"dct*", ".dct"},
-};
-
-enum class Kind { Data, User, Current, Sent, Import };
-struct Place {
-    std::span<const Mask> files;
-    struct Inside {
-        const char* mask;
-        Kind kind;
-    };
-    std::span<const Inside> folders;
-};
-constexpr char kUserMask[] = "########";
-constexpr Place::Inside kUsers[] = {{kUserMask, Kind::User}};
-constexpr Place::Inside kOfUser[] = {
-    {"Current", Kind::Current}, {"Sent", Kind::Sent}, {LLeftOver::kImport, Kind::Import}};
-
-Place PlaceOf(Kind kind) {
-    if (kind == Kind::Data) return {kDataFiles, kUsers};
-    if (kind == Kind::User) return {kUserFiles, kOfUser};
-    return {kDictationFiles, {}};
-}
+// The folder of each kind, from User on.
+constexpr const char* kFolders[] = {"########", "Current", "Sent", LLeftOver::kImport};
+constexpr size_t kOfData = 1;  // the first of them lies in the data folder, the others in that of a user
 
 bool Fits(std::string_view mask, std::string_view name) {
     if (mask.empty() || name.empty()) return mask.empty() && name.empty();
@@ -92,174 +75,143 @@ bool Fits(std::string_view mask, std::string_view name) {
     return fits && Fits(mask.substr(1), rest);
 }
 
-bool IsOurs(std::span<const Mask> masks, std::string_view name) {
-    return std::ranges::any_of(
-        masks, [&](const Mask& mask) { return Fits(std::string(mask.name) + mask.extension, name); });
-}
-
-struct OurFolder {
-    LPath path;
-    Kind kind;
-    LPath user;  // the folder of its user; empty for the data folder
-    bool isWhole;
-    std::vector<std::string> files;
-};
-
-// The folder with all that are ours in it, each behind those inside it.
-void Collect(const LPath& path, Kind kind, const LPath& user, std::vector<OurFolder>& found) {
-    const Place place = PlaceOf(kind);
-    OurFolder own{path, kind, user, false, {}};
-    std::vector<std::pair<LPath, Kind>> inside;
-    own.isWhole = LListFolder(path, "*.*", [&](const LFolderEntry& entry) {
-        if (!entry.isFolder && IsOurs(place.files, entry.name)) own.files.push_back(entry.name);
-        for (const Place::Inside& folder : place.folders)
-            if (entry.isFolder && !entry.isLink && Fits(folder.mask, entry.name))
-                inside.emplace_back(LPath::Join(path.View(), entry.name), folder.kind);
-        return true;
+bool IsOurs(Kind kind, std::string_view name) {
+    kind = std::min(kind, Kind::Current);
+    return std::ranges::any_of(kFiles, [&](const Mask& mask) {
+        return mask.kind == kind && Fits(std::string(mask.name) + mask.extension, name);
     });
-    for (const auto& [folder, ofKind] : inside)
-        Collect(folder, ofKind, kind == Kind::Data ? folder : user, found);
-    found.push_back(std::move(own));
 }
 
-std::vector<OurFolder> Collect(const LPath& dataFolder) {
-    std::vector<OurFolder> found;
-    Collect(dataFolder, Kind::Data, {}, found);
-    return found;
-}
-
-std::string UnreadText(const LPath& folder) {
-    return LFormat("The folder %s cannot be read.", folder.c_str());
+// The kind of a folder inside one of another kind; Data when it is not ours.
+Kind KindOf(Kind outside, std::string_view name) {
+    const size_t begin = outside == Kind::Data ? 0 : kOfData;
+    const size_t end = outside == Kind::Data ? kOfData : outside == Kind::User ? std::size(kFolders) : 0;
+    for (size_t i = begin; i < end; ++i)
+        if (Fits(kFolders[i], name)) return static_cast<Kind>(i + 1);
+    return Kind::Data;
 }
 
 bool IsAudio(std::string_view name) {
     return LEqualNoCase(LSplitPath(name).extension, ".wav");
 }
 
-// Whether a program runs for this user, on another machine too.
-bool IsInUse(const LPath& user) {
-    const LPath lock = LPath::Join(user.View(), LLeftOver::kInUseLock);
-    return !user.Empty() && LFile::Exists(lock) && LFileLock().TryTake(lock) == LFileLock::Result::Held;
-}
-
-bool DeleteFile(const LPath& file) {
-    if (LFile::IsReadOnly(file)) LFile::MakeWritable(file);
-    if (LFile::Delete(file, kHeldWaitMs) || LFile::IsAbsent(file)) return true;
-    LTrace("DataRemoval::Process unable to delete", file.View());
-    return false;
+// On a drive that is away everything seems absent.
+bool IsDriveThere(const LPath& folder) {
+    return LFile::IsFolder(LRootOf(folder.View()));
 }
 
 }  // namespace
 
 Holding HoldsDictations(const LPath& folder) {
-    if (LFile::Exists(LPath::Join(folder.View(), "settings.ini"))) return Holding::Yes;
-    // On a drive that is away everything seems absent.
-    if (!LFile::IsFolder(LRootOf(folder.View()))) return Holding::Unknown;
     std::vector<LPath> users;
-    bool isWhole = LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
-        if (entry.isFolder && Fits(kUserMask, entry.name))
-            users.push_back(LPath::Join(folder.View(), entry.name));
-        return true;
-    });
-    bool isFound = false;
-    for (const LPath& user : users) {
-        for (const Place::Inside& place : kOfUser) {
-            isWhole = LListFolder(LPath::Join(user.View(), place.mask), "*.*",
-                                  [&](const LFolderEntry& entry) {
-                                      isFound = !entry.isFolder && IsOurs(kDictationFiles, entry.name);
-                                      return !isFound;
-                                  }) &&
-                      isWhole;
-            if (isFound) return Holding::Yes;
-        }
-    }
-    return isWhole ? Holding::No : Holding::Unknown;
-}
-
-ProcessResult DataCount::Process(ProcessContext& context) {
-    m_contents = {};
-    std::vector<LPath> audio;
-    LPath lastUser;
-    for (const OurFolder& folder : Collect(m_folder)) {
-        if (!folder.isWhole) {
-            LTrace("DataCount::Process unable to list", folder.path.View());
-            context.SetError(UnreadText(folder.path));
-            return ProcessResult::Failed;
-        }
-        if (folder.kind != Kind::Current && folder.kind != Kind::Sent) continue;
-        std::set<std::string_view> dictations;
-        for (const std::string& file : folder.files) {
-            const LPathParts parts = LSplitPath(file);
-            const bool isRecord = LEqualNoCase(parts.extension, ".dat");
-            if ((!isRecord && !IsAudio(file)) || !Fits("########", parts.name)) continue;
-            dictations.insert(parts.name);
-            if (!isRecord) audio.push_back(LPath::Join(folder.path.View(), file));
-        }
-        const auto count = static_cast<int32_t>(dictations.size());
-        m_contents.dictations += count;
-        if (folder.kind == Kind::Current) m_contents.notSent += count;
-        if (count > 0 && !(folder.user == lastUser)) {
-            ++m_contents.users;
-            lastUser = folder.user;
-        }
-    }
-    for (size_t i = 0; i < audio.size(); ++i) {
-        if (context.CancelRequested()) return ProcessResult::Stopped;
-        m_contents.audioMs += m_lengthMs(audio[i]);
-        context.SetProgress(static_cast<double>(i + 1) / static_cast<double>(audio.size()));
-    }
-    return ProcessResult::Done;
-}
-
-// Deletes the files of a folder, the audio of each dictation first: where that cannot be deleted, the others
-// stay with it.
-bool DataRemoval::DeleteFiles(ProcessContext& context, const LPath& folder, std::vector<std::string> files) {
-    const auto order = [](const std::string& name) {
-        return std::pair(LUpper(LSplitPath(name).name), !IsAudio(name));
+    bool isFound = LFile::Exists(LPath::Join(folder.View(), "settings.ini"));
+    bool isWhole = IsDriveThere(folder) && LListFolder(folder, "*.*", [&](const LFolderEntry& entry) {
+                       if (entry.isFolder && KindOf(Kind::Data, entry.name) == Kind::User)
+                           users.push_back(LPath::Join(folder.View(), entry.name));
+                       return true;
+                   });
+    const auto isNone = [&](const LFolderEntry& entry) {
+        isFound = isFound || (!entry.isFolder && IsOurs(Kind::Current, entry.name));
+        return !isFound;
     };
-    std::ranges::sort(files, {}, order);
-    std::string kept;
-    for (const std::string& file : files) {
-        if (context.CancelRequested()) return false;
-        const std::string name = order(file).first;
-        if (name == kept || !DeleteFile(LPath::Join(folder.View(), file))) {
-            kept = name;
-            ++m_kept;
-        }
-        context.SetProgress(static_cast<double>(++m_done) / m_total);
+    for (const LPath& user : users)
+        for (size_t i = kOfData; !isFound && i < std::size(kFolders); ++i)
+            isWhole = LListFolder(LPath::Join(user.View(), kFolders[i]), "*.*", isNone) && isWhole;
+    return isFound ? Holding::Yes : isWhole ? Holding::No : Holding::Unknown;
+}
+
+ProcessResult DataWalk::Process(ProcessContext& context) {
+    m_kept = 0;
+    m_unread = {};
+    if (!Walk(context, m_folder, Kind::Data, 0, 1)) return ProcessResult::Stopped;
+    if (m_kept == 0) return ProcessResult::Done;
+    context.SetError(
+        m_unread.Empty()
+            ? LFormat(
+                  "%ld of the files and folders in %s could not be deleted. Another program may have them "
+                  "open, or you have no right to delete them.",
+                  static_cast<long>(m_kept), m_folder.c_str())
+            : LFormat("The folder %s cannot be read.", m_unread.c_str()));
+    return ProcessResult::Failed;
+}
+
+// False when it was cancelled. The progress goes from one fraction to the other.
+bool DataWalk::Walk(ProcessContext& context, const LPath& folder, Kind kind, double from, double to) {
+    std::vector<std::string> files, folders;
+    const auto sort = [&](const LFolderEntry& entry) {
+        if (!entry.isFolder && IsOurs(kind, entry.name)) files.push_back(entry.name);
+        if (entry.isFolder && !entry.isLink && KindOf(kind, entry.name) != Kind::Data)
+            folders.push_back(entry.name);
+        return true;
+    };
+    if (!Enter(folder, kind)) return true;
+    if ((kind == Kind::Data && !IsDriveThere(folder)) || !LListFolder(folder, "*.*", sort)) {
+        LTrace("DataWalk::Walk unable to list", folder.View());
+        m_unread = folder;
+        ++m_kept;
+        return true;
     }
+    const double step = (to - from) / static_cast<double>(folders.size() + 1);
+    for (const std::string& name : folders) {
+        const LPath inside = LPath::Join(folder.View(), name);
+        if (!Walk(context, inside, KindOf(kind, name), from, from + step)) return false;
+        from += step;
+    }
+    double done = 0;
+    for (const bool isAudio : {true, false}) {
+        for (const std::string& name : files) {
+            if (IsAudio(name) != isAudio) continue;
+            if (context.CancelRequested()) return false;
+            Take(LPath::Join(folder.View(), name), kind);
+            context.SetProgress(from + step * ++done / static_cast<double>(files.size()));
+        }
+    }
+    Leave(folder);
     return true;
 }
 
-ProcessResult DataRemoval::Process(ProcessContext& context) {
-    const std::vector<OurFolder> folders = Collect(m_folder);
-    m_kept = m_done = m_total = 0;
-    for (const OurFolder& folder : folders) m_total += static_cast<int32_t>(folder.files.size());
-    std::string unread;
-    LPath user;
-    bool isInUse = false;
-    int32_t keptBefore = 0;
-    for (const OurFolder& folder : folders) {
-        if (!(folder.user == user)) {
-            user = folder.user;
-            isInUse = IsInUse(user);
-            keptBefore = folder.kind == Kind::Data ? 0 : m_kept;
-        }
-        if (!folder.isWhole) unread = "\n\n" + UnreadText(folder.path);
-        // What stays is to be found as it was: with its user's files and the settings.
-        const bool isNeeded = (folder.kind == Kind::User || folder.kind == Kind::Data) && m_kept > keptBefore;
-        if (!folder.isWhole || isInUse || isNeeded) {
-            m_kept += static_cast<int32_t>(folder.files.size()) + !folder.isWhole;
-            continue;
-        }
-        if (!DeleteFiles(context, folder.path, folder.files)) return ProcessResult::Stopped;
-        LFile::DeleteFolder(folder.path);
-    }
-    if (m_kept == 0) return ProcessResult::Done;
-    context.SetError(
-        LFormat("%ld of the files in %s could not be deleted. Another program may have them open, or you "
-                "have no right to delete them.",
-                static_cast<long>(m_kept), m_folder.c_str()) +
-        unread);
-    return ProcessResult::Failed;
+bool DataCount::Enter(const LPath&, Kind kind) {
+    if (kind == Kind::Data) m_contents = {};
+    if (kind == Kind::User) m_isCounted = false;
+    return true;
+}
+
+// A dictation has a record, or audio that has lost it.
+void DataCount::Take(const LPath& file, Kind kind) {
+    const LPathParts parts = LSplitPath(file.View());
+    const bool isAudio = IsAudio(file.View());
+    if ((kind != Kind::Current && kind != Kind::Sent) || !Fits("########", parts.name)) return;
+    if (isAudio) m_contents.audioMs += m_lengthMs(file);
+    if (isAudio ? !LFile::IsAbsent(file.WithExtension(".dat")) : !LEqualNoCase(parts.extension, ".dat"))
+        return;
+    ++m_contents.dictations;
+    m_contents.notSent += kind == Kind::Current;
+    m_contents.users += !m_isCounted;
+    m_isCounted = true;
+}
+
+bool DataRemoval::Enter(const LPath& folder, Kind kind) {
+    if (kind == Kind::Data) m_keptBefore = 0;
+    if (kind != Kind::User) return true;
+    m_keptBefore = m_kept;
+    const LPath lock = LPath::Join(folder.View(), LLeftOver::kInUseLock);
+    if (!LFile::Exists(lock) || LFileLock().TryTake(lock) != LFileLock::Result::Held) return true;
+    ++m_kept;
+    return false;
+}
+
+void DataRemoval::Take(const LPath& file, Kind kind) {
+    const bool isNeeded = kind == Kind::Data   ? m_kept > 0
+                          : kind == Kind::User ? m_kept > m_keptBefore
+                                               : m_kept > 0 && !IsAudio(file.View()) &&
+                                                     LFile::Exists(file.WithExtension(".wav"));
+    if (isNeeded) return;
+    if (LFile::IsReadOnly(file)) LFile::MakeWritable(file);
+    if (LFile::Delete(file, kHeldWaitMs) || LFile::IsAbsent(file)) return;
+    LTrace("DataRemoval::Take unable to delete", file.View());
+    ++m_kept;
+}
+
+void DataRemoval::Leave(const LPath& folder) {
+    LFile::DeleteFolder(folder);
 }
