@@ -50,14 +50,15 @@ std::vector<std::string> RemoveInstalledFiles(const LPath& folder) {
     for (const std::string& name : InstalledNames(folder)) {
         for (const char* ending : {kBeside, kAside}) LFile::Delete(Named(folder, name, ending));
         const LPath path = LPath::Join(folder.View(), name);
+        if (LFile::IsReadOnly(path)) LFile::MakeWritable(path);
         if (!LFile::Delete(path, kMoveWaitMs) && !LFile::IsAbsent(path)) staying.push_back(name);
     }
     return staying;
 }
 
 bool IsProgramHeld(const LPath& program) {
-    return LFile::Exists(program) && !LFile::IsReadOnly(program) &&
-           !LFile(program, LFile::Open::Write).IsOpen();
+    if (LFile::IsReadOnly(program)) LFile::MakeWritable(program);
+    return LFile::Exists(program) && !LFile(program, LFile::Open::Write).IsOpen();
 }
 
 LPath InstallFiles::Beside(const PackageFile& file) const {
@@ -108,6 +109,7 @@ bool InstallFiles::Swap(const PackageFile& file) const {
 
 bool InstallFiles::SetAside(const PackageFile& file) const {
     if (LFile::IsFolder(Place(file))) return false;  // somebody else's
+    if (LFile::IsReadOnly(Place(file))) LFile::MakeWritable(Place(file));
     return LFile::IsAbsent(Place(file)) || LFile::Move(Place(file), Aside(file), kMoveWaitMs);
 }
 

@@ -62,5 +62,6 @@ private:
     std::vector<std::string> m_former;  // names of the former version's files
 };
 
-// Whether a program runs, or another program holds its file: then it can be neither replaced nor removed.
+// Whether a program runs, or another program holds its file: then it can be neither replaced nor removed. One
+// that is read-only is made writable, since nothing could be told of it.
 bool IsProgramHeld(const LPath& program);

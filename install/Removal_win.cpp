@@ -36,7 +36,7 @@ constexpr char kConfirm[] =
     "%s.\nNot sent yet: %d.\n\nDelete them?";
 constexpr char kFilesStay[] =
     "\n\nSome files are in use by another program. They are deleted when Windows is started next.";
-constexpr char kDataStays[] = "\n\n%d files of recordings or settings could not be deleted. They are in\n%s";
+constexpr char kDataStays[] = "\n\n%d files or folders of recordings or settings could not be deleted. They are in\n%s";
 
 constexpr uint32_t kCloseWaitMs = 2000;
 
