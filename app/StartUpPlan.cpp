@@ -12,13 +12,23 @@ uint32_t ReadInstallMarker(LReadStream& executable) {
     return LByteReader(tail).U32();
 }
 
-StartUpAction DecideStartUp(std::string_view exeName, uint32_t marker, bool firstIsRunning) {
+StartUpAction DecideStartUp(std::string_view exeName, uint32_t marker, bool wantsRemoval,
+                            bool firstIsRunning) {
     const bool isNamedSetup = LUpper(exeName).find("SETUP") != std::string::npos;
     if (isNamedSetup && marker != kMarkerSetup) return StartUpAction::RefuseCorruptInstaller;
     if (marker == kMarkerSetup || marker == kMarkerUpdate) return StartUpAction::Install;
+    if (wantsRemoval) return StartUpAction::Remove;
     return firstIsRunning ? StartUpAction::ActivateFirst : StartUpAction::Run;
 }
 
+static bool IsFirst(std::string_view wanted, int argumentCount, const char* const* arguments) {
+    return argumentCount >= 2 && wanted == arguments[1];
+}
+
 bool WantsIntroduction(int argumentCount, const char* const* arguments) {
-    return argumentCount >= 2 && std::string_view(arguments[1]) == "/install";
+    return IsFirst("/install", argumentCount, arguments);
+}
+
+bool WantsRemoval(int argumentCount, const char* const* arguments) {
+    return IsFirst("/uninstall", argumentCount, arguments);
 }

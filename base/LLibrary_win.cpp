@@ -37,10 +37,6 @@ LLibrary LLoadLibraryAt(const LPath& path) {
     return library;
 }
 
-LLibrary LLoadSystemLibrary(const char* fileName) {
-    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
-}
-
 void LIgnoreLibrariesOfCurrentFolder() {
     if (const auto set = LSystemFunction<BOOL(WINAPI*)(LPCSTR)>("SetDllDirectoryA")) set("");
 }
@@ -55,10 +51,6 @@ LLibrary LLoadAddOn(const char* fileName) {
     for (const LPath& folder : {ProgramFolder(), SystemFolder()})
         if (LLibrary library = LLoadLibraryAt(FileIn(folder, fileName))) return library;
     return {};
-}
-
-LLibrary LLoadSystemLibrary(const char* fileName) {
-    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
 }
 
 LPath LPlatformProgram(const char* fileName) {

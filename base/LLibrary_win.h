@@ -18,11 +18,6 @@ using LLibrary = LOwned<LibraryTraits>;
 // Thread: any.
 LLibrary LLoadLibraryAt(const LPath& path);
 
-// Loads a library of the platform, such as "wininet.dll", from the system folder, whatever lies in the
-// program's folder or the current one. Empty when it cannot be loaded.
-// Thread: any.
-LLibrary LLoadSystemLibrary(const char* fileName);
-
 // What the platform loads by its name alone is no longer looked for in the current folder, which may be any
 // that the user chose a file in. To be called first; without effect before Windows XP.
 void LIgnoreLibrariesOfCurrentFolder();
@@ -35,11 +30,6 @@ void LKeepToSystemLibraries();
 // Empty when neither folder has one that can be loaded.
 // Thread: any.
 LLibrary LLoadAddOn(const char* fileName);
-
-// Loads a library of the platform, such as "ole32.dll", from the system folder alone: one of its name beside
-// the program may be anybody's. Empty when it cannot be loaded.
-// Thread: any.
-LLibrary LLoadSystemLibrary(const char* fileName);
 
 // A function that a library exports; nullptr when it does not.
 template <class Function>

@@ -14,9 +14,16 @@ struct KeyTraits {
 };
 using Key = LOwned<KeyTraits>;
 
-Key OpenForReading(HKEY hive, const char* name) {
+Key Open(HKEY hive, const char* name, REGSAM access) {
     HKEY key = nullptr;
-    return Key(RegOpenKeyExA(hive, name, 0, KEY_QUERY_VALUE, &key) == ERROR_SUCCESS ? key : nullptr);
+    return Key(RegOpenKeyExA(hive, name, 0, access, &key) == ERROR_SUCCESS ? key : nullptr);
+}
+
+bool IsMissing(HKEY hive, const char* name) {
+    HKEY key = nullptr;
+    const LONG result = RegOpenKeyExA(hive, name, 0, KEY_QUERY_VALUE, &key);
+    Key(key).Reset();
+    return result == ERROR_FILE_NOT_FOUND;
 }
 
 bool Write(HKEY hive, const char* name, const char* value, DWORD type, const void* data, size_t size) {
@@ -35,7 +42,7 @@ bool Write(HKEY hive, const char* name, const char* value, DWORD type, const voi
 }  // namespace
 
 std::string LReadRegistryText(HKEY hive, const char* keyName, const char* value) {
-    const Key key = OpenForReading(hive, keyName);
+    const Key key = Open(hive, keyName, KEY_QUERY_VALUE);
     char text[kPathSize] = {};
     DWORD type = 0;
     DWORD size = sizeof text;
@@ -48,7 +55,7 @@ std::string LReadRegistryText(HKEY hive, const char* keyName, const char* value)
 }
 
 std::optional<uint32_t> LReadRegistryNumber(HKEY hive, const char* keyName, const char* value) {
-    const Key key = OpenForReading(hive, keyName);
+    const Key key = Open(hive, keyName, KEY_QUERY_VALUE);
     DWORD number = 0;
     DWORD type = 0;
     DWORD size = sizeof number;
@@ -67,4 +74,50 @@ bool LWriteRegistryText(HKEY hive, const char* key, const char* value, std::stri
 
 bool LWriteRegistryNumber(HKEY hive, const char* key, const char* value, uint32_t number) {
     return Write(hive, key, value, REG_DWORD, &number, sizeof number);
+}
+
+std::optional<LRegistryValue> LReadRegistryValue(HKEY hive, const char* keyName, const char* value) {
+    constexpr DWORD kLongest = 4096;
+    const Key key = Open(hive, keyName, KEY_QUERY_VALUE);
+    LRegistryValue read;
+    read.bytes.resize(kLongest);
+    DWORD size = kLongest;
+    if (!key ||
+        RegQueryValueExA(key.Get(), value, nullptr, &read.type, read.bytes.data(), &size) != ERROR_SUCCESS)
+        return std::nullopt;
+    read.bytes.resize(size);
+    return read;
+}
+
+bool LWriteRegistryValue(HKEY hive, const char* key, const char* value, const LRegistryValue& data) {
+    return Write(hive, key, value, data.type, data.bytes.data(), data.bytes.size());
+}
+
+bool LDeleteRegistryValue(HKEY hive, const char* keyName, const char* value) {
+    if (IsMissing(hive, keyName)) return true;
+    const Key key = Open(hive, keyName, KEY_SET_VALUE);
+    const LONG result = key ? RegDeleteValueA(key.Get(), value) : ERROR_ACCESS_DENIED;
+    return result == ERROR_SUCCESS || result == ERROR_FILE_NOT_FOUND;
+}
+
+bool LDeleteEmptyRegistryKey(HKEY hive, const char* name) {
+    if (IsMissing(hive, name)) return true;
+    DWORD keys = 0;
+    DWORD values = 0;
+    const Key key = Open(hive, name, KEY_QUERY_VALUE);
+    if (!key || RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values,
+                                 nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+        return false;
+    // Asked first, since Windows 95 deletes the keys inside, too.
+    return keys == 0 && values == 0 && RegDeleteKeyA(hive, name) == ERROR_SUCCESS;
+}
+
+bool LMayWriteRegistry(HKEY hive, std::string_view keyName) {
+    std::string name(keyName);
+    while (IsMissing(hive, name.c_str())) {
+        const size_t end = name.rfind('\\');
+        if (end == std::string::npos) return false;
+        name.resize(end);
+    }
+    return static_cast<bool>(Open(hive, name.c_str(), KEY_SET_VALUE | KEY_CREATE_SUB_KEY));
 }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Single values of the registry.
 // Errors: a value that is missing or of another type reads as empty.
@@ -18,3 +19,17 @@ std::optional<uint32_t> LReadRegistryNumber(HKEY hive, const char* key, const ch
 // The key is created when it is missing; false (traced) when the value cannot be stored.
 bool LWriteRegistryText(HKEY hive, const char* key, const char* value, std::string_view text);
 bool LWriteRegistryNumber(HKEY hive, const char* key, const char* value, uint32_t number);
+
+// A value as it is stored, of any type, at most 4096 bytes; nothing when it is missing or longer.
+struct LRegistryValue {
+    DWORD type = 0;
+    std::vector<BYTE> bytes;
+};
+std::optional<LRegistryValue> LReadRegistryValue(HKEY hive, const char* key, const char* value);
+bool LWriteRegistryValue(HKEY hive, const char* key, const char* value, const LRegistryValue& data);
+// True when the value is not there afterwards.
+bool LDeleteRegistryValue(HKEY hive, const char* key, const char* value);
+// Deletes a key that holds neither values nor keys; true when it is not there afterwards.
+bool LDeleteEmptyRegistryKey(HKEY hive, const char* key);
+// Whether values can be stored in the key, or, as long as it is missing, keys be made in the one above it.
+bool LMayWriteRegistry(HKEY hive, std::string_view key);

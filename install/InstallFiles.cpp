@@ -2,17 +2,70 @@
 
 #include <algorithm>
 
-#include "base/LFile.h"
+#include "base/LText.h"
 #include "base/LTrace.h"
 
-// The program goes first aside and comes last into its place: while it runs it cannot be moved (Windows 95)
-// or must not be replaced under its user's hands, so it decides whether anything is touched.
+// The program comes last into its place: while it runs nothing is touched, and whatever cuts the run off,
+// there is a program in the folder but for a moment. A running program is told by opening its file to write,
+// which every Windows refuses then; that it could be moved away under its user's hands proves nothing.
 
-static constexpr uint32_t kRoomKb = 1024;  // beyond the files: folders, registry, the user's settings
+static constexpr char kProgram[] = "corvane.exe";
+static constexpr char kList[] = "corvane.lst";
+static constexpr char kBeside[] = ".new~";
+static constexpr char kAside[] = ".old~";
+static constexpr size_t kLongestList = 16384;  // bytes
+static constexpr uint32_t kRoomKb = 1024;      // beyond the files: folders, registry, the user's settings
 
-LPath InstallFiles::Named(const PackageFile& file, const char* ending) const {
-    LPath path = Place(file);
+static LPath Named(const LPath& folder, std::string_view name, const char* ending) {
+    LPath path = LPath::Join(folder.View(), name);
     return path.Append(ending) ? path : LPath();
+}
+
+static std::vector<std::string> ReadList(const LPath& folder) {
+    std::vector<uint8_t> bytes;
+    if (LFile::TryRead(LPath::Join(folder.View(), kList), kLongestList, bytes) != LReadResult::Values)
+        return {"corvane.htm", "readme.txt", "file-formats.txt"};
+    std::vector<std::string> names;
+    const auto isEnd = [](uint8_t c) { return c == '\r' || c == '\n'; };
+    for (auto at = bytes.begin(); at != bytes.end();) {
+        const auto end = std::find_if(at, bytes.end(), isEnd);
+        std::string name(at, end);
+        if (IsInstallableName(name)) names.push_back(std::move(name));
+        at = std::find_if_not(end, bytes.end(), isEnd);
+    }
+    return names;
+}
+
+std::vector<std::string> InstalledNames(const LPath& folder) {
+    std::vector<std::string> names = ReadList(folder);
+    std::erase_if(names, [](const std::string& name) {
+        return LEqualNoCase(name, kProgram) || LEqualNoCase(name, kList);
+    });
+    names.insert(names.end(), {kList, kProgram});
+    return names;
+}
+
+std::vector<std::string> RemoveInstalledFiles(const LPath& folder) {
+    std::vector<std::string> staying;
+    for (const std::string& name : InstalledNames(folder)) {
+        for (const char* ending : {kBeside, kAside}) LFile::Delete(Named(folder, name, ending));
+        const LPath path = LPath::Join(folder.View(), name);
+        if (!LFile::Delete(path, kMoveWaitMs) && !LFile::IsAbsent(path)) staying.push_back(name);
+    }
+    return staying;
+}
+
+bool IsProgramHeld(const LPath& program) {
+    return LFile::Exists(program) && !LFile::IsReadOnly(program) &&
+           !LFile(program, LFile::Open::Write).IsOpen();
+}
+
+LPath InstallFiles::Beside(const PackageFile& file) const {
+    return Named(m_folder, file.name, kBeside);
+}
+
+LPath InstallFiles::Aside(const PackageFile& file) const {
+    return Named(m_folder, file.name, kAside);
 }
 
 InstallFiles::~InstallFiles() {
@@ -27,8 +80,8 @@ void InstallFiles::Recover() const {
     }
 }
 
-bool InstallFiles::HasRoom() const {
-    return LFile::FreeSpaceKb(m_folder) >= m_package.TotalBytes() / 1024 + kRoomKb;
+uint32_t InstallFiles::NeededKb(const SetupPackage& package) {
+    return package.TotalBytes() / 1024 + kRoomKb;
 }
 
 bool InstallFiles::WriteBeside(const PackageFile& file) const {
@@ -53,24 +106,25 @@ bool InstallFiles::Swap(const PackageFile& file) const {
     return LFile::IsAbsent(Place(file)) && LFile::Move(Beside(file), Place(file), kMoveWaitMs);
 }
 
+bool InstallFiles::SetAside(const PackageFile& file) const {
+    if (LFile::IsFolder(Place(file))) return false;  // somebody else's
+    return LFile::IsAbsent(Place(file)) || LFile::Move(Place(file), Aside(file), kMoveWaitMs);
+}
+
 InstallFiles::Outcome InstallFiles::SwapIn() {
     const std::vector<PackageFile>& files = m_package.Files();
-    const auto setAside = [&](const PackageFile& file) {
-        if (LFile::IsFolder(Place(file))) return false;  // somebody else's
-        return LFile::IsAbsent(Place(file)) || LFile::Move(Place(file), Aside(file), kMoveWaitMs);
-    };
-    if (!setAside(files.front()))
-        return LFile::Exists(Place(files.front())) ? Outcome::Held : Outcome::Failed;
-    m_swapped.push_back(&files.front());
-    bool isDone = true;
-    for (size_t i = 1; isDone && i < files.size(); ++i) {
-        m_swapped.push_back(&files[i]);
-        isDone = setAside(files[i]) && Swap(files[i]);
+    const PackageFile& program = files.front();
+    if (IsProgramHeld(Place(program))) return Outcome::Held;
+    m_former = InstalledNames(m_folder);
+    for (size_t i = 1; i <= files.size(); ++i) {
+        const PackageFile& file = i < files.size() ? files[i] : program;
+        m_swapped.push_back(&file);
+        if (SetAside(file) && Swap(file)) continue;
+        LTrace("InstallFiles::SwapIn unable to swap", file.name);
+        PutBack();
+        return IsProgramHeld(Place(program)) ? Outcome::Held : Outcome::Failed;
     }
-    if (isDone && Swap(files.front())) return Outcome::Done;
-    LTrace("InstallFiles::SwapIn unable to swap", m_folder.View());
-    PutBack();
-    return Outcome::Failed;
+    return Outcome::Done;
 }
 
 void InstallFiles::PutBack(const PackageFile& file) const {
@@ -91,5 +145,11 @@ void InstallFiles::PutBack() {
 
 void InstallFiles::Finish() {
     for (const PackageFile* file : m_swapped) LFile::Delete(Aside(*file));
+    const auto isNew = [&](std::string_view name) {
+        return std::ranges::any_of(m_package.Files(),
+                                   [&](const PackageFile& file) { return LEqualNoCase(file.name, name); });
+    };
+    for (const std::string& name : m_former)
+        if (!isNew(name)) LFile::Delete(LPath::Join(m_folder.View(), name));
     m_swapped.clear();
 }

@@ -1,10 +1,19 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
-#include "base/LPath.h"
+#include "base/LFile.h"
 #include "base/LProcess.h"
 #include "install/SetupPackage.h"
+
+// The names of the files that an installation has put into a folder, the program last: those of its list
+// "corvane.lst", and without one those that every version has. The list is not trusted.
+std::vector<std::string> InstalledNames(const LPath& folder);
+
+// Removes these files, and what a run that was cut off left beside them. Returns the names of those that
+// stay, since another program holds them. Foreign files of the folder are not touched.
+std::vector<std::string> RemoveInstalledFiles(const LPath& folder);
 
 // Puts the files of a package into a folder, all of them or none. Each is written beside its place and
 // flushed first; then what is there goes aside and the new files take their places, the program last. Until
@@ -24,28 +33,34 @@ public:
     // Puts back what a run that was cut off set aside, and removes what it left beside.
     void Recover() const;
     // Whether the drive has room for the files while the old ones are there, too.
-    bool HasRoom() const;
+    bool HasRoom() const { return LFile::FreeSpaceKb(m_folder) >= NeededKb(m_package); }
+    static uint32_t NeededKb(const SetupPackage& package);
     // Writes the files beside their places. Failed: the disk is full, or the package is damaged.
     ProcessResult WriteBeside(ProcessContext& context);
-    // Puts the files in their places. Held: the program in the folder is running, and nothing was changed; the
-    // caller ends it and tries again.
+    // Puts the files in their places. Held: the program in the folder is running; the caller ends it, and
+    // begins with WriteBeside again.
     enum class Outcome { Done, Held, Failed };
     Outcome SwapIn();
     // After SwapIn: as it was before.
     void PutBack();
-    // After SwapIn: removes what was set aside. What cannot be removed stays, and is removed by the next run.
+    // After SwapIn: removes what was set aside, and the files of the former version that this one does not
+    // have. What cannot be removed stays, and is removed by the next run.
     void Finish();
 
 private:
     LPath Place(const PackageFile& file) const { return LPath::Join(m_folder.View(), file.name); }
-    LPath Beside(const PackageFile& file) const { return Named(file, ".new~"); }
-    LPath Aside(const PackageFile& file) const { return Named(file, ".old~"); }
-    LPath Named(const PackageFile& file, const char* ending) const;
+    LPath Beside(const PackageFile& file) const;
+    LPath Aside(const PackageFile& file) const;
     bool WriteBeside(const PackageFile& file) const;
+    bool SetAside(const PackageFile& file) const;
     bool Swap(const PackageFile& file) const;
     void PutBack(const PackageFile& file) const;
 
     const SetupPackage& m_package;
     LPath m_folder;
     std::vector<const PackageFile*> m_swapped;
+    std::vector<std::string> m_former;  // names of the former version's files
 };
+
+// Whether a program runs, or another program holds its file: then it can be neither replaced nor removed.
+bool IsProgramHeld(const LPath& program);

@@ -6,8 +6,12 @@
 #include <vector>
 
 #include "base/LPath.h"
+#include "store/CurrentUser.h"
 
 // What an installation leaves outside of its folders: one table, by which it is made and removed.
+
+// The entry of the platform's list of programs, in the hive of the machine or in the user's.
+inline constexpr char kUninstallKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Corvane";
 
 // Whom Corvane is installed for. Somebody without the right to write the machine's part of the registry
 // installs it for himself.
@@ -23,6 +27,9 @@ struct Installation {
     uint32_t sizeKb = 0;       // of the installed files
 
     LPath Program() const { return LPath::Join(folder.View(), "corvane.exe"); }
+    RegistryHive Hive() const {
+        return scope == InstallScope::Everyone ? RegistryHive::Machine : RegistryHive::User;
+    }
 };
 
 struct InstalledValue {
@@ -32,6 +39,8 @@ struct InstalledValue {
     std::variant<std::string, uint32_t> data;
     // Stays after the removal: the dictations do, and the next installation is to find them.
     bool isKept = false;
+    // Another copy may have stored its own: removed only as long as it is ours.
+    bool isShared = false;
 };
 std::vector<InstalledValue> InstalledValues(const Installation& installation);
 
@@ -42,11 +51,12 @@ struct InstalledKey {
 // The keys that are ours. Each is removed once nothing is left in it, the innermost first.
 std::vector<InstalledKey> InstalledKeys(const Installation& installation);
 
-// Shortcuts to the program.
+// Where shortcuts lie; everyone's where Corvane is installed for everyone and the platform has such a place.
 enum class ShortcutPlace { Desktop, StartMenu };
 struct InstalledShortcut {
     ShortcutPlace place;
-    std::string name;      // with ".lnk"
-    std::string document;  // the file in the program's folder that it opens
+    const char* name;         // with ".lnk"
+    const char* file;         // in the program's folder, which it opens
+    const char* description;  // shown by the shell under the mouse
 };
 std::vector<InstalledShortcut> InstalledShortcuts();

@@ -72,6 +72,10 @@ std::optional<std::vector<PackageFile>> ReadFiles(std::span<const uint8_t> direc
 
 }  // namespace
 
+bool IsInstallableName(std::string_view name) {
+    return IsPlainName(name) && !NamesDevice(name);
+}
+
 std::optional<SetupPackage> SetupPackage::Open(LReadStream& package) {
     constexpr uint32_t kLongestDirectory = 4 + kMostFiles * (kFixedEntryBytes + kLongestName);
     const int64_t size = package.Size();

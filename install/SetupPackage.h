@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/LProcess.h"
@@ -12,6 +13,10 @@
 // program.
 constexpr uint32_t kMarkerSetup = 0x0F0FF0F0;
 constexpr uint32_t kMarkerUpdate = 0xF0F00F0F;
+
+// Whether a file that is installed may have this name: a plain one of letters, digits and "-._", without a
+// folder, and of no device.
+bool IsInstallableName(std::string_view name);
 
 // One file of a package.
 struct PackageFile {
@@ -33,7 +38,8 @@ public:
     static constexpr uint32_t kLongest = uint32_t{64} << 20;
     static constexpr uint32_t kMostFiles = 200;
 
-    // Reads and checks the directory; nothing when the package is damaged. The stream must outlive the object.
+    // Reads and checks the directory; nothing when the package is damaged. The stream must outlive the
+    // object.
     static std::optional<SetupPackage> Open(LReadStream& package);
 
     uint32_t Marker() const { return m_marker; }

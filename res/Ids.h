@@ -203,6 +203,15 @@
 #define IDC_DOCKTRANSFER_BROWSE 972
 #define IDC_DOCKTRANSFER_DELETE 973
 #define IDC_DOCKTRANSFER_NEW    974
+#define IDC_INSTALL_TEXT        981
+#define IDC_INSTALL_FOLDER      982
+#define IDC_INSTALL_BROWSE      983
+#define IDC_INSTALL_SPACE       984
+#define IDC_INSTALL_EVERYONE    985
+#define IDC_INSTALL_ME          986
+#define IDC_INSTALL_WHO         987
+#define IDC_REMOVE_TEXT         991
+#define IDC_REMOVE_DATA         992
 
 // Timers of the main window
 #define TIMER_INFOLINE    1
@@ -291,6 +300,8 @@
 #define IDD_HARDWARE      130
 #define IDD_DOCK          150
 #define IDD_DOCKTRANSFER  151
+#define IDD_INSTALL       160
+#define IDD_REMOVE        161
 #define IDM_MAIN          200
 #define IDM_DICTATION     201
 #define IDM_INFO          202

@@ -34,6 +34,10 @@ struct CurrentUser {
     UserDetails details;
 };
 
+// The registry key with the folders of an installation, in the values "DataFiles" and "ProgramFiles": in the
+// machine's part, or in the user's.
+inline constexpr char kFoldersKey[] = "Software\\Mervald\\Corvane\\CurrentVersion\\Folders";
+
 // The folder in which the program keeps its state, found once at start-up.
 struct DataFolder {
     LPath folder;        // ends in a separator unless it is 259 characters long, which leaves no room for one

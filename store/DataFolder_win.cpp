@@ -60,23 +60,35 @@ bool MakeFolderForEveryone(const LPath& folder) {
     return CreateDirectoryA(folder.WithoutSeparator().c_str(), access.Attributes());
 }
 
-LPath MakeDefaultDataFolder() {
+std::vector<LPath> MakeFolders(const LPath& wanted, FolderAccess access) {
+    const LPath folder = wanted.WithoutSeparator();
+    if (folder.Empty() || LFile::IsFolder(folder)) return {};
+    std::vector<LPath> made;
+    const LPath above(LFolderOf(folder.View()));
+    if (above.View().size() < folder.View().size()) made = MakeFolders(above, access);
+    const bool isMade =
+        access == FolderAccess::Everyone ? MakeFolderForEveryone(folder) : LFile::MakeFolder(folder);
+    if (isMade) made.push_back(folder);
+    return made;
+}
+
+LPath DefaultDataFolder() {
     LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kWindowsKey, kProgramsValue));
-    if (folder.Empty()) {
-        folder.Set("C:\\Corvane");
-        MakeFolderForEveryone(folder);
-        return folder;
-    }
-    for (const char* level : {"\\Mervald", "\\Corvane"}) {
-        folder.Append(level);
-        MakeFolderForEveryone(folder);
-    }
+    if (folder.Empty()) return LPath("C:\\Corvane");
+    folder.Append("\\Mervald\\Corvane");
     return folder;
 }
 
 DataFolder FindDataFolder() {
     LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, kDataValue));
-    if (folder.Empty()) folder = MakeDefaultDataFolder();
+    if (folder.Empty() || LFile::IsAbsent(folder.WithoutSeparator())) {
+        const LPath own(LReadRegistryText(HKEY_CURRENT_USER, kFoldersKey, kDataValue));
+        if (!own.Empty()) folder = own;
+    }
+    if (folder.Empty()) {
+        folder = DefaultDataFolder();
+        MakeFolders(folder, FolderAccess::Everyone);
+    }
     const DataFolder data = DataFolder::FromText(folder.View());
     // Only where the file is missing: otherwise the copy may belong to another instance that is writing it.
     if (!LFile::Exists(data.settingsFile)) LProfile::Recover(data.settingsFile);

@@ -8,3 +8,5 @@
 // False, with user unchanged, when there is no such value.
 bool ReadRegistryUser(uint32_t& user);
 void WriteRegistryUser(uint32_t user);
+// As if no user had been chosen.
+void ForgetRegistryUser();

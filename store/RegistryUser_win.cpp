@@ -13,3 +13,7 @@ bool ReadRegistryUser(uint32_t& user) {
 void WriteRegistryUser(uint32_t user) {
     LWriteRegistryNumber(HKEY_CURRENT_USER, kKey, kValue, user);
 }
+
+void ForgetRegistryUser() {
+    LDeleteRegistryValue(HKEY_CURRENT_USER, kKey, kValue);
+}

@@ -3,6 +3,7 @@
 #include "base/LScreen.h"
 #include "base/LSystemFunction_win.h"
 #include "base/LText.h"
+#include "res/Ids.h"
 #include "ui/LCentre.h"
 
 static HINSTANCE s_instance = nullptr;
@@ -58,6 +59,12 @@ int LScaled(int pixels) {
     const int dots = GetDeviceCaps(screen, LOGPIXELSY);
     ReleaseDC(nullptr, screen);
     return MulDiv(pixels, dots, 96);
+}
+
+void LShowAsProgram(HWND dialog) {
+    const HICON icon = LoadIconA(LInstance(), MAKEINTRESOURCEA(IDI_CORVANE));
+    SendMessageA(dialog, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
+    SetForegroundWindow(dialog);
 }
 
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags) {

@@ -21,6 +21,9 @@ int LScaled(int pixels);
 // The width of a text in the font of a device context, in pixels.
 int LTextWidth(HDC context, std::string_view text);
 
+// Gives a dialog that has no owner the program's sign, and brings it to the front.
+void LShowAsProgram(HWND dialog);
+
 // A message box in the middle of the window that owns it.
 int LMessageBox(HWND owner, std::string_view text, std::string_view caption, UINT flags);
 

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <sddl.h>
 
 #include <array>
 #include <cstdio>
@@ -271,16 +272,41 @@ Json SetRegistry(const Json& command) {
     return true;
 }
 
+// protectreg <key>: a key of the machine that this user may only read, as one without the rights of an
+// administrator
+Json ProtectRegistry(const Json& command) {
+    HKEY key = nullptr;
+    PSECURITY_DESCRIPTOR readers = nullptr;
+    ConvertStringSecurityDescriptorToSecurityDescriptorA("D:(A;;KR;;;WD)", SDDL_REVISION_1, &readers,
+                                                         nullptr);
+    RegCreateKeyA(HKEY_LOCAL_MACHINE, Text(command[1]), &key);
+    const LSTATUS result = RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, readers);
+    RegCloseKey(key);
+    return Success(result == ERROR_SUCCESS);
+}
+
 // --- The server -----------------------------------------------------------------------------------------
 
 constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},      {"find", Find},         {"hold", Hold},           {"items", Items},
-    {"list", List},        {"post", Post},         {"release", Release},     {"select", Select},
-    {"send", Send},        {"sendatom", SendAtom}, {"setreg", SetRegistry},  {"takekey", TakeKey},
-    {"window", OneWindow}, {"windows", Windows},   {"resources", Resources},
+    {"click", Click},
+    {"find", Find},
+    {"hold", Hold},
+    {"items", Items},
+    {"list", List},
+    {"post", Post},
+    {"protectreg", ProtectRegistry},
+    {"release", Release},
+    {"select", Select},
+    {"send", Send},
+    {"sendatom", SendAtom},
+    {"setreg", SetRegistry},
+    {"takekey", TakeKey},
+    {"window", OneWindow},
+    {"windows", Windows},
+    {"resources", Resources},
 };
 
 }  // namespace

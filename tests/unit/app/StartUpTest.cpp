@@ -9,20 +9,21 @@ TEST(StartUp, TellsSetupPackagesPackagesAndTheProgramApart) {
     static const struct {
         const char* name;
         uint32_t marker;
-        bool firstRuns;
+        bool wantsRemoval, firstRuns;
         StartUpAction expected;
     } kCases[] = {
-        {"corvane", 0, false, StartUpAction::Run},
-        {"corvane", 0, true, StartUpAction::ActivateFirst},
-        {"corvane", 0x12345678, false, StartUpAction::Run},
-        {"corvanesetup", 0, false, StartUpAction::RefuseCorruptInstaller},
-        {"mySetUp2", 0xF0F00F0F, true, StartUpAction::RefuseCorruptInstaller},
-        {"corvanesetup", 0x0F0FF0F0, true, StartUpAction::Install},
-        {"corvane", 0x0F0FF0F0, false, StartUpAction::Install},
-        {"corvane", 0xF0F00F0F, true, StartUpAction::Install},
+        {"corvane", 0, false, false, StartUpAction::Run},
+        {"corvane", 0, false, true, StartUpAction::ActivateFirst},
+        {"corvane", 0, true, true, StartUpAction::Remove},
+        {"corvane", 0x12345678, false, false, StartUpAction::Run},
+        {"corvanesetup", 0, true, false, StartUpAction::RefuseCorruptInstaller},
+        {"mySetUp2", 0xF0F00F0F, false, true, StartUpAction::RefuseCorruptInstaller},
+        {"corvanesetup", 0x0F0FF0F0, true, true, StartUpAction::Install},
+        {"corvane", 0x0F0FF0F0, false, false, StartUpAction::Install},
+        {"corvane", 0xF0F00F0F, false, true, StartUpAction::Install},
     };
     for (const auto& c : kCases)
-        EXPECT_EQ(DecideStartUp(c.name, c.marker, c.firstRuns), c.expected) << c.name;
+        EXPECT_EQ(DecideStartUp(c.name, c.marker, c.wantsRemoval, c.firstRuns), c.expected) << c.name;
     EXPECT_EQ(CloseWaitMs(kMarkerUpdate), 1500u);
     EXPECT_EQ(CloseWaitMs(kMarkerSetup), 2000u);
 }

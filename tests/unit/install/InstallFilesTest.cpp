@@ -5,7 +5,10 @@
 namespace {
 
 const std::vector<GivenFile> kNew = {
-    {"corvane.exe", "the newer program"}, {"corvane.htm", "new manual"}, {"readme.txt", "new"}};
+    {"corvane.exe", "the newer program"},
+    {"corvane.htm", "new manual"},
+    {"readme.txt", "new"},
+    {"corvane.lst", "corvane.exe\r\ncorvane.htm\r\nreadme.txt\r\ncorvane.lst\r\n"}};
 
 // A folder with an older program, its manual, and a file of somebody else's.
 class InstallFilesTest : public testing::Test {
@@ -14,6 +17,8 @@ protected:
         Put("corvane.exe", "older");
         Put("corvane.htm", "manual");
         Put("mine.doc", "mine");
+        Put("former.png", "picture");
+        Put("corvane.lst", kFormerList);
     }
     void Put(std::string_view name, std::string_view text) {
         LFile(m_folder.File(name), LFile::Open::CreateNew).WriteAll(Text(text));
@@ -30,8 +35,12 @@ protected:
     }
 
     TempFolder m_folder;
-    const std::map<std::string, std::string> m_before = {
-        {"corvane.exe", "older"}, {"corvane.htm", "manual"}, {"mine.doc", "mine"}};
+    static constexpr char kFormerList[] = "former.png\ncorvane.htm\r\n\n..\\mine.doc\r\nC:mine.doc";
+    const std::map<std::string, std::string> m_before = {{"corvane.exe", "older"},
+                                                         {"corvane.htm", "manual"},
+                                                         {"corvane.lst", kFormerList},
+                                                         {"former.png", "picture"},
+                                                         {"mine.doc", "mine"}};
     LMemoryFile m_stream{PackageParts(kNew).Join()};
     SetupPackage m_package = *SetupPackage::Open(m_stream);
     NotingContext m_context;
@@ -50,10 +59,13 @@ TEST_F(InstallFilesTest, PutsAllFilesInTheirPlacesOrBack) {
     files.Finish();
     const std::map<std::string, std::string> after = {{"corvane.exe", "the newer program"},
                                                       {"corvane.htm", "new manual"},
+                                                      {"corvane.lst", kNew[3].bytes},
                                                       {"mine.doc", "mine"},
                                                       {"readme.txt", "new"}};
     EXPECT_EQ(Found(), after);
     EXPECT_EQ(LFile(m_folder.File("readme.txt"), LFile::Open::Read).WriteTime(), 1172657045);
+    EXPECT_TRUE(RemoveInstalledFiles(m_folder.Path()).empty());
+    EXPECT_EQ(Found(), (std::map<std::string, std::string>{{"mine.doc", "mine"}}));
 }
 
 TEST_F(InstallFilesTest, ChangesNothingWhenItCannotDoAll) {

@@ -1,0 +1,152 @@
+#include "install/InstallDialog_win.h"
+
+#include "base/LFile.h"
+#include "base/LProfileText.h"
+#include "base/LText.h"
+#include "install/SetUp_win.h"
+#include "res/Ids.h"
+#include "ui/LBrowseFolder.h"
+#include "ui/LDialog.h"
+
+namespace {
+
+constexpr char kNew[] =
+    "Corvane records dictations and sends them to your typist.\n\nChoose Install to put it on this computer.";
+constexpr char kUpdate[] =
+    "Corvane is on this computer already. Its program is replaced; your dictations, typists and settings "
+    "stay "
+    "as they are.\n\nA running Corvane is closed before, and a recording ended properly.";
+constexpr char kOnlyAdministrator[] =
+    "Only an administrator of this computer can install Corvane for everyone. For you alone it works as "
+    "well.";
+constexpr char kLeavesEveryones[] =
+    "The Corvane that is installed for everyone can be replaced only by an administrator of this computer. "
+    "It "
+    "stays as it is.";
+constexpr char kNoRoom[] =
+    "There is not enough room on this drive: Corvane needs %s, and %s are free.\n\nPlease choose a folder on "
+    "another drive, or delete what you no longer need.";
+
+std::string Megabytes(uint64_t kb) {
+    return kb < 100 * 1024 ? LFormat("%.1f MB", static_cast<double>(kb) / 1024)
+                           : LFormat("%u MB", static_cast<unsigned>(kb / 1024));
+}
+
+// Of the drive on which a folder lies that need not exist.
+uint64_t FreeKb(const LPath& folder) {
+    return LFile::FreeSpaceKb(LRootOf(folder.View()));
+}
+
+class InstallDialog final : public LDialog {
+public:
+    InstallDialog(InstallPlan& plan, uint32_t neededKb) : m_plan(plan), m_neededKb(neededKb) {}
+
+private:
+    bool InitDialog() override {
+        SetWindowTextA(Window(), kSetUpTitle);
+        SetWindowTextA(Item(IDC_INSTALL_TEXT), m_plan.IsUpdate() ? kUpdate : kNew);
+        SendMessageA(Item(IDC_INSTALL_FOLDER), EM_SETLIMITTEXT, kPathSize - 1, 0);
+        for (const int control : {IDC_INSTALL_FOLDER, IDC_INSTALL_BROWSE})
+            EnableWindow(Item(control), !m_plan.IsUpdate());
+        const bool isEveryone = m_plan.Scope() == InstallScope::Everyone;
+        CheckRadioButton(Window(), IDC_INSTALL_EVERYONE, IDC_INSTALL_ME,
+                         isEveryone ? IDC_INSTALL_EVERYONE : IDC_INSTALL_ME);
+        EnableWindow(Item(IDC_INSTALL_EVERYONE), m_plan.MayChooseScope() || isEveryone);
+        EnableWindow(Item(IDC_INSTALL_ME), m_plan.MayChooseScope() || !isEveryone);
+        if (m_plan.LeavesEveryonesCopy())
+            SetWindowTextA(Item(IDC_INSTALL_WHO), kLeavesEveryones);
+        else if (!isEveryone && !m_plan.IsUpdate())
+            SetWindowTextA(Item(IDC_INSTALL_WHO), kOnlyAdministrator);
+        for (const int control : {IDC_INSTALL_EVERYONE, IDC_INSTALL_ME, IDC_INSTALL_WHO})
+            ShowWindow(Item(control), m_plan.TellsUsersApart() ? SW_SHOW : SW_HIDE);
+        ShowFolder();
+        LShowAsProgram(Window());
+        SetFocus(Item(IDOK));
+        return false;
+    }
+
+    bool HandleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override {
+        if (message != WM_COMMAND) return LDialog::HandleMessage(message, wParam, lParam, result);
+        switch (LOWORD(wParam)) {
+            case IDC_INSTALL_FOLDER:
+                if (HIWORD(wParam) == EN_CHANGE) ShowSpace();
+                return true;
+            case IDC_INSTALL_BROWSE:
+                Browse();
+                return true;
+            case IDC_INSTALL_EVERYONE:
+                Choose(InstallScope::Everyone);
+                return true;
+            case IDC_INSTALL_ME:
+                Choose(InstallScope::ThisUser);
+                return true;
+            case IDOK:
+                Take();
+                return true;
+            default:
+                return LDialog::HandleMessage(message, wParam, lParam, result);
+        }
+    }
+
+    std::string Typed() const { return std::string(LTrimBlanks(LWindowText(Item(IDC_INSTALL_FOLDER)))); }
+
+    void ShowFolder() {
+        SetWindowTextA(Item(IDC_INSTALL_FOLDER), m_plan.Folder().c_str());
+        ShowSpace();
+    }
+
+    void ShowSpace() {
+        std::string text = "Needs " + Megabytes(m_neededKb) + ".";
+        if (const std::string typed = Typed(); WhyNotInFolder(typed) == nullptr)
+            text += " Free on this drive: " + Megabytes(FreeKb(LPath(typed))) + ".";
+        LSetWindowText(Item(IDC_INSTALL_SPACE), text);
+    }
+
+    // A folder that the user has typed stays; the one that was offered follows.
+    void Choose(InstallScope scope) {
+        if (!m_plan.MayChooseScope() || scope == m_plan.Scope()) return;
+        const std::string typed = Typed();
+        const bool isOffered = LEqualNoCase(typed, m_plan.Folder().View());
+        m_plan.SetScope(scope);
+        if (isOffered) ShowFolder();
+    }
+
+    // Whatever is chosen, Corvane has a folder of its own in it.
+    void Browse() {
+        const LPath chosen = LBrowseFolder(Window(), "In which folder is the folder of Corvane to lie?");
+        if (chosen.Empty() || !IsOpen()) return;
+        const bool isOurs = LEqualNoCase(LFileNameOf(chosen.View()), "Corvane");
+        SetWindowTextA(Item(IDC_INSTALL_FOLDER),
+                       (isOurs ? chosen : LPath::Join(chosen.View(), "Corvane")).c_str());
+    }
+
+    void Take() {
+        std::string folder = Typed();
+        if (const char* reason = WhyNotInFolder(folder)) return Refuse(reason);
+        char whole[kPathSize] = {};
+        char* name = nullptr;
+        const DWORD length = GetFullPathNameA(folder.c_str(), sizeof whole, whole, &name);
+        if (length > 0 && length < sizeof whole) folder = whole;
+        if (const char* reason = WhyNotInFolder(folder)) return Refuse(reason);
+        const uint64_t free = FreeKb(LPath(folder));
+        if (free < m_neededKb)
+            return Refuse(LFormat(kNoRoom, Megabytes(m_neededKb).c_str(), Megabytes(free).c_str()));
+        m_plan.SetFolder(folder);
+        EndModal(IDOK);
+    }
+
+    void Refuse(std::string_view reason) {
+        LMessageBox(Window(), reason, kSetUpTitle, MB_OK | MB_ICONEXCLAMATION);
+        if (IsOpen()) SetFocus(Item(m_plan.IsUpdate() ? IDOK : IDC_INSTALL_FOLDER));
+    }
+
+    InstallPlan& m_plan;
+    uint32_t m_neededKb;
+};
+
+}  // namespace
+
+bool AskForInstallation(InstallPlan& plan, uint32_t neededKb) {
+    InstallDialog dialog(plan, neededKb);
+    return dialog.RunModal(IDD_INSTALL, nullptr) == IDOK;
+}
