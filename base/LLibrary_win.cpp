@@ -53,6 +53,10 @@ LLibrary LLoadAddOn(const char* fileName) {
     return {};
 }
 
+LLibrary LLoadSystemLibrary(const char* fileName) {
+    return LLoadLibraryAt(FileIn(SystemFolder(), fileName));
+}
+
 LPath LPlatformProgram(const char* fileName) {
     for (const LPath& folder : {SystemFolder(), LWindowsFolder()})
         if (const LPath path = FileIn(folder, fileName); !path.Empty() && LFile::Exists(path)) return path;

@@ -31,6 +31,11 @@ void LKeepToSystemLibraries();
 // Thread: any.
 LLibrary LLoadAddOn(const char* fileName);
 
+// Loads a library of the platform, such as "ole32.dll", from the system folder alone: one of its name beside
+// the program may be anybody's. Empty when it cannot be loaded.
+// Thread: any.
+LLibrary LLoadSystemLibrary(const char* fileName);
+
 // A function that a library exports; nullptr when it does not.
 template <class Function>
 Function LFunctionOf(const LLibrary& library, const char* name) {
