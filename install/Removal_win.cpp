@@ -36,7 +36,8 @@ constexpr char kConfirm[] =
     "%s.\nNot sent yet: %d.\n\nDelete them?";
 constexpr char kFilesStay[] =
     "\n\nSome files are in use by another program. They are deleted when Windows is started next.";
-constexpr char kDataStays[] = "\n\n%d files or folders of recordings or settings could not be deleted. They are in\n%s";
+constexpr char kDataStays[] =
+    "\n\n%d files or folders of recordings or settings could not be deleted. They are in\n%s";
 
 constexpr uint32_t kCloseWaitMs = 2000;
 
@@ -48,14 +49,16 @@ using LengthMs = int32_t (*)(const LPath& audio);
 
 class RemoveDialog final : public LDialog {
 public:
-    RemoveDialog(const LPath& dataFolder, LengthMs lengthMs)
-        : m_dataFolder(dataFolder), m_lengthMs(lengthMs) {}
+    // isShared: another installation works with the same recordings.
+    RemoveDialog(const LPath& dataFolder, bool isShared, LengthMs lengthMs)
+        : m_dataFolder(dataFolder), m_isShared(isShared), m_lengthMs(lengthMs) {}
     bool DeletesData() const { return m_deletesData; }
 
 private:
     bool InitDialog() override {
         SetWindowTextA(Window(), kRemovalTitle);
         SetWindowTextA(Item(IDC_REMOVE_TEXT), LFormat(kQuestion, m_dataFolder.c_str()).c_str());
+        EnableWindow(Item(IDC_REMOVE_DATA), !m_isShared);
         LShowAsProgram(Window());
         SetFocus(Item(IDOK));
         return false;
@@ -72,6 +75,7 @@ private:
     bool Confirms();
 
     const LPath& m_dataFolder;
+    bool m_isShared;
     LengthMs m_lengthMs;
     bool m_deletesData = false;
 };
@@ -178,11 +182,13 @@ std::string RemoveProcess::Outcome() const {
 }
 
 static void Remove(const LPath& program, LengthMs lengthMs) {
-    std::optional<Installation> installation;
-    for (const InstallScope scope : {InstallScope::ThisUser, InstallScope::Everyone}) {
-        const std::optional<Installation> found = RegisteredInstallation(scope);
-        if (found && LEqualNoCase(found->Program().View(), program.View())) installation = found;
-    }
+    std::optional<Installation> installation = RegisteredInstallation(InstallScope::Everyone);
+    std::optional<Installation> other = RegisteredInstallation(InstallScope::ThisUser);
+    const auto isOf = [](const std::optional<Installation>& found, const LPath& wanted) {
+        return found && LEqualNoCase(found->Program().View(), wanted.View());
+    };
+    if (!isOf(installation, program)) std::swap(installation, other);
+    if (!isOf(installation, program)) installation.reset();
     if (!installation) {
         Tell(nullptr, LFormat(kNotInstalled, LPath(LFolderOf(program.View())).c_str()), kRemovalError);
         return;
@@ -191,7 +197,9 @@ static void Remove(const LPath& program, LengthMs lengthMs) {
         Tell(nullptr, kOnlyAdministrator, kRemovalError);
         return;
     }
-    RemoveDialog dialog(installation->dataFolder, lengthMs);
+    const bool isShared = other && LFile::Exists(other->Program()) &&
+                          LEqualNoCase(other->dataFolder.View(), installation->dataFolder.View());
+    RemoveDialog dialog(installation->dataFolder, isShared, lengthMs);
     if (dialog.RunModal(IDD_REMOVE, nullptr) != IDOK) return;
     if (AskRunningCopyToClose()) LSleep(kCloseWaitMs);
     RemoveProcess process(*installation, dialog.DeletesData());
