@@ -97,8 +97,9 @@ private:
 
     void ShowSpace() {
         std::string text = "Needs " + Megabytes(m_neededKb) + ".";
-        if (const std::string typed = Typed(); WhyNotInFolder(typed) == nullptr)
-            text += " Free on this drive: " + Megabytes(FreeKb(LPath(typed))) + ".";
+        const std::string typed = Typed();
+        const uint64_t free = WhyNotInFolder(typed) == nullptr ? FreeKb(LPath(typed)) : UINT64_MAX;
+        if (free != UINT64_MAX) text += " Free on this drive: " + Megabytes(free) + ".";
         LSetWindowText(Item(IDC_INSTALL_SPACE), text);
     }
 
@@ -121,18 +122,26 @@ private:
     }
 
     void Take() {
+        if (!m_plan.IsUpdate() && !TakeFolder()) return;
+        const uint64_t free = FreeKb(m_plan.Folder());
+        if (free < m_neededKb)
+            return Refuse(LFormat(kNoRoom, Megabytes(m_neededKb).c_str(), Megabytes(free).c_str()));
+        EndModal(IDOK);
+    }
+
+    bool TakeFolder() {
         std::string folder = Typed();
-        if (const char* reason = WhyNotInFolder(folder)) return Refuse(reason);
+        const char* reason = WhyNotInFolder(folder);
         char whole[kPathSize] = {};
         char* name = nullptr;
         const DWORD length = GetFullPathNameA(folder.c_str(), sizeof whole, whole, &name);
         if (length > 0 && length < sizeof whole) folder = whole;
-        if (const char* reason = WhyNotInFolder(folder)) return Refuse(reason);
-        const uint64_t free = FreeKb(LPath(folder));
-        if (free < m_neededKb)
-            return Refuse(LFormat(kNoRoom, Megabytes(m_neededKb).c_str(), Megabytes(free).c_str()));
-        m_plan.SetFolder(folder);
-        EndModal(IDOK);
+        if (reason == nullptr) reason = WhyNotInFolder(folder);
+        if (reason != nullptr)
+            Refuse(reason);
+        else
+            m_plan.SetFolder(folder);
+        return reason == nullptr;
     }
 
     void Refuse(std::string_view reason) {

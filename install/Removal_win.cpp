@@ -19,7 +19,7 @@
 namespace {
 
 constexpr char kRemovalError[] = "Corvane Was Not Removed";
-constexpr char kNotInstalled[] = "Corvane is not installed in\n\n%s\n\nany more. There is nothing to remove.";
+constexpr char kNotInstalled[] = "This Corvane is not installed (any more). There is nothing to remove.";
 constexpr char kOnlyAdministrator[] =
     "Corvane is installed for everyone who uses this computer. Only an administrator of this computer can "
     "remove it.\n\nNothing was changed.";
@@ -190,7 +190,7 @@ static void Remove(const LPath& program, LengthMs lengthMs) {
     if (!isOf(installation, program)) std::swap(installation, other);
     if (!isOf(installation, program)) installation.reset();
     if (!installation) {
-        Tell(nullptr, LFormat(kNotInstalled, LPath(LFolderOf(program.View())).c_str()), kRemovalError);
+        Tell(nullptr, kNotInstalled, kRemovalError);
         return;
     }
     if (!MayChangeRegistry(installation->scope)) {
