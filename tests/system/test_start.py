@@ -23,8 +23,8 @@ def test_a_second_start_brings_the_first_forward_and_ends(corvane, winctl):
 def test_a_set_up_loads_no_library_that_lies_among_its_downloads(tmp_path):
     package = tmp_path / "corvanesetup.exe"
     subprocess.run([ROOT / "tools/make-setup", "--program", EXE, "--output", package], check=True)
-    # What Corvane asks for; others are asked for by Windows itself, before any program's first line.
-    for name in "hidprobe mapi32 msacm32 ole32 setupapi shfolder wininet winmm ws2_32 wsock32".split():
+    # What Corvane asks for; others are asked for by Windows itself, before a program's first line or for an edit box.
+    for name in "hidprobe mapi32 msacm32 setupapi shfolder wininet winmm ws2_32 wsock32".split():
         shutil.copy(TOOLS.parent / "win/decoders/decoders.dll", tmp_path / f"{name}.dll")
     log = tmp_path / "log"
     with log.open("wb") as out:
