@@ -114,7 +114,7 @@ bool LProfile::WriteValues(const LPath& file, std::string_view section, std::spa
 bool LProfile::Delete(const LPath& file, std::string_view section, std::string_view key) {
     const LLock lock(LProfileLock());
     std::vector<std::string> lines;
-    if (!ReadLines(file, lines)) return false;
+    if (file.Empty() || !ReadLines(file, lines)) return false;
     const size_t at = FindKey(lines, FindSection(lines, section), key);
     if (at == kNone) return true;
     lines.erase(lines.begin() + static_cast<ptrdiff_t>(at));

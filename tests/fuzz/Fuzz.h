@@ -13,3 +13,8 @@ struct Scratch {
     ~Scratch() { LFile::Delete(path), LFile::Delete(path.WithExtension(".lck")); }
     LPath path = LFile::MakeTemporary("cvf");
 };
+
+// A folder for them.
+struct ScratchFolder : Scratch {
+    ScratchFolder() { LFile::Delete(path), LFile::MakeFolder(path); }
+};

@@ -18,8 +18,6 @@ namespace {
 // A folder for a dictation, in it one that the platform takes for its temporary files.
 struct World {
     World() {
-        LFile::Delete(scratch.path);
-        LFile::MakeFolder(scratch.path);
         LFile::MakeFolder(temporary);
         std::string native(temporary.View());
         for (char& c : native) c = c == '\\' ? '/' : c;
@@ -30,7 +28,7 @@ struct World {
         LListFolder(folder, "*", [&](const LFolderEntry&) { return ++count > 0; });
         return count;
     }
-    Scratch scratch;
+    ScratchFolder scratch;
     const LPath temporary = LPath::Join(scratch.path.View(), "temporary");
     const LPath dct = LPath::Join(temporary.View(), "a.dct");
     const DictationFiles files = DictationFiles::OfNumber(LPath(std::string(scratch.path.View()) + "/"), 12);

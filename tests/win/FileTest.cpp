@@ -1,6 +1,5 @@
 #include "base/LFile.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include "base/LCopyFile.h"
@@ -104,8 +103,6 @@ class MachineValue {
 public:
     MachineValue(const char* key, const char* value) : m_key(key), m_value(value) {}
     ~MachineValue() { Set(m_old); }
-    MachineValue(const MachineValue&) = delete;
-    MachineValue& operator=(const MachineValue&) = delete;
     // Empty, as if there were none.
     void Set(std::string_view text) { LWriteRegistryText(HKEY_LOCAL_MACHINE, m_key, m_value, text); }
 

@@ -21,8 +21,6 @@ public:
         KillTimer(nullptr, m_timer);
         EXPECT_TRUE(s_steps.empty()) << "nobody showed: " << s_steps.front().title;
     }
-    Hand(const Hand&) = delete;
-    Hand& operator=(const Hand&) = delete;
 
     static Step Press(const char* title, WPARAM button) {
         return {title, [button](HWND window) { return PostMessageA(window, WM_COMMAND, button, 0) != 0; }};

@@ -39,17 +39,6 @@ TEST_F(HeldDictationTest, WhoeverHoldsAFileForAMomentIsWaitedFor) {
     EXPECT_EQ(CountFiles(m_user.sentFolder), 3u);
 }
 
-TEST_F(HeldDictationTest, ADictationInUseStaysInCurrentAsItWas) {
-    for (const LPath& path : {Current(12).audio, Current(12).record, Current(12).notes}) {
-        const LFile reader(path, LFile::Open::Read);
-        MoveToSent again(m_user, Current(12).record, [](const LPath&) { return QueueAnswer::No; });
-        EXPECT_FALSE(again.Run("Jo", 1)) << path.c_str();
-        EXPECT_EQ(CountFiles(m_user.currentFolder), 3u);
-        EXPECT_EQ(DictationRecord::Read(Current(12).record).name, "new");
-        EXPECT_EQ(DictationRecord::Read(Current(12).record).sendStatus, "");
-    }
-}
-
 // A journal that outlives its commit must not take the dictation back.
 TEST_F(HeldDictationTest, AJournalThatCannotBeDeletedIsNotActedOn) {
     ASSERT_TRUE(move.Run("Jo", 1));

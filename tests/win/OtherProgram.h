@@ -28,8 +28,6 @@ public:
         CloseHandle(m_process.hThread);
         CloseHandle(m_process.hProcess);
     }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
 
     // What the other program was given.
     static LPath File() { return LPath(std::getenv("CORVANE_TEST_FILE")); }

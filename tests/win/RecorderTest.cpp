@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "audio/device/LSoundRecorder_win.h"
 #include "base/LTime.h"
 #include "tests/unit/audio/AudioTest.h"
@@ -26,31 +24,24 @@ struct Notes final : LSoundRecorderNotify {
 }  // namespace
 
 TEST(Recorder, EndsByItselfAtTheMaximumTimeAndWhenTheDiskIsFull) {
-    // The test machine has a device, so that no test passes there by being skipped.
-    if (waveInGetNumDevs() == 0) {
-        if (std::getenv("RIG")) FAIL() << "needs a wave-in device";
-        GTEST_SKIP() << "needs a wave-in device";
-    }
+    ASSERT_GT(waveInGetNumDevs(), 0u) << "runs on the rig";
     Notes notes;
     LSoundRecorder recorder(notes, 77);
     recorder.SetDevice(99);  // there is none: the default one records
     Samples taken;
-    static const struct {
-        int32_t maximumMs, diskHolds;
-        LSoundRecorder::Ending ending;
-    } kCases[] = {{400, INT32_MAX, LSoundRecorder::Ending::MaxTime},
-                  {0, 2000, LSoundRecorder::Ending::WriteError}};
-    for (const auto& c : kCases) {
+    static const std::tuple<int32_t, int32_t, LSoundRecorder::Ending> kCases[] = {
+        {400, INT32_MAX, LSoundRecorder::Ending::MaxTime}, {0, 2000, LSoundRecorder::Ending::WriteError}};
+    for (const auto& [maximumMs, diskHolds, ending] : kCases) {
         taken.clear();
-        const LSoundSink sink = LSoundSink::Make<CollectingSink>(kRate, uint8_t{1}, taken, c.diskHolds);
-        ASSERT_TRUE(recorder.Start(sink, 3000, kAnyLevel, c.maximumMs, LSoundRecorder::kRecordAtOnce));
+        const LSoundSink sink = LSoundSink::Make<CollectingSink>(kRate, uint8_t{1}, taken, diskHolds);
+        ASSERT_TRUE(recorder.Start(sink, 3000, kAnyLevel, maximumMs, LSoundRecorder::kRecordAtOnce));
         const uint32_t start = LTickMs();
         while (recorder.IsActive() && LTickMs() - start < kDeadlineMs) {
             MSG message;
             while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
             MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
         }
-        EXPECT_EQ(recorder.GetEnding(), c.ending);
+        EXPECT_EQ(recorder.GetEnding(), ending);
         EXPECT_GE(taken.size(), 2000u) << "what was heard is kept";
         EXPECT_EQ(recorder.EndMs(), static_cast<int32_t>(taken.size()) * 1000 / kRate);
     }

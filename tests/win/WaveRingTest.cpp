@@ -22,25 +22,21 @@ static const LWaveRing::Device kDevice = {
 };
 
 TEST(WaveRing, FreesItsMemoryOnlyWhenTheDeviceHasGivenItBack) {
-    static const struct {
-        MMRESULT answer;
-        bool isFreed;
-        uint32_t waitsMs;
-    } kCases[] = {
+    static const std::tuple<MMRESULT, bool, uint32_t> kCases[] = {
         {MMSYSERR_NOERROR, true, 0}, {MMSYSERR_NODRIVER, false, 0}, {WAVERR_STILLPLAYING, false, 500}};
-    for (const auto& c : kCases) {
+    for (const auto& [answer, isFreed, waitsMs] : kCases) {
         TraceLog log;
         LWaveRing ring(kDevice);
         ASSERT_TRUE(ring.Create(nullptr, 3, 100));
         g_first = &ring[0];
-        g_answer = c.answer;
+        g_answer = answer;
         const HGLOBAL memory = GlobalHandle(g_first);
         const uint32_t start = LTickMs();
         ring.Release(nullptr);
-        EXPECT_GE(LTickMs() - start, c.waitsMs);
-        EXPECT_LT(LTickMs() - start, c.waitsMs + 1000);
-        EXPECT_EQ(GlobalSize(memory) == 0, c.isFreed) << c.answer;
-        EXPECT_EQ(log.Has("failed"), !c.isFreed);
+        EXPECT_GE(LTickMs() - start, waitsMs);
+        EXPECT_LT(LTickMs() - start, waitsMs + 1000);
+        EXPECT_EQ(GlobalSize(memory) == 0, isFreed) << answer;
+        EXPECT_EQ(log.Has("failed"), !isFreed);
         EXPECT_FALSE(ring);
     }
 }

@@ -1,7 +1,6 @@
 #include "base/LFile.h"
 
 #include "base/LCopyFile.h"
-#include "base/LTime.h"
 #include "tests/unit/TestKit.h"
 
 class FileTest : public testing::Test {
@@ -31,30 +30,6 @@ TEST_F(FileTest, GrowsUnderTheEyesOfAReader) {
     EXPECT_FALSE(reader.Seek(-1));
 }
 
-TEST_F(FileTest, IsCutAndExtendedAtItsPosition) {
-    WriteFileText(m_a, "12345678");
-    LFile file(m_a, LFile::Open::Write);
-    EXPECT_TRUE(file.Seek(3) && file.SetEnd());
-    EXPECT_EQ(file.Size(), 3);
-    EXPECT_TRUE(file.Seek(5) && file.SetEnd());
-    EXPECT_EQ(file.Position(), 5);
-    EXPECT_NEAR(static_cast<double>(file.WriteTime()), static_cast<double>(LNowSeconds()), 10);
-    file.Close();
-    EXPECT_EQ(ReadFileText(m_a), std::string("123\0\0", 5));
-}
-
-TEST_F(FileTest, NothingOpensOrMovesUnderARefusedPath) {
-    const LPath refused(std::string(300, 'a'));
-    WriteFileText(m_a, "old");
-    EXPECT_FALSE(LFile(refused, LFile::Open::CreateNew).IsOpen());
-    EXPECT_FALSE(LFile::Move(m_a, refused));
-    EXPECT_FALSE(LFile::Replace(m_a, refused));
-    EXPECT_FALSE(LFile::WriteWhole(refused, m_b, Text("new")));
-    EXPECT_EQ(NamesNow(), Names{"a"});
-    LFile closed;
-    EXPECT_FALSE(closed.WriteAll(Text("x")) || closed.Seek(0) || closed.SetEnd() || closed.Flush());
-}
-
 TEST_F(FileTest, MoveRefusesWhatReplaceTakes) {
     WriteFileText(m_a, "new");
     WriteFileText(m_b, "old");
@@ -66,6 +41,8 @@ TEST_F(FileTest, MoveRefusesWhatReplaceTakes) {
     EXPECT_EQ(NamesNow(), Names{"b"});
     EXPECT_FALSE(LFile(m_b, LFile::Open::CreateAbsent).IsOpen());
     EXPECT_TRUE(LFile(m_a, LFile::Open::CreateAbsent).IsOpen());
+    LFile closed;
+    EXPECT_FALSE(closed.WriteAll(Text("x")) || closed.Seek(0) || closed.SetEnd() || closed.Flush());
 }
 
 TEST_F(FileTest, WritingWholeLeavesNothingBesideItAndReadingWholeHasALimit) {
@@ -81,17 +58,6 @@ TEST_F(FileTest, WritingWholeLeavesNothingBesideItAndReadingWholeHasALimit) {
     EXPECT_EQ(bytes.size(), 1u) << "a refusal changes nothing";
     EXPECT_TRUE(LFile::ReadWhole(m_a, 5, bytes));
     EXPECT_EQ(bytes, Text("12345"));
-}
-
-TEST_F(FileTest, ListsByPatternWithoutRegardToCase) {
-    for (const char* name : {"1.dat", "2.DAT", "3.wav"}) WriteFileText(m_folder.File(name), name);
-    m_folder.Folder("4.dat");
-    Names found;
-    LListFolder(m_folder.Path(), "*.dat", [&](const LFolderEntry& entry) {
-        return found.push_back(entry.name + (entry.isFolder ? "/" : ":" + std::to_string(entry.size))), true;
-    });
-    std::ranges::sort(found);
-    EXPECT_EQ(found, (Names{"1.dat:5", "2.DAT:5", "4.dat/"}));
 }
 
 TEST_F(FileTest, IsCopiedWholeOrTheTargetStaysAsItWas) {

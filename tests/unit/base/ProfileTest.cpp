@@ -16,19 +16,16 @@ TEST_F(ProfileTest, ReadsWhatPeopleWrite) {
                   "stray=1\r\n[One]\r\n; comment=2\r\nplain=value\r\n  Spaced Key =  in the middle  \r\n"
                   "double=\"  kept  \"\r\nsingle='kept'\r\nodd=\"open\r\nempty=\r\nequals=a=b\r\n"
                   "plain=second\r\n\r\n[two]\nplain=other");
-    static const struct {
-        const char *section, *key, *expected;
-    } kCases[] = {
+    static const char* const kCases[][3] = {
         {"one", "PLAIN", "value"},      {"ONE", "spaced key", "in the middle"},
         {"One", "double", "  kept  "},  {"One", "single", "kept"},
         {"One", "odd", "\"open"},       {"One", "empty", ""},
         {"One", "equals", "a=b"},       {"two", "plain", "other"},
         {"two", "double", "(default)"}, {"one", "stray", "(default)"},
     };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(LProfile::Read(file, c.section, c.key, "(default)"), c.expected) << c.section << c.key;
-        EXPECT_EQ(LProfileSection(file, c.section).Read(c.key, "(default)"), c.expected)
-            << c.section << c.key;
+    for (const auto& [section, key, expected] : kCases) {
+        EXPECT_EQ(LProfile::Read(file, section, key, "(default)"), expected) << section << key;
+        EXPECT_EQ(LProfileSection(file, section).Read(key, "(default)"), expected) << section << key;
     }
 }
 
@@ -81,6 +78,7 @@ TEST_F(ProfileTest, RubbishYieldsDefaults) {
     }
     EXPECT_EQ(LProfile::Read(LPath(), "settings", "number", "1"), "1");
     EXPECT_FALSE(LProfile::Write(LPath(), "settings", "number", "1"));
+    EXPECT_FALSE(LProfile::Delete(LPath(), "settings", "number")) << "nor in the platform's own file";
     EXPECT_FALSE(LProfile::Write(folder.File("no such folder/a.ini"), "settings", "number", "1"));
 }
 

@@ -9,7 +9,6 @@
 TEST(Text, NumbersStopAtTheFirstOtherCharacterAndNeverOverflow) {
     static const std::pair<const char*, int64_t> kCases[] = {
         {"", 0},
-        {"abc", 0},
         {" \t-12dB", -12},
         {"+7", 7},
         {"- 5", 0},
@@ -53,9 +52,7 @@ TEST(Path, AreWalkedByCharacters) {
 }
 
 TEST(Path, FindsTheRootOfADriveOrShare) {
-    static const struct {
-        const char *path, *root, *withoutSeparator;
-    } kCases[] = {
+    static const char* const kCases[][3] = {
         {"C:\\a\\b\\", "C:\\", "C:\\a\\b"},
         {"C:\\", "C:\\", "C:\\"},
         {"\\\\server\\share\\a", "\\\\server\\share\\", "\\\\server\\share\\a"},
@@ -63,27 +60,25 @@ TEST(Path, FindsTheRootOfADriveOrShare) {
         {"a/", "\\", "a"},
         {"\\", "\\", "\\"},
     };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(LRootOf(c.path).View(), c.root);
-        EXPECT_EQ(LPath(c.path).WithoutSeparator().View(), c.withoutSeparator);
+    for (const auto& [path, root, withoutSeparator] : kCases) {
+        EXPECT_EQ(LRootOf(path).View(), root);
+        EXPECT_EQ(LPath(path).WithoutSeparator().View(), withoutSeparator);
     }
 }
 
 TEST(Path, SplitsIntoPiecesThatMakeItUpAgain) {
-    static const struct {
-        const char *path, *drive, *folder, *name, *extension;
-    } kCases[] = {
+    static const char* const kCases[][5] = {
         {"C:\\a.b\\c.d.wav", "C:", "\\a.b\\", "c.d", ".wav"},
         {"C:\\a.b\\c", "C:", "\\a.b\\", "c", ""},
         {"C:x", "C:", "", "x", ""},
         {"/a/b\\c.", "", "/a/b\\", "c", "."},
         {"C:\\folder\\", "C:", "\\folder\\", "", ""},
     };
-    for (const auto& c : kCases) {
-        const auto [drive, folder, name, extension] = LSplitPath(c.path);
-        EXPECT_TRUE(drive == c.drive && folder == c.folder && name == c.name && extension == c.extension)
-            << c.path;
-        EXPECT_EQ(std::string(LFolderOf(c.path)) + std::string(LFileNameOf(c.path)), c.path);
+    for (const auto& [path, drive, folder, name, extension] : kCases) {
+        const auto is = LSplitPath(path);
+        EXPECT_TRUE(is.drive == drive && is.folder == folder && is.name == name && is.extension == extension)
+            << path;
+        EXPECT_EQ(std::string(LFolderOf(path)) + std::string(LFileNameOf(path)), path);
     }
     EXPECT_EQ(LPath("C:\\a.b\\c").WithExtension(".wav").View(), "C:\\a.b\\c.wav");
     EXPECT_EQ(LPath("C:\\a.b\\c.dat").WithExtension(".wav").View(), "C:\\a.b\\c.wav");

@@ -89,26 +89,23 @@ TEST_F(DockTransferTest, SaysWhatWasNotReachedAndHowToGetIt) {
 
 // The recorder's file is often the only one.
 TEST_F(DockTransferTest, DeletesOnlyWhatIsSafeElsewhere) {
-    static const struct {
-        const char* what;
-        bool deletes, grows, isCut, isGoneAfter;
-    } kCases[] = {
+    static const std::tuple<const char*, bool, bool, bool, bool> kCases[] = {
         {"loaded", true, false, false, true},
         {"not to be deleted", false, false, false, false},
         {"still being written", true, true, false, false},
         {"not read to its end", true, false, true, false},
     };
-    for (const auto& c : kCases) {
-        Settings::Write(m_settings, SettingsKeys::kDockTransferDelete, c.deletes);
-        m_whileLoading = [&] {
-            if (c.grows) Put("a.wav", 1000, "more sound");
+    for (const auto& [what, deletes, grows, isCut, isGoneAfter] : kCases) {
+        Settings::Write(m_settings, SettingsKeys::kDockTransferDelete, deletes);
+        m_whileLoading = [this, puts = grows] {
+            if (puts) Put("a.wav", 1000, "more sound");
         };
-        m_cut = c.isCut ? "a.wav" : "";
+        m_cut = isCut ? "a.wav" : "";
         Put("a.wav", 1000);
         const DockTransfer::Outcome outcome = Run();
-        EXPECT_EQ(LFile::IsAbsent(FileOf("a.wav")), c.isGoneAfter) << c.what;
-        EXPECT_EQ(outcome.left, c.deletes && !c.isGoneAfter) << c.what;
-        EXPECT_EQ(DockTransferText(outcome, m_folder).empty(), outcome.left == 0) << c.what;
+        EXPECT_EQ(LFile::IsAbsent(FileOf("a.wav")), isGoneAfter) << what;
+        EXPECT_EQ(outcome.left, deletes && !isGoneAfter) << what;
+        EXPECT_EQ(DockTransferText(outcome, m_folder).empty(), outcome.left == 0) << what;
     }
 }
 

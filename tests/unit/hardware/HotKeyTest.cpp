@@ -6,10 +6,8 @@
 #include "hardware/KeyText.h"
 #include "tests/unit/TestKit.h"
 
-namespace {
-
 // The items of the list as the file holds them: count: key/modifiers/command for each of the first three.
-std::string Stored(const LPath& file) {
+static std::string Stored(const LPath& file) {
     const auto read = [&](const std::string& key) { return LProfile::Read(file, "keys", key, "-"); };
     std::string text = read("keycount") + ":";
     for (const std::string i : {"0", "1", "2"})
@@ -17,69 +15,43 @@ std::string Stored(const LPath& file) {
     return text;
 }
 
-}  // namespace
-
 TEST(HotKeyList, KeepsItsItemsTogetherAndLeavesNothingBehindItsEnd) {
-    static const struct {
-        const char* what;
-        const char* before;
-        HotKeyList::Change (*change)(HotKeyList& list);
-        const char* after;
-    } kCases[] = {
+    // A change: "+" a hot key, "-" the number and what it stands for, "=" both and the new one; -1: no key.
+    static const char* const kCases[][4] = {
         {"first of two", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
-         [](HotKeyList& list) {
-             return list.Delete(0, {65, 1, 3});
-         },
-         "1: 66/2/4 -/-/- -/-/-"},
-        {"before one without a key", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\ncommand1=4",
-         [](HotKeyList& list) {
-             return list.Delete(0, {65, 1, 3});
-         },
+         "-0 65/1/3", "1: 66/2/4 -/-/- -/-/-"},
+        {"before one without a key", "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\ncommand1=4", "-0 65/1/3",
          "1: -/-/4 -/-/- -/-/-"},
-        {"the last", "keycount=2\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4",
-         [](HotKeyList& list) {
-             return list.Delete(1, {66, 2, 4});
-         },
+        {"the last", "keycount=2\ncommand0=3\nkey1=66\nkey1mod=2\ncommand1=4", "-1 66/2/4",
          "1: -/-/3 -/-/- -/-/-"},
-        {"an added one", "",
-         [](HotKeyList& list) {
-             return list.Add({116, 6, 12});
-         },
-         "1: 116/6/12 -/-/- -/-/-"},
-        {"added without a key, over a leftover", "keycount=1\ncommand0=3\nkey1=66\nkey1mod=2",
-         [](HotKeyList& list) {
-             return list.Add({std::nullopt, 0, 4});
-         },
+        {"an added one", "", "+0 116/6/12", "1: 116/6/12 -/-/- -/-/-"},
+        {"added without a key, over a leftover", "keycount=1\ncommand0=3\nkey1=66\nkey1mod=2", "+0 -1/0/4",
          "2: -/-/3 -/-/4 -/-/-"},
-        {"added behind a count that is not true", "keycount=2147483647\ncommand0=3",
-         [](HotKeyList& list) {
-             return list.Add({65, 1, 4});
-         },
+        {"added behind a count that is not true", "keycount=2147483647\ncommand0=3", "+0 65/1/4",
          "2: -/-/3 65/1/4 -/-/-"},
-        {"an edited one", "keycount=1\nkey0=65\nkey0mod=1\ncommand0=3",
-         [](HotKeyList& list) {
-             return list.Set(0, {65, 1, 3}, {112, 0, 14});
-         },
+        {"an edited one", "keycount=1\nkey0=65\nkey0mod=1\ncommand0=3", "=0 65/1/3 112/0/14",
          "1: 112/0/14 -/-/- -/-/-"},
         {"one that another session's deletion has moved", "keycount=1\nkey0=66\nkey0mod=2\ncommand0=4",
-         [](HotKeyList& list) {
-             return list.Set(1, {66, 2, 4}, {112, 0, 14});
-         },
-         "1: 112/0/14 -/-/- -/-/-"},
+         "=1 66/2/4 112/0/14", "1: 112/0/14 -/-/- -/-/-"},
         {"of two equal ones that which was meant",
-         "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=65\nkey1mod=1\ncommand1=3",
-         [](HotKeyList& list) {
-             return list.Set(1, {65, 1, 3}, {112, 0, 14});
-         },
+         "keycount=2\nkey0=65\nkey0mod=1\ncommand0=3\nkey1=65\nkey1mod=1\ncommand1=3", "=1 65/1/3 112/0/14",
          "2: 65/1/3 112/0/14 -/-/-"},
     };
     const TempFolder folder;
-    for (const auto& c : kCases) {
-        const LPath file = folder.File(c.what);
-        WriteFileText(file, std::string("[keys]\n") + c.before + "\n");
+    for (const auto& [what, before, change, after] : kCases) {
+        const LPath file = folder.File(what);
+        WriteFileText(file, std::string("[keys]\n") + before + "\n");
         HotKeyList list(file);
-        EXPECT_EQ(c.change(list), HotKeyList::Change::Done) << c.what;
-        EXPECT_EQ(Stored(file), c.after) << c.what;
+        int n[7] = {};
+        std::sscanf(change + 1, "%d %d/%d/%d %d/%d/%d", &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &n[6]);
+        const auto hotKey = [&n](int at) {
+            return HotKey{n[at] < 0 ? std::nullopt : std::optional(n[at]), n[at + 1], n[at + 2]};
+        };
+        const HotKeyList::Change result = *change == '+'   ? list.Add(hotKey(1))
+                                          : *change == '-' ? list.Delete(n[0], hotKey(1))
+                                                           : list.Set(n[0], hotKey(1), hotKey(4));
+        EXPECT_EQ(result, HotKeyList::Change::Done) << what;
+        EXPECT_EQ(Stored(file), after) << what;
     }
     EXPECT_EQ(HotKeyList(folder.File("an edited one")).Read(), (std::vector<HotKey>{{112, 0, 14}}));
     LFile::MakeFolder(folder.File("folder"));
@@ -109,11 +81,7 @@ TEST(HotKeyList, ChangesNothingThatItDoesNotStandForAnyMore) {
 
 TEST(HotKeyFault, IsToldOfWhatDoesNothing) {
     using enum HotKeyFault;
-    static const struct {
-        const char* what;
-        HotKey hotKey;
-        HotKeyFault fault;
-    } kCases[] = {
+    static const std::tuple<const char*, HotKey, HotKeyFault> kCases[] = {
         {"works", {65, 2, 3}, None},
         {"no key", {std::nullopt, 0, 3}, NoKey},
         {"neither", {std::nullopt, 0, 0}, NoKey},
@@ -126,7 +94,8 @@ TEST(HotKeyFault, IsToldOfWhatDoesNothing) {
     };
     const HotKey others[] = {{66, 0, 4}, {67, 0, 0}};
     const auto isFree = [](const HotKey& hotKey) { return hotKey.key != 90; };
-    for (const auto& c : kCases) EXPECT_EQ(FaultOf(c.hotKey, others, isFree), c.fault) << c.what;
+    for (const auto& [what, hotKey, fault] : kCases)
+        EXPECT_EQ(FaultOf(hotKey, others, isFree), fault) << what;
 }
 
 TEST(KeyText, NamesEveryKey) {

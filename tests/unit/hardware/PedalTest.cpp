@@ -28,23 +28,22 @@ private:
 
 // CTS, DSR, ring and carrier are 0x10, 0x20, 0x40 and 0x80 of the modem status.
 TEST(HardwareControl, EachLineOfASerialPortIsAControlAndTheFirstTwoTogetherAreTheThird) {
-    static const struct {
-        uint32_t modemStatus;
-        const char* changes;  // after the line before, control by control
-    } kCases[] = {{0x00, ""},      {0x10, "1+"}, {0x30, "1- 3+"},       {0x20, "2+ 3-"}, {0x0F, "2-"},
-                  {0xC0, "3+ 4+"}, {0x40, "4-"}, {0xB0, "1+ 2+ 3- 4+"}, {0xF0, "3+"}};
+    // The changes after the line before, control by control.
+    static const std::pair<uint32_t, const char*> kCases[] = {
+        {0x00, ""},      {0x10, "1+"}, {0x30, "1- 3+"},       {0x20, "2+ 3-"}, {0x0F, "2-"},
+        {0xC0, "3+ 4+"}, {0x40, "4-"}, {0xB0, "1+ 2+ 3- 4+"}, {0xF0, "3+"}};
     Plugged plugged;
     HardwareControl control([&](int32_t) { return std::make_unique<TestPort>(plugged); });
     ASSERT_TRUE(control.Open(5));
     PedalChanges pedals;
-    for (const auto& c : kCases) {
-        plugged.bits = BitsOfModemStatus(c.modemStatus);
+    for (const auto& [modemStatus, expected] : kCases) {
+        plugged.bits = BitsOfModemStatus(modemStatus);
         pedals.Note(control.Scan());
         std::string changes;
         while (const auto change = pedals.Next())
             changes += (changes.empty() ? "" : " ") + std::to_string(change->control + 1) +
                        (change->isPressed ? "+" : "-");
-        EXPECT_EQ(changes, c.changes) << c.modemStatus;
+        EXPECT_EQ(changes, expected) << modemStatus;
     }
 }
 

@@ -21,10 +21,7 @@ static Bytes LongKey(size_t bytes) {
 // Eric Young's vectors, and keys beyond the 56 bytes of the published cipher, where the 72nd byte is the last
 // to count.
 TEST(BlowFish, MeetsThePublishedVectors) {
-    static const struct {
-        Bytes key;
-        const char *clear, *cipher;
-    } kCases[] = {
+    static const std::tuple<Bytes, const char*, const char*> kCases[] = {
         {Hex("3000000000000000"), "1000000000000001", "7D856F9A613063F2"},
         {Hex("FEDCBA9876543210"), "FFFFFFFFFFFFFFFF", "6B5C5A9C5D9E0A5A"},
         {Hex("F0"), "FEDCBA9876543210", "F9AD597C49DB005E"},
@@ -33,12 +30,12 @@ TEST(BlowFish, MeetsThePublishedVectors) {
         {LongKey(72), "FEDCBA9876543210", "1E7BBCF0BE04D576"},
         {LongKey(72) + Hex("AA550011"), "FEDCBA9876543210", "1E7BBCF0BE04D576"},
     };
-    for (const auto& c : kCases) {
+    for (const auto& [key, clear, expected] : kCases) {
         LBlowFish cipher;
-        ASSERT_TRUE(cipher.SetKey({reinterpret_cast<const char*>(c.key.data()), c.key.size()}));
-        Bytes block = Reversed(c.clear);
+        ASSERT_TRUE(cipher.SetKey({reinterpret_cast<const char*>(key.data()), key.size()}));
+        Bytes block = Reversed(clear);
         cipher.EncryptBuffer(block);
-        EXPECT_EQ(block, Reversed(c.cipher)) << c.cipher;
+        EXPECT_EQ(block, Reversed(expected)) << expected;
     }
     const TraceLog trace;
     EXPECT_FALSE(LBlowFish().SetKey(""));

@@ -6,9 +6,6 @@
 #include <sstream>
 
 #include "base/LTime.h"
-#include "send/SendItem.h"
-#include "tests/stubs/Email.h"
-#include "tests/unit/TestKit.h"
 #include "tests/unit/send/MailServer_posix.h"
 #include "tests/unit/send/SendTest.h"
 
@@ -63,7 +60,7 @@ protected:
     EmailSMTPSend() { FillAttachment(58); }
     void FillAttachment(size_t bytes) { WriteFileText(mail.attachments[0], std::string(bytes, 'a')); }
     ProcessResult Send(uint16_t port, const std::string& host, const LIPSocketStream::Pace& pace = kQuick) {
-        context.errors.clear();
+        context.errors.clear(), context.progress.clear();
         return EmailSMTPSendProcess(mail, host, port, pace).Process(context);
     }
     ProcessResult SendTo(const MailServer& server, const char* login,
@@ -89,11 +86,7 @@ protected:
 TEST_F(EmailSMTPSend, EveryServerGetsTheSameDialogue) {
     const ProcessResult done = ProcessResult::Done, failed = ProcessResult::Failed;
     const char kNoAnswer[] = "Mail server not responding";
-    const struct {
-        const char *login, *replies, *said;
-        ProcessResult result;
-        const char* error;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*, ProcessResult, const char*> cases[] = {
         {"", "220 250 250 250 250 354 250 221", "HFRDMQ", done, ""},
         {kLogin, "220 250+ 334 334 235 250 250 250 354 250 221", "EAUPFRDMQ", done, ""},
         // Without the method the mail goes all the same; so does one whose QUIT is not answered.
@@ -116,25 +109,15 @@ TEST_F(EmailSMTPSend, EveryServerGetsTheSameDialogue) {
         {"", "220 250 250 250 250 354 550", "HFRDM", failed,
          "Mail host server error (data terminator not accepted)"},
     };
-    for (const auto& c : cases) {
-        MailServer server(Words(c.replies));
-        EXPECT_EQ(SendTo(server, c.login), c.result) << c.replies;
+    for (const auto& [login, replies, parts, result, error] : cases) {
+        MailServer server(Words(replies));
+        EXPECT_EQ(SendTo(server, login), result) << replies;
         std::string said;
-        for (const char* part = c.said; *part != 0; ++part) said += kParts.at(*part);
-        EXPECT_EQ(Said(server), said) << c.replies;
-        EXPECT_EQ(Error(), c.error) << c.replies;
+        for (const char* part = parts; *part != 0; ++part) said += kParts.at(*part);
+        EXPECT_EQ(Said(server), said) << replies;
+        EXPECT_EQ(Error(), error) << replies;
+        EXPECT_TRUE(std::ranges::is_sorted(context.progress)) << replies;
     }
-}
-
-// An empty attachment adds nothing.
-TEST_F(EmailSMTPSend, ProgressFollowsTheLines) {
-    MailServer server(Words("220 250 250 250 250 354 250 221"));
-    mail.attachments.push_back(folder.File("empty"));
-    WriteFileText(mail.attachments[1], "");
-    ASSERT_EQ(SendTo(server, ""), ProcessResult::Done);
-    const std::vector<double> expected = {0, 0.1, 0.2, 0.3, 0.3 + 0.3 * 57 / 58, 0.6, 0.95};
-    ASSERT_EQ(context.progress.size(), expected.size());
-    for (size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(context.progress[i], expected[i], 1e-9) << i;
 }
 
 // At each point, the last in the middle of the message: the server never sees the end of one that it did not
@@ -191,16 +174,4 @@ TEST_F(EmailSMTPSend, AHostThatIsNotFoundOrDoesNotAnswerIsTold) {
     EXPECT_EQ(Send(closed, "slow", {200, never}), ProcessResult::Stopped);
     EXPECT_LE(LTickMs() - begun, kStopMs);
     s_answer.Signal();
-}
-
-// A folder of the settings' name can no more be read than a file that another program holds.
-TEST(EmailDelivery, SettingsThatCannotBeReadKeepTheDictationInTheQueue) {
-    SendWorld world;
-    NotingContext context;
-    const SendQueueEntry entry{world.AddDictation(5), world.AddRecipient(0, SendToSettings()), 0, true};
-    const DataFolder data = DataFolder::FromText(world.data.View());
-    LFile::MakeFolder(data.settingsFile);
-    EXPECT_EQ(SendItem(entry, data, nullptr, context).Send(), ProcessResult::Stopped);
-    EXPECT_EQ(world.Status(5), "");
-    EXPECT_TRUE(MailProgram::mails.empty());
 }

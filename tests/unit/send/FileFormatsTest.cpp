@@ -6,12 +6,10 @@
 
 // The dumps in docs/file-formats.md are what the program writes.
 
-namespace {
-
-constexpr size_t kOffsetDigits = 5;
+static constexpr size_t kOffsetDigits = 5;
 
 // The bytes of the dump under a heading; between two lines whose offsets leave a gap there are zeros.
-Bytes Dump(const std::string& heading) {
+static Bytes Dump(const std::string& heading) {
     static const std::string doc = ReadFileText(LPath(CORVANE_DOCS "/file-formats.md"));
     Bytes bytes;
     const size_t start = doc.find("### Dump: " + heading + "\n");
@@ -26,8 +24,6 @@ Bytes Dump(const std::string& heading) {
     }
     return bytes;
 }
-
-}  // namespace
 
 TEST(FileFormats, DctFilesAreAsDocumented) {
     const Bytes audio = Text("RIFF") + Little(4) + Text("WAVE");

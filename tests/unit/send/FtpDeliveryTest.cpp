@@ -61,26 +61,23 @@ TEST_F(FtpDeliveryTest, EachStageHasItsTextAndAStopBeforeIt) {
     const char kClickOk[] =
         "\n\nClick OK to continue to attempt to connect when you send your next file. Click Cancel to clear "
         "all pending send files.";
-    const struct {
-        const char *name, *call;
-        double progress;
-        std::string error;
-    } stages[] = {
+    const std::tuple<const char*, const char*, double, std::string> stages[] = {
         {"connect", "connect ", 0.5, "Unable to connect to Internet."},
         {"log-on", "log-on(host,user,word) ", 0.58, "Unable to log onto FTP server."},
         {"folder", "folder(in) ", 0.65, "Unable to find FTP server directory."},
         {"put", "put(dct00007-00005.dct) ", 0.75, "Unable to upload file to FTP server."},
     };
     std::string calls;
-    for (int i = 0; i < 4; ++i) {
-        context.cancelAfter = i;
+    int before = 0;
+    for (const auto& [name, call, progress, error] : stages) {
+        context.cancelAfter = before++;
         EXPECT_EQ(Run(), ProcessResult::Stopped);
         EXPECT_EQ(server.calls, calls + "end ");
-        calls += stages[i].call;
-        EXPECT_EQ(Run(stages[i].name), ProcessResult::Failed);
+        calls += call;
+        EXPECT_EQ(Run(name), ProcessResult::Failed);
         EXPECT_EQ(server.calls, calls + "end ");
-        EXPECT_EQ(context.errors, std::vector{stages[i].error + kClickOk});
-        EXPECT_EQ(context.progress.back(), stages[i].progress);
+        EXPECT_EQ(context.errors, std::vector{error + kClickOk});
+        EXPECT_EQ(context.progress.back(), progress);
         EXPECT_TRUE(LFile::Exists(file));
     }
     context.cancelAfter = 4;
@@ -93,27 +90,22 @@ TEST_F(FtpDeliveryTest, TheReportOfTheSendingUserIsDeletedOnTheServerOnceAllOfIt
     const LPath local = LPath::Join(world.data.View(), "Temp.sta");
     const LPath record = DictationFiles::OfNumber(SelectUser(data, 7).sentFolder, 11).record;
     server.report = std::string("\0\0\0\0\x0B\0\0\0Typed", 13) + std::string(11, '\0');
-    const struct {
-        const char* refused;
-        QueueAnswer queued;
-        const char* status;
-        bool isDeleted;
-    } cases[] = {
+    const std::tuple<const char*, QueueAnswer, const char*, bool> cases[] = {
         {"", QueueAnswer::No, "Typed", true},
         {"", QueueAnswer::Unknown, "Sent", false},
         {"get", QueueAnswer::No, "Sent", false},
         {"delete", QueueAnswer::No, "Typed", true},
     };
-    for (const auto& c : cases) {
+    for (const auto& [refused, answer, status, isDeleted] : cases) {
         Settings::Write(record, RecordKeys::kNumber, 11);
         Settings::Write(record, RecordKeys::kSendStatus, "Sent");
         WriteFileText(local, server.report);
-        queued = c.queued;
-        EXPECT_EQ(Run(c.refused), ProcessResult::Done);
+        queued = answer;
+        EXPECT_EQ(Run(refused), ProcessResult::Done);
         EXPECT_EQ(server.calls, std::string("connect log-on(,,) put(dct00007-00005.dct) arrived ") +
-                                    "get(s0000007.sta) " + (c.isDeleted ? "delete(s0000007.sta) " : "") +
+                                    "get(s0000007.sta) " + (isDeleted ? "delete(s0000007.sta) " : "") +
                                     "end ");
-        EXPECT_EQ(Settings::Read(record, RecordKeys::kSendStatus), c.status);
+        EXPECT_EQ(Settings::Read(record, RecordKeys::kSendStatus), status);
         EXPECT_EQ(context.progress.back(), 0.97);
         EXPECT_FALSE(LFile::Exists(local));
     }

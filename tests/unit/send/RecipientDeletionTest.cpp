@@ -1,7 +1,5 @@
 #include "send/RecipientDeletion.h"
 
-#include <gtest/gtest.h>
-
 #include "base/LLeftOver.h"
 #include "send/BGSend.h"
 #include "tests/unit/send/SendTest.h"
@@ -47,15 +45,13 @@ struct Recipients : SendWorld {
 }  // namespace
 
 TEST(RecipientDeletion, WhatWaitsFollowsItsRecipient) {
-    const struct {
-        int32_t index;
-        const char* standing;
-    } kCases[] = {{0, "B-D BD"}, {1, "A-D -D"}, {2, "ABD BD"}, {3, "AB- B-"}};
-    for (const auto& c : kCases) {
+    const std::pair<int32_t, const char*> kCases[] = {
+        {0, "B-D BD"}, {1, "A-D -D"}, {2, "ABD BD"}, {3, "AB- B-"}};
+    for (const auto& [index, standing] : kCases) {
         Recipients world;
         ASSERT_EQ(world.Standing(), "AB-D BD");
-        EXPECT_TRUE(RecipientDeletion(world.folder, 0, world.file).Begin(c.index));
-        EXPECT_EQ(world.Standing(), c.standing) << c.index;
+        EXPECT_TRUE(RecipientDeletion(world.folder, 0, world.file).Begin(index));
+        EXPECT_EQ(world.Standing(), standing) << index;
         EXPECT_TRUE(LFile::IsAbsent(world.journal));
     }
     Recipients world;

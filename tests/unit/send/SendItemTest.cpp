@@ -62,12 +62,16 @@ TEST_F(SendItemTest, ADctFileCarriesOneChannelWhateverTheFormatAndAWaveFileAsMan
 TEST_F(SendItemTest, NothingIsSentInTheNameOfNobody) {
     const LPath dictation = world.AddDictation(5);
     const LPath recipient = world.AddRecipient(0, world.ToShare());
-    for (const LPath& path : {world.FilesOf(5).record, world.FilesOf(5).notes, UserFilePath(world.data, 0)}) {
+    const LPath byMail = world.AddRecipient(1, SendToSettings());
+    const LPath settings = DataFolder::FromText(world.data.View()).settingsFile;
+    for (const LPath& path :
+         {world.FilesOf(5).record, world.FilesOf(5).notes, UserFilePath(world.data, 0), settings}) {
         context.errors.clear();
         const std::string text = ReadFileText(path);
         LFile::Delete(path);
         ASSERT_TRUE(LFile::MakeFolder(path));
-        EXPECT_EQ(Send(dictation, recipient), ProcessResult::Stopped) << path.c_str();
+        EXPECT_EQ(Send(dictation, path == settings ? byMail : recipient), ProcessResult::Stopped)
+            << path.c_str();
         EXPECT_NE(Error().find("It stays in the queue"), std::string::npos);
         LFile::DeleteFolder(path);
         if (!text.empty()) WriteFileText(path, text);
@@ -101,11 +105,7 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
     Settings::Write(DataFolder::FromText(world.data.View()).settingsFile, SettingsKeys::kUseMapi, false);
     const char kNoMail[] = "Unable to connect to the mail server";
     const char kNoCopy[] = "Unable to copy files over network";  // counts as sent all the same
-    const struct {
-        const char* name;
-        LPath recipient;
-        const char *missingFile, *status, *error;
-    } cases[] = {
+    const std::tuple<const char*, LPath, const char*, const char*, const char*> cases[] = {
         {"recipient gone", RecipientPath(world.data, 0, 70), "", "Send Failed", kUnable},
         {"audio gone", recipient(1), "00000005.wav", "", kUnable},
         {"e-mail", recipient(0), "", "Send Failed", kNoMail},
@@ -115,17 +115,16 @@ TEST_F(SendItemTest, TellsTheUserAndTheRecordWhatFailed) {
         {"share gone", recipient(1, "away"), "", "Sent", kNoCopy},
         {"no share", toNowhere, "", "Sent", kNoCopy},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, to, missingFile, status, error] : cases) {
         const LPath dictation = world.AddDictation(5);
         Settings::Write(world.FilesOf(5).record, RecordKeys::kSendStatus, "");
-        LFile::Delete(LPath::Join(world.sent.View(), c.missingFile));
+        LFile::Delete(LPath::Join(world.sent.View(), missingFile));
         context.errors.clear();
-        EXPECT_EQ(Send(dictation, c.recipient),
-                  c.error == kNoCopy ? ProcessResult::Done : ProcessResult::Failed);
-        EXPECT_EQ(world.Status(5), c.status) << c.name;
-        EXPECT_TRUE(Error().starts_with(c.error)) << c.name << ": " << Error();
-        EXPECT_LE(Error().size(), 259u) << c.name;
-        EXPECT_EQ(world.SentFiles().size(), *c.missingFile ? 2u : 3u) << c.name;
+        EXPECT_EQ(Send(dictation, to), error == kNoCopy ? ProcessResult::Done : ProcessResult::Failed);
+        EXPECT_EQ(world.Status(5), status) << name;
+        EXPECT_TRUE(Error().starts_with(error)) << name << ": " << Error();
+        EXPECT_LE(Error().size(), 259u) << name;
+        EXPECT_EQ(world.SentFiles().size(), *missingFile ? 2u : 3u) << name;
     }
 }
 
@@ -188,15 +187,13 @@ TEST(SendErrorBox, TellsWhoseDictationWhereItIsAndWhatTheButtonsDo) {
               own + "\n\nDictation: " + longName.substr(0, 80) + "..." + kept);
 }
 
-TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecord) {
+TEST_F(SendItemTest, ADictationThatVanishedGetsNoNewRecordAndAFileThatCannotBeMadeIsNoMissingCodec) {
     EXPECT_EQ(Send(world.FilesOf(5).audio, world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
     EXPECT_TRUE(Error().ends_with("Its audio file is missing or cannot be read."));
     EXPECT_TRUE(world.SentFiles().empty());
-}
-
-TEST_F(SendItemTest, AFileThatCannotBeMadeIsNoMissingCodec) {
+    context.errors.clear();
     ASSERT_TRUE(LFile::MakeFolder(LPath::Join(world.sent.View(), "00000005.tmp")));
-    EXPECT_EQ(Send(world.AddDictation(5), world.AddRecipient(0, world.ToShare())), ProcessResult::Failed);
+    EXPECT_EQ(Send(world.AddDictation(5), RecipientPath(world.data, 0, 0)), ProcessResult::Failed);
     EXPECT_EQ(Error().find("CODEC"), std::string::npos) << Error();
 }
 

@@ -29,13 +29,13 @@ protected:
     }
 
     // Back in Current as it was, with nothing of it in Sent.
-    void ExpectPutBack(bool withNotes, size_t filesInSent) {
+    void ExpectPutBack(bool withNotes) {
         ExpectWhole(Current(12), "new", withNotes);
         const DictationRecord record = DictationRecord::Read(Current(12).record);
         EXPECT_FALSE(record.sendDate.has_value());
         EXPECT_EQ(record.recipient + record.sendStatus, "");
         EXPECT_EQ(CountFiles(m_user.currentFolder), withNotes ? 3u : 2u);
-        EXPECT_EQ(CountFiles(m_user.sentFolder), filesInSent);
+        EXPECT_EQ(CountFiles(m_user.sentFolder), 0u);
         EXPECT_FALSE(LFile::Exists(Journal()));
     }
 };
@@ -65,12 +65,14 @@ TEST_F(MoveToSentTest, MovesTheFilesAndMarksTheRecord) {
 
 // A folder of the file's name stands in the way, as a file that another program holds does.
 TEST_F(MoveToSentTest, PutsBackWhateverWasMovedWhenAFileCannotFollow) {
-    for (const char* blocked : {".txt", ".dat", ".wav"}) {
+    const LPath lock = Journal().WithExtension(".lck");
+    for (const LPath& obstacle : {lock, Sent(12).notes, Sent(12).record, Sent(12).audio}) {
         MakeFiles(Current(12), "new");
-        const LPath obstacle = Sent(12).record.WithExtension(blocked);
         ASSERT_TRUE(LFile::MakeFolder(obstacle));
-        EXPECT_FALSE(MoveToSent(m_user, Current(12).record, NotQueued).Run("Jo", 1)) << blocked;
-        ExpectPutBack(true, 0);
+        MoveToSent move(m_user, Current(12).record, NotQueued);
+        EXPECT_FALSE(move.Run("Jo", 1)) << obstacle.c_str();
+        EXPECT_EQ(move.ConcernsAll(), obstacle == lock);
+        ExpectPutBack(true);
         LFile::DeleteFolder(obstacle);
     }
     for (const LPath& missing : {Current(12).audio, Current(12).record}) {
@@ -114,7 +116,7 @@ TEST_F(MoveToSentTest, TheNextStartPutsBackWhatIsNotInTheQueue) {
             }
             if (moved > 2) LFile::Move(Current(12).audio, Sent(12).audio);
             Recover();
-            ExpectPutBack(withNotes, 0);
+            ExpectPutBack(withNotes);
         }
     }
 }
@@ -215,15 +217,6 @@ TEST_F(MoveToSentTest, TheNextStartCompletesWhatIsInTheQueueOrSent) {
     }
 }
 
-TEST_F(MoveToSentTest, NothingIsMovedWithoutTheLock) {
-    MakeFiles(Current(12), "new");
-    ASSERT_TRUE(LFile::MakeFolder(Journal().WithExtension(".lck")));
-    MoveToSent move(m_user, Current(12).record, NotQueued);
-    EXPECT_FALSE(move.Run("Jo", 1));
-    EXPECT_TRUE(move.ConcernsAll());
-    ExpectPutBack(true, 0);
-}
-
 TEST_F(MoveToSentTest, AJournalOfRubbishMovesNothing) {
     MakeFiles(Sent(12), "sent");
     const std::string rubbish[] = {"", "..\\00000012.dat", "x", "00000012.dat\r\n00000013.dat",
@@ -244,11 +237,11 @@ TEST_F(MoveToSentTest, RecordAndAudioFindEachOtherWithoutAJournal) {
     LProfile::Write(Sent(12).record, "file", "sendstatus", "Sending");
     LProfile::Flush(Sent(12).record);
     Recover();
-    ExpectPutBack(true, 0);
+    ExpectPutBack(true);
     // Record brought back from Sent, audio still there.
     LFile::Move(Current(12).audio, Sent(12).audio);
     Recover();
-    ExpectPutBack(true, 0);
+    ExpectPutBack(true);
     // Record lost altogether.
     LFile::Delete(Current(12).record);
     Recover();
@@ -274,10 +267,7 @@ TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
     const std::string notes("newer\0", 6), record = "[file]\r\nname=a\r\n", old = "old";
     const Bytes bytes = SendToSettings().ToBytes();
     const std::string recipient(bytes.begin(), bytes.end());
-    const struct {
-        const char *path, *left;
-        std::string before, written, expected;
-    } kCases[] = {
+    const std::tuple<const char*, const char*, std::string, std::string, std::string> kCases[] = {
         {"00000007\\Current\\00000001.txt", "00000007\\Current\\00000001.tx~", "", notes, notes},
         {"00000007\\Current\\00000002.txt", "00000007\\Current\\00000002.tx~", "", "hal", ""},
         {"00000007\\Current\\00000003.txt", "00000007\\Current\\00000003.tx~", old, notes, notes},
@@ -296,9 +286,9 @@ TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
         {"00000007\\Current\\00000007.wav", "00000007\\Current\\00000007.tmp", "", cut, cut},
         {"00000007\\Current\\00000004.wav", "00000007\\Current\\00000004.tmp", "", "RIFF", ""},
     };
-    for (const auto& c : kCases) {
-        if (!c.before.empty()) WriteFileText(m_temp.File(c.path), c.before);
-        WriteFileText(m_temp.File(c.left), c.written);
+    for (const auto& [path, left, before, written, expected] : kCases) {
+        if (!before.empty()) WriteFileText(m_temp.File(path), before);
+        WriteFileText(m_temp.File(left), written);
     }
     MakeFiles(Current(12), "kept");
     WriteFileText(Current(12).audio.WithExtension(".tmp"), wave);
@@ -307,9 +297,9 @@ TEST_F(MoveToSentTest, WhatWasBeingWrittenIsFinishedOrDropped) {
     const LPath foreign = LPath::Join(m_user.currentFolder.View(), "memo.tmp");
     WriteFileText(foreign, wave);
     Recover();
-    for (const auto& c : kCases) {
-        EXPECT_EQ(ReadFileText(m_temp.File(c.path)), c.expected) << c.path;
-        EXPECT_FALSE(LFile::Exists(m_temp.File(c.left))) << c.left;
+    for (const auto& [path, left, before, written, expected] : kCases) {
+        EXPECT_EQ(ReadFileText(m_temp.File(path)), expected) << path;
+        EXPECT_FALSE(LFile::Exists(m_temp.File(left))) << left;
     }
     ExpectWhole(Current(12), "kept");
     EXPECT_FALSE(LFile::Exists(Current(13).audio)) << "not even a header";

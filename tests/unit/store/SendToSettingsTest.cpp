@@ -88,14 +88,12 @@ TEST_F(SendToSettingsTest, TheDescriptionNamesTheAddressOfTheMethod) {
 }
 
 TEST_F(SendToSettingsTest, NobodyIsTheDefaultWhenItPointsPastTheEnd) {
-    static const struct {
-        int32_t count, standard;
-        std::optional<int32_t> expected;
-    } kCases[] = {{0, 0, {}}, {1, 0, 0}, {3, 2, 2}, {3, 3, {}}, {3, -1, {}}, {-5, 0, {}}};
-    for (const auto& c : kCases) {
-        Settings::Write(m_user.userFile, UserKeys::kSendCount, c.count);
-        Settings::Write(m_user.userFile, UserKeys::kSendDefault, c.standard);
-        EXPECT_EQ(DefaultRecipientIndex(m_user.userFile), c.expected) << c.count << " " << c.standard;
+    static const std::tuple<int32_t, int32_t, std::optional<int32_t>> kCases[] = {
+        {0, 0, {}}, {1, 0, 0}, {3, 2, 2}, {3, 3, {}}, {3, -1, {}}, {-5, 0, {}}};
+    for (const auto& [count, standard, expected] : kCases) {
+        Settings::Write(m_user.userFile, UserKeys::kSendCount, count);
+        Settings::Write(m_user.userFile, UserKeys::kSendDefault, standard);
+        EXPECT_EQ(DefaultRecipientIndex(m_user.userFile), expected) << count << " " << standard;
     }
 }
 

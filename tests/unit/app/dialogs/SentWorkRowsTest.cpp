@@ -30,14 +30,11 @@ TEST(SentWorkRows, WhatWaitsStandsFirstWithItsPlace) {
 }
 
 TEST(SentWorkRows, OnlyRowsThatDifferAreChanged) {
-    static const struct {
-        const char *before, *after;
-        size_t first, removed, inserted;
-    } kCases[] = {
+    static const std::tuple<const char*, const char*, size_t, size_t, size_t> kCases[] = {
         {"", "abc", 0, 0, 3}, {"abc", "xabc", 0, 0, 1}, {"abcde", "acbde", 1, 2, 2}, {"aa", "aaa", 2, 0, 1}};
-    for (const auto& c : kCases) {
-        const RowChange change = FindRowChange(RowsOf(c.before), RowsOf(c.after));
-        EXPECT_TRUE(change.first == c.first && change.removed == c.removed && change.inserted == c.inserted)
-            << c.before << " " << c.after;
+    for (const auto& [before, after, first, removed, inserted] : kCases) {
+        const RowChange change = FindRowChange(RowsOf(before), RowsOf(after));
+        EXPECT_TRUE(change.first == first && change.removed == removed && change.inserted == inserted)
+            << before << " " << after;
     }
 }

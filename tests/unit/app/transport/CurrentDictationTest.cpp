@@ -28,11 +28,7 @@ struct Rows final : DictationSelection {
 
 TEST(CurrentDictation, StaysTheOneAtWorkUntilTheFocusOrTheSelectionLeavesIt) {
     CurrentDictation current;
-    static const struct {
-        const char* what;
-        std::vector<int32_t> selected;
-        int32_t focus, expected;
-    } kSteps[] = {
+    static const std::tuple<const char*, std::vector<int32_t>, int32_t, int32_t> kSteps[] = {
         {"one row", {1}, 1, 1},
         {"a second one is added", {1, 2}, 2, 2},
         {"the focus goes to a row that is not selected", {1, 2}, 3, 2},
@@ -41,9 +37,8 @@ TEST(CurrentDictation, StaysTheOneAtWorkUntilTheFocusOrTheSelectionLeavesIt) {
         {"nothing is selected", {}, 3, 0},
         {"rows without a focus", {3, 2}, 0, 3},
     };
-    for (const auto& step : kSteps) {
-        current.Set(current.Choose(Rows(step.selected, step.focus)));
-        const auto expected = step.expected ? std::optional(Files(step.expected)) : std::nullopt;
-        EXPECT_TRUE(current.Is(expected)) << step.what;
+    for (const auto& [what, selected, focus, number] : kSteps) {
+        current.Set(current.Choose(Rows(selected, focus)));
+        EXPECT_TRUE(current.Is(number ? std::optional(Files(number)) : std::nullopt)) << what;
     }
 }

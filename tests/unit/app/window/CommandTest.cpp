@@ -219,12 +219,7 @@ TEST(CommandState, OffersOnlyWhatTheSituationAllows) {
 TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
     using Kind = KeyAction::Kind;
     constexpr int kF5 = 0x74, kF7 = 0x76, kHome = 0x24, kReturn = 0x0D;
-    static const struct {
-        const char* what;
-        KeyPress press;
-        Kind kind;
-        int command;
-    } kCases[] = {
+    static const std::tuple<const char*, KeyPress, Kind, int> kCases[] = {
         {"Ctrl+S", {.key = 'S', .ctrl = true}, Kind::Command, CM_SENDFILE},
         {"Ctrl+S held", {.key = 'S', .ctrl = true, .repeats = true}, Kind::Swallow, CM_SENDFILE},
         {"S alone", {.key = 'S'}, Kind::PassOn, 0},
@@ -244,25 +239,21 @@ TEST(KeyTable, GivesEachPressOnceAndLeavesEditingToTheEditors) {
         {"F5 in the introduction", {.key = kF5, .focus = KeyFocus::OtherWindow}, Kind::Command, CM_RECORD},
         {"Home there", {.key = kHome, .focus = KeyFocus::OtherWindow}, Kind::PassOn, 0},
     };
-    for (const auto& c : kCases) {
-        const KeyAction action = ActionOf(c.press);
-        EXPECT_EQ(action.kind, c.kind) << c.what;
-        EXPECT_EQ(action.command, c.command) << c.what;
+    for (const auto& [what, press, kind, command] : kCases) {
+        const KeyAction action = ActionOf(press);
+        EXPECT_EQ(action.kind, kind) << what;
+        EXPECT_EQ(action.command, command) << what;
     }
 }
 
 TEST(KeyTable, AMediaKeyWindsUntilItIsPressedAgain) {
     constexpr int kNext = 11, kPrevious = 12, kStop = 13, kPlay = 14, kVolumeUp = 10;
-    static const struct {
-        int key;
-        bool windsBack, windsForward;
-        int command;
-    } kCases[] = {
+    static const std::tuple<int, bool, bool, int> kCases[] = {
         {kNext, false, false, CM_FASTFORWARD}, {kNext, true, false, CM_FASTFORWARD},
         {kNext, false, true, CM_STOP},         {kPrevious, false, true, CM_REWIND},
         {kPrevious, true, false, CM_STOP},     {kStop, true, false, CM_STOP},
         {kPlay, false, false, CM_PLAY},        {kVolumeUp, false, false, 0},
     };
-    for (const auto& c : kCases)
-        EXPECT_EQ(MediaCommandOf(c.key, c.windsBack, c.windsForward), c.command) << c.key;
+    for (const auto& [key, windsBack, windsForward, command] : kCases)
+        EXPECT_EQ(MediaCommandOf(key, windsBack, windsForward), command) << key;
 }

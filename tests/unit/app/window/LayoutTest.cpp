@@ -12,17 +12,15 @@
 
 TEST(WindowFit, WindowsAndDialogsOpenOnTheDesktop) {
     const ScreenArea desktop = {0, 0, 1024, 768};
-    static const struct {
-        ScreenPoint stored, expected;
-        ScreenSize window;
-    } kStored[] = {
+    static const std::tuple<ScreenPoint, ScreenPoint, ScreenSize> kStored[] = {
         {{100, 100}, {100, 100}, {420, 300}},
         {{900, 700}, {604, 468}, {420, 300}},  // off the right and the bottom
         {{-50, -20}, {0, 0}, {420, 300}},      // a second screen that is gone
         {{30, 40}, {0, 0}, {1200, 900}},       // larger than the desktop
         {{2147483647, -2147483647 - 1}, {604, 0}, {420, 300}},
     };
-    for (const auto& c : kStored) EXPECT_EQ(FitOnDesktop(c.stored, c.window, desktop), c.expected);
+    for (const auto& [stored, expected, window] : kStored)
+        EXPECT_EQ(FitOnDesktop(stored, window, desktop), expected);
     // In the middle of the window, or as near to it as the desktop allows.
     EXPECT_EQ(CentreOver({100, 100, 500, 400}, {200, 100}, desktop), (ScreenPoint{200, 200}));
     EXPECT_EQ(CentreOver({900, 700, 1300, 1000}, {200, 100}, desktop), (ScreenPoint{824, 668}));
@@ -32,21 +30,17 @@ TEST(WindowFit, WindowsAndDialogsOpenOnTheDesktop) {
 }
 
 TEST(Contrast, ASelectedRowIsSeenWithoutTheFocusInEveryScheme) {
-    static const struct {
-        const char* scheme;
-        ListColours colours;
-        bool isBetween;
-    } kCases[] = {
+    static const std::tuple<const char*, ListColours, bool> kCases[] = {
         {"standard", {0xFFFFFF, 0x000000, 0x800000, 0xFFFFFF}, true},
         {"light blue", {0xFFFFFF, 0x000000, 0xFF9933, 0xFFFFFF}, true},
         {"high contrast black", {0x000000, 0xFFFFFF, 0x800080, 0xFFFFFF}, false},
         {"pale selection", {0xFFFFFF, 0x000000, 0xD8D8D8, 0x000000}, false},
     };
-    for (const auto& c : kCases) {
-        const RowColours row = UnfocusedSelection(c.colours);
-        EXPECT_EQ(row != (RowColours{c.colours.selected, c.colours.selectedText}), c.isBetween) << c.scheme;
-        EXPECT_GE(BrightnessGap(row.background, c.colours.window), kLeastRowGap) << c.scheme;
-        EXPECT_GE(BrightnessGap(row.background, row.text), kLeastTextGap) << c.scheme;
+    for (const auto& [scheme, colours, isBetween] : kCases) {
+        const RowColours row = UnfocusedSelection(colours);
+        EXPECT_EQ(row != (RowColours{colours.selected, colours.selectedText}), isBetween) << scheme;
+        EXPECT_GE(BrightnessGap(row.background, colours.window), kLeastRowGap) << scheme;
+        EXPECT_GE(BrightnessGap(row.background, row.text), kLeastTextGap) << scheme;
     }
 }
 

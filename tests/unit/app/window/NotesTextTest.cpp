@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 TEST(NotesText, MergingKeepsWhatEitherVersionAdded) {
-    static const struct {
-        const char *earlier, *theirs, *ours, *merged;
-    } kCases[] = {
+    static const char* const kCases[][4] = {
         {"note", "note", "note x", "note x"},
         {"note", "note x", "note", "note x"},
         {"", "theirs", "ours", "ours\r\ntheirs"},
@@ -26,7 +24,8 @@ TEST(NotesText, MergingKeepsWhatEitherVersionAdded) {
         {"5 mg daily", "15 mg daily", "50 mg daily", "50\r\n15 mg daily"},
         {"all of it", "", "all of it and more", "all of it and more"},
     };
-    for (const auto& c : kCases) EXPECT_EQ(MergeNotes(c.earlier, c.theirs, c.ours), c.merged) << c.theirs;
+    for (const auto& [earlier, theirs, ours, merged] : kCases)
+        EXPECT_EQ(MergeNotes(earlier, theirs, ours), merged) << theirs;
 }
 
 TEST(NotesText, WhatIsLaidOutSlowlyIsBrokenForDisplay) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "app/window/UnsavedNotes.h"
 #include "tests/unit/TestKit.h"
 

@@ -6,26 +6,22 @@ static LSoundSource Limited(int32_t rate, uint8_t channels, const Samples& in, i
 }
 
 TEST(PeakLimit, LetsNothingAboveTheLimitThroughAndKeepsToItsRules) {
-    static const struct {
-        int32_t rate;
-        uint8_t channels;
-        int32_t limit, piece;
-        const char* digest;
-    } kCases[] = {{100, 1, 0x7FFF0, 8192, "e3faadde"},     {8000, 2, 0x7FFF0, 100, "990fc458"},
-                  {44100, 2, INT32_MAX, 1261, "c6e1bf0b"}, {8000, 6, 0x7FFF0, 229, "fd454ed5"},
-                  {22050, 1, 1000, 8192, "94fbc2ea"},      {1000, 3, 0, 13, "8fd17f05"},
-                  {8000, 1, -5, 8192, "36c1c385"},         {2000000, 1, 0x7FFF0, 77, "205093f1"}};
-    for (const auto& c : kCases) {
-        const int32_t limit = std::clamp(c.limit, 0, LSRCPeakLimit::kHighestLimit);
-        const Samples in = Hostile(size_t{30000} * c.channels, limit, 5);
-        const LSoundSource source = Limited(c.rate, c.channels, in, c.limit);
+    static const std::tuple<int32_t, uint8_t, int32_t, int32_t, const char*> kCases[] = {
+        {100, 1, 0x7FFF0, 8192, "e3faadde"},     {8000, 2, 0x7FFF0, 100, "990fc458"},
+        {44100, 2, INT32_MAX, 1261, "c6e1bf0b"}, {8000, 6, 0x7FFF0, 229, "fd454ed5"},
+        {22050, 1, 1000, 8192, "94fbc2ea"},      {1000, 3, 0, 13, "8fd17f05"},
+        {8000, 1, -5, 8192, "36c1c385"},         {2000000, 1, 0x7FFF0, 77, "205093f1"}};
+    for (const auto& [rate, channels, wanted, piece, digest] : kCases) {
+        const int32_t limit = std::clamp(wanted, 0, LSRCPeakLimit::kHighestLimit);
+        const Samples in = Hostile(size_t{30000} * channels, limit, 5);
+        const LSoundSource source = Limited(rate, channels, in, wanted);
         EXPECT_EQ(source->GetLevel(), limit);
         EXPECT_EQ(source->GetLength(), 30000);
         EXPECT_EQ(source->GetPosition(), 0);
-        const Samples out = ReadFrames(*source, 30000, c.piece);
+        const Samples out = ReadFrames(*source, 30000, piece);
         EXPECT_EQ(source->GetPosition(), 30000);
-        for (const int32_t v : out) ASSERT_LE(std::abs(int64_t{v}), limit) << c.rate;
-        EXPECT_EQ(Digest(out), c.digest) << c.rate << " Hz, " << int{c.channels};
+        for (const int32_t v : out) ASSERT_LE(std::abs(int64_t{v}), limit) << rate;
+        EXPECT_EQ(Digest(out), digest) << rate << " Hz, " << int{channels};
     }
 }
 

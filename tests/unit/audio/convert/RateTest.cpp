@@ -84,25 +84,22 @@ TEST(ConvertRate, KeepsATonesLevelAndItsPlaceInTimeAndNoneThatWouldFoldBack) {
 }
 
 TEST(ConvertRate, KeepsAnHourAnHourAndLongerOnesToo) {
-    static const struct {
-        Rates rates;
-        int32_t frames, length;
-    } kCases[] = {
+    static const std::tuple<Rates, int32_t, int32_t> kCases[] = {
         {{44100, 8000}, 158760000, 28800000},
         {{8000, 44100}, 28800000, 158760000},
         {{48000, 8000}, 4 * 172800000, 4 * 28800000},
         {{8000, 48000}, 432000000, INT32_MAX},
     };
-    for (const auto& c : kCases) {
-        const LSoundSource silence = LSoundSource::Make<ArraySource>(c.rates.in, uint8_t{1}, Samples());
-        static_cast<ArraySource&>(*silence).present = c.frames;
-        const LSoundSource source = LSRCConvertRate::OpenSource(silence, c.rates.out);
-        EXPECT_EQ(source->GetLength(), c.length);
-        if (c.length == INT32_MAX) continue;
-        source->Seek(c.length - 10000);
-        EXPECT_EQ(source->GetPosition(), c.length - 10000);
+    for (const auto& [rates, frames, length] : kCases) {
+        const LSoundSource silence = LSoundSource::Make<ArraySource>(rates.in, uint8_t{1}, Samples());
+        static_cast<ArraySource&>(*silence).present = frames;
+        const LSoundSource source = LSRCConvertRate::OpenSource(silence, rates.out);
+        EXPECT_EQ(source->GetLength(), length);
+        if (length == INT32_MAX) continue;
+        source->Seek(length - 10000);
+        EXPECT_EQ(source->GetPosition(), length - 10000);
         ReadFrames(*source, 10000);
-        EXPECT_EQ(source->GetPosition(), c.length);
+        EXPECT_EQ(source->GetPosition(), length);
     }
 }
 
@@ -202,22 +199,21 @@ TEST(RecordSpeed, DoesNotCrackWhereTheTapeIsTooLoud) {
 }
 
 TEST(RecordSpeed, StoresFastAudioAtItsNormalSpeed) {
-    static const struct {
-        int32_t percent, rate, captureRate;
-    } kCases[] = {{100, 8000, 8000}, {200, 8000, 22050}, {50, 11025, 22050}, {200, 11026, 44100}};
-    for (const auto& c : kCases) {
+    static const std::tuple<int32_t, int32_t, int32_t> kCases[] = {
+        {100, 8000, 8000}, {200, 8000, 22050}, {50, 11025, 22050}, {200, 11026, 44100}};
+    for (const auto& [percent, rate, captureRate] : kCases) {
         Samples taken;
         LSoundSink sink =
-            LRecordSpeed::OpenSink(c.percent, LSoundSink::Make<CollectingSink>(c.rate, uint8_t{1}, taken));
+            LRecordSpeed::OpenSink(percent, LSoundSink::Make<CollectingSink>(rate, uint8_t{1}, taken));
         ASSERT_TRUE(sink && !sink->IsError());
-        EXPECT_EQ(sink->GetSampleRate(), c.captureRate);
+        EXPECT_EQ(sink->GetSampleRate(), captureRate);
         // A second of a tone of 400 Hz, played at that speed.
-        const int32_t frames = c.captureRate * 100 / c.percent;
-        const Samples tone = Tone(static_cast<size_t>(frames), 4.0 * c.percent, c.captureRate, 0x40000);
+        const int32_t frames = captureRate * 100 / percent;
+        const Samples tone = Tone(static_cast<size_t>(frames), 4.0 * percent, captureRate, 0x40000);
         for (int32_t i = 0; i < frames; i += kBlockFrames)
             sink->Write(tone.data() + i, std::min(frames - i, kBlockFrames));
         sink.Reset();
-        EXPECT_NEAR(static_cast<double>(taken.size()), c.rate, 2.0);
-        EXPECT_NEAR(ToneDb(taken, 400, c.rate, 0x40000), 0.0, 0.05) << c.percent << " " << c.rate;
+        EXPECT_NEAR(static_cast<double>(taken.size()), rate, 2.0);
+        EXPECT_NEAR(ToneDb(taken, 400, rate, 0x40000), 0.0, 0.05) << percent << " " << rate;
     }
 }

@@ -26,20 +26,19 @@ TEST(Speed, WrapsOnlyWhatIsNeeded) {
 
 // A vowel is joined where it repeats: nowhere do two periods cancel each other.
 TEST(Speed, KeepsAVowelAsLoudAsItWas) {
-    static const struct {
-        int32_t rate, pitchHz, percent;
-    } kCases[] = {{8000, 80, 70},    {8000, 80, 150},  {8000, 210, 50},   {8000, 210, 200},
-                  {11025, 120, 150}, {22050, 300, 70}, {44100, 100, 150}, {48000, 150, 70}};
-    for (const auto& c : kCases) {
-        const size_t frames = static_cast<size_t>(2 * c.rate), window = static_cast<size_t>(c.rate / 25);
-        Samples vowel = Tone(frames, c.pitchHz, c.rate, 0x20000);
-        const Samples overtone = Tone(frames, 5 * c.pitchHz, c.rate, 0x20000);
+    static const std::tuple<int32_t, int32_t, int32_t> kCases[] = {
+        {8000, 80, 70},    {8000, 80, 150},  {8000, 210, 50},   {8000, 210, 200},
+        {11025, 120, 150}, {22050, 300, 70}, {44100, 100, 150}, {48000, 150, 70}};
+    for (const auto& [rate, pitchHz, percent] : kCases) {
+        const size_t frames = static_cast<size_t>(2 * rate), window = static_cast<size_t>(rate / 25);
+        Samples vowel = Tone(frames, pitchHz, rate, 0x20000);
+        const Samples overtone = Tone(frames, 5 * pitchHz, rate, 0x20000);
         for (size_t i = 0; i < frames; ++i) vowel[i] += overtone[i];
-        const Samples heard = AtSpeed(Array(c.rate, vowel), c.percent);
-        EXPECT_NEAR(static_cast<double>(heard.size()), 200.0 * c.rate / c.percent, 1);
+        const Samples heard = AtSpeed(Array(rate, vowel), percent);
+        EXPECT_NEAR(static_cast<double>(heard.size()), 200.0 * rate / percent, 1);
         for (size_t at = 0; at + window < heard.size(); at += window / 4)
             EXPECT_NEAR(LoudnessAt(heard, at, window) / 0x20000, 1, 0.1)
-                << c.rate << " Hz, " << c.pitchHz << " at " << c.percent << ": " << at;
+                << rate << " Hz, " << pitchHz << " at " << percent << ": " << at;
     }
 }
 

@@ -40,22 +40,18 @@ TEST(Wind, SpeedRisesSmoothlyFromTheFirstToTheSecond) {
 // Outside the fades each frame is that of ToSourceFrame, backwards counted from the beginning of its snippet;
 // the place heard never turns back; the last thing heard is the end or the start.
 TEST(Wind, IsHeardWhereItSaysAndEndsExactly) {
-    static const struct {
-        int32_t rate;
-        uint8_t channels;
-        double first, last;
-    } kCases[] = {
+    static const std::tuple<int32_t, uint8_t, double, double> kCases[] = {
         {8000, 1, 1.5, 8}, {8000, 1, -1.5, -8}, {22050, 2, 4, 1}, {11025, 3, -8, -2}, {96000, 1, 1, 1}};
-    for (const auto& c : kCases) {
-        SCOPED_TRACE(testing::Message() << c.rate << " Hz from " << c.first << " to " << c.last);
-        const int32_t frames = c.rate * 12, step = c.rate / 10, fade = c.rate / 50;
-        const bool forward = c.first > 0;
-        WindSource wind(Counting(c.rate, frames, forward ? 0 : frames, c.channels), c.first, c.last, 2000);
+    for (const auto& [rate, channels, first, last] : kCases) {
+        SCOPED_TRACE(testing::Message() << rate << " Hz from " << first << " to " << last);
+        const int32_t frames = rate * 12, step = rate / 10, fade = rate / 50;
+        const bool forward = first > 0;
+        WindSource wind(Counting(rate, frames, forward ? 0 : frames, channels), first, last, 2000);
         const int32_t length = wind.GetLength();
         const Samples heard = ReadFrames(wind, length + 100);
         EXPECT_EQ(wind.GetPosition(), length + 100);
-        const auto at = [&](int32_t frame, int channel) {
-            return heard[static_cast<size_t>(frame * c.channels + channel)];
+        const auto at = [&heard, width = channels](int32_t frame, int channel) {
+            return heard[static_cast<size_t>(frame * width + channel)];
         };
         for (int32_t i = 0, before = forward ? 0 : frames; i < length; ++i) {
             const int32_t place = wind.ToSourceFrame(i);
@@ -63,12 +59,12 @@ TEST(Wind, IsHeardWhereItSaysAndEndsExactly) {
             before = place;
             if (i % step < fade || i >= length - fade) continue;
             ASSERT_EQ(at(i, 0), 1 + place + (forward ? 0 : i % step)) << i;
-            ASSERT_EQ(at(i, c.channels - 1), at(i, 0)) << i;
+            ASSERT_EQ(at(i, channels - 1), at(i, 0)) << i;
         }
         EXPECT_EQ(wind.ToSourceFrame(length - 1), forward ? frames - 1 : 0);
         EXPECT_EQ(wind.ToSourceFrame(length), forward ? frames : 0);
         EXPECT_EQ(wind.ToSourceFrame(length + 9), forward ? frames : 0);
-        EXPECT_EQ(Samples(heard.end() - 100 * c.channels, heard.end()), Samples(size_t{100} * c.channels));
+        EXPECT_EQ(Samples(heard.end() - 100 * channels, heard.end()), Samples(size_t{100} * channels));
         EXPECT_LT(std::abs(at(0, 0)), frames / 100) << "rises from silence";
         EXPECT_LT(std::abs(at(length - 1, 0)), frames / 100) << "sinks into silence";
     }
@@ -76,19 +72,15 @@ TEST(Wind, IsHeardWhereItSaysAndEndsExactly) {
 
 TEST(Wind, ShortAndMissingMaterial) {
     // At 8000 Hz a snippet is 960 frames, a step at least 1200 of the source.
-    static const struct {
-        int32_t frames, at;
-        double speed;
-        int32_t length;
-    } kCases[] = {
+    static const std::tuple<int32_t, int32_t, double, int32_t> kCases[] = {
         {8000, 8000, 1.5, 0}, {8000, 0, -1.5, 0},  {0, 0, 1.5, 0},       {0, 0, -1.5, 0},
         {1, 0, 1.5, 1},       {1, 1, -1.5, 1},     {500, 200, 1.5, 300}, {500, 200, -1.5, 200},
         {960, 0, 1.5, 960},   {2000, 0, 1.5, 960}, {2160, 0, 1.5, 1760}, {2160, 2160, -1.5, 1760},
     };
-    for (const auto& c : kCases) {
-        WindSource wind(Counting(8000, c.frames, c.at), c.speed, c.speed, 0);
-        ASSERT_EQ(wind.GetLength(), c.length) << c.frames << " from " << c.at;
-        const Samples heard = ReadFrames(wind, c.length + 5);
+    for (const auto& [frames, at, speed, length] : kCases) {
+        WindSource wind(Counting(8000, frames, at), speed, speed, 0);
+        ASSERT_EQ(wind.GetLength(), length) << frames << " from " << at;
+        const Samples heard = ReadFrames(wind, length + 5);
         EXPECT_EQ(Samples(heard.end() - 5, heard.end()), Samples(5));
     }
 }

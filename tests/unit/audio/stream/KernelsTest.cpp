@@ -74,11 +74,7 @@ void ExpectAgreement(const Input& in) {
 TEST(Sample, SurvivesTheInternalScaleRoundedAndNeverCracksAtTheTop) {
     for (int v = -32768; v <= 32767; ++v) ASSERT_EQ(ToPcm16(FromPcm16(static_cast<int16_t>(v))), v);
     for (int v = 0; v <= 255; ++v) ASSERT_EQ(ToPcm8(FromPcm8(static_cast<uint8_t>(v))), v);
-    static const struct {
-        int32_t sample;
-        int16_t pcm16, narrowed;
-        uint8_t pcm8;
-    } kCases[] = {
+    static const std::tuple<int32_t, int16_t, int16_t, uint8_t> kCases[] = {
         {7, 0, 0, 128},
         {8, 1, 1, 128},
         {-9, -1, -1, 128},
@@ -88,12 +84,12 @@ TEST(Sample, SurvivesTheInternalScaleRoundedAndNeverCracksAtTheTop) {
         {0x80000, -32768, 32767, 0},
         {-0x80009, 32767, -32768, 0},
     };
-    for (const auto& c : kCases) {
-        EXPECT_EQ(ToPcm16(c.sample), c.pcm16) << c.sample;
-        EXPECT_EQ(ToPcm8(c.sample), c.pcm8) << c.sample;
-        int16_t narrowed;
-        kPlainKernels.narrow(&c.sample, &narrowed, 1);
-        EXPECT_EQ(narrowed, c.narrowed) << c.sample;
+    for (const auto& [sample, pcm16, narrowed, pcm8] : kCases) {
+        EXPECT_EQ(ToPcm16(sample), pcm16) << sample;
+        EXPECT_EQ(ToPcm8(sample), pcm8) << sample;
+        int16_t made;
+        kPlainKernels.narrow(&sample, &made, 1);
+        EXPECT_EQ(made, narrowed) << sample;
     }
 }
 

@@ -1,14 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "audio/wave/LInsertWave.h"
 #include "audio/wave/LSNKPCMFile.h"
 #include "audio/wave/LWaveFile.h"
-#include "tests/unit/TestKit.h"
 #include "tests/unit/audio/SoundKit.h"
 
-namespace {
-
-void WriteWave(const LPath& path, int frames, int first, int bits = 16) {
+static void WriteWave(const LPath& path, int frames, int first, int bits = 16) {
     const LSoundSink sink = LSNKPCMFileBase::Open(path, 0, bits, 1, 8000);
     Samples samples(static_cast<size_t>(frames));
     for (size_t i = 0; i < samples.size(); ++i) samples[i] = (first + static_cast<int>(i)) * 16;
@@ -16,11 +11,9 @@ void WriteWave(const LPath& path, int frames, int first, int bits = 16) {
         sink->Write(samples.data() + done, std::min(frames - done, static_cast<int>(kBlockFrames)));
 }
 
-std::string DataOf(const LPath& path) {
+static std::string DataOf(const LPath& path) {
     return ReadFileText(path).substr(46);
 }
-
-}  // namespace
 
 TEST(InsertWave, PutsEverySampleWhereItBelongs) {
     for (const int32_t at : {0, 1, 70000, 199999, 200000, 999999}) {

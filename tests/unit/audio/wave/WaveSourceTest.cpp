@@ -155,12 +155,7 @@ TEST(WaveSource, FollowsARecordingUntilItsRecorderHasFinishedIt) {
 }
 
 TEST(WaveInfo, TellsLayoutAndLength) {
-    static const struct {
-        const char* what;
-        Bytes bytes;
-        int64_t lengthMs;
-        bool streaming, rewrite;
-    } kCases[] = {
+    static const std::tuple<const char*, Bytes, int64_t, bool, bool> kCases[] = {
         {"ours", Wave16(Bytes(16000)), 1000, false, false},
         {"ours, left by a crash", WaveFile(kFmt16 + kOpenData + Bytes(16003)), 1000, true, false},
         {"a padded odd chunk", WaveFile(PcmFormat(8) + Chunk("data", Bytes(11999))), 1499, false, true},
@@ -178,12 +173,12 @@ TEST(WaveInfo, TellsLayoutAndLength) {
          WaveFile(Chunk("fmt ", FormatRecord(0x31, 1, 8000, 0)) + Chunk("data", Bytes(800))), 100, false,
          true},
     };
-    for (const auto& c : kCases) {
-        LMemoryFile file(c.bytes);
+    for (const auto& [what, bytes, lengthMs, isStreaming, needsRewrite] : kCases) {
+        LMemoryFile file(bytes);
         LWaveInfo info;
-        ASSERT_TRUE(LWaveFile::ReadInfo(file, info)) << c.what;
-        EXPECT_EQ(info.LengthMs(), c.lengthMs) << c.what;
-        EXPECT_EQ(info.isStreaming, c.streaming) << c.what;
-        EXPECT_EQ(info.NeedsRewrite(), c.rewrite) << c.what;
+        ASSERT_TRUE(LWaveFile::ReadInfo(file, info)) << what;
+        EXPECT_EQ(info.LengthMs(), lengthMs) << what;
+        EXPECT_EQ(info.isStreaming, isStreaming) << what;
+        EXPECT_EQ(info.NeedsRewrite(), needsRewrite) << what;
     }
 }

@@ -4,13 +4,14 @@
 #include "base/LLeftOver.h"
 #include "base/LProfile.h"
 #include "store/RegistryUser.h"
+#include "store/SettingsKeys.h"
 #include "tests/unit/store/StoreTest.h"
 
 // Leaves user 0 in the registry, which as a Windows binary is that of whoever runs the tests. The folder of
 // user 7 exists.
-class UserListTest : public StoreTest {
+class UserTest : public StoreTest {
 protected:
-    ~UserListTest() override { WriteRegistryUser(0); }
+    ~UserTest() override { WriteRegistryUser(0); }
     std::string List() const {
         std::string text;
         for (const OfferedUser& user : OfferedUsers(m_data, 7)) text += user.name + ";";
@@ -18,7 +19,7 @@ protected:
     }
 };
 
-TEST_F(UserListTest, ItIsNeverTrustedAndAUserLeavesItWithoutTakingOthersAlong) {
+TEST_F(UserTest, ItIsNeverTrustedAndAUserLeavesItWithoutTakingOthersAlong) {
     const LPath& file = m_data.settingsFile;
     using Users = std::vector<uint32_t>;
     using enum UserRemoval;
@@ -54,7 +55,7 @@ TEST_F(UserListTest, ItIsNeverTrustedAndAUserLeavesItWithoutTakingOthersAlong) {
     }
 }
 
-TEST_F(UserListTest, ANewUserGetsTheLowestNumberThatNobodyHasOrHad) {
+TEST_F(UserTest, ANewUserGetsTheLowestNumberThatNobodyHasOrHad) {
     LFile::MakeFolder(UserFolderPath(m_data.folder, 0));  // of a user who was removed
     EXPECT_EQ(MakeUser(m_data, "Dr Jo", "jo@example.org", 7), 1u);
     EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 1u);
@@ -71,7 +72,7 @@ TEST_F(UserListTest, ANewUserGetsTheLowestNumberThatNobodyHasOrHad) {
     EXPECT_EQ(List(), "User 7;Dr Jo (1);Dr Jo (2);");
 }
 
-TEST_F(UserListTest, AUserWhoCannotBeStoredLeavesNothingBehind) {
+TEST_F(UserTest, AUserWhoCannotBeStoredLeavesNothingBehind) {
     WriteFileText(m_data.settingsFile, "[users]\r\ncount=1\r\nuser0=7\r\n");
     LFile held(m_data.settingsFile, LFile::Open::Alone);
     ASSERT_TRUE(held.IsOpen());
@@ -80,4 +81,32 @@ TEST_F(UserListTest, AUserWhoCannotBeStoredLeavesNothingBehind) {
     held.Close();
     EXPECT_EQ(List(), "User 7;");
     EXPECT_TRUE(LFile::IsAbsent(UserFolderPath(m_data.folder, 0).WithoutSeparator()));
+}
+
+TEST(DataFolder, EndsInASeparatorUnlessThereIsNoRoom) {
+    EXPECT_EQ(DataFolder::FromText("C:\\Corvane").settingsFile.View(), "C:\\Corvane\\settings.ini");
+    EXPECT_EQ(DataFolder::FromText("D:/data/").settingsFile.View(), "D:/data/settings.ini");
+    EXPECT_TRUE(DataFolder::FromText(std::string(259, 'a')).settingsFile.Empty());
+    EXPECT_TRUE(DataFolder::FromText(std::string(215, 'a')).HasRoom());
+    EXPECT_FALSE(DataFolder::FromText(std::string(216, 'a')).HasRoom());
+}
+
+TEST_F(UserTest, AddingAUserKeepsWhatHisFoldersHold) {
+    EXPECT_TRUE(m_user.sentFolder.View().ends_with("00000007\\Sent\\"));
+    EXPECT_TRUE(UserFolderPath(m_data.folder, 0xFFFFFFFFu).View().ends_with("4294967295\\"));
+    MakeFiles(Current(12), "kept");
+    const CurrentUser added = AddUser(m_data, 7, "Dr Jo\r\ncompany=x", "jo@example.org");
+    EXPECT_EQ(CountFiles(added.currentFolder), 3u);
+    EXPECT_EQ(added.details.name, "Dr Jo");
+    EXPECT_EQ(added.details.email, "jo@example.org");
+    EXPECT_EQ(added.details.company, "");
+    EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 7u);
+}
+
+TEST_F(UserTest, TheRegistryWinsOverTheSettingsFile) {
+    SetCurrentUser(m_data.settingsFile, 4294967295u);
+    EXPECT_EQ(Settings::Read(m_data.settingsFile, SettingsKeys::kCurrentUser), -1);
+    EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 4294967295u);
+    WriteRegistryUser(3);
+    EXPECT_EQ(GetCurrentUser(m_data.settingsFile), 3u);
 }
