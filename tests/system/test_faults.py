@@ -7,11 +7,6 @@ import pytest
 import sound
 from corvane import Data, pcm_wav, sizes_known, wait_for
 
-NO_DEVICE = (
-    "Unable to start record device.\n\nThis might mean you do not have a sound card installed or the sound card is "
-    "being used by another application. Please check the Hardware Settings."
-)
-
 
 def test_without_a_sound_card_the_user_is_told_and_the_dictation_stays_as_it_was(corvane, data):
     contents = {6: pcm_wav(16000), 7: b"not a recording at all"}
@@ -22,7 +17,7 @@ def test_without_a_sound_card_the_user_is_told_and_the_dictation_stays_as_it_was
         for command in ("CM_RECORD", "CM_RECORD_END"):
             program.select(number)
             program.command(command)
-            program.answer_box("Sound Device Error", 1, NO_DEVICE)
+            program.answer_box("Sound Device Error", 1, "Unable to start record device.\n\nThis might mean you do not")
             assert data.audio(number).read_bytes() == before
     assert program.row(6)["texts"][3] == "00:02" and program.close() == 0
 

@@ -46,12 +46,6 @@ def test_the_buttons_are_held_and_clicked(corvane, data):
     assert stays(runs, 0.8)
     xdotool("mouseup", 1)
     wait_for(lambda: status() == STOPPED, "its end with the release")
-    program.command("CM_GOTOEND")
-    xdotool("mousemove", 1, 1, "key", *["shift+Tab"] * 6, "keydown", "space")  # the winding button
-    wait_for(lambda: status() == WINDING, "winding by the space bar")
-    assert stays(lambda: status() == WINDING, 1.2)
-    xdotool("keyup", "space")
-    wait_for(lambda: status() == STOPPED, "its end with the release")
     program.command("CM_GOTOSTART")
     program.post(WM_APPCOMMAND, 0, NEXT_TRACK << 16)
     wait_for(lambda: status() == WINDING, "winding by a media key")
