@@ -37,6 +37,7 @@ PAINTED_WITHIN = 0.5  # of the fill of 10,000 dictations: who fills before paint
 MOST_TIMES = 11  # for ten times the dictations
 
 
+@pytest.mark.flaky(reruns=2)  # a difference of small times
 def test_ten_times_the_dictations_take_ten_times_as_long_to_list(corvane, data):
     def start(rows):
         program = corvane()
