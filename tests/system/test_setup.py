@@ -17,11 +17,16 @@ CURRENT_VERSION = r"Software\Microsoft\Windows\CurrentVersion"
 def home(drive_c):
     """The folder in which Corvane is installed, with a machine on which it is not."""
     home = drive_c / "Program Files" / "Mervald" / "Corvane"
+
+    def clear():
+        for hive in ("HKLM", "HKCU"):
+            for key in (r"Software\Mervald", UNINSTALL):
+                subprocess.run(["wine", "reg", "delete", rf"{hive}\{key}", "/f"], capture_output=True)
+        shutil.rmtree(home.parent, ignore_errors=True)
+
+    clear()  # the tests before this one have a data folder
     yield home
-    for hive in ("HKLM", "HKCU"):
-        for key in (r"Software\Mervald", UNINSTALL):
-            subprocess.run(["wine", "reg", "delete", rf"{hive}\{key}", "/f"], capture_output=True)
-    shutil.rmtree(home.parent, ignore_errors=True)
+    clear()
 
 
 @pytest.fixture
