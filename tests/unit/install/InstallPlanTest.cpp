@@ -59,10 +59,11 @@ TEST(InstallPlan, LeavesNobodysDictationsBehind) {
     } kCases[] = {
         {InstallScope::Everyone, {machines, true}, {users, true}, machines},
         {InstallScope::Everyone, {machines, false}, {}, kDefault},
-        {InstallScope::Everyone, {machines, false}, {users, true}, users},
+        {InstallScope::Everyone, {machines, false}, {users, true}, kDefault},
         {InstallScope::Everyone, {}, {users, false}, kDefault},
-        // What is registered for everyone is read first.
-        {InstallScope::ThisUser, {machines, false}, {users, true}, machines},
+        // What is registered for everyone is read first, and never registered for one.
+        {InstallScope::ThisUser, {machines, true}, {users, true}, users},
+        {InstallScope::ThisUser, {machines, true}, {}, kOwn},
         {InstallScope::ThisUser, {}, {users, true}, users},
         {InstallScope::ThisUser, {}, {}, kOwn},
     };
