@@ -12,7 +12,7 @@
 static LPath NearestFolder(const LPath& wanted) {
     LPath folder = wanted.WithoutSeparator();
     while (!LFile::IsFolder(folder)) {
-        const LPath above = LPath(LFolderOf(folder.View())).WithoutSeparator();
+        const LPath above = LFolderAbove(folder);
         if (above.View().size() >= folder.View().size()) return {};
         folder = above;
     }

@@ -272,9 +272,9 @@ Json SetRegistry(const Json& command) {
     return true;
 }
 
-// protectreg <key>: a key of the machine that this user may only read, as one without the rights of an
+// lockreg <key>: a key of the machine that this user may only read, as one without the rights of an
 // administrator
-Json ProtectRegistry(const Json& command) {
+Json LockRegistry(const Json& command) {
     HKEY key = nullptr;
     PSECURITY_DESCRIPTOR readers = nullptr;
     ConvertStringSecurityDescriptorToSecurityDescriptorA("D:(A;;KR;;;WD)", SDDL_REVISION_1, &readers,
@@ -291,21 +291,11 @@ constexpr struct {
     const char* name;
     Json (*handle)(const Json& command);
 } kCommands[] = {
-    {"click", Click},
-    {"find", Find},
-    {"hold", Hold},
-    {"items", Items},
-    {"list", List},
-    {"post", Post},
-    {"protectreg", ProtectRegistry},
-    {"release", Release},
-    {"select", Select},
-    {"send", Send},
-    {"sendatom", SendAtom},
-    {"setreg", SetRegistry},
-    {"takekey", TakeKey},
-    {"window", OneWindow},
-    {"windows", Windows},
+    {"click", Click},         {"find", Find},         {"hold", Hold},
+    {"items", Items},         {"list", List},         {"lockreg", LockRegistry},
+    {"post", Post},           {"release", Release},   {"select", Select},
+    {"send", Send},           {"sendatom", SendAtom}, {"setreg", SetRegistry},
+    {"takekey", TakeKey},     {"window", OneWindow},  {"windows", Windows},
     {"resources", Resources},
 };
 
