@@ -87,6 +87,7 @@ public:
     // platform replaces in two steps and the second fails do the bytes stay beside, without a target.
     static bool WriteWhole(const LPath& target, const LPath& beside, std::span<const uint8_t> bytes);
     static bool MakeFolder(const LPath& path);
+    // An empty one. A link to a folder stays, which the platform would remove whatever the folder holds.
     static bool DeleteFolder(const LPath& path);
     // Free space on the drive of a folder, in KB, in 64 bits. The largest value when it is unknown, so that
     // no user is warned for nothing.

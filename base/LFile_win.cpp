@@ -254,7 +254,9 @@ bool LFile::MakeFolder(const LPath& path) {
 }
 
 bool LFile::DeleteFolder(const LPath& path) {
-    return !path.Empty() && RemoveDirectoryA(path.WithoutSeparator().c_str());
+    const LPath folder = path.WithoutSeparator();
+    const DWORD attributes = folder.Empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(folder.c_str());
+    return !(attributes & FILE_ATTRIBUTE_REPARSE_POINT) && RemoveDirectoryA(folder.c_str());
 }
 
 uint64_t LFile::FreeSpaceKb(const LPath& folder) {

@@ -20,6 +20,17 @@ static size_t FindLastSeparator(std::string_view path) {
     return last;
 }
 
+bool LHoldsAny(std::string_view path, std::string_view characters) {
+    bool isSecond = false;
+    for (const char c : path) {
+        const bool isLetter = isSecond && c >= '@';
+        isSecond = !isSecond && LIsLeadByte(c);
+        const bool isFound = static_cast<unsigned char>(c) < ' ' || characters.find(c) != characters.npos;
+        if (!isLetter && isFound) return true;
+    }
+    return false;
+}
+
 bool LEndsInSeparator(std::string_view path) {
     return !path.empty() && FindLastSeparator(path) == path.size() - 1;
 }

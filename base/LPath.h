@@ -76,6 +76,10 @@ bool LIsFullPath(std::string_view path);
 // which alone is a backslash, so separators are searched for character by character.
 bool LIsLeadByte(char c);
 
+// Whether a path holds a control character or one of these, all of ASCII. The second byte of a character of
+// two may look like one from "@" on; what is below is found even where a character is broken.
+bool LHoldsAny(std::string_view path, std::string_view characters);
+
 constexpr bool LIsSeparator(char c) {
     return c == '\\' || c == '/';
 }

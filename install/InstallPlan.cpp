@@ -1,7 +1,5 @@
 #include "install/InstallPlan.h"
 
-#include <algorithm>
-
 #include "base/LText.h"
 
 InstallPlan::InstallPlan(const MachineFacts& facts) : m_facts(facts) {
@@ -66,9 +64,7 @@ const char* WhyNotInFolder(std::string_view folder) {
     const std::string_view names = folder.substr(2);
     if (LPath(folder).WithoutSeparator().View().size() <= LRootOf(folder).View().size())
         return "Please name a folder of its own for Corvane, not a whole drive.";
-    constexpr std::string_view kNever = "<>:\"|?*";
-    const bool isWrong = std::ranges::any_of(names, [&](char c) {
-        return static_cast<unsigned char>(c) < ' ' || kNever.find(c) != std::string_view::npos;
-    });
-    return isWrong ? "The name of a folder cannot hold any of the characters < > : \" | ? *" : nullptr;
+    return LHoldsAny(names, "<>:\"|?*")
+               ? "The name of a folder cannot hold any of the characters < > : \" | ? *"
+               : nullptr;
 }

@@ -1,7 +1,5 @@
 #include "install/RemovalArguments.h"
 
-#include <algorithm>
-
 #include "base/LText.h"
 #include "base/LTrace.h"
 
@@ -10,10 +8,7 @@ LPath InstalledProgramOf(const LPath& own, std::string_view argument) {
     const bool isFull = LIsFullPath(argument) && argument.find(':', 2) == std::string_view::npos;
     const bool hasDetour =
         argument.find("\\.\\") != std::string_view::npos || argument.find("\\..\\") != std::string_view::npos;
-    const bool isName = std::ranges::none_of(argument, [](char c) {
-        return static_cast<unsigned char>(c) < 32 ||
-               std::string_view("\"*?<>|/").find(c) != std::string_view::npos;
-    });
+    const bool isName = !LHoldsAny(argument, "\"*?<>|/");
     const bool isProgram = LEqualNoCase(LFileNameOf(argument), "corvane.exe");
     if (isFull && !hasDetour && isName && isProgram && !LEqualNoCase(argument, own.View()))
         return LPath(argument);

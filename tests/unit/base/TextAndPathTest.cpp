@@ -48,6 +48,7 @@ TEST(Path, AreWalkedByCharacters) {
     EXPECT_EQ(LPath::Join("C:\\\x83\\", "a").View(), "C:\\\x83\\\\a");
     EXPECT_EQ(LPath("C:\\\x83\\").WithoutSeparator().View(), "C:\\\x83\\");
     EXPECT_EQ(LFolderOf("C:\\a\\\x83\\.b"), "C:\\a\\");
+    EXPECT_TRUE(!LHoldsAny("\x83|", "|:") && LHoldsAny("\x83\x83|", "|:") && LHoldsAny("\x83:", "|:"));
     EXPECT_EQ(LRootOf("\\\\\x83\\s\\t\\u").View(), "\\\\\x83\\s\\t\\");
 }
 

@@ -86,6 +86,7 @@ TEST(InstallPlan, RefusesFoldersThatAreNone) {
     for (const char* bad : {"", "Corvane", "C:", "C:\\", "C:Corvane", "\\Corvane", "\\\\server\\share\\",
                             "C:\\a?b", "C:\\a:b", "C:\\\n"})
         EXPECT_NE(WhyNotInFolder(bad), nullptr) << bad;
+    EXPECT_EQ(WhyNotInFolder("C:\\\x83|") == nullptr, LIsLeadByte('\x83'));
     EXPECT_NE(WhyNotInFolder("C:\\" + std::string(200, 'a')), nullptr);
 }
 
