@@ -3,16 +3,16 @@
 #include "base/LLibrary_win.h"
 #include "base/LTrace.h"
 
-// Functions of Windows' libraries that take the place of the toolchain's imports: each is looked up when it is
-// first called, in the library of the system folder. As imports these libraries would be loaded before our
+// Functions of Windows' libraries that take the place of the toolchain's imports: each is looked up when it
+// is first called, in the library of the system folder. As imports these libraries would be loaded before our
 // first line runs, and, unless Windows holds them itself, from the program's folder first. That of a set-up
 // program is full of downloads, any of which may have such a name. COMDLG32 and SHELL32 are held by each
 // version, but what they import in turn is not: WINSPOOL.DRV and SHLWAPI, with others in their train.
-// Imports remain ADVAPI32, GDI32, KERNEL32 and USER32, without which no window is shown; COMCTL32, for which XP
-// follows our manifest, by its bare name alone; and msvcrt, which starts the program.
+// Imports remain ADVAPI32, GDI32, KERNEL32 and USER32, without which no window is shown; COMCTL32, for which
+// XP follows our manifest, by its bare name alone; and msvcrt, which starts the program.
 //
-// Without its library each function fails, and each count is 0: there is no sound device and no codec, a dialog
-// was cancelled.
+// Without its library each function fails, and each count is 0: there is no sound device and no codec, a
+// dialog was cancelled.
 
 namespace {
 

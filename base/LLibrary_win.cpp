@@ -54,8 +54,8 @@ void LKeepToSystemLibraries() {
     constexpr DWORD kSystemFolder = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
     if (const auto set = LSystemFunction<BOOL(WINAPI*)(DWORD)>("SetDefaultDllDirectories"))
         set(kSystemFolder);
-    // Before Windows Vista there is no such function, and later ones do not ask it everywhere. A library that is
-    // loaded is found under its bare name before any folder is searched.
+    // Before Windows Vista there is no such function, and later ones do not ask it everywhere. A library that
+    // is loaded is found under its bare name before any folder is searched.
     for (const char* name : kAskedForByName) LLoadSystemLibrary(name).Release();
 }
 
