@@ -12,6 +12,7 @@
 #include "base/LLibrary_win.h"
 #include "base/LNamedMutex_win.h"
 #include "base/LTrace.h"
+#include "install/OnlySetUp_win.h"
 #include "install/Removal_win.h"
 #include "install/RunningCopy_win.h"
 #include "install/SetUp_win.h"
@@ -30,6 +31,8 @@ constexpr char kMainTitle[] = "Corvane";
 constexpr char kFolderTooLong[] =
     "The name of the data folder is too long: the files in it could not be opened.\n\nPlease move the folder "
     "to a place with a shorter name, or install Corvane again.";
+constexpr char kBeingReplaced[] =
+    "Corvane is just being installed or removed.\n\nPlease start it when that is done.";
 constexpr DWORD kStartingWaitMs = 10000;
 
 // Holds a mutex between looking for a window and having one: two quick double clicks must not start the
@@ -56,7 +59,11 @@ void Activate(HWND window) {
 }
 
 void Run(StartingGate& gate) {
-    SetErrorMode(SEM_FAILCRITICALERRORS);  // a card reader without a card is told by us
+    if (ReplacingProgram::IsUnderWay()) {
+        gate.Open();
+        MessageBoxA(nullptr, kBeingReplaced, kMainTitle, MB_OK | MB_ICONINFORMATION);
+        return;
+    }
     AppState state;
     state.data = FindDataFolder();
     if (!state.data.HasRoom()) {
@@ -83,6 +90,7 @@ void Run(StartingGate& gate) {
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     LIgnoreLibrariesOfCurrentFolder();
     LSetInstance(instance);
+    SetErrorMode(SEM_FAILCRITICALERRORS);  // a card reader without a card is told by us
     // The recorder must not starve while other programs run.
     SetPriorityClass(GetCurrentProcess(), HIGH_PRIORITY_CLASS);
     StartingGate gate;

@@ -62,7 +62,11 @@ public:
     // True only when the platform says that nothing has this name. A drive that does not answer proves
     // nothing.
     static bool IsAbsent(const LPath& path);
+    // Absent, though its drive is there: nothing will come back with the drive.
+    static bool IsGone(const LPath& path) { return IsAbsent(path) && IsFolder(LRootOf(path.View())); }
     static bool IsFolder(const LPath& path);
+    // Whether another program has the file open, or runs it. One that this user may not open is not held.
+    static bool IsHeld(const LPath& path);
     // Whether the file has the read-only attribute.
     static bool IsReadOnly(const LPath& path);
     // Takes the read-only attribute away; false when there is no such file or it stays.

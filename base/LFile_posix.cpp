@@ -161,6 +161,11 @@ bool LFile::IsReadOnly(const LPath& path) {
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 && (info.st_mode & S_IWUSR) == 0;
 }
 
+// No program can hold a file on this platform.
+bool LFile::IsHeld(const LPath&) {
+    return false;
+}
+
 bool LFile::MakeWritable(const LPath& path) {
     struct stat info;
     return !path.Empty() && stat(Native(path).c_str(), &info) == 0 &&

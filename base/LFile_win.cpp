@@ -217,6 +217,15 @@ bool LFile::IsReadOnly(const LPath& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
+// Windows 95 and 98, which know no rights, may deny the access to a program that runs.
+bool LFile::IsHeld(const LPath& path) {
+    if (LFile(path, Open::Write).IsOpen()) return false;
+    const DWORD error = GetLastError();
+    const bool knowsRights = (GetVersion() & 0x80000000U) == 0;
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+           (error == ERROR_ACCESS_DENIED && !knowsRights && !IsReadOnly(path));
+}
+
 bool LFile::MakeWritable(const LPath& path) {
     const DWORD attributes = path.Empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES &&

@@ -22,6 +22,12 @@ public:
         m_isTaken = waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED;
         return m_isTaken;
     }
+    // Whether another program has it now. Not to be asked by one that may have it itself.
+    bool IsHeld() {
+        const bool isHeld = m_mutex && !Take(0);
+        Release();
+        return isHeld;
+    }
     void Release() {
         if (m_isTaken) ReleaseMutex(m_mutex.Get());
         m_isTaken = false;

@@ -112,6 +112,21 @@ LPath LRootOf(std::string_view path) {
     return root;
 }
 
+LPath LFolderAbove(const LPath& path) {
+    return LPath(LFolderOf(path.WithoutSeparator().View())).WithoutSeparator();
+}
+
+std::string LShownPath(std::string_view path) {
+    constexpr size_t kLongest = 64, kHead = 20, kTail = 40;
+    if (path.size() <= kLongest) return std::string(path);
+    size_t head = 0, tail = 0;
+    for (size_t at = 0; at + kTail < path.size(); at += LIsLeadByte(path[at]) ? 2 : 1) {
+        if (at <= kHead) head = at;
+        tail = at;
+    }
+    return std::string(path.substr(0, head)) + "..." + std::string(path.substr(tail));
+}
+
 std::string_view LFileNameOf(std::string_view path) {
     const LPathParts parts = LSplitPath(path);
     return path.substr(parts.drive.size() + parts.folder.size());

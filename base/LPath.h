@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 constexpr size_t kPathSize = 260;  // bytes of a path buffer, the terminating zero included
@@ -55,6 +56,12 @@ std::string_view LFolderOf(std::string_view path);
 
 // The root of the drive or share of a path: "C:\" or "\\server\share\", and "\" where it names neither.
 LPath LRootOf(std::string_view path);
+
+// The folder in which a file or folder lies, without a separator at its end.
+LPath LFolderAbove(const LPath& path);
+
+// A path for a message box, which would otherwise be as wide: without its middle where it is long.
+std::string LShownPath(std::string_view path);
 
 // Name and extension of a path, without its folder.
 std::string_view LFileNameOf(std::string_view path);

@@ -1,8 +1,12 @@
 #include "install/InstallDialog_win.h"
 
+#include <algorithm>
+
 #include "base/LFile.h"
 #include "base/LProfileText.h"
 #include "base/LText.h"
+#include "install/InstallFiles.h"
+#include "install/MachineFacts_win.h"
 #include "install/SetUp_win.h"
 #include "res/Ids.h"
 #include "ui/LBrowseFolder.h"
@@ -19,27 +23,26 @@ constexpr char kUpdate[] =
 constexpr char kOnlyAdministrator[] =
     "Only an administrator of this computer can install Corvane for everyone. For you alone it works as "
     "well.";
+constexpr char kOwnRecordings[] =
+    "Your recordings lie in a folder of yours, so Corvane is installed for you.";
 constexpr char kLeavesEveryones[] =
     "The Corvane that is installed for everyone can be replaced only by an administrator of this computer. "
     "It "
     "stays as it is.";
-constexpr char kNoRoom[] =
-    "There is not enough room on this drive: Corvane needs %s, and %s are free.\n\nPlease choose a folder on "
-    "another drive, or delete what you no longer need.";
+constexpr char kForeign[] =
+    "In this folder there are files of other programs that Corvane would replace.\n\nPlease name a folder of "
+    "its "
+    "own for Corvane.";
 
 std::string Megabytes(uint64_t kb) {
     return kb < 100 * 1024 ? LFormat("%.1f MB", static_cast<double>(kb) / 1024)
                            : LFormat("%u MB", static_cast<unsigned>(kb / 1024));
 }
 
-// Of the drive on which a folder lies that need not exist.
-uint64_t FreeKb(const LPath& folder) {
-    return LFile::FreeSpaceKb(LRootOf(folder.View()));
-}
-
 class InstallDialog final : public LDialog {
 public:
-    InstallDialog(InstallPlan& plan, uint32_t neededKb) : m_plan(plan), m_neededKb(neededKb) {}
+    InstallDialog(InstallPlan& plan, const SetupPackage& package)
+        : m_plan(plan), m_package(package), m_neededKb(InstallFiles::NeededKb(package)) {}
 
 private:
     bool InitDialog() override {
@@ -56,7 +59,8 @@ private:
         if (m_plan.LeavesEveryonesCopy())
             SetWindowTextA(Item(IDC_INSTALL_WHO), kLeavesEveryones);
         else if (!isEveryone && !m_plan.IsUpdate())
-            SetWindowTextA(Item(IDC_INSTALL_WHO), kOnlyAdministrator);
+            SetWindowTextA(Item(IDC_INSTALL_WHO),
+                           m_plan.IsBoundToUser() ? kOwnRecordings : kOnlyAdministrator);
         for (const int control : {IDC_INSTALL_EVERYONE, IDC_INSTALL_ME, IDC_INSTALL_WHO})
             ShowWindow(Item(control), m_plan.TellsUsersApart() ? SW_SHOW : SW_HIDE);
         ShowFolder();
@@ -98,7 +102,9 @@ private:
     void ShowSpace() {
         std::string text = "Needs " + Megabytes(m_neededKb) + ".";
         const std::string typed = Typed();
-        const uint64_t free = WhyNotInFolder(typed) == nullptr ? FreeKb(LPath(typed)) : UINT64_MAX;
+        // A server is not asked with each letter.
+        const bool isKnown = WhyNotInFolder(typed) == nullptr && !typed.starts_with("\\\\");
+        const uint64_t free = isKnown ? FreeKbFor(LPath(typed)) : UINT64_MAX;
         if (free != UINT64_MAX) text += " Free on this drive: " + Megabytes(free) + ".";
         LSetWindowText(Item(IDC_INSTALL_SPACE), text);
     }
@@ -123,9 +129,6 @@ private:
 
     void Take() {
         if (!m_plan.IsUpdate() && !TakeFolder()) return;
-        const uint64_t free = FreeKb(m_plan.Folder());
-        if (free < m_neededKb)
-            return Refuse(LFormat(kNoRoom, Megabytes(m_neededKb).c_str(), Megabytes(free).c_str()));
         EndModal(IDOK);
     }
 
@@ -137,11 +140,19 @@ private:
         const DWORD length = GetFullPathNameA(folder.c_str(), sizeof whole, whole, &name);
         if (length > 0 && length < sizeof whole) folder = whole;
         if (reason == nullptr) reason = WhyNotInFolder(folder);
+        if (reason == nullptr && HoldsForeignFiles(LPath(folder))) reason = kForeign;
         if (reason != nullptr)
             Refuse(reason);
         else
             m_plan.SetFolder(folder);
         return reason == nullptr;
+    }
+
+    // Files of the names that are installed, which belong to no Corvane.
+    bool HoldsForeignFiles(const LPath& folder) const {
+        return !HoldsProgram(folder) && std::ranges::any_of(m_package.Files(), [&](const PackageFile& file) {
+            return LFile::Exists(LPath::Join(folder.View(), file.name));
+        });
     }
 
     void Refuse(std::string_view reason) {
@@ -150,12 +161,13 @@ private:
     }
 
     InstallPlan& m_plan;
+    const SetupPackage& m_package;
     uint32_t m_neededKb;
 };
 
 }  // namespace
 
-bool AskForInstallation(InstallPlan& plan, uint32_t neededKb) {
-    InstallDialog dialog(plan, neededKb);
+bool AskForInstallation(InstallPlan& plan, const SetupPackage& package) {
+    InstallDialog dialog(plan, package);
     return dialog.RunModal(IDD_INSTALL, nullptr) == IDOK;
 }

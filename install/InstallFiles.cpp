@@ -48,17 +48,23 @@ std::vector<std::string> InstalledNames(const LPath& folder) {
 std::vector<std::string> RemoveInstalledFiles(const LPath& folder) {
     std::vector<std::string> staying;
     for (const std::string& name : InstalledNames(folder)) {
-        for (const char* ending : {kBeside, kAside}) LFile::Delete(Named(folder, name, ending));
-        const LPath path = LPath::Join(folder.View(), name);
-        if (LFile::IsReadOnly(path)) LFile::MakeWritable(path);
-        if (!LFile::Delete(path, kMoveWaitMs) && !LFile::IsAbsent(path)) staying.push_back(name);
+        for (const char* ending : {kBeside, kAside, ""}) {
+            const LPath path = Named(folder, name, ending);
+            if (LFile::IsReadOnly(path)) LFile::MakeWritable(path);
+            if (!LFile::IsAbsent(path) && !LFile::Delete(path, kMoveWaitMs)) staying.push_back(name + ending);
+        }
     }
     return staying;
 }
 
 bool IsProgramHeld(const LPath& program) {
     if (LFile::IsReadOnly(program)) LFile::MakeWritable(program);
-    return LFile::Exists(program) && !LFile(program, LFile::Open::Write).IsOpen();
+    return LFile::Exists(program) && LFile::IsHeld(program);
+}
+
+bool HoldsProgram(const LPath& folder) {
+    return LFile::Exists(LPath::Join(folder.View(), kProgram)) ||
+           LFile::Exists(Named(folder, kProgram, kAside)) || LFile::Exists(LPath::Join(folder.View(), kList));
 }
 
 LPath InstallFiles::Beside(const PackageFile& file) const {
@@ -110,7 +116,9 @@ bool InstallFiles::Swap(const PackageFile& file) const {
 bool InstallFiles::SetAside(const PackageFile& file) const {
     if (LFile::IsFolder(Place(file))) return false;  // somebody else's
     if (LFile::IsReadOnly(Place(file))) LFile::MakeWritable(Place(file));
-    return LFile::IsAbsent(Place(file)) || LFile::Move(Place(file), Aside(file), kMoveWaitMs);
+    if (LFile::IsAbsent(Place(file))) return true;
+    if (!LFile::IsAbsent(Aside(file))) LFile::Delete(Aside(file), kMoveWaitMs);  // of a former run
+    return LFile::Move(Place(file), Aside(file), kMoveWaitMs);
 }
 
 InstallFiles::Outcome InstallFiles::SwapIn() {
@@ -120,8 +128,10 @@ InstallFiles::Outcome InstallFiles::SwapIn() {
     m_former = InstalledNames(m_folder);
     for (size_t i = 1; i <= files.size(); ++i) {
         const PackageFile& file = i < files.size() ? files[i] : program;
-        m_swapped.push_back(&file);
-        if (SetAside(file) && Swap(file)) continue;
+        if (SetAside(file)) {
+            m_swapped.push_back(&file);
+            if (Swap(file)) continue;
+        }
         LTrace("InstallFiles::SwapIn unable to swap", file.name);
         PutBack();
         return IsProgramHeld(Place(program)) ? Outcome::Held : Outcome::Failed;

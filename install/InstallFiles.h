@@ -11,6 +11,9 @@
 // "corvane.lst", and without one those that every version has. The list is not trusted.
 std::vector<std::string> InstalledNames(const LPath& folder);
 
+// Whether a folder holds an installed Corvane, or what a run that was cut off has left of one.
+bool HoldsProgram(const LPath& folder);
+
 // Removes these files, and what a run that was cut off left beside them. Returns the names of those that
 // stay, since another program holds them. Foreign files of the folder are not touched.
 std::vector<std::string> RemoveInstalledFiles(const LPath& folder);

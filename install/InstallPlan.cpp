@@ -5,7 +5,8 @@
 #include "base/LText.h"
 
 InstallPlan::InstallPlan(const MachineFacts& facts) : m_facts(facts) {
-    SetScope(facts.mayInstallForEveryone ? InstallScope::Everyone : InstallScope::ThisUser);
+    const bool isForEveryone = facts.mayInstallForEveryone && !IsBoundToUser();
+    SetScope(isForEveryone ? InstallScope::Everyone : InstallScope::ThisUser);
     const bool isEveryones = !facts.everyonesProgram.Empty() && facts.mayInstallForEveryone;
     if (!isEveryones && facts.ownProgram.Empty()) return;
     m_isUpdate = true;
@@ -17,8 +18,13 @@ bool InstallPlan::LeavesEveryonesCopy() const {
     return !m_facts.everyonesProgram.Empty() && m_scope == InstallScope::ThisUser;
 }
 
+bool InstallPlan::IsBoundToUser() const {
+    return m_facts.tellsUsersApart && m_facts.ownData.isKept && !m_facts.everyonesData.isKept &&
+           !m_facts.ownFolder.Empty();
+}
+
 bool InstallPlan::MayChooseScope() const {
-    return !m_isUpdate && m_facts.tellsUsersApart && m_facts.mayInstallForEveryone &&
+    return !m_isUpdate && !IsBoundToUser() && m_facts.tellsUsersApart && m_facts.mayInstallForEveryone &&
            !m_facts.ownFolder.Empty();
 }
 
@@ -34,9 +40,9 @@ void InstallPlan::SetFolder(std::string_view folder) {
 LPath InstallPlan::DataFolder() const {
     const MachineFacts::Data& everyones = m_facts.everyonesData;
     const MachineFacts::Data& own = m_facts.ownData;
-    // The program of this user, too, reads everyone's first, whatever is registered for him.
-    const bool isRead = m_scope == InstallScope::ThisUser && !everyones.folder.Empty();
-    if (everyones.isKept || isRead) return everyones.folder;
+    // For this user alone everyone's is never registered: what is removed with this copy would be theirs.
+    // For everyone a user's own is not, which the others could not open.
+    if (m_scope == InstallScope::Everyone) return everyones.isKept ? everyones.folder : m_folder;
     return own.isKept ? own.folder : m_folder;
 }
 
@@ -44,6 +50,7 @@ Installation InstallPlan::Chosen() const {
     Installation chosen;
     chosen.folder = m_folder;
     chosen.dataFolder = DataFolder();
+    chosen.isDataKept = !(chosen.dataFolder == m_folder);
     chosen.scope = m_scope;
     chosen.hasServices = !m_facts.tellsUsersApart;
     return chosen;

@@ -36,6 +36,8 @@ public:
     bool IsUpdate() const { return m_isUpdate; }
     // There is a copy for everyone, which this user may not touch.
     bool LeavesEveryonesCopy() const;
+    // This user's recordings lie in a folder of his, which the others could not open.
+    bool IsBoundToUser() const;
     // Whether the choice between everyone and this user is open. Without it, whether the machine knows one.
     bool MayChooseScope() const;
     bool TellsUsersApart() const { return m_facts.tellsUsersApart; }

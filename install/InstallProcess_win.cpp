@@ -4,6 +4,8 @@
 #include "install/InstallFiles.h"
 #include "install/InstallRegistry_win.h"
 #include "install/InstallShortcuts_win.h"
+#include "install/MachineFacts_win.h"
+#include "install/OnlySetUp_win.h"
 #include "install/RunningCopy_win.h"
 #include "store/DataFolder_win.h"
 
@@ -39,8 +41,12 @@ private:
     std::vector<LPath> m_made;
 };
 
+std::string TextOf(const char* text, const LPath& folder) {
+    return LFormat(text, LShownPath(folder.View()).c_str());
+}
+
 ProcessResult Fail(ProcessContext& context, const char* text, const LPath& folder) {
-    context.SetError(LFormat(text, folder.c_str()));
+    context.SetError(TextOf(text, folder));
     return ProcessResult::Failed;
 }
 
@@ -58,16 +64,26 @@ static ProcessResult SwapIn(InstallFiles& files, const LPath& program, ProcessCo
     }
 }
 
+std::string InstallProcess::WhyNot() const {
+    const LPath& folder = m_installation.folder;
+    if (!MayMakeFilesIn(folder)) return TextOf(kNoFolder, folder);
+    return FreeKbFor(folder) < InstallFiles::NeededKb(m_package) ? TextOf(kNoRoom, folder) : "";
+}
+
 ProcessResult InstallProcess::Process(ProcessContext& context) {
     const LPath& folder = m_installation.folder;
+    m_installation.sizeKb = m_package.TotalBytes() / 1024;
     const bool isEveryones = m_installation.scope == InstallScope::Everyone;
     const FolderAccess access = isEveryones ? FolderAccess::Everyone : FolderAccess::Inherited;
-    m_installation.sizeKb = m_package.TotalBytes() / 1024;
+    const ReplacingProgram replacing;
     NewFolders folders;
-    if (!folders.Make(folder, access)) return Fail(context, kNoFolder, folder);
+    // Only where dictations lie may everyone write: nobody is to replace a program for others.
+    if (!folders.Make(folder, m_installation.isDataKept ? FolderAccess::Inherited : access))
+        return Fail(context, kNoFolder, folder);
     const LPath user = UserFolderPath(LPath::Join(m_installation.dataFolder.View(), ""), 0);
+    // Where those of before are away, each start makes them (SelectUser).
     for (const char* name : {"Current", "Sent"})
-        if (!folders.Make(LPath::Join(user.View(), name), access))
+        if (!folders.Make(LPath::Join(user.View(), name), access) && !m_installation.isDataKept)
             return Fail(context, kNoFolder, m_installation.dataFolder);
 
     InstallFiles files(m_package, folder);

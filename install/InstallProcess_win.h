@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "base/LProcess.h"
 #include "install/InstallTable.h"
 #include "install/SetupPackage.h"
@@ -13,6 +15,8 @@ class InstallProcess final : public LProcess {
 public:
     InstallProcess(const SetupPackage& package, const Installation& installation)
         : m_package(package), m_installation(installation) {}
+    // What would fail, as a text for the user, to be told before a running copy is closed for it; else empty.
+    std::string WhyNot() const;
     ProcessResult Process(ProcessContext& context) override;
     bool IsShortcutMissing() const { return m_isShortcutMissing; }
 

@@ -1,6 +1,7 @@
 #include "install/InstallRegistry_win.h"
 
 #include "base/LTrace.h"
+#include "store/DataFolder_win.h"
 
 static LRegistryValue Stored(const InstalledValue& value) {
     LRegistryValue stored;
@@ -46,17 +47,26 @@ void InstallRegistry::TakeBack() {
     m_before.clear();
 }
 
+static bool IsStored(const InstalledValue& value) {
+    const std::optional<LRegistryValue> found =
+        LReadRegistryValue(HiveKey(value.hive), value.key.c_str(), value.name.c_str());
+    return found && found->bytes == Stored(value).bytes;
+}
+
+void RemoveStartEntries(const Installation& installation) {
+    for (const InstalledValue& value : InstalledValues(installation))
+        if (value.isShared && IsStored(value))
+            LDeleteRegistryValue(HiveKey(value.hive), value.key.c_str(), value.name.c_str());
+}
+
 bool RemoveFromRegistry(const Installation& installation, bool isAnythingKept) {
+    RemoveStartEntries(installation);
     bool isDone = true;
     for (const InstalledValue& value : InstalledValues(installation)) {
         const HKEY hive = HiveKey(value.hive);
         const char* key = value.key.c_str();
         const char* name = value.name.c_str();
-        if (value.isKept && isAnythingKept) continue;
-        if (value.isShared) {
-            const std::optional<LRegistryValue> found = LReadRegistryValue(hive, key, name);
-            if (!found || found->bytes != Stored(value).bytes) continue;
-        }
+        if (value.isShared || (value.isKept && isAnythingKept)) continue;
         isDone = LDeleteRegistryValue(hive, key, name) && isDone;
     }
     RemoveEmptyKeys(installation);
@@ -75,6 +85,10 @@ std::optional<Installation> RegisteredInstallation(InstallScope scope) {
     const HKEY hive = HiveKey(found.Hive());
     found.folder = LPath(LReadRegistryText(hive, kFoldersKey, "ProgramFiles")).WithoutSeparator();
     found.dataFolder.Set(LReadRegistryText(hive, kFoldersKey, "DataFiles"));
+    // Half an installation can be removed, too.
+    if (found.folder.Empty())
+        found.folder = LPath(LReadRegistryText(hive, kUninstallKey, "InstallLocation")).WithoutSeparator();
+    if (found.dataFolder.Empty()) found.dataFolder = DefaultDataFolder();
     if (found.folder.Empty()) return std::nullopt;
     return found;
 }

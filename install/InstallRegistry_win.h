@@ -29,6 +29,8 @@ private:
     std::vector<Before> m_before;
 };
 
+// Removes what starts the program, so that nothing leads to one that is being removed.
+void RemoveStartEntries(const Installation& installation);
 // Removes it. What an installation keeps goes only when nothing is kept. False when a value stays that should
 // not.
 bool RemoveFromRegistry(const Installation& installation, bool isAnythingKept);

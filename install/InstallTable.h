@@ -20,8 +20,9 @@ enum class InstallScope { Everyone, ThisUser };
 enum class RegistryHive { Machine, User };
 
 struct Installation {
-    LPath folder;      // of the program, ends in no separator
-    LPath dataFolder;  // of the recordings; may be the same
+    LPath folder;             // of the program, ends in no separator
+    LPath dataFolder;         // of the recordings; may be the same
+    bool isDataKept = false;  // it was there before, and its drive or server may be away
     InstallScope scope = InstallScope::Everyone;
     bool hasServices = false;  // Windows 95 and 98 start the programs of a key of their own
     uint32_t sizeKb = 0;       // of the installed files

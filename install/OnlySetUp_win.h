@@ -11,3 +11,16 @@ public:
 private:
     LNamedMutex m_mutex{"Corvane.Installing"};
 };
+
+// Held while the program's files are being replaced or removed: no copy may be started meanwhile, which would
+// keep them from it. While a question stands, Corvane may run.
+class ReplacingProgram {
+public:
+    ReplacingProgram() { m_mutex.Take(0); }
+    // Whether another process does that now.
+    static bool IsUnderWay() { return LNamedMutex(kName).IsHeld(); }
+
+private:
+    static constexpr char kName[] = "Corvane.Replacing";
+    LNamedMutex m_mutex{kName};
+};

@@ -11,13 +11,16 @@
 #include "install/RemovalCopy_win.h"
 #include "install/RunningCopy_win.h"
 #include "res/Ids.h"
+#include "store/DataFolder_win.h"
 #include "store/DataRemoval.h"
 #include "store/RegistryUser.h"
 #include "ui/LDialog.h"
 #include "ui/LProgressDialog.h"
+#include "ui/LShell.h"
 
 namespace {
 
+constexpr char kConfirmTitle[] = "Delete Recordings";
 constexpr char kRemovalError[] = "Corvane Was Not Removed";
 constexpr char kNotInstalled[] = "This Corvane is not installed (any more). There is nothing to remove.";
 constexpr char kOnlyAdministrator[] =
@@ -28,14 +31,19 @@ constexpr char kNoCopy[] =
     "files.\n\nPlease "
     "see that the disk is not full, and try again.";
 constexpr char kQuestion[] =
-    "Corvane will be removed from this computer.\n\nYour recordings and settings stay, and the next "
-    "installation "
-    "finds them. They lie in\n%s";
+    "Corvane will be removed from this computer. If it is open it is closed, and a recording ended properly."
+    "\n\nYour recordings and settings stay, and the next installation finds them. They lie in\n%s";
 constexpr char kConfirm[] =
     "All recordings, typists and settings in\n\n%s\n\nwill be deleted for good: %s with %s of recordings, of "
     "%s.\nNot sent yet: %d.\n\nDelete them?";
-constexpr char kFilesStay[] =
+constexpr char kDeletedLater[] =
     "\n\nSome files are in use by another program. They are deleted when Windows is started next.";
+constexpr char kFilesStay[] =
+    "\n\nSome files could not be deleted. Please delete them yourself; they are in\n%s";
+constexpr char kEntryStays[] = "\n\nIts entry in the list of programs could not be removed.";
+constexpr char kCancelled[] = "Corvane was not removed.";
+constexpr char kPartlyDeleted[] = "\n\nSome recordings had been deleted already.";
+constexpr char kSharedData[] = "\n\nOthers on this computer may use them, so they cannot be deleted with it.";
 constexpr char kDataStays[] =
     "\n\n%d files or folders of recordings or settings could not be deleted. They are in\n%s";
 
@@ -57,7 +65,9 @@ public:
 private:
     bool InitDialog() override {
         SetWindowTextA(Window(), kRemovalTitle);
-        SetWindowTextA(Item(IDC_REMOVE_TEXT), LFormat(kQuestion, m_dataFolder.c_str()).c_str());
+        std::string question = LFormat(kQuestion, LShownPath(m_dataFolder.View()).c_str());
+        if (m_isShared) question += kSharedData;
+        SetWindowTextA(Item(IDC_REMOVE_TEXT), question.c_str());
         EnableWindow(Item(IDC_REMOVE_DATA), !m_isShared);
         LShowAsProgram(Window());
         SetFocus(Item(IDOK));
@@ -93,33 +103,39 @@ std::string Duration(int64_t ms) {
 bool RemoveDialog::Confirms() {
     DataCount process(m_dataFolder, m_lengthMs);
     std::string error;
-    const ProcessResult result = LProgressDialog::Run(process, Window(), kRemovalTitle, error);
+    const ProcessResult result = LProgressDialog::Run(process, Window(), kConfirmTitle, error);
     if (!error.empty()) Tell(Window(), error, kRemovalError);
     if (result != ProcessResult::Done || !IsOpen()) return false;
     const DataContents& count = process.Contents();
-    const std::string text =
-        LFormat(kConfirm, m_dataFolder.c_str(), Counted(count.dictations, "dictation").c_str(),
-                Duration(count.audioMs).c_str(), Counted(count.users, "user").c_str(), count.notSent);
-    return Tell(Window(), text, "Delete Recordings", MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
+    const std::string text = LFormat(
+        kConfirm, LShownPath(m_dataFolder.View()).c_str(), Counted(count.dictations, "dictation").c_str(),
+        Duration(count.audioMs).c_str(), Counted(count.users, "user").c_str(), count.notSent);
+    return Tell(Window(), text, kConfirmTitle, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }
 
 class RemoveProcess final : public LProcess {
 public:
-    RemoveProcess(const Installation& installation, bool deletesData)
-        : m_installation(installation), m_deletesData(deletesData) {}
+    // data: where the recordings lie that the program works with.
+    RemoveProcess(const Installation& installation, const LPath& data, bool isShared, bool deletesData)
+        : m_installation(installation), m_data(data), m_isShared(isShared), m_deletesData(deletesData) {}
     ProcessResult Process(ProcessContext& context) override;
     // What the user is told of it.
-    std::string Outcome() const;
+    std::string Outcome(ProcessResult result) const;
 
 private:
-    std::vector<DeletedPath> RemoveFiles();
     ProcessResult RemoveData(ProcessContext& context);
+    ProcessResult RemoveFiles(ProcessContext& context);
+    void NoteStaying(const std::vector<std::string>& names);
     void RemoveFolders() const;
 
     const Installation& m_installation;
+    LPath m_data;
+    bool m_isShared;
     bool m_deletesData;
+    bool m_hasDeletedData = false;
+    bool m_isDeletedLater = false;
     bool m_filesStay = false;
-    bool m_isDataKept = true;
+    bool m_entryStays = false;
     int32_t m_dataKept = 0;
 };
 
@@ -128,56 +144,83 @@ private:
 // A failure does not end the removal: what stays is told.
 ProcessResult RemoveProcess::RemoveData(ProcessContext& context) {
     context.SetStatus("Deleting the recordings...");
-    DataRemoval removal(m_installation.dataFolder);
+    DataRemoval removal(m_data);
+    m_hasDeletedData = true;
     const ProcessResult result = removal.Process(context);
     m_dataKept = removal.Kept();
     return result;
 }
 
-// Returns what could not be deleted: what another program holds, and the folder then.
-std::vector<DeletedPath> RemoveProcess::RemoveFiles() {
-    std::vector<DeletedPath> staying;
-    for (const std::string& name : RemoveInstalledFiles(m_installation.folder))
-        staying.push_back({LPath::Join(m_installation.folder.View(), name)});
-    m_filesStay = !staying.empty();
-    if (m_filesStay) staying.push_back({m_installation.folder, true});
-    return staying;
+// What another program holds is deleted at the next start, but never the program: whoever installs Corvane
+// before that would lose it.
+void RemoveProcess::NoteStaying(const std::vector<std::string>& names) {
+    std::vector<DeletedPath> later;
+    for (const std::string& name : names) later.push_back({LPath::Join(m_installation.folder.View(), name)});
+    later.push_back({m_installation.folder, true});
+    const bool isProgramStaying = LFile::Exists(m_installation.Program());
+    m_isDeletedLater = !names.empty() && !isProgramStaying && DeleteAtNextStart(later);
+    m_filesStay = !names.empty() && !m_isDeletedLater;
 }
 
-// Each is removed only when it is empty.
+// Somebody may have started the program since it was waited for.
+ProcessResult RemoveProcess::RemoveFiles(ProcessContext& context) {
+    for (;;) {
+        const ProcessResult waited = WaitForRunningCopy(m_installation.Program(), context);
+        if (waited != ProcessResult::Done) return waited;
+        const std::vector<std::string> staying = RemoveInstalledFiles(m_installation.folder);
+        if (IsProgramHeld(m_installation.Program())) continue;
+        NoteStaying(staying);
+        return ProcessResult::Done;
+    }
+}
+
+// Each is removed only when it is empty. Where there are recordings, their folders are those of others, too.
 void RemoveProcess::RemoveFolders() const {
-    const LPath user = UserFolderPath(LPath::Join(m_installation.dataFolder.View(), ""), 0);
-    for (const char* name : {"Current", "Sent"}) LFile::DeleteFolder(LPath::Join(user.View(), name));
-    LFile::DeleteFolder(user.WithoutSeparator());
-    for (const LPath& folder : {m_installation.dataFolder.WithoutSeparator(), m_installation.folder}) {
-        LFile::DeleteFolder(folder);
-        const LPath above = LPath(LFolderOf(folder.View())).WithoutSeparator();
+    const LPath data = m_installation.dataFolder.WithoutSeparator();
+    if (!m_isShared && HoldsDictations(data) == Holding::No) {
+        const LPath user = UserFolderPath(LPath::Join(data.View(), ""), 0);
+        for (const char* name : {"Current", "Sent"}) LFile::DeleteFolder(LPath::Join(user.View(), name));
+        LFile::DeleteFolder(user.WithoutSeparator());
+        LFile::DeleteFolder(data);
+    }
+    LFile::DeleteFolder(m_installation.folder);
+    for (const LPath& folder : {data, m_installation.folder}) {
+        const LPath above = LFolderAbove(folder);
         if (LEqualNoCase(LFileNameOf(above.View()), "Mervald")) LFile::DeleteFolder(above);
     }
 }
 
 ProcessResult RemoveProcess::Process(ProcessContext& context) {
+    const ReplacingProgram replacing;
     const ProcessResult waited = WaitForRunningCopy(m_installation.Program(), context);
     if (waited != ProcessResult::Done) return waited;
-    context.SetStatus("Removing Corvane...");
     // First, since a cancel then leaves an installation that can be removed again.
     if (m_deletesData && RemoveData(context) == ProcessResult::Stopped) return ProcessResult::Stopped;
+    context.SetStatus("Removing Corvane...");
     RemoveShortcuts(m_installation);
-    DeleteAtNextStart(RemoveFiles());
+    RemoveStartEntries(m_installation);
+    if (RemoveFiles(context) == ProcessResult::Stopped) return ProcessResult::Stopped;
+    m_entryStays = !RemoveFromRegistry(m_installation, true);
     RemoveFolders();
-    m_isDataKept = !LFile::IsAbsent(m_installation.dataFolder.WithoutSeparator());
-    if (!m_isDataKept) ForgetRegistryUser();
-    RemoveFromRegistry(m_installation, m_isDataKept);
+    const LPath data = m_installation.dataFolder.WithoutSeparator();
+    if (!m_isShared && (LFile::IsGone(data) || HoldsDictations(data) == Holding::No)) {
+        ForgetRegistryUser();
+        RemoveFromRegistry(m_installation, false);
+    }
     return ProcessResult::Done;
 }
 
-std::string RemoveProcess::Outcome() const {
+std::string RemoveProcess::Outcome(ProcessResult result) const {
+    if (result != ProcessResult::Done)
+        return std::string(kCancelled) + (m_hasDeletedData ? kPartlyDeleted : "");
+    const std::string data = LShownPath(m_data.View());
     std::string text = "Corvane was removed.";
-    if (m_isDataKept && !m_deletesData)
-        text +=
-            LFormat("\n\nYour recordings and settings are still in\n%s", m_installation.dataFolder.c_str());
-    if (m_dataKept > 0) text += LFormat(kDataStays, m_dataKept, m_installation.dataFolder.c_str());
-    if (m_filesStay) text += kFilesStay;
+    if (!m_deletesData && HoldsDictations(m_data) != Holding::No)
+        text += LFormat("\n\nYour recordings and settings are still in\n%s", data.c_str());
+    if (m_dataKept > 0) text += LFormat(kDataStays, m_dataKept, data.c_str());
+    if (m_isDeletedLater) text += kDeletedLater;
+    if (m_filesStay) text += LFormat(kFilesStay, LShownPath(m_installation.folder.View()).c_str());
+    if (m_entryStays) text += kEntryStays;
     return text;
 }
 
@@ -197,15 +240,22 @@ static void Remove(const LPath& program, LengthMs lengthMs) {
         Tell(nullptr, kOnlyAdministrator, kRemovalError);
         return;
     }
-    const bool isShared = other && LFile::Exists(other->Program()) &&
-                          LEqualNoCase(other->dataFolder.View(), installation->dataFolder.View());
-    RemoveDialog dialog(installation->dataFolder, isShared, lengthMs);
+    // The program reads everyone's folder before this user's; removing his copy must not touch that.
+    const LPath everyones(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, "DataFiles"));
+    const bool isEveryones = installation->scope == InstallScope::ThisUser && !everyones.Empty() &&
+                             !LFile::IsGone(everyones.WithoutSeparator());
+    const LPath data = isEveryones ? everyones : installation->dataFolder;
+    const bool isShared = isEveryones || (other && HoldsProgram(other->folder) &&
+                                          LEqualNoCase(other->dataFolder.View(), data.View()));
+    RemoveDialog dialog(data, isShared, lengthMs);
     if (dialog.RunModal(IDD_REMOVE, nullptr) != IDOK) return;
-    if (AskRunningCopyToClose()) LSleep(kCloseWaitMs);
-    RemoveProcess process(*installation, dialog.DeletesData());
+    const bool isClosed = AskRunningCopyToClose();
+    if (isClosed) LSleep(kCloseWaitMs);
+    RemoveProcess process(*installation, data, isShared, dialog.DeletesData());
     std::string error;
-    if (LProgressDialog::Run(process, nullptr, kRemovalTitle, error) == ProcessResult::Done)
-        Tell(nullptr, process.Outcome(), kRemovalTitle, MB_OK | MB_ICONINFORMATION);
+    const ProcessResult result = LProgressDialog::Run(process, nullptr, kRemovalTitle, error);
+    Tell(nullptr, process.Outcome(result), kRemovalTitle, MB_OK | MB_ICONINFORMATION);
+    if (result != ProcessResult::Done && isClosed) LStartProgram(installation->Program(), "");
 }
 
 void RunRemoval(int argumentCount, const char* const* arguments, LengthMs lengthMs) {

@@ -21,6 +21,7 @@ constexpr char kNotForThisUser[] =
 constexpr char kNotThisCopy[] =
     "The Corvane on this computer is installed for everyone, and only an administrator of this computer can "
     "replace it.\n\nNothing was changed.";
+constexpr char kCancelled[] = "Corvane was not installed. Nothing was changed.";
 constexpr char kNoShortcut[] =
     "Corvane is installed, but its sign could not be put on the desktop or into the start menu.\n\nYou can "
     "start "
@@ -49,13 +50,33 @@ bool IsWhole(const SetupPackage& package, ProcessResult& result) {
     return result == ProcessResult::Done;
 }
 
-bool Install(const SetupPackage& package, const Installation& installation) {
-    InstallProcess process(package, installation);
+ProcessResult Run(InstallProcess& process, const Installation& installation) {
     std::string error;
     const ProcessResult result = LProgressDialog::Run(process, nullptr, kSetUpTitle, error);
     if (!error.empty()) Tell(error, kInstallError);
-    if (process.IsShortcutMissing()) Tell(LFormat(kNoShortcut, installation.folder.c_str()), kSetUpTitle);
-    return result == ProcessResult::Done;
+    if (result == ProcessResult::Stopped) Tell(kCancelled, kSetUpTitle);
+    if (process.IsShortcutMissing())
+        Tell(LFormat(kNoShortcut, LShownPath(installation.folder.View()).c_str()), kSetUpTitle);
+    return result;
+}
+
+// A copy that runs is closed for it, and started again unless the new one is installed.
+ProcessResult Install(const SetupPackage& package, const Installation& installation, uint32_t closeWaitMs) {
+    InstallProcess process(package, installation);
+    if (const std::string reason = process.WhyNot(); !reason.empty()) {
+        Tell(reason, kInstallError);
+        return ProcessResult::Failed;
+    }
+    const LPath running = RunningCopyPath();
+    const bool isClosed = AskRunningCopyToClose();
+    if (isClosed) LSleep(closeWaitMs);
+    const ProcessResult result = Run(process, installation);
+    const bool isInstalled = result == ProcessResult::Done;
+    if (isInstalled && package.Marker() == kMarkerSetup)
+        LStartProgram(installation.Program(), "/install");
+    else if (isClosed)
+        LStartProgram(isInstalled || running.Empty() ? installation.Program() : running, "");
+    return result;
 }
 
 // The plan, as the user has settled it; false when nothing is to be installed.
@@ -65,11 +86,11 @@ bool Settle(InstallPlan& plan, const SetupPackage& package) {
         Tell(kNotForThisUser, kInstallError);
         return false;
     }
-    if (!asks && plan.LeavesEveryonesCopy()) {
+    if (!asks && plan.LeavesEveryonesCopy() && !plan.IsUpdate()) {
         Tell(kNotThisCopy, kInstallError);
         return false;
     }
-    return !asks || AskForInstallation(plan, InstallFiles::NeededKb(package));
+    return !asks || AskForInstallation(plan, package);
 }
 
 }  // namespace
@@ -85,15 +106,9 @@ void RunSetUp(const LPath& executable, uint32_t closeWaitMs) {
         return;
     }
     InstallPlan plan(ReadMachineFacts());
-    if (!Settle(plan, *package)) return;
-
-    const bool wasRunning = AskRunningCopyToClose();
-    if (wasRunning) LSleep(closeWaitMs);
-    const Installation installation = plan.Chosen();
-    const bool isInstalled = Install(*package, installation);
-    const bool isFirstStart = isInstalled && package->Marker() == kMarkerSetup;
-    if (isFirstStart)
-        LStartProgram(installation.Program(), "/install");
-    else if (wasRunning)
-        LStartProgram(installation.Program(), "");
+    // Whoever was asked may choose another folder.
+    while (Settle(plan, *package))
+        if (Install(*package, plan.Chosen(), closeWaitMs) != ProcessResult::Failed ||
+            package->Marker() != kMarkerSetup)
+            return;
 }

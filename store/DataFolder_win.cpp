@@ -81,7 +81,7 @@ LPath DefaultDataFolder() {
 
 DataFolder FindDataFolder() {
     LPath folder(LReadRegistryText(HKEY_LOCAL_MACHINE, kFoldersKey, kDataValue));
-    if (folder.Empty() || LFile::IsAbsent(folder.WithoutSeparator())) {
+    if (folder.Empty() || LFile::IsGone(folder.WithoutSeparator())) {
         const LPath own(LReadRegistryText(HKEY_CURRENT_USER, kFoldersKey, kDataValue));
         if (!own.Empty()) folder = own;
     }

@@ -63,7 +63,8 @@ int LScaled(int pixels) {
 
 void LShowAsProgram(HWND dialog) {
     const HICON icon = LoadIconA(LInstance(), MAKEINTRESOURCEA(IDI_CORVANE));
-    SendMessageA(dialog, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
+    for (const WPARAM size : {ICON_SMALL, ICON_BIG})
+        SendMessageA(dialog, WM_SETICON, size, reinterpret_cast<LPARAM>(icon));
     SetForegroundWindow(dialog);
 }
 

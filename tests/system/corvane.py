@@ -25,6 +25,9 @@ FOLDERS_KEY = r"Software\Mervald\Corvane\CurrentVersion\Folders"
 
 WM_CLOSE, WM_CHAR, WM_COMMAND, EM_SETSEL, PBM_GETPOS, PSM_SETCURSEL = 0x10, 0x102, 0x111, 0xB1, 0x408, 0x465
 API = 32767
+STOPPED, RECORDING, WAITING, PLAYING, WINDING = range(5)  # as the interface for other programs tells
+# Where the texts of a recipient stand in his record.
+RECIPIENT = dict(name=8, to=44, folder=172, host=428, user=556, login=588, ftpfolder=620, key=876)
 
 # The public numbers, as the resource compiler reads them: IDS["CM_NEWFILE"] is 1001.
 IDS = {
@@ -108,14 +111,6 @@ def write_ini(path, sections):
     Path(path).write_bytes("".join(line + "\r\n" for line in lines).encode("latin-1"))
 
 
-def recipient_record(name, folder, password=None):
-    """A recipient's record, as the program itself writes it: PCM, mono, 8000 Hz, 8 bits."""
-    text = lambda value, size=0: value.encode("latin-1").ljust(size, b"\0")
-    record = struct.pack("<II32sI128x", 1, 1 if password else 0, text(name), 1) + text(folder, 256 + 448)
-    wave_format = struct.pack("<HHIIHHH", 1, 1, 8000, 8000, 1, 8, 0)
-    return record + text(password or "", 64) + wave_format.ljust(1024, b"\0")
-
-
 class Data:
     """A data folder with one user, and a typist's shared folder."""
 
@@ -131,8 +126,15 @@ class Data:
         write_ini(self.settings, {"settings": {"warnbelowmb": 0}})
         self.add_recipient("Typist")
 
-    def add_recipient(self, name, password=None, index=0):
-        record = recipient_record(name, windows_path(self.share), password)
+    def add_recipient(self, name, password="", index=0, method=1, **fields):
+        """By mail (0), folder (1) or FTP (2), with a record as the program writes it: PCM, mono, 8000 Hz, 8 bits."""
+        record = bytearray(1964)
+        struct.pack_into("<II", record, 0, 1, 1 if password else 0)
+        record[40] = method
+        struct.pack_into("<HHIIHH", record, 940, 1, 1, 8000, 8000, 1, 8)
+        fields |= {"name": name, "folder": windows_path(self.share), "key": password}
+        for field, text in fields.items():
+            record[RECIPIENT[field] : RECIPIENT[field] + len(text)] = text.encode("latin-1")
         (self.user / f"rec{index}.dat").write_bytes(record)
         details = {"name": "Dr. Ada Blake", "email": "ada@example.org", "company": "Harbour Clinic"}
         write_ini(self.user_file, {"user": details, "settings": {"sendcount": index + 1, "senddefault": 0}})
@@ -154,16 +156,24 @@ class Data:
     def audio(self, number, folder=None):
         return (folder or self.current) / f"{number:08}.wav"
 
+    def size(self, number):
+        return self.audio(number).stat().st_size if self.audio(number).exists() else 0
+
     def status(self, number):
         return self.record(number, self.sent).get("sendstatus")
+
+    def queued(self):
+        """How many dictations wait to be sent."""
+        return int(read_ini(self.queue).get("bgsend", {}).get("count", 0))
 
     def delivered(self):
         return sorted(self.share.glob("*.dct"))
 
 
 def pcm_wav(frames, rate=8000, sizes_known=True, value=1000):
-    """A recording in the program's own layout (46 bytes of header); as a crash leaves it, on request."""
-    data = struct.pack("<h", value) * frames
+    """A recording in the program's own layout (46 bytes of header), of samples or so many frames of one value; as a
+    crash leaves it, on request."""
+    data = struct.pack("<h", value) * frames if isinstance(frames, int) else frames.tobytes()
     riff, size = (38 + len(data), len(data)) if sizes_known else (0xFFFFFFFF, 0xFFFFFFFF)
     head = b"RIFF" + struct.pack("<I", riff) + b"WAVEfmt " + struct.pack("<IHHIIHHH", 18, 1, 1, rate, 2 * rate, 2, 16, 0)
     return head + b"data" + struct.pack("<I", size) + data
@@ -278,11 +288,16 @@ class Corvane:
         """Waits for a message box and returns its text."""
         return "\n".join(c["text"] for c in self._box(title, seconds)["children"] if c["class"] == "Static" and c["text"])
 
-    def answer_box(self, title, button):
-        """Presses a button (1 OK, 2 Cancel, 6 Yes, 7 No) of a message box and waits until it is gone."""
-        box = self._box(title)
+    def answer_box(self, title, button, words=""):
+        """Presses a button (1 OK, 2 Cancel, 6 Yes, 7 No) of a message box that says these words, until it is gone."""
+        text, box = self.wait_box(title), self._box(title)
+        assert words in text, text
         self.winctl.ask("click", next(c["hwnd"] for c in box["children"] if c["id"] == button))
         wait_for(lambda: box["hwnd"] not in [b["hwnd"] for b in self.boxes()], "the end of the box")
+        return text
+
+    def wait_status(self, status, seconds=10):
+        wait_for(lambda: self.api(7) == status, f"status {status}", seconds)
 
     def rows(self):
         return self.winctl.ask("list", self.control("IDC_LIST")["hwnd"])["rows"]
@@ -327,6 +342,9 @@ class Corvane:
         self.command(command)
         wait_for(lambda: microphone_streams() > 0, "a running microphone")
 
+    def wait_recorded(self, number, enough, seconds=10):
+        wait_for(lambda: self.data.size(number) >= enough, f"{enough} bytes of recording on disk", seconds)
+
     def stop(self):
         self.command("CM_STOP")
         wait_for(lambda: microphone_streams() == 0, "a stopped microphone")
@@ -336,14 +354,12 @@ class Corvane:
         """Records a spoken sample and stops once all of it is on disk."""
         self.record(command)
         number = number if number is not None else self.api(8)
-        path = self.data.audio(number)
-        before = path.stat().st_size if path.exists() else 0
+        before = self.data.size(number)
         play(sample)
         # The sound is still on its way through the card when the speaker has finished.
-        enough = before + int((spoken.duration + 0.4) * 16000)
-        wait_for(lambda: path.exists() and path.stat().st_size >= enough, "the recording on disk")
+        self.wait_recorded(number, before + int((spoken.duration + 0.4) * 16000))
         self.stop()
-        assert sizes_known(path)
+        assert sizes_known(self.data.audio(number))
         return number
 
     def send_default(self, number):
@@ -362,7 +378,8 @@ class Dialog:
         """button: of several with this title, the one that has it."""
         if command:
             program.command(command)
-        self.winctl, self.title, self.window = program.winctl, title, program._box(title, 10, button)["hwnd"]
+        self.program, self.winctl, self.title = program, program.winctl, title
+        self.window = program._box(title, 10, button)["hwnd"]
 
     def item(self, name):
         children = self.winctl.ask("window", self.window)["children"]
@@ -382,6 +399,11 @@ class Dialog:
 
     def press(self, name):
         self.ask("click", name)
+
+    def refuse(self, words):
+        """Its OK is answered by a box that says so."""
+        self.press(1)
+        self.program.answer_box("Error", 1, words)
 
     def end(self, button):
         self.press(button)

@@ -4,8 +4,8 @@ docs/file-formats.md alone, and decrypted by a general cryptography library."""
 import ctypes
 import io
 import struct
-from dataclasses import dataclass
 from pathlib import Path
+from types import SimpleNamespace
 
 import numpy as np
 
@@ -14,20 +14,6 @@ SHORT_STRINGS = (
 ).split()
 CRYPTO = ctypes.CDLL("libcrypto.so.3")
 DECRYPT = 0
-
-
-@dataclass
-class Dct:
-    version: int
-    flags: int
-    user: int
-    number: int
-    date: int
-    priority: int
-    notes: bytes
-    audio: bytes
-    key_check: int
-    texts: dict
 
 
 def decrypt(region, password):
@@ -65,8 +51,7 @@ def read(path, password=None):
     assert version in (0, 1, 2)
     flags, user, dictation = number("I"), number("I"), number("I")
     encrypted = version == 2 and flags & 2 != 0
-    key_check = number("B") if encrypted else None
-    assert not encrypted or key_check == sum(password.encode("latin-1")) % 256, "another pass phrase"
+    assert not encrypted or number("B") == sum(password.encode("latin-1")) % 256, "another pass phrase"
     date = number("I")
     texts = {name: take(number("B")).decode("latin-1") for name in SHORT_STRINGS}
     priority = number("B")
@@ -74,4 +59,5 @@ def read(path, password=None):
     assert version == 0 or number("B") == 1
     audio = contents(number("I") if version > 0 else len(data) - file.tell())
     assert not file.read()
-    return Dct(version, flags, user, dictation, date, priority, notes, audio, key_check, texts)
+    numbers = {"version": version, "flags": flags, "user": user, "number": dictation, "date": date}
+    return SimpleNamespace(**numbers, priority=priority, notes=notes, audio=audio, texts=texts)

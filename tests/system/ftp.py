@@ -2,26 +2,20 @@
 
 import os
 import socket
-import struct
 import subprocess
 from pathlib import Path
 
 from waiting import wait_for
 
-USER, PASSWORD = "anonymous", "typing@pool"
+PASSWORD = "typing@pool"
 
 # An address of this run alone, since the port is always 21 and other runs have servers too.
 ADDRESS = "127.{}.{}.{}".format(1 + (os.getpid() >> 16 & 63), os.getpid() >> 8 & 255, 1 + os.getpid() % 254)
 
 
 def add_recipient(data, folder="pool/in", password=PASSWORD, index=0):
-    data.add_recipient("Typist", index=index)
-    path = data.user / f"rec{index}.dat"
-    record = bytearray(path.read_bytes())
-    struct.pack_into("<I", record, 40, 2)
-    for offset, text in ((428, ADDRESS), (556, USER), (588, password), (620, folder)):
-        struct.pack_into(f"{len(text) + 1}s", record, offset, text.encode())
-    path.write_bytes(record)
+    server = {"host": ADDRESS, "user": "anonymous", "login": password, "ftpfolder": folder}
+    data.add_recipient("Typist", index=index, method=2, **server)
 
 
 class FtpServer:

@@ -1,17 +1,12 @@
 """A mail server of the loopback, and a recipient who gets mail."""
 
 import contextlib
-import struct
 
 from aiosmtpd.controller import Controller
 
-def add_recipient(data, to, password=None, index=0):
-    data.add_recipient("Typist", password=password, index=index)
-    path = data.user / f"rec{index}.dat"
-    record = bytearray(path.read_bytes())
-    struct.pack_into("<I128s", record, 40, 0, to.encode())
-    path.write_bytes(record)
 
+def add_recipient(data, to, password="", index=0):
+    data.add_recipient("Typist", password, index, method=0, to=to)
 
 @contextlib.contextmanager
 def server(address, **options):

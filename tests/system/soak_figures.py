@@ -1,10 +1,10 @@
 """Figures of the window, for a machine that does nothing else meanwhile (tools/soak)."""
 
 import os
-import subprocess
 import time
 
-from corvane import wait_for, write_ini
+from corvane import RECORDING, STOPPED, wait_for, write_ini, xdotool
+from waiting import stays
 
 PRESSES = 20
 DRAIN = 0.08  # seconds that the device runs on after Stop
@@ -23,14 +23,13 @@ def test_recording_begins_with_its_key(corvane, data):
     for _ in range(PRESSES):
         number = program.new()
         key = time.monotonic()
-        subprocess.run(["xdotool", "key", "F5"], check=True)
-        wait_for(lambda: program.api(7) == 1, "a recording")
+        xdotool("key", "F5")
+        program.wait_status(RECORDING)
         told.append(time.monotonic() - key)
-        end = key + 1
-        wait_for(lambda: time.monotonic() > end, "a second")
+        stays(lambda: True, key + 1 - time.monotonic())
         stopped = time.monotonic()
         program.command("CM_STOP")
-        wait_for(lambda: program.api(7) == 0, "its end")
+        program.wait_status(STOPPED)
         missing.append(stopped + DRAIN - key - (data.audio(number).stat().st_size - 46) / 16000)
     ms = lambda values: f"{1000 * median(values):.0f} ms ({1000 * min(values):.0f} to {1000 * max(values):.0f})"
     print(f"\nfrom key to recording: {ms(told)}; sound that is missing at its beginning: {ms(missing)}")
@@ -41,10 +40,9 @@ def test_at_rest_it_leaves_the_processor_alone(corvane, data):
     for number in range(1, 21):
         data.add_dictation(number)
     program = corvane()
-    settled = time.monotonic() + 5
-    wait_for(lambda: time.monotonic() > settled, "the end of the start")
+    stays(lambda: True, 5)  # the end of the start
     cpu, since = program.cpu_seconds(), time.monotonic()
-    wait_for(lambda: time.monotonic() > since + REST_SECONDS, "a minute of rest", REST_SECONDS + 5)
+    stays(lambda: True, REST_SECONDS)
     load = (program.cpu_seconds() - cpu) / (time.monotonic() - since)
     print(f"\nload at rest: {100 * load:.2f} % of a core")
     assert load < 0.002

@@ -10,7 +10,7 @@ import subprocess
 
 import numpy as np
 from sound import HEARD_RATE, Heard
-from test_playback import PLAYING, STOPPED, play, wait_status, wav  # noqa: F401
+from test_playback import PLAYING, STOPPED, play  # noqa: F401
 
 SECONDS = int(os.environ.get("CORVANE_SOAK_SECONDS", 600))
 
@@ -24,8 +24,8 @@ def test_nothing_drops_out_while_every_core_is_busy(play):  # noqa: F811
     try:
         with Heard() as heard:
             program.command("CM_PLAY")
-            wait_status(program, PLAYING)
-            wait_status(program, STOPPED, SECONDS + 60)
+            program.wait_status(PLAYING)
+            program.wait_status(STOPPED, SECONDS + 60)
     finally:
         for process in busy:
             process.kill()

@@ -65,8 +65,7 @@ def test_what_another_session_took_away_leaves_the_list_and_nothing_takes_its_na
         for extension in ("dat", "wav", "txt"):
             (data.current / f"{number:08d}.{extension}").unlink()
         program.type_notes("typed for nothing") if act == "notes" else program.command(act)
-        assert f"Case {number}" in (text := program.wait_box("Error")), act
+        text = program.answer_box("Error", 1, f"Case {number}")
         assert ("typed for nothing" in text) == (act == "notes")
-        program.answer_box("Error", 1)
         assert not program.row(number) and not list(data.current.glob(f"{number:08d}.*")), act
     assert len(program.rows()) == 1 and program.close() == 0

@@ -5,26 +5,22 @@ import email.policy
 import os
 import shutil
 import socket
-import struct
 import time
 
 import dct
 import mail
 import pytest
 from aiosmtpd.smtp import AuthResult
-from corvane import TOOLS, pcm_wav, read_ini, windows_path, write_ini
+from corvane import TOOLS, pcm_wav, windows_path, write_ini
 from ftp import ADDRESS
 
-
-@pytest.fixture
-def address():
-    return ADDRESS
+PHRASE = "open sesame, and all else that a recipient's file has room for"
 
 
 def prepare(data, to, dictations, mailhost="", usemapi="false"):
     """One typist with a mail address, and some dictations."""
     write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "email": {"usemapi": usemapi, "mailhost": mailhost}})
-    mail.add_recipient(data, to, "open sesame")
+    mail.add_recipient(data, to, PHRASE)
     for number in dictations:
         data.add_dictation(number, pcm_wav(8000), b".secret\0")
 
@@ -36,10 +32,10 @@ def check_password(server, session, envelope, mechanism, data):
 @pytest.mark.every_windows
 @pytest.mark.parametrize("login", ["", ":ann:se:cret"])
 @pytest.mark.filterwarnings("ignore:Requiring AUTH")
-def test_a_mail_arrives_with_its_dictation(corvane, data, address, login, tmp_path):
-    prepare(data, "refuse@example.org,typist@example.org", [5], address + login)
+def test_a_mail_arrives_with_its_dictation(corvane, data, login, tmp_path):
+    prepare(data, "refuse@example.org,typist@example.org", [5], ADDRESS + login)
     options = {"auth_required": True, "auth_require_tls": False, "authenticator": check_password} if login else {}
-    with mail.server(address, **options) as letters:
+    with mail.server(ADDRESS, **options) as letters:
         program = corvane(environment={"TZ": "UTC-10"})  # ten hours ahead
         program.send_default(5)
         assert program.wait_sent(5) == "Sent" and program.close() == 0
@@ -53,14 +49,16 @@ def test_a_mail_arrives_with_its_dictation(corvane, data, address, login, tmp_pa
     assert text.get_content().startswith("File: Dictation 005\r\nFrom: Dr. Ada Blake\r\nEmail: ada@example.org\r\n\r\n")
     path = tmp_path / file.get_filename()
     path.write_bytes(file.get_content())
-    container = dct.read(path, "open sesame")
+    assert b"secret" not in path.read_bytes() and b"WAVE" not in path.read_bytes()
+    container = dct.read(path, PHRASE)
     assert (path.name, container.number, container.notes) == ("dct00000-00005.dct", 5, b".secret\0")
+    assert container.audio.startswith(b"RIFF")
     assert sorted(p.suffix for p in data.sent.iterdir()) == [".dat", ".txt", ".wav"]
 
 
-def test_a_silent_server_does_not_hold_the_program_up(corvane, data, address):
-    prepare(data, "typist@example.org", [5, 6], address)
-    with socket.create_server((address, 25)) as silent:
+def test_a_silent_server_does_not_hold_the_program_up(corvane, data):
+    prepare(data, "typist@example.org", [5, 6], ADDRESS)
+    with socket.create_server((ADDRESS, 25)) as silent:
         program = corvane()
         program.send_default(5)
         silent.settimeout(20)
@@ -68,13 +66,12 @@ def test_a_silent_server_does_not_hold_the_program_up(corvane, data, address):
         begun = time.monotonic()
         assert program.close() == 0 and time.monotonic() - begun < 3
         client.close()
-    assert data.status(5) == "Sending" and read_ini(data.queue)["bgsend"]["count"] == "1"
-    with mail.server(address) as letters:
+    assert data.status(5) == "Sending" and data.queued() == 1
+    with mail.server(ADDRESS) as letters:
         program = corvane()
         assert program.wait_sent(5) == "Sent" and len(letters) == 1
     program.send_default(6)  # to nobody
-    assert program.wait_box("Error").startswith("Unable to connect to the mail server\n")
-    program.answer_box("Error", 1)
+    program.answer_box("Error", 1, "Unable to connect to the mail server\n")
     assert data.status(6) == "Send Failed" and not list(data.sent.glob("dct*"))
 
 
@@ -87,8 +84,7 @@ def test_the_mail_program_of_the_platform_is_given_the_file(corvane, data, drive
     write_ini(windows / "win.ini", {"Mail": {"MAPI": 0}})  # no mail program is declared
     program = corvane(environment=environment)
     program.send_default(5)
-    assert program.wait_box("Error").startswith("Unable to send mail using MAPI.")
-    program.answer_box("Error", 1)
+    program.answer_box("Error", 1, "Unable to send mail using MAPI.")
     assert not log.exists() and program.close() == 0
 
     write_ini(windows / "win.ini", {"Mail": {"MAPI": 1}})
@@ -99,7 +95,7 @@ def test_the_mail_program_of_the_platform_is_given_the_file(corvane, data, drive
     assert log.read_bytes().decode().replace("\r", "").split("\n")[:8] == [
         "0 0 0 0 1", "typist@example.org", "SMTP:typist@example.org", "Corvane Dictation", "-1",
         windows_path(file), file.name, "File: Dictation 006"]  # fmt: skip
-    assert dct.read(file, "open sesame").number == 6
+    assert dct.read(file, PHRASE).number == 6
     prepare(data, "FAX:refuse", [], usemapi="true")
     program.send_default(7)
     program.answer_box("Error", 1)

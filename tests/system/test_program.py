@@ -6,7 +6,8 @@ import time
 from pathlib import Path
 
 import pytest
-from corvane import EXE, TOOLS, pcm_wav, wait_for
+from corvane import EXE, PLAYING, RECORDING, TOOLS, pcm_wav, wait_for, write_ini
+from waiting import stays
 
 pytestmark = [pytest.mark.alone, pytest.mark.recording]
 
@@ -34,9 +35,9 @@ def test_it_is_small_and_needs_only_what_every_windows_from_95_to_xp_exports():
 # dictation for every dictation, or a thread that turns idly, does.
 PAINTED_WITHIN = 0.5  # of the fill of 10,000 dictations: who fills before painting takes all of it
 MOST_TIMES = 11  # for ten times the dictations
-HEAVY_LOAD = 0.05  # of a core
 
 
+@pytest.mark.flaky(reruns=2)  # a difference of small times
 def test_ten_times_the_dictations_take_ten_times_as_long_to_list(corvane, data):
     def start(rows):
         program = corvane()
@@ -61,25 +62,28 @@ def test_ten_times_the_dictations_take_ten_times_as_long_to_list(corvane, data):
     assert filled - empty <= MOST_TIMES * few and begun - painted <= PAINTED_WITHIN * (filled - empty)
 
 
-def test_recording_leaves_the_machine_to_others(corvane, data):
-    data.settings.write_text("[settings]\r\nvoiceactivate=--dB\r\nwarnbelowmb=0\r\n")
+def test_playing_and_recording_leave_the_machine_to_others(corvane, data):
+    write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "--dB"}})
+    data.add_dictation(1, pcm_wav(8000 * 60))
     program = corvane()
-    number = program.new()
+
+    def check(what, status, most):
+        program.wait_status(status)
+        for _ in range(3):  # whatever else the machine does makes it more, never less
+            cpu, since = program.cpu_seconds(), time.monotonic()
+            assert stays(lambda: program.process.poll() is None, 5)
+            load = (program.cpu_seconds() - cpu) / (time.monotonic() - since)
+            print(f"load while {what}: {100 * load:.2f} %")
+            if load < most:
+                break
+        assert load < most and program.api(7) == status
+
+    program.command("CM_GOTOSTART")
+    program.command("CM_PLAY")
+    check("playing", PLAYING, 0.15)
+    program.new()
     program.record()
-    size = lambda: data.audio(number).stat().st_size if data.audio(number).exists() else 0
-    wait_for(lambda: size() > 16000, "a second of recording")
-
-    def load_of(seconds):
-        cpu, since, grown = program.cpu_seconds(), time.monotonic(), size()
-        wait_for(lambda: size() > grown + 16000 * seconds, "more recording")
-        return (program.cpu_seconds() - cpu) / (time.monotonic() - since)
-
-    # Whatever else the machine does makes it more, never less.
-    load = load_of(5)
-    for _ in range(2):
-        load = load if load < HEAVY_LOAD else min(load, load_of(5))
-    print(f"load while recording: {100 * load:.2f} %")
-    assert load < HEAVY_LOAD
+    check("recording", RECORDING, 0.05)
 
 
 def memory_at_rest(pid):

@@ -4,7 +4,7 @@ import subprocess
 
 import numpy as np
 import pytest
-from corvane import pcm_wav, wait_for, write_ini
+from corvane import pcm_wav, write_ini
 from sound import read_wav
 
 # A machine that is busy with other things stretches the tones. A fault of ours fails every time.
@@ -27,31 +27,17 @@ def loud_runs(samples, pause=0.2):
     return [(loud[a] / RATE, loud[b] / RATE) for a, b in zip([0, *ends + 1], [*ends, -1])]
 
 
-@pytest.fixture
-def speak(tmp_path):
-    """Speaks samples into the microphone, without waiting for their end."""
-    speaking = []
-
-    def start(samples):
-        (tmp_path / "spoken.wav").write_bytes(pcm_wav(len(samples))[:46] + samples.tobytes())
-        speaking.append(subprocess.Popen(["paplay", "--device=mic", tmp_path / "spoken.wav"]))
-
-    yield start
-    for speaker in speaking:
-        speaker.kill()
-        speaker.wait()
-
-
-def test_words_are_kept_to_the_last_and_long_pauses_are_not(corvane, data, speak):
+def test_words_are_kept_to_the_last_and_long_pauses_are_not(corvane, data, request, tmp_path):
     write_ini(data.settings, {"settings": {"warnbelowmb": 0, "voiceactivate": "-20dB"}})
     program = corvane()
     number = program.new()
-    size = lambda: data.audio(number).stat().st_size if data.audio(number).exists() else 0
     program.record()
     before = PAUSE - 1  # seconds of silence, less than a pause
-    speak(np.concatenate([tone(0.7), tone(PAUSE + 1) * 0, tone(0.7), tone(before) * 0, tone(8)]))
-    wait_for(lambda: size() > BYTES * (0.7 + REST + ONSET + BLOCK + 0.7 + before + 2), "the third word", 20)
-    at_stop = size()
+    spoken = np.concatenate([tone(0.7), tone(PAUSE + 1) * 0, tone(0.7), tone(before) * 0, tone(8)])
+    (tmp_path / "spoken.wav").write_bytes(pcm_wav(spoken))
+    request.addfinalizer(subprocess.Popen(["paplay", "--device=mic", tmp_path / "spoken.wav"]).kill)
+    program.wait_recorded(number, BYTES * (0.7 + REST + ONSET + BLOCK + 0.7 + before + 2), 20)
+    at_stop = data.size(number)
     program.stop()
     audio = read_wav(data.audio(number))
     runs = loud_runs(audio.samples)

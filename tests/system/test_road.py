@@ -3,7 +3,7 @@
 import dct
 import pytest
 import sound
-from corvane import pcm_wav, read_ini, wait_for, windows_path
+from corvane import wait_for, windows_path
 
 pytestmark = [pytest.mark.every_windows, pytest.mark.alone, pytest.mark.recording]
 
@@ -37,7 +37,7 @@ def test_what_was_spoken_arrives_at_the_typist(corvane, data, speech):
     heard = sound.read_wav(container.audio)
     assert (heard.rate, heard.bits, heard.channels) == (8000, 8, 1)
     sound.assert_is(spoken, heard)
-    assert read_ini(data.queue)["bgsend"]["count"] == "0"
+    assert data.queued() == 0
     wait_for(lambda: program.progress() == 0, "an empty progress bar")
 
 
@@ -47,26 +47,7 @@ def test_send_during_a_recording_finishes_and_sends_it(corvane, data, more_speec
     number = program.new()
     program.record()
     sound.play(path)
-    audio = data.audio(number)
-    wait_for(lambda: audio.exists() and audio.stat().st_size >= spoken.duration * 16000 + 6400, "the recording on disk")
+    program.wait_recorded(number, spoken.duration * 16000 + 6400)
     program.command("CM_SENDFILE")
     assert program.wait_sent(number) == "Sent"
     sound.assert_is(spoken, sound.read_wav(dct.read(data.delivered()[0]).audio))
-
-
-def test_an_encrypted_dictation_opens_with_the_pass_phrase_alone(corvane, data):
-    phrase = "open sesame, and all else that a recipient's file has room for"
-    data.add_recipient("Typist", password=phrase)
-    samples = pcm_wav(20000)
-    data.add_dictation(5, samples, b"secret\0", priority="High")
-    program = corvane()
-    program.send_default(5)
-    assert program.wait_sent(5) == "Sent"
-    (delivered,) = data.delivered()
-    raw = delivered.read_bytes()
-    assert b"secret" not in raw and b"WAVE" not in raw
-    container = dct.read(delivered, phrase)
-    assert (container.version, container.flags, container.priority, container.notes) == (2, 2, 100, b"secret\0")
-    assert container.key_check == sum(phrase.encode()) % 256
-    heard = sound.read_wav(container.audio)
-    assert len(heard.samples) == 20000

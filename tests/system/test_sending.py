@@ -5,12 +5,12 @@ import email
 import dct
 import mail
 import pytest
-from corvane import Dialog, pcm_wav, read_ini, wait_for, write_ini
+from corvane import WM_CLOSE, Dialog, pcm_wav, wait_for, write_ini
 from ftp import ADDRESS, FtpServer
 from ftp import add_recipient as add_ftp_recipient
 from sound import read_wav
 
-FOLDER, FTP, MAIL, NOWHERE = range(4)
+FOLDER, FTP, MAIL, NOWHERE, WRONG = range(5)
 LB_SETCURSEL = 0x186
 OK, CANCEL = 1, 2
 SOUND = pcm_wav(8000 * 30)
@@ -18,15 +18,16 @@ SOUND = pcm_wav(8000 * 30)
 
 @pytest.fixture
 def typists(data, tmp_path):
-    """One for each method, and one whose folder the FTP server does not have."""
+    """One for each method; one whose folder the FTP server does not have, one whose password is wrong."""
     server = FtpServer(tmp_path)
     (server.root / "pool" / "in").mkdir(parents=True)
     data.add_recipient("Typist", index=FOLDER)
     add_ftp_recipient(data, index=FTP)
     mail.add_recipient(data, "typist@example.org", "open sesame", MAIL)
     add_ftp_recipient(data, "nowhere", index=NOWHERE)
+    add_ftp_recipient(data, password="wrong", index=WRONG)
     write_ini(data.settings, {"settings": {"warnbelowmb": 0}, "email": {"usemapi": "false", "mailhost": ADDRESS}})
-    for number in range(1, 7):
+    for number in range(1, 8):
         data.add_dictation(number, SOUND, b"note\0")
     yield server
     server.close()
@@ -61,14 +62,33 @@ def test_three_methods_at_once_and_a_typist_who_is_not_reached(corvane, winctl, 
             assert (container.number, container.notes) == (number, b"note\0")
             assert abs(read_wav(container.audio).duration - 30) < 0.1
 
-        # OK goes on with the others, Cancel empties the queue; what was not sent is kept.
-        send_to(program, 4, NOWHERE)
-        assert "Unable to find FTP server directory." in program.wait_box("Error")
-        program.answer_box("Error", OK)
-        program.send_default(5)
-        assert program.wait_sent(5) == "Sent" and data.status(4) == "Send Failed"
-        send_to(program, 6, NOWHERE)
-        program.wait_box("Error")
-        program.answer_box("Error", CANCEL)
-        wait_for(lambda: read_ini(data.queue)["bgsend"]["count"] == "0", "an empty queue")
-        assert data.status(6) == "Send Failed" and data.audio(6, data.sent).exists()
+        # What was not sent is kept, and the others go on.
+        (typists.root / "pool" / "in" / "dct00000-00005.dct").mkdir()
+        told = {NOWHERE: "Unable to find FTP server", FTP: "Unable to upload file", WRONG: "Unable to log onto"}
+        for number, (recipient, words) in enumerate(told.items(), 4):
+            send_to(program, number, recipient)
+            program.answer_box("Error", OK, words)
+            assert program.wait_sent(number) == "Send Failed" and data.audio(number, data.sent).exists()
+        program.send_default(7)
+        assert program.wait_sent(7) == "Sent"
+
+
+def test_a_share_that_is_gone_is_told(corvane, data):
+    for number in (31, 32):
+        data.add_dictation(number, pcm_wav(8000))
+    data.share.rmdir()
+    program = corvane()
+    program.send_default(31)
+    text = program.answer_box("Error", CANCEL, "Unable to copy files over network")
+    assert "kept among the sent dictations" in text and program.api(0) == 1 and data.queued() == 0
+    # The recording itself is still there to be recovered and sent again.
+    assert data.audio(31, data.sent).read_bytes() == pcm_wav(8000)
+    # Closing tells what the timer has not told yet, and a kill only puts it off.
+    program.send_default(32)
+    wait_for(lambda: data.status(32) == "Sent" and data.queued() == 0, "an empty queue")
+    program.post(WM_CLOSE)
+    assert program.wait_box("Error")
+    program.kill()
+    program = corvane()
+    program.answer_box("Error", OK)
+    assert program.close() == 0

@@ -2,16 +2,12 @@
 
 import struct
 
-from corvane import Dialog, pcm_wav, read_ini, wait_for, windows_path
+from corvane import Dialog, pcm_wav, wait_for, windows_path
 
 WM_KEYDOWN, VK_DOWN, LB_GETCURSEL = 0x100, 0x28, 0x188
 RECOVER, CLOSE = 1, 2
 MIC_BUTTON, MIC_STOP = 1792, 2
 SENT = {"sendstatus": "Sent", "senddate": 1600000000, "recipient": "Jo (jo@a)"}
-
-
-def next_row(dialog, control):
-    dialog.ask("post", control, WM_KEYDOWN, VK_DOWN, 0)
 
 
 def test_the_list_of_sent_work_follows_the_queue_and_the_typist(corvane, winctl, data):
@@ -29,7 +25,7 @@ def test_the_list_of_sent_work_follows_the_queue_and_the_typist(corvane, winctl,
     wait_for(lambda: rows()[1][3] == "Typed" and not report.exists(), "the typist's report")
     assert (rows()[0][0], rows()[0][3]) == ("Dictation 012", "Waiting, place 1")
     assert rows()[1][:3] == ["Dictation 011", "2020-09-13 12:26", "Jo (jo@a)"]
-    next_row(dialog, "IDC_SENTWORK_LIST")
+    dialog.ask("post", "IDC_SENTWORK_LIST", WM_KEYDOWN, VK_DOWN, 0)
     wait_for(lambda: selected() == [False, True], "a selected row")
     winctl.ask("release")
     wait_for(lambda: rows()[0][3] == "Sent", "a status that follows")
@@ -62,12 +58,11 @@ def test_a_sent_dictation_is_recovered_whole_and_can_be_sent_again(corvane, winc
 
     select(waiting[0])
     dialog.press(RECOVER)  # the other program may be at work on the first of the queue
-    assert "It is being sent at the moment" in program.wait_box("Error")
-    program.answer_box("Error", 1)
+    program.answer_box("Error", 1, "It is being sent at the moment")
     select(waiting[1])
     dialog.press(RECOVER)
     wait_for(lambda: len(items()) == 2, "a dictation that is taken out of the queue")
-    assert read_ini(data.queue)["bgsend"]["count"] == "1" and data.audio(waiting[1]).read_bytes() == sound
+    assert data.queued() == 1 and data.audio(waiting[1]).read_bytes() == sound
     select(12)
     play = lambda: dialog.item("IDC_RECOVER_PLAY")["text"]
     dialog.press("IDC_RECOVER_PLAY")

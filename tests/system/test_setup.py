@@ -9,19 +9,27 @@ from corvane import EXE, FOLDERS_KEY, ROOT, SETUP, SETUP_TITLE, TITLE, Corvane, 
 
 WELCOME, REMOVAL = "Welcome to Corvane", "Removing Corvane"
 IDOK, IDCANCEL, IDYES = 1, 2, 6
+# Not into a pipe: what Windows starts with the first program would keep it open.
+QUIET = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 UNINSTALL = r"Software\Microsoft\Windows\CurrentVersion\Uninstall\Corvane"
-CURRENT_VERSION = r"Software\Microsoft\Windows\CurrentVersion"
+RUN = r"Software\Microsoft\Windows\CurrentVersion\Run"
+OTHER_SIGN = "users/root/Desktop/Corvane.lnk"
 
 
 @pytest.fixture
 def home(drive_c):
     """The folder in which Corvane is installed, with a machine on which it is not."""
     home = drive_c / "Program Files" / "Mervald" / "Corvane"
+
+    def clear():
+        for hive in ("HKLM", "HKCU"):
+            for key in (r"Software\Mervald", UNINSTALL):
+                subprocess.run(["wine", "reg", "delete", rf"{hive}\{key}", "/f"], **QUIET)
+        shutil.rmtree(home.parent, ignore_errors=True)
+
+    clear()  # the tests before this one have a data folder
     yield home
-    for hive in ("HKLM", "HKCU"):
-        for key in (r"Software\Mervald", UNINSTALL):
-            subprocess.run(["wine", "reg", "delete", rf"{hive}\{key}", "/f"], capture_output=True)
-    shutil.rmtree(home.parent, ignore_errors=True)
+    clear()
 
 
 @pytest.fixture
@@ -78,7 +86,7 @@ def found(drive_c):
     keys = set()
     for hive in ("HKLM", "HKCU"):
         export, inside = drive_c / "export.reg", ""
-        subprocess.run(["wine", "reg", "export", rf"{hive}\Software", r"C:\export.reg", "/y"], capture_output=True)
+        subprocess.run(["wine", "reg", "export", rf"{hive}\Software", r"C:\export.reg", "/y"], **QUIET)
         for line in export.read_bytes().decode("utf-16").splitlines():
             inside = line if line.startswith("[") else inside
             if r"Software\Wine" not in inside:
@@ -106,22 +114,29 @@ def test_it_comes_is_repaired_and_goes_leaving_only_the_recordings(run, home, dr
 
     # Away, while it runs.
     (home / "mine.doc").write_text("mine")
+    manual = next(drive_c.rglob("Corvane Manual.lnk"))
+    shutil.copy(manual, drive_c / OTHER_SIGN)
+    subprocess.run(["wine", "reg", "add", rf"HKCU\{RUN}", "/v", "Corvane", "/d", "another.exe", "/f"], **QUIET)
     remover = run(home / "corvane.exe", "/uninstall", title=REMOVAL)
     answer(remover, REMOVAL, IDOK)
     assert remover.wait_box(REMOVAL, 60).startswith("Corvane was removed.")
     answer(remover, REMOVAL, IDOK)
     wait_for(lambda: not winctl.ask("find", "#32770", REMOVAL)["hwnd"], "its end")
     subprocess.run(["wine", "wineboot", "-r"])
+    allowed = files | {"windows/wininit.bak", OTHER_SIGN}
     elsewhere = lambda: {p for p in drive_c.rglob("*") if home.parent not in (p, *p.parents)}
-    wait_for(lambda: {str(p.relative_to(drive_c)) for p in elsewhere()} <= files | {"windows/wininit.bak"}, "the end of the copy", 30)
+    wait_for(lambda: {str(p.relative_to(drive_c)) for p in elsewhere()} <= allowed, "the end of the copy", 30)
     left = {str(p.relative_to(home)) for p in home.rglob("*") if p.suffix != ".lck"}
     record = f"00000000/Current/{number:08}.dat"
-    assert left == {"00000000", "00000000/Current", record, "00000000/user.dat", "settings.ini", "mine.doc"}
+    assert left == {"00000000", "00000000/Current", record, "00000000/Sent", "00000000/user.dat", "settings.ini", "mine.doc"}
     later_files, later_keys = found(drive_c)
     assert {k for k in later_keys - keys if "=" in k} == {
-        rf'[HKEY_LOCAL_MACHINE\{FOLDERS_KEY}] "DataFiles"="C:\\Program Files\\Mervald\\Corvane"'
+        rf'[HKEY_LOCAL_MACHINE\{FOLDERS_KEY}] "DataFiles"="C:\\Program Files\\Mervald\\Corvane"',
+        rf'[HKEY_CURRENT_USER\{RUN}] "Corvane"="another.exe"',
     }
+    assert OTHER_SIGN in later_files
     assert not files - later_files and not {k for k in keys - later_keys if "=" in k}
+    (drive_c / OTHER_SIGN).unlink()
 
 
 def test_a_newer_version_finishes_the_recording_of_the_older(run, home, speech):
@@ -153,6 +168,8 @@ def test_a_copy_that_stays_open_is_waited_for_and_nothing_is_changed(run, home, 
     assert "still running" in set_up.wait_box("Corvane Is Running", 60)
     answer(set_up, "Corvane Is Running", IDCANCEL)
     winctl.ask("release")
+    assert set_up.wait_box(SETUP_TITLE) == "Corvane was not installed. Nothing was changed."
+    answer(set_up, SETUP_TITLE, IDOK)
     assert set_up.process.wait(10) == 0
     assert {p.name: p.read_bytes() for p in home.iterdir() if p.is_file()} == before
 

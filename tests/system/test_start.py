@@ -6,7 +6,7 @@ import shutil
 import subprocess
 
 import pytest
-from corvane import DIALOG_CLASS, EXE, FOLDERS_KEY, ROOT, TITLE, TOOLS, pcm_wav, wait_for, write_ini
+from corvane import DIALOG_CLASS, EXE, ROOT, TITLE, TOOLS, pcm_wav, wait_for
 
 
 def test_a_second_start_brings_the_first_forward_and_ends(corvane, winctl):
@@ -82,27 +82,3 @@ def test_without_any_file_the_program_starts_empty_and_works(corvane, data):
     program.command("CM_NEWFILE")
     assert program.api(0) == 1
     assert program.close() == 0
-
-
-def test_read_only_files_are_read(corvane, data):
-    base = data.add_dictation(3, pcm_wav(8000), b"note\0")
-    write_ini(data.queue, {"bgsend": {"count": 0}})
-    paths = [data.settings, data.user_file, data.queue, base.with_suffix(".dat"), base.with_suffix(".wav")]
-    before = [p.read_bytes() for p in paths]
-    for path in paths:
-        path.chmod(0o444)
-    program = corvane()
-    assert program.row(3)["texts"][3] == "00:01"
-    program.command("CM_VIEW_COMPACT")
-    assert program.close() == 0
-    assert [p.read_bytes() for p in paths] == before
-
-
-def test_a_data_folder_beyond_the_platforms_limit_does_no_harm(winctl):
-    winctl.ask("setreg", FOLDERS_KEY, "DataFiles", "C:\\" + "a" * 256)
-    process = subprocess.Popen(["wine", str(EXE)], stdin=subprocess.DEVNULL)
-    try:
-        winctl.answer_only_button(TITLE, "data folder is too long")
-        assert process.wait(10) == 0
-    finally:
-        process.kill()

@@ -3,12 +3,12 @@
 import subprocess
 
 import pytest
-from corvane import Dialog, pcm_wav, read_ini, sizes_known, wait_for, write_ini
+from corvane import WAITING, Dialog, pcm_wav, read_ini, sizes_known, wait_for, write_ini
 from sound import assert_is, microphone_streams, play, read_wav
 
 CB_SETCURSEL, LB_SETCURSEL = 0x14E, 0x186
 OK, CANCEL, YES, APPLY = 1, 2, 6, 0x3021
-RECORDING, OPTIONS = 1, 3  # pages
+RECORDING_PAGE, OPTIONS_PAGE = 1, 3
 
 
 @pytest.fixture(autouse=True)
@@ -34,12 +34,6 @@ def log_on(program, position, name):
     expect_user(program, name)
 
 
-def refuse(program, dialog, words):
-    dialog.press(OK)
-    assert words in program.wait_box("Error")
-    program.answer_box("Error", OK)
-
-
 def numbers(program):
     return sorted(row["number"] for row in program.rows())
 
@@ -55,7 +49,7 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, mo
     dialog = open_log_on(program)
     dialog.press("IDC_LOGON_ADD")
     add = Dialog(program, "Add User")
-    refuse(program, add, "Please enter the name")
+    add.refuse("Please enter the name")
     add.type("IDC_ADDUSER_NAME", bo)
     add.end(OK)
     expect_user(program, bo)
@@ -69,8 +63,7 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, mo
     notes.mkdir()  # as little writable as on a full disk
     program.api(6, "mine")
     program.command("CM_LOGON")
-    assert "could not be saved" in program.wait_box("Notes Not Saved")
-    program.answer_box("Notes Not Saved", OK)
+    program.answer_box("Notes Not Saved", OK, "could not be saved")
     notes.rmdir()
     program.record()
     log_on(program, 0, ada)
@@ -85,8 +78,7 @@ def test_each_user_has_a_list_of_his_own_and_the_queue_goes_on(corvane, data, mo
     expect_user(program, bo)
     dialog = open_log_on(program)
     dialog.press("IDC_LOGON_REMOVE")
-    assert program.wait_box("Confirm Remove User") == "Are you sure you want to remove this user?"
-    program.answer_box("Confirm Remove User", YES)
+    program.answer_box("Confirm Remove User", YES, "Are you sure you want to remove this user?")
     expect_user(program, ada)
     assert numbers(program) == [2] and data.audio(1).exists()
     assert read_ini(data.settings)["users"] == {"count": "1", "user0": "0"}
@@ -112,7 +104,7 @@ def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane,
     assert sheet.item("IDC_DETAILS_NAME")["text"] == "Dr. Ada Blake"
     sheet.type("IDC_DETAILS_PHONE", "12 34")
     assert microphone_streams() == 0
-    sheet.show(RECORDING)
+    sheet.show(RECORDING_PAGE)
     wait_for(lambda: "would wait" in sheet.item("IDC_RECORDING_HEARD")["text"], "a silent microphone")
     sheet.type("IDC_RECORDING_VOLUME", "5")
     sheet.type("IDC_RECORDING_START", "-40")
@@ -121,23 +113,22 @@ def test_the_settings_take_effect_at_once_and_what_cannot_be_is_refused(corvane,
     wait_for(lambda: read_ini(data.settings)["settings"].get("voiceactivate") == "-40dB", "the stored level")
     # Who dictates with a pedal may do so while the sheet stands.
     program.command("CM_RECORD")
-    wait_for(lambda: program.api(7) == 2, "a recording that waits")
+    program.wait_status(WAITING)
     wait_for(lambda: "Not measured" in sheet.item("IDC_RECORDING_HEARD")["text"], "a meter that rests")
     play(more_speech[0])
     program.command("CM_STOP")
     wait_for(lambda: "would wait" in sheet.item("IDC_RECORDING_HEARD")["text"], "the meter again")
     assert read_wav(data.audio(program.api(8))).rate == 16000
 
-    sheet.show(OPTIONS)
+    sheet.show(OPTIONS_PAGE)
     wait_for(lambda: microphone_streams() == 0, "a closed microphone")
     sheet.type("IDC_OPTIONS_DELETEDAYS", "4000")
-    refuse(program, sheet, "from 0 to 3650")
+    sheet.refuse("from 0 to 3650")
     sheet.type("IDC_OPTIONS_DELETEDAYS", "90")
-    assert not sheet.item("IDC_OPTIONS_TAG2")["enabled"]
     sheet.press("IDC_OPTIONS_ASK2")
     assert sheet.item("IDC_OPTIONS_TAG2")["enabled"]
     sheet.type("IDC_OPTIONS_TAG2", "case no")
-    refuse(program, sheet, "a tag of one word")
+    sheet.refuse("a tag of one word")
     sheet.type("IDC_OPTIONS_TAG2", "case")
     sheet.end(OK)
     settings = read_ini(data.settings)

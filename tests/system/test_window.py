@@ -14,8 +14,7 @@ def test_other_programs_can_send_create_and_delete(corvane, data):
     number = program.api(8)
     assert number == 1 and data.record(1)["name"] == "Dictation 001"
     program.post(32767, 10)
-    assert "Are you sure you want to delete this dictation?" in program.wait_box("Confirm Delete")
-    program.answer_box("Confirm Delete", 6)
+    program.answer_box("Confirm Delete", 6, "Are you sure you want to delete this dictation?")
     wait_for(lambda: not program.rows(), "an empty list")
     assert list(data.current.iterdir()) == [] and program.api(8) == 0
     program.api(3)
@@ -26,16 +25,13 @@ def test_notes_are_kept_when_another_row_is_chosen_and_when_the_program_ends(cor
     for number in (1, 2):
         data.add_dictation(number, notes=b"old\0")
     program = corvane()
-    program.select(1)
-    wait_for(lambda: program.notes() == "old", "the notes of the row")
-    program.api(6, " and new")
-    program.select(2)
-    assert (data.current / "00000001.txt").read_bytes() == b"old and new\0"
-    assert program.row(1)["texts"][5] == "old and new"
-    program.api(6, " too")
+    for number in (1, 2):
+        program.select(number)
+        wait_for(lambda: program.api(8) == number and program.notes() == "old", "the notes of the row")
+        program.api(6, f" and {number}")
+    assert program.row(1)["texts"][5] == "old and 1"
     assert program.close() == 0
-    assert (data.current / "00000002.txt").read_bytes() == b"old too\0"
-    assert (data.current / "00000001.txt").read_bytes() == b"old and new\0"
+    assert [(data.current / f"0000000{n}.txt").read_bytes() for n in (1, 2)] == [b"old and 1\0", b"old and 2\0"]
 
 
 def test_priorities_and_deletion_take_every_selected_row(corvane, data):
@@ -53,7 +49,6 @@ def test_priorities_and_deletion_take_every_selected_row(corvane, data):
     assert {r["number"] for r in program.rows() if r["selected"]} == {1, 2, 4}
     assert [program.row(n)["texts"][4] for n in (1, 2, 3, 4)] == ["High", "High", "Normal", "High"]
     program.command("CM_DELETEFILE")
-    program.wait_box("Confirm Delete")
     program.answer_box("Confirm Delete", 7)
     assert len(program.rows()) == 4
     program.command("CM_DELETEFILE")
@@ -93,9 +88,12 @@ def test_a_hurried_hand_makes_one_dictation_and_stays_with_it(corvane, data):
     wait_for(lambda: len(program.rows()) == 2, "one deleted")
 
 
-def test_a_change_that_cannot_be_stored_is_told_once(corvane, data):
-    base = data.add_dictation(1, pcm_wav(800))
-    base.with_suffix(".dat").chmod(0o444)
+def test_read_only_files_are_read_and_a_change_that_cannot_be_stored_is_told_once(corvane, data):
+    data.add_dictation(1, pcm_wav(8000))
+    paths = [data.settings, data.user_file, *data.current.iterdir()]
+    before = [path.read_bytes() for path in paths]
+    for path in paths:
+        path.chmod(0o444)
     program = corvane()
     for change in (lambda: program.api(5, "Harris"), lambda: program.command("CM_PRIORITY_HIGH")):
         change()
@@ -104,4 +102,6 @@ def test_a_change_that_cannot_be_stored_is_told_once(corvane, data):
         program.api(10)
         program.answer_box("Error", 1)
         assert not program.boxes()
-    assert program.row(1)["texts"][0] == "Dictation 001" and program.row(1)["texts"][4] == "Normal"
+    assert [program.row(1)["texts"][column] for column in (0, 3, 4)] == ["Dictation 001", "00:01", "Normal"]
+    program.command("CM_VIEW_COMPACT")
+    assert program.close() == 0 and [path.read_bytes() for path in paths] == before

@@ -13,3 +13,13 @@ def wait_for(condition, what, seconds=10.0):
         if time.monotonic() > deadline:
             raise AssertionError(f"waited {seconds:g} s in vain: {what}")
         time.sleep(0.02)
+
+
+def stays(condition, seconds):
+    """Whether a condition holds for all of a time."""
+    until = time.monotonic() + seconds
+    while time.monotonic() < until:
+        if not condition():
+            return False
+        time.sleep(0.02)
+    return True

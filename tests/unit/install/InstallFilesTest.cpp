@@ -14,11 +14,7 @@ const std::vector<GivenFile> kNew = {
 class InstallFilesTest : public testing::Test {
 protected:
     InstallFilesTest() {
-        Put("corvane.exe", "older");
-        Put("corvane.htm", "manual");
-        Put("mine.doc", "mine");
-        Put("former.png", "picture");
-        Put("corvane.lst", kFormerList);
+        for (const auto& [name, text] : m_before) Put(name, text);
     }
     void Put(std::string_view name, std::string_view text) {
         LFile(m_folder.File(name), LFile::Open::CreateNew).WriteAll(Text(text));
@@ -35,12 +31,12 @@ protected:
     }
 
     TempFolder m_folder;
-    static constexpr char kFormerList[] = "former.png\ncorvane.htm\r\n\n..\\mine.doc\r\nC:mine.doc";
-    const std::map<std::string, std::string> m_before = {{"corvane.exe", "older"},
-                                                         {"corvane.htm", "manual"},
-                                                         {"corvane.lst", kFormerList},
-                                                         {"former.png", "picture"},
-                                                         {"mine.doc", "mine"}};
+    const std::map<std::string, std::string> m_before = {
+        {"corvane.exe", "older"},
+        {"corvane.htm", "manual"},
+        {"corvane.lst", "former.png\ncorvane.htm\r\n\n..\\mine.doc\r\nC:mine.doc"},
+        {"former.png", "picture"},
+        {"mine.doc", "mine"}};
     LMemoryFile m_stream{PackageParts(kNew).Join()};
     SetupPackage m_package = *SetupPackage::Open(m_stream);
     NotingContext m_context;
@@ -69,13 +65,17 @@ TEST_F(InstallFilesTest, PutsAllFilesInTheirPlacesOrBack) {
 }
 
 TEST_F(InstallFilesTest, ChangesNothingWhenItCannotDoAll) {
-    LFile::MakeFolder(m_folder.File("readme.txt"));  // the last of the swaps but the program's
-    {
-        InstallFiles files(m_package, m_folder.Path());
-        EXPECT_EQ(files.WriteBeside(m_context), ProcessResult::Done);
-        EXPECT_EQ(files.SwapIn(), InstallFiles::Outcome::Failed);
+    // Somebody else's under the name of the last but the program, and a left-over that cannot be deleted.
+    for (const char* obstacle : {"readme.txt", "corvane.exe.old~"}) {
+        LFile::MakeFolder(m_folder.File(obstacle));
+        {
+            InstallFiles files(m_package, m_folder.Path());
+            EXPECT_EQ(files.WriteBeside(m_context), ProcessResult::Done);
+            EXPECT_EQ(files.SwapIn(), InstallFiles::Outcome::Failed);
+        }
+        EXPECT_EQ(Found(), m_before) << obstacle;
+        LFile::DeleteFolder(m_folder.File(obstacle));
     }
-    EXPECT_EQ(Found(), m_before);
     m_context.cancelAfter = 1;
     EXPECT_EQ(InstallFiles(m_package, m_folder.Path()).WriteBeside(m_context), ProcessResult::Stopped);
     EXPECT_EQ(Found(), m_before);

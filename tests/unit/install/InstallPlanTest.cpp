@@ -35,6 +35,9 @@ TEST(InstallPlan, InstallsWhereThisUserMay) {
     MachineFacts nowhere = Facts(false);
     nowhere.ownFolder = LPath();
     EXPECT_FALSE(InstallPlan(nowhere).IsPossible());
+    MachineFacts bound = Facts(true);  // by recordings in a folder of his own
+    bound.ownData = {kOld, true};
+    EXPECT_EQ(InstallPlan(bound).Scope(), InstallScope::ThisUser);
 }
 
 TEST(InstallPlan, ReplacesACopyInItsPlace) {
@@ -59,10 +62,11 @@ TEST(InstallPlan, LeavesNobodysDictationsBehind) {
     } kCases[] = {
         {InstallScope::Everyone, {machines, true}, {users, true}, machines},
         {InstallScope::Everyone, {machines, false}, {}, kDefault},
-        {InstallScope::Everyone, {machines, false}, {users, true}, users},
+        {InstallScope::Everyone, {machines, false}, {users, true}, kDefault},
         {InstallScope::Everyone, {}, {users, false}, kDefault},
-        // What is registered for everyone is read first.
-        {InstallScope::ThisUser, {machines, false}, {users, true}, machines},
+        // What is registered for everyone is read first, and never registered for one.
+        {InstallScope::ThisUser, {machines, true}, {users, true}, users},
+        {InstallScope::ThisUser, {machines, true}, {}, kOwn},
         {InstallScope::ThisUser, {}, {users, true}, users},
         {InstallScope::ThisUser, {}, {}, kOwn},
     };
@@ -90,17 +94,9 @@ TEST(InstallTable, QuotesTheProgramAndKeepsToItsHive) {
     installation.folder = kDefault;
     installation.dataFolder = kOld;
     installation.scope = InstallScope::ThisUser;
-    std::map<std::string, std::string> texts;
-    for (const InstalledValue& value : InstalledValues(installation)) {
+    for (const InstalledValue& value : InstalledValues(installation))
         EXPECT_EQ(value.hive, RegistryHive::User) << value.name;
-        if (const auto* text = std::get_if<std::string>(&value.data)) texts[value.name] = *text;
-    }
-    EXPECT_EQ(texts["Corvane"], "\"C:\\Programs\\Mervald\\Corvane\\corvane.exe\" /logon");
-    EXPECT_EQ(texts["UninstallString"], "\"C:\\Programs\\Mervald\\Corvane\\corvane.exe\" /uninstall");
-    EXPECT_EQ(texts["DataFiles"], "D:\\Old");
-    installation.scope = InstallScope::Everyone;
     installation.hasServices = true;
-    EXPECT_EQ(
-        InstalledValues(installation).back().data,
-        (std::variant<std::string, uint32_t>("\"C:\\Programs\\Mervald\\Corvane\\corvane.exe\" /service")));
+    EXPECT_EQ(std::get<std::string>(InstalledValues(installation).back().data),
+              "\"C:\\Programs\\Mervald\\Corvane\\corvane.exe\" /service");
 }
