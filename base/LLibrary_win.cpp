@@ -21,6 +21,15 @@ LPath FileIn(const LPath& folder, const char* fileName) {
     return folder.Empty() ? LPath() : LPath::Join(folder.View(), fileName);
 }
 
+// What Windows' own libraries ask for by bare name, beyond what they import, in the life of a set-up: for the
+// looks of its windows, for COM, and for folders, which are chosen, looked at and made shortcuts in. Most
+// versions of Windows have only some of them. Not among them is what asks for others when it is loaded.
+constexpr const char* kAskedForByName[] = {
+    "apphelp.dll",  "clbcatq.dll", "comres.dll",  "cryptbase.dll", "dwmapi.dll",  "linkinfo.dll",
+    "mpr.dll",      "msimg32.dll", "ntmarta.dll", "ntshrui.dll",   "ole32.dll",   "propsys.dll",
+    "setupapi.dll", "shell32.dll", "userenv.dll", "uxtheme.dll",   "version.dll",
+};
+
 }  // namespace
 
 LPath LWindowsFolder() {
@@ -45,6 +54,9 @@ void LKeepToSystemLibraries() {
     constexpr DWORD kSystemFolder = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
     if (const auto set = LSystemFunction<BOOL(WINAPI*)(DWORD)>("SetDefaultDllDirectories"))
         set(kSystemFolder);
+    // Before Windows Vista there is no such function, and later ones do not ask it everywhere. A library that
+    // is loaded is found under its bare name before any folder is searched.
+    for (const char* name : kAskedForByName) LLoadSystemLibrary(name).Release();
 }
 
 LLibrary LLoadAddOn(const char* fileName) {

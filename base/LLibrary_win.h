@@ -22,8 +22,9 @@ LLibrary LLoadLibraryAt(const LPath& path);
 // that the user chose a file in. To be called first; without effect before Windows XP.
 void LIgnoreLibrariesOfCurrentFolder();
 
-// For a run as set-up program or remover: what the platform loads by its name alone comes from the system
-// folder, not from the program's either. Without effect before Windows Vista.
+// For a run as set-up program or remover, before its first window: what the platform loads by its name alone
+// comes from the system folder, not from the program's either. Before Windows Vista this holds for the
+// libraries that a set-up is known to need.
 void LKeepToSystemLibraries();
 
 // Loads an add-on library, such as "HidProbe.dll", from the program's folder, else from the system folder.

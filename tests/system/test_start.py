@@ -23,9 +23,11 @@ def test_a_second_start_brings_the_first_forward_and_ends(corvane, winctl):
 def test_a_set_up_loads_no_library_that_lies_among_its_downloads(tmp_path):
     package = tmp_path / "corvanesetup.exe"
     subprocess.run([ROOT / "tools/make-setup", "--program", EXE, "--output", package], check=True)
-    # What Corvane asks for; others are asked for by Windows itself, before a program's first line or for an edit box.
-    for name in "hidprobe mapi32 msacm32 setupapi shfolder wininet winmm ws2_32 wsock32".split():
-        shutil.copy(TOOLS.parent / "win/decoders/decoders.dll", tmp_path / f"{name}.dll")
+    # What Corvane asks for, and Windows on its account; others Windows loads before a program's first line.
+    ours = "comdlg32 compstui hidprobe mapi32 msacm32 setupapi shcore shell32 shfolder shlwapi wininet winmm winspool.drv"
+    theirs = "apphelp clbcatq combase linkinfo mpr msimg32 ntshrui ole32 propsys rpcrt4 userenv ws2_32 wsock32"
+    for name in f"{ours} {theirs}".split():
+        shutil.copy(TOOLS.parent / "win/decoders/decoders.dll", tmp_path / (name if "." in name else f"{name}.dll"))
     log = tmp_path / "log"
     with log.open("wb") as out:
         process = subprocess.Popen(["wine", package], env={**os.environ, "WINEDEBUG": "+loaddll"}, stderr=out)
