@@ -1,6 +1,7 @@
 #include "install/InstallProcess_win.h"
 
 #include "base/LText.h"
+#include "install/DelayedDeletion_win.h"
 #include "install/InstallFiles.h"
 #include "install/InstallRegistry_win.h"
 #include "install/InstallShortcuts_win.h"
@@ -17,6 +18,10 @@ constexpr char kNoFolder[] =
     "choose another folder, or ask somebody who may write there.";
 constexpr char kNoRoom[] =
     "There is not enough room on the drive of\n\n%s\n\nCorvane was not installed, and nothing was changed.";
+constexpr char kRestartFirst[] =
+    "When Windows is started next it deletes files of an earlier Corvane in\n\n%s\n\nPlease restart Windows "
+    "now, "
+    "and install Corvane then. Nothing was changed.";
 constexpr char kNotWritten[] =
     "The files of Corvane could not be written into\n\n%s\n\nThe disk may be full or write-protected, or "
     "another "
@@ -86,6 +91,7 @@ ProcessResult InstallProcess::Process(ProcessContext& context) {
         if (!folders.Make(LPath::Join(user.View(), name), access) && !m_installation.isDataKept)
             return Fail(context, kNoFolder, m_installation.dataFolder);
 
+    if (!WithdrawDeletions(folder)) return Fail(context, kRestartFirst, folder);
     InstallFiles files(m_package, folder);
     files.Recover();
     if (!files.HasRoom()) return Fail(context, kNoRoom, folder);

@@ -264,7 +264,7 @@ void RunRemoval(int argumentCount, const char* const* arguments, LengthMs length
         if (!RemovalCopy::Start()) Tell(nullptr, kNoCopy, kRemovalError);
         return;
     }
+    RemovalCopy::DeleteItself();  // at the next start, however this run ends
     OnlySetUp only;
     if (only.IsFirst()) Remove(program, lengthMs);
-    RemovalCopy::DeleteItself();
 }
