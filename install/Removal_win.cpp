@@ -103,7 +103,7 @@ std::string Duration(int64_t ms) {
 bool RemoveDialog::Confirms() {
     DataCount process(m_dataFolder, m_lengthMs);
     std::string error;
-    const ProcessResult result = LProgressDialog::Run(process, Window(), kConfirmTitle, error);
+    const ProcessResult result = LProgressDialog::Run(process, Window(), "Counting Recordings", error);
     if (!error.empty()) Tell(Window(), error, kRemovalError);
     if (result != ProcessResult::Done || !IsOpen()) return false;
     const DataContents& count = process.Contents();
