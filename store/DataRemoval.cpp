@@ -91,8 +91,25 @@ Kind KindOf(Kind outside, std::string_view name) {
     return Kind::Data;
 }
 
+// By these a user's folder is known. They are deleted last, so that a removal that was cut off can go on.
+constexpr std::string_view kMarks[] = {"user.dat", "user.dat~", LLeftOver::kInUseLock};
+
+// Eight digits may also be a date that somebody else has given to a folder. One that does not answer counts.
+bool IsUsers(const LPath& folder) {
+    return LFileNameOf(folder.View()) == "00000000" ||
+           std::ranges::any_of(kMarks, [&](std::string_view name) {
+               return !LFile::IsAbsent(LPath::Join(folder.View(), name));
+           });
+}
+
 bool IsAudio(std::string_view name) {
     return LEqualNoCase(LSplitPath(name).extension, ".wav");
+}
+
+// The order in which the files of a folder are taken.
+int TurnOf(const std::string& name) {
+    const auto isMark = [&](std::string_view mark) { return LEqualNoCase(mark, name); };
+    return IsAudio(name) ? 0 : std::ranges::any_of(kMarks, isMark) ? 2 : 1;
 }
 
 // On a drive that is away everything seems absent.
@@ -122,16 +139,22 @@ Holding HoldsDictations(const LPath& folder) {
 
 ProcessResult DataWalk::Process(ProcessContext& context) {
     m_kept = 0;
-    m_unread = {};
+    m_unread = m_link = {};
     if (!Walk(context, m_folder, Kind::Data, 0, 1)) return ProcessResult::Stopped;
     if (m_kept == 0) return ProcessResult::Done;
-    context.SetError(
-        m_unread.Empty()
-            ? LFormat(
-                  "%ld of the files and folders in %s could not be deleted. Another program may have them "
-                  "open, or you have no right to delete them.",
-                  static_cast<long>(m_kept), m_folder.c_str())
-            : LFormat("The folder %s cannot be read.", m_unread.c_str()));
+    if (!m_unread.Empty())
+        context.SetError(LFormat("The folder %s cannot be read.", m_unread.c_str()));
+    else if (!m_link.Empty())
+        context.SetError(
+            LFormat("The folder %s is only a link to another one. Recordings that lie there cannot be "
+                    "deleted together "
+                    "with Corvane.",
+                    m_link.c_str()));
+    else
+        context.SetError(
+            LFormat("%ld of the files and folders in %s could not be deleted. Another program may have them "
+                    "open, or you have no right to delete them.",
+                    static_cast<long>(m_kept), m_folder.c_str()));
     return ProcessResult::Failed;
 }
 
@@ -140,8 +163,16 @@ bool DataWalk::Walk(ProcessContext& context, const LPath& folder, Kind kind, dou
     std::vector<std::string> files, folders;
     const auto sort = [&](const LFolderEntry& entry) {
         if (!entry.isFolder && IsOurs(kind, entry.name)) files.push_back(entry.name);
-        if (entry.isFolder && !entry.isLink && KindOf(kind, entry.name) != Kind::Data)
+        if (!entry.isFolder || KindOf(kind, entry.name) == Kind::Data) return true;
+        const LPath inside = LPath::Join(folder.View(), entry.name);
+        if (kind == Kind::Data && !IsUsers(inside)) return true;
+        if (!entry.isLink) {
             folders.push_back(entry.name);
+            return true;
+        }
+        LTrace("DataWalk::Walk left out a link", inside.View());
+        m_link = inside;
+        ++m_kept;
         return true;
     };
     if (!Enter(folder, kind)) return true;
@@ -158,9 +189,9 @@ bool DataWalk::Walk(ProcessContext& context, const LPath& folder, Kind kind, dou
         from += step;
     }
     double done = 0;
-    for (const bool isAudio : {true, false}) {
+    for (const int turn : {0, 1, 2}) {
         for (const std::string& name : files) {
-            if (IsAudio(name) != isAudio) continue;
+            if (TurnOf(name) != turn) continue;
             if (context.CancelRequested()) return false;
             Take(LPath::Join(folder.View(), name), kind);
             context.SetProgress(from + step * ++done / static_cast<double>(files.size()));

@@ -6,13 +6,15 @@
 #include "base/LProcess.h"
 
 // What lies in a data folder, and its deletion when Corvane is removed with everything that was dictated.
-// Only files are touched whose names and places this program gives (docs/file-formats.md); what is foreign
-// stays with its folder, and so does what only a link leads to.
-// Errors: a folder that cannot be listed, or whose drive is away, is not an empty one.
+// Only files are touched whose names and places this program gives (docs/file-formats.md), in the folders of
+// users: 00000000, and those of eight digits with a user's file or lock. What is foreign stays with its
+// folder, and so does what only a link leads to.
+// Errors: a folder that cannot be listed, or whose drive is away, is not an empty one, and neither is a link
+//         in the place of one of our folders: both count as kept.
 // Thread: the one that runs the process.
 
-// Whether a folder is a data folder that must not be left behind: it has settings, or the folder of a user
-// with any file of a dictation, also behind a link. Unknown: it cannot be listed.
+// Whether a folder is a data folder that must not be left behind: it has settings, or a folder of eight
+// digits with any file of a dictation, also behind a link. Unknown: it cannot be listed.
 enum class Holding { No, Yes, Unknown };
 Holding HoldsDictations(const LPath& folder);
 
@@ -20,14 +22,15 @@ Holding HoldsDictations(const LPath& folder);
 class DataWalk : public LProcess {
 public:
     enum class Kind { Data, User, Current, Sent, Import };  // of a folder
-    // Failed, with an error text, when a folder could not be listed or something was kept.
+    // Failed, with an error text, when a folder could not be listed, is a link, or something was kept.
     ProcessResult Process(ProcessContext& context) final;
 
 protected:
     explicit DataWalk(const LPath& folder) : m_folder(folder) {}
     // False leaves a folder out.
     virtual bool Enter(const LPath& folder, Kind kind) = 0;
-    // Each file, those of audio first, when the folders beside it are done.
+    // Each file, those of audio first, those by which a user's folder is known last, when the folders beside
+    // it are done.
     virtual void Take(const LPath& file, Kind kind) = 0;
     virtual void Leave(const LPath&) {}
 
@@ -36,7 +39,7 @@ protected:
 private:
     bool Walk(ProcessContext& context, const LPath& folder, Kind kind, double from, double to);
 
-    LPath m_folder, m_unread;
+    LPath m_folder, m_unread, m_link;
 };
 
 struct DataContents {

@@ -12,7 +12,7 @@ constexpr char kOurs[] =
     "00000007/inuse.lck 00000007/moving.mo~ 00000007/untold.txt 00000007/Import/00000013.lck "
     "00000007/Current/00000012.dat 00000007/Current/00000012.WAV 00000007/Current/00000012.bad10 "
     "00000007/Current/00000014.wav 00000007/Sent/00000011.dat 00000007/Sent/dct00007-00011.dct "
-    "00000009/Sent/00000012.wav";
+    "00000009/Sent/00000012.wav 00000009/user.dat~";
 constexpr char kForeign[] =
     "00000007/Sent/00000011.bak 00000007/Sent/letter.wav 00000007/rec.dat 2001/user.dat corvane.exe ";
 
@@ -44,13 +44,9 @@ TEST_F(DataRemovalTest, DeletesOurFilesAndFoldersAndNothingElse) {
     EXPECT_EQ(HoldsDictations({}), Holding::Unknown);
     Put(kForeign);
     EXPECT_EQ(HoldsDictations(m_temp.Path()), Holding::No);
-    Put("00000007/Sent/00000012.tmp");
+    Put("20051225/Current/12345678.txt 00000007/Sent/00000012.tmp");
     EXPECT_EQ(HoldsDictations(m_temp.Path()), Holding::Yes);
     Put(kOurs);
-    TempFolder outside;
-    WriteFileText(outside.File("00000001.wav"), "x");
-    std::error_code refused;
-    std::filesystem::create_directory_symlink(outside.Path().c_str(), At("00000009/Current"), refused);
     std::filesystem::permissions(At("00000007/Current/00000012.WAV"), std::filesystem::perms::owner_read);
     DataCount count(m_temp.Path(), [](const LPath&) { return int32_t{2000000000}; });
     EXPECT_EQ(count.Process(m_context), ProcessResult::Done);
@@ -59,7 +55,18 @@ TEST_F(DataRemovalTest, DeletesOurFilesAndFoldersAndNothingElse) {
     EXPECT_EQ(DataRemoval(m_temp.Path()).Process(m_context), ProcessResult::Done);
     EXPECT_EQ(Left(std::string(kOurs) + " " + kForeign), kForeign);
     EXPECT_FALSE(LFile::IsFolder(m_temp.File("00000007/Current")));
-    EXPECT_TRUE(LFile::Exists(outside.File("00000001.wav")));
+    EXPECT_TRUE(LFile::Exists(m_temp.File("20051225/Current/12345678.txt"))) << "a date";
+}
+
+TEST_F(DataRemovalTest, ALinkKeepsTheUsersFilesAndTheSettings) {
+    const std::string kept = "settings.ini 00000009/user.dat ";
+    Put(kept + "00000008/user.dat 00000001.wav");
+    std::error_code refused;
+    std::filesystem::create_directory_symlink(At(""), At("00000009/Current"), refused);
+    if (refused) GTEST_SKIP() << refused.message();
+    EXPECT_EQ(DataCount(m_temp.Path(), nullptr).Process(m_context), ProcessResult::Failed);
+    EXPECT_EQ(DataRemoval(m_temp.Path()).Process(m_context), ProcessResult::Failed);
+    EXPECT_EQ(Left(kept + "00000008/user.dat 00000001.wav"), kept + "00000001.wav ");
 }
 
 TEST_F(DataRemovalTest, AUserForWhomAProgramRunsKeepsAllThatItNeeds) {
