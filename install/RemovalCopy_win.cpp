@@ -1,5 +1,7 @@
 #include "install/RemovalCopy_win.h"
 
+#include <cstdlib>
+
 #include "base/LFile.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
@@ -12,6 +14,7 @@ namespace {
 constexpr char kFolderPrefix[] = "cvr";
 constexpr char kProgram[] = "corvane.exe";
 constexpr uint32_t kMostTries = 100;
+constexpr int kArgumentsOfCopy = 3;  // argument 0, "/uninstall", the installed program
 
 LPath TemporaryFolder() {
     char folder[kPathSize];
@@ -45,7 +48,12 @@ bool CopyAndStart(const LPath& program, const LPath& copy) {
 
 }  // namespace
 
+// The place of a copy may have another spelling than the temporary folder; its second argument is certain.
 bool RemovalCopy::Start() {
+    if (__argc >= kArgumentsOfCopy) {
+        LTrace("RemovalCopy::Start refused in a copy");
+        return false;
+    }
     const LPath program = LProgramPath();
     const LPath folder = program.Empty() ? LPath() : MakeOwnFolder();
     const LPath copy = folder.Empty() ? LPath() : LPath::Join(folder.View(), kProgram);
@@ -65,7 +73,7 @@ bool RemovalCopy::IsRunning() {
 
 LPath RemovalCopy::Installed(int argumentCount, const char* const* arguments) {
     const LPath own = LProgramPath();
-    if (argumentCount < 3) return own;
+    if (argumentCount < kArgumentsOfCopy) return own;
     const LPath named = IsRunning() ? InstalledProgramOf(own, arguments[2]) : LPath();
     return LFile::Exists(named) ? named : LPath();
 }

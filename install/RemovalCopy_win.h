@@ -11,7 +11,8 @@
 class RemovalCopy {
 public:
     // Copies the running program and starts the copy; the caller then ends. False (traced), with nothing left
-    // behind, when either is impossible: there is no temporary folder, or no room in it.
+    // behind, when either is impossible: there is no temporary folder, or no room in it; and in a run that
+    // Start has begun, whether or not it knows itself for a copy (IsRunning), since there would be no end.
     static bool Start();
 
     // Whether this run is such a copy, by where it lies.
@@ -22,7 +23,7 @@ public:
     // has written, or names no file that is there.
     static LPath Installed(int argumentCount, const char* const* arguments);
 
-    // At the end of the copy: has it deleted with its folder at the next start of the machine. False when
-    // they stay, or this is no copy.
+    // Has the copy deleted with its folder at the next start of the machine, and changes nothing now: it may
+    // be called as soon as the copy runs, and again. False when they stay, or this is no copy.
     static bool DeleteItself();
 };
