@@ -2,6 +2,7 @@
 
 #include "base/LOwned.h"
 #include "base/LPath.h"
+#include "base/LSystemFunction_win.h"
 #include "base/LText.h"
 #include "base/LTrace.h"
 
@@ -91,6 +92,36 @@ std::optional<LRegistryValue> LReadRegistryValue(HKEY hive, const char* keyName,
 
 bool LWriteRegistryValue(HKEY hive, const char* key, const char* value, const LRegistryValue& data) {
     return Write(hive, key, value, data.type, data.bytes.data(), data.bytes.size());
+}
+
+LReadResult LReadRegistryTexts(HKEY hive, const char* keyName, const wchar_t* value, std::wstring& texts) {
+    constexpr DWORD kLongest = 1u << 20;
+    using QueryValue = LONG(WINAPI*)(HKEY, LPCWSTR, LPDWORD, LPDWORD, LPBYTE, LPDWORD);
+    const auto query = LSystemFunction<QueryValue>("RegQueryValueExW", "advapi32.dll");
+    texts.clear();
+    if (IsMissing(hive, keyName)) return LReadResult::Absent;
+    const Key key = Open(hive, keyName, KEY_QUERY_VALUE);
+    DWORD type = 0;
+    DWORD size = 0;
+    if (!key || !query) return LReadResult::Unreadable;
+    const LONG found = query(key.Get(), value, nullptr, &type, nullptr, &size);
+    if (found == ERROR_FILE_NOT_FOUND) return LReadResult::Absent;
+    if (found != ERROR_SUCCESS || type != REG_MULTI_SZ || size > kLongest) return LReadResult::Unreadable;
+    texts.resize(size / sizeof(wchar_t));
+    DWORD read = static_cast<DWORD>(texts.size() * sizeof(wchar_t));
+    const bool isWhole = query(key.Get(), value, nullptr, &type, reinterpret_cast<BYTE*>(texts.data()),
+                               &read) == ERROR_SUCCESS &&
+                         type == REG_MULTI_SZ && read == size;
+    return isWhole ? LReadResult::Values : LReadResult::Unreadable;
+}
+
+bool LWriteRegistryTexts(HKEY hive, const char* keyName, const wchar_t* value, std::wstring_view texts) {
+    using SetValue = LONG(WINAPI*)(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD);
+    const auto set = LSystemFunction<SetValue>("RegSetValueExW", "advapi32.dll");
+    const Key key = Open(hive, keyName, KEY_SET_VALUE);
+    return key && set &&
+           set(key.Get(), value, 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>(texts.data()),
+               static_cast<DWORD>(texts.size() * sizeof(wchar_t))) == ERROR_SUCCESS;
 }
 
 bool LDeleteRegistryValue(HKEY hive, const char* keyName, const char* value) {

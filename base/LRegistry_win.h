@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/LFile.h"
+
 // Single values of the registry.
 // Errors: a value that is missing or of another type reads as empty.
 // Thread: any.
@@ -27,6 +29,10 @@ struct LRegistryValue {
 };
 std::optional<LRegistryValue> LReadRegistryValue(HKEY hive, const char* key, const char* value);
 bool LWriteRegistryValue(HKEY hive, const char* key, const char* value, const LRegistryValue& data);
+// A list of texts (REG_MULTI_SZ), each ended by a zero, with all characters, some of which the code page may
+// not have; at most 1 MB. Not on Windows 95 and 98. Unreadable: it is there, and too long or of another type.
+LReadResult LReadRegistryTexts(HKEY hive, const char* key, const wchar_t* value, std::wstring& texts);
+bool LWriteRegistryTexts(HKEY hive, const char* key, const wchar_t* value, std::wstring_view texts);
 // True when the value is not there afterwards.
 bool LDeleteRegistryValue(HKEY hive, const char* key, const char* value);
 // Deletes a key that holds neither values nor keys; true when it is not there afterwards.

@@ -1,5 +1,6 @@
 #include "install/DelayedDeletion_win.h"
 
+#include <functional>
 #include <vector>
 
 #include "base/LFile.h"
@@ -18,20 +19,29 @@ namespace {
 
 constexpr char kRunOnce[] = "Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce";
 constexpr int kMostCommands = 100;
+constexpr char kSessionManager[] = "SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+constexpr wchar_t kMoves[] = L"PendingFileRenameOperations";
 
 bool IsWindows95() {
     return (GetVersion() & 0x80000000) != 0;
 }
 
-bool AddToWininit(const LPath& file) {
+// False when it cannot be read or written; what is the same afterwards is not.
+bool ChangeWininit(const std::function<std::string(std::string_view before)>& changed) {
     const LPath wininit = LPath::Join(LWindowsFolder().View(), "wininit.ini");
     const LPath beside = wininit.WithExtension(".in~");
     std::vector<uint8_t> bytes;
     if (LFile::TryRead(wininit, kLongestProfile, bytes) == LReadResult::Unreadable) return false;
     const std::string_view before(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const std::string text = WithDeletion(before, ShortPathOf(file).View());
-    return LFile::WriteWhole(wininit, beside, {reinterpret_cast<const uint8_t*>(text.data()), text.size()}) ||
+    const std::string text = changed(before);
+    return text == before ||
+           LFile::WriteWhole(wininit, beside, {reinterpret_cast<const uint8_t*>(text.data()), text.size()}) ||
            LFile::SettleBeside(beside, wininit);
+}
+
+bool AddToWininit(const LPath& file) {
+    return ChangeWininit(
+        [path = ShortPathOf(file)](std::string_view before) { return WithDeletion(before, path.View()); });
 }
 
 bool MoveToNothing(const LPath& path) {
@@ -40,16 +50,50 @@ bool MoveToNothing(const LPath& path) {
     return moveFileEx && moveFileEx(path.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
 }
 
+// Takes out of the registry what MoveToNothing has put there.
+bool WithdrawMoves(std::span<const LPath> spellings) {
+    std::wstring moves;
+    const LReadResult read = LReadRegistryTexts(HKEY_LOCAL_MACHINE, kSessionManager, kMoves, moves);
+    if (read != LReadResult::Values) return read == LReadResult::Absent;
+    const auto isOurs = [&](std::wstring_view wide) {
+        char path[kPathSize];
+        const int length = WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), path,
+                                               sizeof path, nullptr, nullptr);
+        return length > 0 && LiesIn({path, static_cast<size_t>(length)}, spellings);
+    };
+    const std::wstring left = WithoutDeletions(moves, isOurs);
+    return left == moves || LWriteRegistryTexts(HKEY_LOCAL_MACHINE, kSessionManager, kMoves, left);
+}
+
 // In Windows 95 and 98 everybody may write the machine's part, and whoever logs on next starts its commands.
+HKEY HiveOfCommands() {
+    return IsWindows95() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+std::string NameOfCommand(int number) {
+    return LFormat("Corvane %d", number);
+}
+
 bool AddCommand(const std::string& command) {
-    const HKEY hive = IsWindows95() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+    const HKEY hive = HiveOfCommands();
     for (int i = 1; !command.empty() && i <= kMostCommands; ++i) {
-        const std::string name = LFormat("Corvane %d", i);
+        const std::string name = NameOfCommand(i);
         const std::string found = LReadRegistryText(hive, kRunOnce, name.c_str());
         if (found == command) return true;
         if (found.empty()) return LWriteRegistryText(hive, kRunOnce, name.c_str(), command);
     }
     return false;
+}
+
+bool WithdrawCommands(std::span<const LPath> spellings) {
+    const HKEY hive = HiveOfCommands();
+    bool isWhole = true;
+    for (int i = 1; i <= kMostCommands; ++i) {
+        const std::string name = NameOfCommand(i);
+        if (DeletesIn(LReadRegistryText(hive, kRunOnce, name.c_str()), spellings))
+            isWhole = LDeleteRegistryValue(hive, kRunOnce, name.c_str()) && isWhole;
+    }
+    return isWhole;
 }
 
 LPath Interpreter() {
@@ -76,5 +120,17 @@ bool DeleteAtNextStart(std::span<const DeletedPath> paths) {
     }
     if (left.empty() || AddCommand(DeletionCommand(Interpreter(), left))) return true;
     LTrace("DeleteAtNextStart unable to delete", left.front().path.View());
+    return false;
+}
+
+bool WithdrawDeletions(const LPath& folder) {
+    const LPath plain = folder.WithoutSeparator();
+    const LPath spellings[] = {plain, ShortPathOf(plain)};
+    const bool isStartClear =
+        IsWindows95()
+            ? ChangeWininit([&](std::string_view before) { return WithoutDeletions(before, spellings); })
+            : WithdrawMoves(spellings);
+    if (WithdrawCommands(spellings) && isStartClear) return true;
+    LTrace("WithdrawDeletions unable to keep", folder.View());
     return false;
 }

@@ -16,6 +16,12 @@
 // Thread: any.
 bool DeleteAtNextStart(std::span<const DeletedPath> paths);
 
+// Takes back what was to be deleted in an existing folder, or the folder itself, at the next start: an
+// installation puts files of the same names there. Nothing is written when there is nothing of it.
+// Errors: false (traced) when something may be deleted all the same.
+// Thread: any.
+bool WithdrawDeletions(const LPath& folder);
+
 // The name of an existing file or folder in which every part has at most eight and three characters; the path
 // itself where the platform has none.
 LPath ShortPathOf(const LPath& path);

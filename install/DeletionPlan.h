@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,3 +23,22 @@ struct DeletedPath {
 // path. Empty without an interpreter, when the platform would cut the line, and when a part of a path would
 // be taken for a variable. "command.com", of Windows 95 and 98, deletes only folders, by their short paths.
 std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPath> paths);
+
+// What takes deletions back, since files of the same names are there again.
+
+// Whether a path is that of a folder or lies in it, by one of its spellings (the long and the short one).
+bool LiesIn(std::string_view path, std::span<const LPath> spellings);
+
+// The contents of "wininit.ini" without the lines of its section "rename" that delete what lies in the
+// folder.
+std::string WithoutDeletions(std::string_view wininit, std::span<const LPath> spellings);
+
+// Whether a command line of DeletionCommand deletes anything that lies in the folder.
+bool DeletesIn(std::string_view command, std::span<const LPath> spellings);
+
+// What the other platforms keep in the registry: pairs of texts, each ended by a zero, the path of what is
+// moved, as the platform's core writes it, and that of its target, which is empty where it is deleted, and a
+// zero behind all. Leaves out the deletions of what lies in a folder, which is asked by the usual path
+// ("C:\..." or "\\server\share\..."); all other bytes stay, also behind the first that is no such pair.
+std::wstring WithoutDeletions(std::wstring_view pairs,
+                              const std::function<bool(std::wstring_view path)>& liesInFolder);
