@@ -29,15 +29,16 @@ std::string DeletionCommand(const LPath& interpreter, std::span<const DeletedPat
 // Whether a path is that of a folder or lies in it, by one of its spellings (the long and the short one).
 bool LiesIn(std::string_view path, std::span<const LPath> spellings);
 
-// The contents of "wininit.ini" without the lines of its section "rename" that delete what lies in the folder.
+// The contents of "wininit.ini" without the lines of its section "rename" that delete what lies in the
+// folder.
 std::string WithoutDeletions(std::string_view wininit, std::span<const LPath> spellings);
 
 // Whether a command line of DeletionCommand deletes anything that lies in the folder.
 bool DeletesIn(std::string_view command, std::span<const LPath> spellings);
 
-// What the other platforms keep in the registry: pairs of texts, each ended by a zero, the path of the
-// platform's core of what is moved and of its target, which is empty where it is deleted, and a zero behind
-// all. Leaves out the deletions of what lies in a folder (by its usual path, "C:\..." or "\\server\share\...");
-// all other bytes stay, also behind the first that is no such pair.
+// What the other platforms keep in the registry: pairs of texts, each ended by a zero, the path of what is
+// moved, as the platform's core writes it, and that of its target, which is empty where it is deleted, and a
+// zero behind all. Leaves out the deletions of what lies in a folder, which is asked by the usual path
+// ("C:\..." or "\\server\share\..."); all other bytes stay, also behind the first that is no such pair.
 std::wstring WithoutDeletions(std::wstring_view pairs,
                               const std::function<bool(std::wstring_view path)>& liesInFolder);

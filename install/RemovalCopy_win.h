@@ -23,7 +23,7 @@ public:
     // has written, or names no file that is there.
     static LPath Installed(int argumentCount, const char* const* arguments);
 
-    // Has the copy deleted with its folder at the next start of the machine, and changes nothing now: it may be
-    // called as soon as the copy runs, and again. False when they stay, or this is no copy.
+    // Has the copy deleted with its folder at the next start of the machine, and changes nothing now: it may
+    // be called as soon as the copy runs, and again. False when they stay, or this is no copy.
     static bool DeleteItself();
 };

@@ -189,11 +189,13 @@ bool DataWalk::Walk(ProcessContext& context, const LPath& folder, Kind kind, dou
         from += step;
     }
     double done = 0;
-    std::ranges::stable_sort(files, {}, TurnOf);
-    for (const std::string& name : files) {
-        if (context.CancelRequested()) return false;
-        Take(LPath::Join(folder.View(), name), kind);
-        context.SetProgress(from + step * ++done / static_cast<double>(files.size()));
+    for (const int turn : {0, 1, 2}) {
+        for (const std::string& name : files) {
+            if (TurnOf(name) != turn) continue;
+            if (context.CancelRequested()) return false;
+            Take(LPath::Join(folder.View(), name), kind);
+            context.SetProgress(from + step * ++done / static_cast<double>(files.size()));
+        }
     }
     Leave(folder);
     return true;

@@ -13,8 +13,8 @@
 //         in the place of one of our folders: both count as kept.
 // Thread: the one that runs the process.
 
-// Whether a folder is a data folder that must not be left behind: it has settings, or a folder of eight digits
-// with any file of a dictation, also behind a link. Unknown: it cannot be listed.
+// Whether a folder is a data folder that must not be left behind: it has settings, or a folder of eight
+// digits with any file of a dictation, also behind a link. Unknown: it cannot be listed.
 enum class Holding { No, Yes, Unknown };
 Holding HoldsDictations(const LPath& folder);
 
@@ -29,7 +29,8 @@ protected:
     explicit DataWalk(const LPath& folder) : m_folder(folder) {}
     // False leaves a folder out.
     virtual bool Enter(const LPath& folder, Kind kind) = 0;
-    // Each file, those of audio first, those by which a user's folder is known last, when the folders beside it are done.
+    // Each file, those of audio first, those by which a user's folder is known last, when the folders beside
+    // it are done.
     virtual void Take(const LPath& file, Kind kind) = 0;
     virtual void Leave(const LPath&) {}
 

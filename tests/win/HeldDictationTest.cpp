@@ -76,6 +76,7 @@ TEST_F(HeldDictationTest, AnItemOfAListMovesOnceItCanBeRead) {
 }
 
 TEST_F(HeldDictationTest, ARemovalKeepsADictationWithItsAudio) {
+    WriteFileText(m_user.userFile, "");
     const HeldFile held(Current(12).audio);
     NotingContext context;
     EXPECT_EQ(DataRemoval(m_temp.Path()).Process(context), ProcessResult::Failed);
