@@ -148,8 +148,8 @@ private:
         return reason == nullptr;
     }
 
-    // Files of the names that are installed, which belong to no Corvane. In a folder of our name they are what an
-    // earlier one has left.
+    // Files of the names that are installed, which belong to no Corvane. In a folder of our name they are
+    // what an earlier one has left.
     bool HoldsForeignFiles(const LPath& folder) const {
         return !HoldsProgram(folder) && !LEqualNoCase(LFileNameOf(folder.View()), "Corvane") &&
                std::ranges::any_of(m_package.Files(), [&](const PackageFile& file) {

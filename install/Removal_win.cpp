@@ -90,6 +90,19 @@ private:
     bool m_deletesData = false;
 };
 
+// The counting, with a text: the bar alone would look like the removal.
+class CountProcess final : public LProcess {
+public:
+    explicit CountProcess(DataCount& count) : m_count(count) {}
+    ProcessResult Process(ProcessContext& context) override {
+        context.SetStatus("Counting the recordings. Nothing is deleted yet.");
+        return m_count.Process(context);
+    }
+
+private:
+    DataCount& m_count;
+};
+
 std::string Counted(int32_t count, const char* what) {
     return LFormat(count == 1 ? "%d %s" : "%d %ss", count, what);
 }
@@ -101,12 +114,13 @@ std::string Duration(int64_t ms) {
 }
 
 bool RemoveDialog::Confirms() {
-    DataCount process(m_dataFolder, m_lengthMs);
+    DataCount counted(m_dataFolder, m_lengthMs);
+    CountProcess process(counted);
     std::string error;
     const ProcessResult result = LProgressDialog::Run(process, Window(), "Counting Recordings", error);
     if (!error.empty()) Tell(Window(), error, kRemovalError);
     if (result != ProcessResult::Done || !IsOpen()) return false;
-    const DataContents& count = process.Contents();
+    const DataContents& count = counted.Contents();
     const std::string text = LFormat(
         kConfirm, LShownPath(m_dataFolder.View()).c_str(), Counted(count.dictations, "dictation").c_str(),
         Duration(count.audioMs).c_str(), Counted(count.users, "user").c_str(), count.notSent);
