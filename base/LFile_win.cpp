@@ -219,8 +219,10 @@ bool LFile::IsReadOnly(const LPath& path) {
 
 // Windows 95 and 98, which know no rights, may deny the access to a program that runs.
 bool LFile::IsHeld(const LPath& path) {
-    if (LFile(path, Open::Write).IsOpen()) return false;
-    const DWORD error = GetLastError();
+    if (path.Empty()) return false;
+    const LOwned<FileTraits> opened(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const DWORD error = opened ? ERROR_SUCCESS : GetLastError();
     const bool knowsRights = (GetVersion() & 0x80000000U) == 0;
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
            (error == ERROR_ACCESS_DENIED && !knowsRights && !IsReadOnly(path));
@@ -228,8 +230,9 @@ bool LFile::IsHeld(const LPath& path) {
 
 bool LFile::MakeWritable(const LPath& path) {
     const DWORD attributes = path.Empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesA(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_READONLY))
+        return attributes != INVALID_FILE_ATTRIBUTES;
+    return SetFileAttributesA(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY}) != FALSE;
 }
 
 LFile::Attempt LFile::TryDelete(const LPath& path) {

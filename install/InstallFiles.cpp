@@ -4,12 +4,12 @@
 
 #include "base/LText.h"
 #include "base/LTrace.h"
+#include "install/InstallTable.h"
 
 // The program comes last into its place: while it runs nothing is touched, and whatever cuts the run off,
 // there is a program in the folder but for a moment. A running program is told by opening its file to write,
 // which every Windows refuses then; that it could be moved away under its user's hands proves nothing.
 
-static constexpr char kProgram[] = "corvane.exe";
 static constexpr char kList[] = "corvane.lst";
 static constexpr char kBeside[] = ".new~";
 static constexpr char kAside[] = ".old~";
@@ -39,9 +39,9 @@ static std::vector<std::string> ReadList(const LPath& folder) {
 std::vector<std::string> InstalledNames(const LPath& folder) {
     std::vector<std::string> names = ReadList(folder);
     std::erase_if(names, [](const std::string& name) {
-        return LEqualNoCase(name, kProgram) || LEqualNoCase(name, kList);
+        return LEqualNoCase(name, kProgramFile) || LEqualNoCase(name, kList);
     });
-    names.insert(names.end(), {kList, kProgram});
+    names.insert(names.end(), {kList, kProgramFile});
     return names;
 }
 
@@ -50,7 +50,7 @@ std::vector<std::string> RemoveInstalledFiles(const LPath& folder) {
     for (const std::string& name : InstalledNames(folder)) {
         for (const char* ending : {kBeside, kAside, ""}) {
             const LPath path = Named(folder, name, ending);
-            if (LFile::IsReadOnly(path)) LFile::MakeWritable(path);
+            LFile::MakeWritable(path);
             if (!LFile::IsAbsent(path) && !LFile::Delete(path, kMoveWaitMs)) staying.push_back(name + ending);
         }
     }
@@ -58,13 +58,14 @@ std::vector<std::string> RemoveInstalledFiles(const LPath& folder) {
 }
 
 bool IsProgramHeld(const LPath& program) {
-    if (LFile::IsReadOnly(program)) LFile::MakeWritable(program);
+    LFile::MakeWritable(program);
     return LFile::Exists(program) && LFile::IsHeld(program);
 }
 
 bool HoldsProgram(const LPath& folder) {
-    return LFile::Exists(LPath::Join(folder.View(), kProgram)) ||
-           LFile::Exists(Named(folder, kProgram, kAside)) || LFile::Exists(LPath::Join(folder.View(), kList));
+    return LFile::Exists(LPath::Join(folder.View(), kProgramFile)) ||
+           LFile::Exists(Named(folder, kProgramFile, kAside)) ||
+           LFile::Exists(LPath::Join(folder.View(), kList));
 }
 
 LPath InstallFiles::Beside(const PackageFile& file) const {
@@ -115,7 +116,7 @@ bool InstallFiles::Swap(const PackageFile& file) const {
 
 bool InstallFiles::SetAside(const PackageFile& file) const {
     if (LFile::IsFolder(Place(file))) return false;  // somebody else's
-    if (LFile::IsReadOnly(Place(file))) LFile::MakeWritable(Place(file));
+    LFile::MakeWritable(Place(file));
     if (LFile::IsAbsent(Place(file))) return true;
     if (!LFile::IsAbsent(Aside(file))) LFile::Delete(Aside(file), kMoveWaitMs);  // of a former run
     return LFile::Move(Place(file), Aside(file), kMoveWaitMs);

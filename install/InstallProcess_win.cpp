@@ -82,8 +82,11 @@ ProcessResult InstallProcess::Process(ProcessContext& context) {
     const FolderAccess access = isEveryones ? FolderAccess::Everyone : FolderAccess::Inherited;
     const ReplacingProgram replacing;
     NewFolders folders;
-    // Only where dictations lie may everyone write: nobody is to replace a program for others.
-    if (!folders.Make(folder, m_installation.isDataKept ? FolderAccess::Inherited : access))
+    // Only where dictations lie may everyone write: nobody is to replace a program for others. An empty
+    // folder is made anew for that: whoever made it, as in the shell's dialog, gave it no such access.
+    const bool isForAll = isEveryones && !m_installation.isDataKept;
+    if (isForAll) LFile::DeleteFolder(folder);
+    if (!folders.Make(folder, isForAll ? access : FolderAccess::Inherited))
         return Fail(context, kNoFolder, folder);
     const LPath user = UserFolderPath(LPath::Join(m_installation.dataFolder.View(), ""), 0);
     // Where those of before are away, each start makes them (SelectUser).

@@ -47,8 +47,8 @@ std::vector<InstalledKey> InstalledKeys(const Installation& installation) {
 }
 
 std::vector<InstalledShortcut> InstalledShortcuts() {
-    constexpr char kProgram[] = "Records dictations and sends them to your typist.";
-    return {{ShortcutPlace::Desktop, "Corvane.lnk", "corvane.exe", kProgram},
-            {ShortcutPlace::StartMenu, "Corvane.lnk", "corvane.exe", kProgram},
+    constexpr char kDescription[] = "Records dictations and sends them to your typist.";
+    return {{ShortcutPlace::Desktop, "Corvane.lnk", kProgramFile, kDescription},
+            {ShortcutPlace::StartMenu, "Corvane.lnk", kProgramFile, kDescription},
             {ShortcutPlace::StartMenu, "Corvane Manual.lnk", "corvane.htm", "Explains Corvane."}};
 }

@@ -13,6 +13,9 @@
 // The entry of the platform's list of programs, in the hive of the machine or in the user's.
 inline constexpr char kUninstallKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Corvane";
 
+// The program, in its folder.
+inline constexpr char kProgramFile[] = "corvane.exe";
+
 // Whom Corvane is installed for. Somebody without the right to write the machine's part of the registry
 // installs it for himself.
 enum class InstallScope { Everyone, ThisUser };
@@ -27,7 +30,7 @@ struct Installation {
     bool hasServices = false;  // Windows 95 and 98 start the programs of a key of their own
     uint32_t sizeKb = 0;       // of the installed files
 
-    LPath Program() const { return LPath::Join(folder.View(), "corvane.exe"); }
+    LPath Program() const { return LPath::Join(folder.View(), kProgramFile); }
     RegistryHive Hive() const {
         return scope == InstallScope::Everyone ? RegistryHive::Machine : RegistryHive::User;
     }

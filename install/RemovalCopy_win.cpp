@@ -6,13 +6,13 @@
 #include "base/LText.h"
 #include "base/LTrace.h"
 #include "install/DelayedDeletion_win.h"
+#include "install/InstallTable.h"
 #include "install/RemovalArguments.h"
 #include "ui/LShell.h"
 
 namespace {
 
 constexpr char kFolderPrefix[] = "cvr";
-constexpr char kProgram[] = "corvane.exe";
 constexpr uint32_t kMostTries = 100;
 constexpr int kArgumentsOfCopy = 3;  // argument 0, "/uninstall", the installed program
 
@@ -56,7 +56,7 @@ bool RemovalCopy::Start() {
     }
     const LPath program = LProgramPath();
     const LPath folder = program.Empty() ? LPath() : MakeOwnFolder();
-    const LPath copy = folder.Empty() ? LPath() : LPath::Join(folder.View(), kProgram);
+    const LPath copy = folder.Empty() ? LPath() : LPath::Join(folder.View(), kProgramFile);
     if (!copy.Empty() && CopyAndStart(program, copy)) return true;
     LTrace("RemovalCopy::Start unable to copy or start", copy.View());
     LFile::Delete(copy);

@@ -60,22 +60,16 @@ bool MakeFolderForEveryone(const LPath& folder) {
     return CreateDirectoryA(folder.WithoutSeparator().c_str(), access.Attributes());
 }
 
-static std::vector<LPath> MakeMissing(const LPath& folder, FolderAccess access) {
+std::vector<LPath> MakeFolders(const LPath& wanted, FolderAccess access) {
+    const LPath folder = wanted.WithoutSeparator();
     if (folder.Empty() || LFile::IsFolder(folder)) return {};
     std::vector<LPath> made;
     const LPath above = LFolderAbove(folder);
-    if (above.View().size() < folder.View().size()) made = MakeMissing(above, access);
+    if (above.View().size() < folder.View().size()) made = MakeFolders(above, access);
     const bool isMade =
         access == FolderAccess::Everyone ? MakeFolderForEveryone(folder) : LFile::MakeFolder(folder);
     if (isMade) made.push_back(folder);
     return made;
-}
-
-std::vector<LPath> MakeFolders(const LPath& wanted, FolderAccess access) {
-    const LPath folder = wanted.WithoutSeparator();
-    // An empty one is made anew: whoever made it, as in the shell's dialog, gave it no access for everyone.
-    if (access == FolderAccess::Everyone) LFile::DeleteFolder(folder);
-    return MakeMissing(folder, access);
 }
 
 LPath DefaultDataFolder() {

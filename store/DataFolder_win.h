@@ -19,7 +19,7 @@ LPath DefaultDataFolder();
 bool MakeFolderForEveryone(const LPath& folder);
 
 // Makes a folder and those above it that are missing, for everyone as above or with the access of the folder
-// they lie in; one that is there and empty is made anew for everyone. Returns those that were made, the
-// outermost first; whether the folder is there now is for the caller to see.
+// they lie in. Returns those that were made, the outermost first; whether the folder is there now is for the
+// caller to see.
 enum class FolderAccess { Everyone, Inherited };
 std::vector<LPath> MakeFolders(const LPath& folder, FolderAccess access);

@@ -237,7 +237,7 @@ void DataRemoval::Take(const LPath& file, Kind kind) {
                                                : m_kept > 0 && !IsAudio(file.View()) &&
                                                      LFile::Exists(file.WithExtension(".wav"));
     if (isNeeded) return;
-    if (LFile::IsReadOnly(file)) LFile::MakeWritable(file);
+    LFile::MakeWritable(file);
     if (LFile::Delete(file, kHeldWaitMs) || LFile::IsAbsent(file)) return;
     LTrace("DataRemoval::Take unable to delete", file.View());
     ++m_kept;
