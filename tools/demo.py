@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 """The main job, from set-up to typist, with the real program on the rig: tools/rig tools/demo.py
 
-The set-up program installs Corvane, which shows its introduction. A new dictation asks for the file number; a spoken sample is played into the microphone while corvane.exe
-records; the dictation is played back and wound back; a correction is spoken and inserted there, and played;
-it gets a note and is sent to a typist's folder; it is recovered and mailed, encrypted, to another one. At last
-an MP3 and the delivered container are loaded as dictations, and Corvane is removed, without the recordings. The
-sound that is heard and the files that arrive are compared with the samples. Leaves its files in out/, prints each
-step with its figure, and exits 0 only when all steps pass."""
+The set-up program installs Corvane, which shows its introduction. A new dictation asks for the file number; a
+spoken sample is played into the microphone while corvane.exe records; the dictation is played back and wound
+back; a correction is spoken and inserted there, and played; it gets a note and is sent to a typist's folder;
+it is recovered and mailed, encrypted, to another one. At last an MP3 and the delivered container are loaded
+as dictations, and Corvane is removed, without the recordings. The sound that is heard and the files that
+arrive are compared with the samples. Leaves its files in out/, prints each step with its figure, and exits 0
+only when all steps pass."""
 
 import email
 import email.policy
