@@ -106,9 +106,10 @@ LReadResult LReadRegistryTexts(HKEY hive, const char* keyName, const wchar_t* va
     if (!key || !query) return LReadResult::Unreadable;
     const LONG found = query(key.Get(), value, nullptr, &type, nullptr, &size);
     if (found == ERROR_FILE_NOT_FOUND) return LReadResult::Absent;
-    if (found != ERROR_SUCCESS || type != REG_MULTI_SZ || size > kLongest) return LReadResult::Unreadable;
+    const bool isText = type == REG_MULTI_SZ && size % sizeof(wchar_t) == 0;
+    if (found != ERROR_SUCCESS || !isText || size > kLongest) return LReadResult::Unreadable;
     texts.resize(size / sizeof(wchar_t));
-    DWORD read = static_cast<DWORD>(texts.size() * sizeof(wchar_t));
+    DWORD read = size;
     const bool isWhole = query(key.Get(), value, nullptr, &type, reinterpret_cast<BYTE*>(texts.data()),
                                &read) == ERROR_SUCCESS &&
                          type == REG_MULTI_SZ && read == size;
@@ -119,9 +120,10 @@ bool LWriteRegistryTexts(HKEY hive, const char* keyName, const wchar_t* value, s
     using SetValue = LONG(WINAPI*)(HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD);
     const auto set = LSystemFunction<SetValue>("RegSetValueExW", "advapi32.dll");
     const Key key = Open(hive, keyName, KEY_SET_VALUE);
+    const size_t bytes = texts.size() * sizeof(wchar_t);
     return key && set &&
            set(key.Get(), value, 0, REG_MULTI_SZ, reinterpret_cast<const BYTE*>(texts.data()),
-               static_cast<DWORD>(texts.size() * sizeof(wchar_t))) == ERROR_SUCCESS;
+               static_cast<DWORD>(bytes)) == ERROR_SUCCESS;
 }
 
 bool LDeleteRegistryValue(HKEY hive, const char* keyName, const char* value) {

@@ -15,28 +15,26 @@
 namespace {
 
 constexpr char kNew[] =
-    "Corvane records dictations and sends them to your typist.\n\nChoose Install to put it on this computer.";
+    "Corvane records dictations and sends them to your typist.\n\nChoose Install to put it on this "
+    "computer.";
 constexpr char kUpdate[] =
     "Corvane is on this computer already. Its program is replaced; your dictations, typists and settings "
-    "stay "
-    "as they are.\n\nA running Corvane is closed before, and a recording ended properly.";
+    "stay as they are.\n\nA running Corvane is closed before, and a recording ended properly.";
 constexpr char kOnlyAdministrator[] =
     "Only an administrator of this computer can install Corvane for everyone. For you alone it works as "
     "well.";
 constexpr char kOwnRecordings[] =
     "Your recordings lie in a folder of yours, so Corvane is installed for you.";
 constexpr char kLeavesEveryones[] =
-    "The Corvane that is installed for everyone can be replaced only by an administrator of this computer. "
-    "It "
-    "stays as it is.";
+    "The Corvane that is installed for everyone can be replaced only by an administrator of this "
+    "computer. It stays as it is.";
 constexpr char kForeign[] =
-    "In this folder there are files of other programs that Corvane would replace.\n\nPlease name a folder of "
-    "its "
-    "own for Corvane.";
+    "In this folder there are files of other programs that Corvane would replace.\n\nPlease name a "
+    "folder of its own for Corvane.";
 
 std::string Megabytes(uint64_t kb) {
-    return kb < 100 * 1024 ? LFormat("%.1f MB", static_cast<double>(kb) / 1024)
-                           : LFormat("%u MB", static_cast<unsigned>(kb / 1024));
+    return kb < 102400 ? LFormat("%.1f MB", static_cast<double>(kb) / 1024)
+                       : LFormat("%u MB", static_cast<unsigned>(kb / 1024));
 }
 
 class InstallDialog final : public LDialog {

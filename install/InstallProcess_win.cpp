@@ -14,21 +14,19 @@ namespace {
 
 constexpr char kNoFolder[] =
     "The folder\n\n%s\n\ncannot be made, or nothing can be written into it. Corvane was not "
-    "installed.\n\nPlease "
-    "choose another folder, or ask somebody who may write there.";
+    "installed.\n\nPlease choose another folder, or ask somebody who may write there.";
 constexpr char kNoRoom[] =
-    "There is not enough room on the drive of\n\n%s\n\nCorvane was not installed, and nothing was changed.";
+    "There is not enough room on the drive of\n\n%s\n\nCorvane was not installed, and nothing was "
+    "changed.";
 constexpr char kRestartFirst[] =
-    "When Windows is started next it deletes files of an earlier Corvane in\n\n%s\n\nPlease restart Windows "
-    "now, "
-    "and install Corvane then. Nothing was changed.";
+    "When Windows is started next it deletes files of an earlier Corvane in\n\n%s\n\nPlease restart "
+    "Windows now, and install Corvane then. Nothing was changed.";
 constexpr char kNotWritten[] =
     "The files of Corvane could not be written into\n\n%s\n\nThe disk may be full or write-protected, or "
-    "another "
-    "program may hold one of them. Nothing was changed; please try again.";
+    "another program may hold one of them. Nothing was changed; please try again.";
 constexpr char kNotRegistered[] =
-    "Windows did not let Corvane enter itself into the registry. Nothing was changed.\n\nAn administrator of "
-    "this computer can install Corvane.";
+    "Windows did not let Corvane enter itself into the registry. Nothing was changed.\n\nAn "
+    "administrator of this computer can install Corvane.";
 
 // Folders that are removed again unless the installation succeeds.
 class NewFolders {

@@ -24,18 +24,18 @@ constexpr char kConfirmTitle[] = "Delete Recordings";
 constexpr char kRemovalError[] = "Corvane Was Not Removed";
 constexpr char kNotInstalled[] = "This Corvane is not installed (any more). There is nothing to remove.";
 constexpr char kOnlyAdministrator[] =
-    "Corvane is installed for everyone who uses this computer. Only an administrator of this computer can "
-    "remove it.\n\nNothing was changed.";
+    "Corvane is installed for everyone who uses this computer. Only an administrator of this computer "
+    "can remove it.\n\nNothing was changed.";
 constexpr char kNoCopy[] =
     "Corvane cannot be removed now, since nothing can be written into the folder for temporary "
-    "files.\n\nPlease "
-    "see that the disk is not full, and try again.";
+    "files.\n\nPlease see that the disk is not full, and try again.";
 constexpr char kQuestion[] =
-    "Corvane will be removed from this computer. If it is open it is closed, and a recording ended properly."
-    "\n\nYour recordings and settings stay, and the next installation finds them. They lie in\n%s";
+    "Corvane will be removed from this computer. If it is open it is closed, and a recording ended "
+    "properly.\n\nYour recordings and settings stay, and the next installation finds them. They lie "
+    "in\n%s";
 constexpr char kConfirm[] =
-    "All recordings, typists and settings in\n\n%s\n\nwill be deleted for good: %s with %s of recordings, of "
-    "%s.\nNot sent yet: %d.\n\nDelete them?";
+    "All recordings, typists and settings in\n\n%s\n\nwill be deleted for good: %s with %s of "
+    "recordings, of %s.\nNot sent yet: %d.\n\nDelete them?";
 constexpr char kDeletedLater[] =
     "\n\nSome files are in use by another program. They are deleted when Windows is started next.";
 constexpr char kFilesStay[] =
@@ -169,6 +169,7 @@ ProcessResult RemoveProcess::RemoveData(ProcessContext& context) {
 // before that would lose it.
 void RemoveProcess::NoteStaying(const std::vector<std::string>& names) {
     std::vector<DeletedPath> later;
+    later.reserve(names.size() + 1);
     for (const std::string& name : names) later.push_back({LPath::Join(m_installation.folder.View(), name)});
     later.push_back({m_installation.folder, true});
     const bool isProgramStaying = LFile::Exists(m_installation.Program());

@@ -16,16 +16,15 @@
 namespace {
 
 constexpr char kNotForThisUser[] =
-    "You do not have the right to install Corvane on this computer.\n\nPlease ask an administrator of this "
-    "computer to install it for everyone.";
+    "You do not have the right to install Corvane on this computer.\n\nPlease ask an administrator of "
+    "this computer to install it for everyone.";
 constexpr char kNotThisCopy[] =
-    "The Corvane on this computer is installed for everyone, and only an administrator of this computer can "
-    "replace it.\n\nNothing was changed.";
+    "The Corvane on this computer is installed for everyone, and only an administrator of this computer "
+    "can replace it.\n\nNothing was changed.";
 constexpr char kCancelled[] = "Corvane was not installed. Nothing was changed.";
 constexpr char kNoShortcut[] =
-    "Corvane is installed, but its sign could not be put on the desktop or into the start menu.\n\nYou can "
-    "start "
-    "it from the folder\n\n%s";
+    "Corvane is installed, but its sign could not be put on the desktop or into the start menu.\n\nYou "
+    "can start it from the folder\n\n%s";
 
 class CheckProcess final : public LProcess {
 public:

@@ -120,7 +120,8 @@ def test_it_comes_is_repaired_and_goes_leaving_only_the_recordings(run, home, dr
     answer(remover, REMOVAL, IDOK)
     assert remover.wait_box(REMOVAL, 60).startswith("Corvane was removed.")
     answer(remover, REMOVAL, IDOK)
-    wait_for(lambda: not winctl.ask("find", "#32770", REMOVAL)["hwnd"], "its end")
+    # A program that runs cannot be deleted, and the next start tries but once.
+    wait_for(lambda: not winctl.ask("resources", remover.pid)["handles"], "the end of the remover")
     subprocess.run(["wine", "wineboot", "-r"])
     allowed = files | {"windows/wininit.bak", OTHER_SIGN}
     elsewhere = lambda: {p for p in drive_c.rglob("*") if home.parent not in (p, *p.parents)}
