@@ -43,9 +43,9 @@ def send_to(program, number, recipient):
 def test_three_methods_at_once_and_a_typist_who_is_not_reached(corvane, winctl, data, typists):
     with mail.server(ADDRESS) as letters:
         program = corvane()
+        seen = {program.progress()}
         for number, recipient in ((1, FOLDER), (2, FTP), (3, MAIL)):
             send_to(program, number, recipient)
-        seen = set()
         wait_for(lambda: seen.add(program.progress()) or data.status(3) == "Sent", "the last of three", 30)
         assert [data.status(number) for number in (1, 2, 3)] == ["Sent"] * 3
         assert len(seen) > 1, f"progress that moves: {seen}"
